@@ -1,0 +1,121 @@
+// Kelvane: the worker. One object per process, used for one job. Its methods are the operations,
+// declared here in groups and defined room by room: jobs/, firmware/.
+//
+// Methods take and give Values; a parameter may be nothing. Unless its declaration says otherwise,
+// no method lets an exception out: it logs the reason once, at error level, and returns with what
+// it has.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/Host.h"
+#include "platform/Value.h"
+#include "zorapi/zorapi.h"
+
+namespace kelvane {
+
+// Keys, states and texts of the job file.
+namespace job {
+inline constexpr char kLogId[] = "log_id";
+inline constexpr char kJobId[] = "job_id";
+inline constexpr char kStateId[] = "state_id";
+inline constexpr char kInputParameters[] = "input_parameters";
+inline constexpr char kOutput[] = "output";
+inline constexpr char kResult[] = "result";
+inline constexpr char kResultStr[] = "resultStr";
+
+inline constexpr char kWait[] = "WAIT";
+inline constexpr char kRun[] = "RUN";
+inline constexpr char kFree[] = "FREE";
+inline constexpr char kNoError[] = "no error";
+
+// Keys of a firmware job's input entries and of its progress entries.
+inline constexpr char kWwn[] = "wwn";
+inline constexpr char kFilePath[] = "file_path";
+inline constexpr char kFwPercentage[] = "fw_percentage";
+inline constexpr char kCpldPercentage[] = "cpld_percentage";
+inline constexpr char kTotalPercentage[] = "total_percentage";
+}  // namespace job
+
+class Kelvane {
+ public:
+  // The host is not owned and must outlive the worker and the last log line.
+  explicit Kelvane(platform::Host& host);
+
+  // --- jobs: start and job runner
+
+  // Fixes every path for the life of the process, sets the log up and reads the product settings.
+  // The shared folder is a plain prefix, with its own trailing "/"; nothing counts as empty.
+  // Returns this worker, as far as it could be set up.
+  Kelvane& init(const platform::Value& groupContainerPath);
+  // The update engine's path from the shared folder's settings, or nothing.
+  platform::Value getEngineRunnerPath(const platform::Value& groupContainerPath);
+  // Runs the first waiting job with this log id, if its command is known.
+  void run(const platform::Value& logId);
+
+  // --- jobs: job file store
+
+  // The job file's top level; nothing where it is not JSON. Raises where it cannot be read.
+  platform::Value readJSONFile();
+  // The record with the query's "log_id"; where none has it, the last record of the file (meant
+  // so); an empty dictionary where the query has no "log_id" or the file no records.
+  platform::Value readJSONFileDict(const platform::Value& query);
+  // Replaces the whole file by these records, atomically; a failure to write is silent. Raises
+  // where the log does.
+  void writeJSONFile(const platform::Value& records);
+  // Sets every key of `changes` in each record with the same "log_id" and rewrites the file.
+  // Without a "log_id" the file is left alone. Raises what reading the file raises.
+  void updateJSONFile(const platform::Value& changes);
+
+  // --- firmware: status reporting
+
+  // Gives a firmware job its progress entries ("output") and marks it "RUN".
+  void initUpgradeFWStatus(const platform::Value& record);
+  // Sets every key of the status update in the progress entries with its "wwn".
+  void updateFWUpdateStatus(const platform::Value& update, const platform::Value& logId);
+
+  // --- firmware: update
+
+  // The command "updateFW": updates every controller of the record's input parameters, one after
+  // the other, and marks the job "FREE" with its result. Returns the finished record, or nothing
+  // where an exception ended the job.
+  platform::Value updateFW(const platform::Value& record);
+  // The "device_id" of the first device of the list with this WWN; -1 where none has it.
+  std::int64_t getDevIdByWWN(const platform::Value& devices, const platform::Value& wwn);
+  // One CPLD flash process on the controller `devId`, from opening to closing. The records are
+  // handed through to the framework. Returns the status of the closing call, whatever became of
+  // the flash (meant so).
+  std::uint32_t flashCPLD(const platform::Value& deviceEntry, FlashParm* parmFlash,
+                          UsbParm* parmUSB, CpldParm* parmCPLD, FwImgInfo* parmFWImg,
+                          std::int64_t devId, const platform::Value& logId);
+
+  // --- properties
+
+  const platform::Value& GroupContainerPath() const { return _GroupContainerPath; }
+  void setGroupContainerPath(const platform::Value& path) { _GroupContainerPath = path; }
+  const platform::Value& BGPPath() const { return _BGPPath; }
+  void setBGPPath(const platform::Value& path) { _BGPPath = path; }
+  const platform::Value& EngineRunnerPath() const { return _EngineRunnerPath; }
+  void setEngineRunnerPath(const platform::Value& path) { _EngineRunnerPath = path; }
+  const platform::Value& onlineUpdateDict() const { return _onlineUpdateDict; }
+  void setOnlineUpdateDict(const platform::Value& dictionary) { _onlineUpdateDict = dictionary; }
+  const platform::Value& settingDict() const { return _settingDict; }
+  void setSettingDict(const platform::Value& settings) { _settingDict = settings; }
+
+  // What the operations sleep by.
+  platform::Host& host() const { return _host; }
+
+ private:
+  void setUp(const platform::Value& groupContainerPath);
+  void runFirstWaiting(const platform::Value& logId);
+  platform::Value dispatch(const platform::Value& record);
+
+  platform::Host& _host;
+  platform::Value _GroupContainerPath;  // string: the shared folder, or empty
+  platform::Value _BGPPath;             // string: the job file
+  platform::Value _EngineRunnerPath;    // string: the update engine, or nothing
+  platform::Value _onlineUpdateDict;    // dictionary; shared with the application's code, unused
+  platform::Value _settingDict;         // dictionary: the product settings, or nothing
+};
+
+}  // namespace kelvane

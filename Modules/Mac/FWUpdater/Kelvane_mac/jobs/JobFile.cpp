@@ -1,0 +1,58 @@
+// The job file store: every read goes to the disk, every update is a full read, merge and rewrite.
+
+#include <optional>
+#include <string>
+
+#include "Kelvane.h"
+#include "log/iLog.h"
+#include "platform/File.h"
+#include "platform/Json.h"
+
+namespace kelvane {
+
+using platform::Value;
+
+Value Kelvane::readJSONFile() {
+  return platform::parseJson(platform::readFile(_BGPPath.string()));
+}
+
+Value Kelvane::readJSONFileDict(const Value& query) {
+  Value current = Value::dictionary();
+  try {
+    const Value jobs = readJSONFile();
+    KELVANE_LOG("readJSONFileDict:", "currentJobArray = %@", jobs);
+    const Value& wanted = query.get(job::kLogId);
+    if (wanted.isNothing()) return current;
+    for (const Value& record : jobs.elements()) {
+      current = record;  // without a match, the last record is the answer: meant so
+      if (platform::equalStrings(record.get(job::kLogId), wanted)) break;
+    }
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("readJSONFileDict:", caught);
+  }
+  return current;
+}
+
+void Kelvane::writeJSONFile(const Value& records) {
+  const std::optional<std::string> text = platform::printJson(records);
+  KELVANE_LOG("writeJSONFile:", "writeJSONFile, newArray = %@", records);
+  KELVANE_LOG("writeJSONFile:", "writeJSONFile, _BGPPath = %@", _BGPPath);
+  if (text) platform::replaceFile(_BGPPath.string(), *text);
+}
+
+void Kelvane::updateJSONFile(const Value& changes) {
+  Value updated = Value::array();
+  const Value jobs = readJSONFile();
+  KELVANE_LOG("updateJSONFile:", "currentJobArray = %@", jobs);
+  const Value& logId = changes.get(job::kLogId);
+  if (logId.isNothing()) return;
+  for (const Value& record : jobs.elements()) {
+    Value merged = record;
+    if (platform::equalStrings(record.get(job::kLogId), logId)) merged.setAll(changes);
+    updated.append(merged);
+  }
+  KELVANE_LOG("updateJSONFile:", "updateJSONFile, newJobArray = %@", updated);
+  writeJSONFile(updated);
+}
+
+}  // namespace kelvane

@@ -1,0 +1,152 @@
+// The job runner: the worker's start, and the choice of the one job it runs.
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "Kelvane.h"
+#include "log/iLog.h"
+#include "platform/Exception.h"
+#include "platform/File.h"
+#include "platform/Json.h"
+#include "platform/Text.h"
+
+namespace kelvane {
+
+using platform::Value;
+
+namespace {
+
+struct Command {
+  const char* name;
+  Value (Kelvane::*operation)(const Value& record);
+};
+
+// The one place where commands are bound to operations.
+constexpr Command kCommands[] = {
+    {"updateFW", &Kelvane::updateFW},
+};
+
+Value splitAtSlashes(std::string_view path) {
+  Value components = Value::array();
+  for (;;) {
+    const std::size_t slash = path.find('/');
+    components.append(path.substr(0, slash));
+    if (slash == std::string_view::npos) return components;
+    path.remove_prefix(slash + 1);
+  }
+}
+
+// The application bundle's settings, for an executable's folder in a bundle that stands two levels
+// below the root.
+std::string productSettingsPath(const Value& executableFolder) {
+  const std::string above = platform::withoutLastComponent(executableFolder.string());
+  const Value components = splitAtSlashes(above);
+  return platform::format("/%@/%@/%@", components.at(1), components.at(2),
+                          Value("Contents/Resources/Config/setting.json"));
+}
+
+// What the completeness test takes as the record's input parameters: the dictionary itself or a
+// list's first element. Anything else leaves the value that an earlier record supplied, meant so.
+void takeInputParameters(const Value& record, Value& carried) {
+  const Value& given = record.get(job::kInputParameters);
+  if (given.isDictionary()) {
+    carried = given;
+  } else if (given.isArray() && given.count() > 0) {
+    carried = given.at(0);
+  }
+}
+
+}  // namespace
+
+Kelvane::Kelvane(platform::Host& host) : _host(host) { iLog_host = &host; }
+
+Kelvane& Kelvane::init(const Value& groupContainerPath) {
+  try {
+    setUp(groupContainerPath);
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("init:", caught);
+  }
+  return *this;
+}
+
+void Kelvane::setUp(const Value& groupContainerPath) {
+  _GroupContainerPath = groupContainerPath.isNothing() ? Value("") : groupContainerPath;
+  _BGPPath = platform::format("%@utility/command/%s.json", _GroupContainerPath, "BGPLog");
+  const std::string logPath =
+      platform::format("%@utility/logs/TarselVistrelUtility.txt", _GroupContainerPath);
+  // Before the log path is set, so that its two log lines are dropped: meant so.
+  _EngineRunnerPath = getEngineRunnerPath(_GroupContainerPath);
+  setLogPath(logPath.c_str());
+  _settingDict =
+      platform::parseJson(platform::readFile(productSettingsPath(_host.executableFolder())));
+}
+
+Value Kelvane::getEngineRunnerPath(const Value& groupContainerPath) {
+  Value toolPath;
+  try {
+    const std::string path = platform::format("%@utility/config/setting.json", groupContainerPath);
+    KELVANE_LOG("getEngineRunnerPath:", "getFormatToolPath start, groupContainerPath = %@",
+                groupContainerPath);
+    if (platform::exists(path)) {
+      const Value settings = platform::parseJson(platform::readFile(path));
+      const Value& appPath = settings.get("AppPath");
+      if (!appPath.isNothing()) {
+        toolPath = platform::format("%@/Contents/Resources/EngineRunner", appPath);
+      }
+    }
+    KELVANE_LOG("getEngineRunnerPath:", "getFormatToolPath start, toolPath = %@", toolPath);
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("getEngineRunnerPath:", caught);
+  }
+  return toolPath;
+}
+
+void Kelvane::run(const Value& logId) {
+  try {
+    if (logId.isNothing()) {
+      KELVANE_LOG("run:", "Fail, logid = nil");
+      return;
+    }
+    runFirstWaiting(logId);
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("run:", caught);
+  }
+}
+
+void Kelvane::runFirstWaiting(const Value& logId) {
+  const Value jobs = readJSONFile();
+  KELVANE_LOG("run:", "currentJobArray = %@", jobs);
+  Value inputParameters;  // carried from record to record
+  for (const Value& stored : jobs.elements()) {
+    Value record = stored.asDictionary();
+    takeInputParameters(record, inputParameters);
+    record.set(job::kResult, Value::integer(0));
+    record.set(job::kResultStr, job::kNoError);
+    const Value& recordLogId = record.get(job::kLogId);
+    const Value& state = record.get(job::kStateId);
+    const Value& command = record.get(job::kJobId);
+    if (recordLogId.isNothing() || inputParameters.isNothing() || state.isNothing() ||
+        command.isNothing()) {
+      continue;
+    }
+    KELVANE_LOG("run:", "logId = %@, inputParmsDict = %@, stateId = %@. jobId = %@", recordLogId,
+                inputParameters, state, command);
+    if (!platform::equalStrings(recordLogId, logId)) continue;
+    if (!platform::equalStrings(state, job::kWait)) continue;
+    dispatch(record);
+    return;
+  }
+}
+
+Value Kelvane::dispatch(const Value& record) {
+  for (const Command& command : kCommands) {
+    if (platform::equalStrings(record.get(job::kJobId), command.name)) {
+      return (this->*command.operation)(record);
+    }
+  }
+  return {};  // an unknown command leaves the record as it is
+}
+
+}  // namespace kelvane

@@ -1,0 +1,112 @@
+#include "log/iLog.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/File.h"
+#include "platform/Utf8.h"
+
+namespace kelvane {
+
+char _logPath[512] = {};
+std::uint8_t iLog_enable_debug = 1;
+std::uint8_t iLog_enable_info = 1;
+std::uint8_t iLog_enable_warning = 1;
+std::uint8_t iLog_enable_error = 1;
+std::uint8_t iLog_enable_critical = 1;
+const platform::Host* iLog_host = nullptr;
+
+namespace {
+
+std::string timeText() {
+  const std::tm now =
+      iLog_host == nullptr ? platform::SystemHost().localTime() : iLog_host->localTime();
+  char text[16] = {};
+  std::strftime(text, sizeof text, "%H:%M:%S", &now);
+  return text;
+}
+
+}  // namespace
+
+void setLogPath(const char* path) {
+  const std::size_t length = std::strlen(path);
+  if (length >= sizeof _logPath) std::abort();
+  std::fill(std::begin(_logPath), std::end(_logPath), '\0');
+  std::memcpy(_logPath, path, length + 1);
+}
+
+void iLog_tellList(int level, const char* file, std::int32_t line, const char* function,
+                   const char* format, const std::vector<platform::FormatArgument>& arguments) {
+  if (_logPath[0] == '\0') return;
+  const std::string path = _logPath;
+  if (!platform::exists(path)) return;
+  const std::string time = timeText();
+  if (_check_level(level) == 0) return;
+  const std::string message = platform::formatList(format, arguments);
+  std::string cut;
+  _base_function_name(function, cut);
+  const std::string text =
+      platform::format("[%@] [%s][%d][%s][%s] %s\n", time, _base_file_name(file), line,
+                       cut.c_str(), _base_level_name(level), message.c_str());
+  platform::appendToFile(path, platform::repairedUtf8(text));
+}
+
+void iLog_tellCaught(const char* file, std::int32_t line, const char* function,
+                     const std::exception& caught) noexcept {
+  try {
+    iLog_tell(kLogError, file, line, function, "%@", std::string(caught.what()));
+  } catch (const std::exception&) {
+    return;  // the log itself is what failed
+  }
+}
+
+int _check_level(int level) {
+  switch (level) {
+    case kLogInfo:
+      return iLog_enable_info == 1 ? 1 : 0;
+    case kLogWarning:
+      return iLog_enable_warning == 1 ? 1 : 0;
+    case kLogError:
+      return iLog_enable_error == 1 ? 1 : 0;
+    case kLogCritical:
+      return iLog_enable_critical == 1 ? 1 : 0;
+    default:
+      return iLog_enable_debug == 1 ? 1 : 0;
+  }
+}
+
+const char* _base_level_name(int level) {
+  switch (level) {
+    case kLogInfo:
+      return "info";
+    case kLogWarning:
+      return "warning";
+    case kLogError:
+      return "error";
+    case kLogCritical:
+      return "critical";
+    default:
+      return "debug";
+  }
+}
+
+const char* _base_file_name(const char* path) {
+  const char* slash = std::strrchr(path, '/');
+  return slash == nullptr ? path : slash + 1;
+}
+
+int _base_function_name(const char* function, std::string& cut) {
+  cut.clear();
+  bool copying = false;
+  for (const char* next = function; *next != '\0' && *next != '(' && *next != ':'; ++next) {
+    if (*next == ' ') {
+      copying = true;
+    } else if (copying) {
+      cut += *next;
+    }
+  }
+  return 1;
+}
+
+}  // namespace kelvane

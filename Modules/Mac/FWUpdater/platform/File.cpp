@@ -1,0 +1,162 @@
+#include "platform/File.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+#include "platform/Exception.h"
+
+namespace kelvane::platform {
+namespace {
+
+[[noreturn]] void raise(const char* action, const std::string& path) {
+  const int cause = errno;
+  throw Exception(std::string(action) + " " + path + ": " + std::strerror(cause));
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() { close(); }
+
+  bool isOpen() const { return number_ >= 0; }
+  int number() const { return number_; }
+  // Whether the file was closed without an error.
+  bool close() {
+    if (number_ < 0) return true;
+    const int result = ::close(number_);
+    number_ = -1;
+    return result == 0;
+  }
+
+ private:
+  int number_;
+};
+
+int openFile(const std::string& path, int flags) {
+  int number = -1;
+  do {
+    number = ::open(path.c_str(), flags | O_CLOEXEC);
+  } while (number < 0 && errno == EINTR);
+  return number;
+}
+
+bool writeAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// Where the path leads when its last component is a symbolic link, also to something that is not
+// there; empty where the links go in a circle.
+std::string resolvedLinks(const std::string& path) {
+  constexpr int kMostLinks = 40;
+  std::filesystem::path current = path;
+  for (int i = 0; i < kMostLinks; ++i) {
+    std::error_code notALink;
+    const std::filesystem::path target = std::filesystem::read_symlink(current, notALink);
+    if (notALink) return current.string();
+    current = current.parent_path() / target;  // an absolute target replaces the whole
+  }
+  return {};
+}
+
+// Takes over the old file's owner, where allowed, and its permission bits; a new file gets the
+// default ones.
+bool takeOverAttributes(int file, const std::string& oldPath) {
+  struct stat old = {};
+  if (::stat(oldPath.c_str(), &old) != 0) {
+    if (errno != ENOENT) return false;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return ::fchmod(file, 0666 & ~mask) == 0;
+  }
+  if (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) {
+    [[maybe_unused]] const int allowed = ::fchown(file, old.st_uid, old.st_gid);
+  }
+  return ::fchmod(file, old.st_mode & 07777) == 0;
+}
+
+// Makes the renaming itself last; the new file is whole without it, so its failure is no one's
+// concern.
+void synchroniseFolder(const std::string& folder) {
+  const Descriptor opened(openFile(folder, O_RDONLY | O_DIRECTORY));
+  if (opened.isOpen()) ::fsync(opened.number());
+}
+
+bool fillTemporary(Descriptor& file, const std::string& replaced, std::string_view bytes) {
+  const bool filled = writeAll(file.number(), bytes) &&
+                      takeOverAttributes(file.number(), replaced) && ::fsync(file.number()) == 0;
+  return file.close() && filled;
+}
+
+}  // namespace
+
+bool exists(const std::string& path) {
+  struct stat entry = {};
+  return ::stat(path.c_str(), &entry) == 0;
+}
+
+std::string readFile(const std::string& path) {
+  const Descriptor file(openFile(path, O_RDONLY));
+  if (!file.isOpen()) raise("open", path);
+  struct stat entry = {};
+  std::string bytes;
+  if (::fstat(file.number(), &entry) == 0 && entry.st_size > 0) {
+    bytes.reserve(static_cast<std::size_t>(entry.st_size));
+  }
+  std::array<char, 65536> block;
+  for (;;) {
+    const ssize_t got = ::read(file.number(), block.data(), block.size());
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) raise("read", path);
+    if (got == 0) return bytes;
+    bytes.append(block.data(), static_cast<std::size_t>(got));
+  }
+}
+
+bool replaceFile(const std::string& path, std::string_view bytes) {
+  const std::string replaced = resolvedLinks(path);
+  if (replaced.empty()) return false;
+  const std::string folder = std::filesystem::path(replaced).parent_path().string();
+  std::string temporary = replaced + ".XXXXXX";
+  Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+  if (!file.isOpen()) return false;
+  if (!fillTemporary(file, replaced, bytes) ||
+      ::rename(temporary.c_str(), replaced.c_str()) != 0) {
+    ::unlink(temporary.c_str());
+    return false;
+  }
+  synchroniseFolder(folder.empty() ? "." : folder);
+  return true;
+}
+
+void appendToFile(const std::string& path, std::string_view bytes) {
+  const Descriptor file(openFile(path, O_WRONLY | O_APPEND | O_NOCTTY));
+  if (!file.isOpen()) return;
+  if (!writeAll(file.number(), bytes)) raise("write", path);
+}
+
+std::string withoutLastComponent(const std::string& path) {
+  std::string kept = path;
+  while (kept.size() > 1 && kept.back() == '/') kept.pop_back();
+  const std::size_t slash = kept.rfind('/');
+  if (slash == std::string::npos) return "";
+  return kept.substr(0, slash == 0 ? 1 : slash);
+}
+
+}  // namespace kelvane::platform

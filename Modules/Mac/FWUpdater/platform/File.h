@@ -1,0 +1,31 @@
+// Files: existence, whole-file reading, atomic replacement, appending a line.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kelvane::platform {
+
+// Whether a file system entry exists at the path; follows symbolic links, so that a dangling link
+// does not exist. An empty path never exists.
+bool exists(const std::string& path);
+
+// The whole file. Raises, with the path and the cause, where it is not there or cannot be read.
+std::string readFile(const std::string& path);
+
+// Replaces the file by one with these bytes, in one step: a reader, and whoever comes after a
+// crash at any point, finds either the old bytes or the new ones. The old file's permission bits
+// are kept, its owner where that is allowed; a symbolic link stays, and what it leads to is
+// replaced. Returns false where that failed; the old file is then as it was, and no temporary
+// file is left.
+bool replaceFile(const std::string& path, std::string_view bytes);
+
+// Appends the bytes at the file's current end. Where the file cannot be opened (it is not there,
+// is a folder, may not be written) nothing happens: a file is never created. Raises where it was
+// opened and the writing failed.
+void appendToFile(const std::string& path, std::string_view bytes);
+
+// The path without its last component, "/" at the least; a trailing "/" does not count.
+std::string withoutLastComponent(const std::string& path);
+
+}  // namespace kelvane::platform

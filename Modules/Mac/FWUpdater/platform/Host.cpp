@@ -1,0 +1,46 @@
+#include "platform/Host.h"
+
+#include <unistd.h>
+
+#include <cctype>
+#include <cstdlib>
+
+#include "platform/File.h"
+#include "platform/Utf8.h"
+
+namespace kelvane::platform {
+
+void SystemHost::sleep(unsigned seconds) {
+  while (seconds > 0) seconds = ::sleep(seconds);  // a signal leaves a remainder
+}
+
+std::tm SystemHost::localTime() const {
+  const std::time_t now = std::time(nullptr);
+  std::tm local = {};
+  ::localtime_r(&now, &local);
+  return local;
+}
+
+SystemVersion SystemHost::systemVersion() const { return parseVersion(native::systemVersionText()); }
+
+Value SystemHost::executableFolder() const {
+  const Value path = decodedUtf8(native::executablePath().c_str());
+  if (path.isNothing() || path.string().empty()) return {};
+  return withoutLastComponent(path.string());
+}
+
+SystemVersion parseVersion(const std::string& text) {
+  SystemVersion version = {0, 0, 0};
+  const char* rest = text.c_str();
+  for (long& number : version) {
+    if (std::isdigit(static_cast<unsigned char>(*rest)) == 0) break;
+    char* end = nullptr;
+    number = std::strtol(rest, &end, 10);
+    rest = end;
+    if (*rest != '.') break;
+    ++rest;
+  }
+  return version;
+}
+
+}  // namespace kelvane::platform

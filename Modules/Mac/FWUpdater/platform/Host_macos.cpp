@@ -1,0 +1,27 @@
+#include <mach-o/dyld.h>
+#include <sys/sysctl.h>
+
+#include <array>
+#include <cstdint>
+
+#include "platform/Host.h"
+
+namespace kelvane::platform::native {
+
+std::string systemVersionText() {
+  std::array<char, 64> text = {};
+  std::size_t size = text.size() - 1;
+  return ::sysctlbyname("kern.osproductversion", text.data(), &size, nullptr, 0) == 0
+             ? std::string(text.data())
+             : std::string();
+}
+
+std::string executablePath() {
+  std::uint32_t size = 0;
+  ::_NSGetExecutablePath(nullptr, &size);
+  std::string path(size, '\0');
+  if (::_NSGetExecutablePath(path.data(), &size) != 0) return {};
+  return path.c_str();  // without the terminator and what follows it
+}
+
+}  // namespace kelvane::platform::native

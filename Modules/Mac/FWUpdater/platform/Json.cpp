@@ -1,0 +1,213 @@
+#include "platform/Json.h"
+
+#include <cctype>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <vector>
+
+#include "platform/Utf8.h"
+
+namespace kelvane::platform {
+namespace {
+
+// Builds a Value from the reader's events, with a stack of the containers still open instead of
+// recursion. Every event returns whether to go on.
+class ValueBuilder : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  Value take() { return std::move(result_); }
+
+  bool null() override { return add(Value::null()); }
+  bool boolean(bool truth) override { return add(Value::boolean(truth)); }
+
+  bool number_integer(number_integer_t number) override {
+    // Only negative numbers come here, and a zero among them was written "-0".
+    return add(number == 0 ? Value::number("-0") : Value::integer(number));
+  }
+  bool number_unsigned(number_unsigned_t number) override {
+    return add(Value::number(std::to_string(number)));
+  }
+  bool number_float(number_float_t /*number*/, const string_t& digits) override {
+    return add(Value::number(digits));
+  }
+  bool string(string_t& text) override { return add(Value(std::move(text))); }
+  bool binary(binary_t& /*bytes*/) override { return false; }
+
+  bool start_object(std::size_t /*count*/) override { return open(Value::dictionary()); }
+  bool start_array(std::size_t /*count*/) override { return open(Value::array()); }
+  bool end_object() override { return close(); }
+  bool end_array() override { return close(); }
+
+  bool key(string_t& name) override {
+    open_.back().key = std::move(name);
+    return true;
+  }
+
+  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                   const nlohmann::detail::exception& /*error*/) override {
+    return false;
+  }
+
+ private:
+  struct Open {
+    Value container;
+    std::string key;  // the key that waits for its value
+  };
+
+  bool open(Value container) {
+    if (open_.size() == static_cast<std::size_t>(kJsonDepthLimit)) return false;
+    open_.push_back({std::move(container), {}});
+    return true;
+  }
+
+  bool close() {
+    Value closed = std::move(open_.back().container);
+    open_.pop_back();
+    if (!open_.empty()) return add(std::move(closed));
+    result_ = std::move(closed);
+    return true;
+  }
+
+  bool add(Value value) {
+    if (open_.empty()) return false;  // a top level that is neither array nor object
+    Open& parent = open_.back();
+    if (parent.container.isArray()) {
+      parent.container.append(std::move(value));
+    } else {
+      parent.container.set(parent.key, std::move(value));
+    }
+    return true;
+  }
+
+  std::vector<Open> open_;
+  Value result_;
+};
+
+class Printer {
+ public:
+  // Appends the value; false where JSON has no form for it.
+  bool print(const Value& value, int level) {
+    switch (value.kind()) {
+      case Value::Kind::null:
+        text_ += "null";
+        return true;
+      case Value::Kind::boolean:
+        text_ += value.truth() ? "true" : "false";
+        return true;
+      case Value::Kind::number:
+        return printNumber(value.digits());
+      case Value::Kind::string:
+        return printString(value.string());
+      case Value::Kind::array:
+        return printArray(value, level);
+      case Value::Kind::dictionary:
+        return printDictionary(value, level);
+      case Value::Kind::nothing:
+      case Value::Kind::data:
+      case Value::Kind::date:
+        break;
+    }
+    return false;
+  }
+
+  std::string take() { return std::move(text_); }
+
+ private:
+  void startLine(int level) {
+    text_ += '\n';
+    text_.append(static_cast<std::size_t>(level) * 2, ' ');
+  }
+
+  bool printNumber(const std::string& digits) {
+    text_ += digits;  // "nan" and "inf" are numbers, but not in JSON: they do not end in a digit
+    return !digits.empty() && std::isdigit(static_cast<unsigned char>(digits.back())) != 0;
+  }
+
+  bool printString(const std::string& text) {
+    static constexpr char kHex[] = "0123456789abcdef";
+    text_ += '"';
+    for (const char character : text) {
+      switch (character) {
+        case '"':
+          text_ += "\\\"";
+          break;
+        case '\\':
+          text_ += "\\\\";
+          break;
+        case '\b':
+          text_ += "\\b";
+          break;
+        case '\f':
+          text_ += "\\f";
+          break;
+        case '\n':
+          text_ += "\\n";
+          break;
+        case '\r':
+          text_ += "\\r";
+          break;
+        case '\t':
+          text_ += "\\t";
+          break;
+        default:
+          if (const auto byte = static_cast<unsigned char>(character); byte < 0x20) {
+            text_ += "\\u00";
+            text_ += kHex[byte >> 4U];
+            text_ += kHex[byte & 0xFU];
+          } else {
+            text_ += character;
+          }
+      }
+    }
+    text_ += '"';
+    return isUtf8(text);
+  }
+
+  bool printArray(const Value& array, int level) {
+    if (level == kJsonDepthLimit) return false;
+    text_ += '[';
+    const char* separator = "";
+    for (const Value& element : array.elements()) {
+      text_ += std::exchange(separator, ",");
+      startLine(level + 1);
+      if (!print(element, level + 1)) return false;
+    }
+    if (array.count() != 0) startLine(level);
+    text_ += ']';
+    return true;
+  }
+
+  bool printDictionary(const Value& dictionary, int level) {
+    if (level == kJsonDepthLimit) return false;
+    text_ += '{';
+    const char* separator = "";
+    for (const auto& [key, value] : dictionary.entries()) {
+      text_ += std::exchange(separator, ",");
+      startLine(level + 1);
+      if (!printString(key)) return false;
+      text_ += ": ";
+      if (!print(value, level + 1)) return false;
+    }
+    if (!dictionary.entries().empty()) startLine(level);
+    text_ += '}';
+    return true;
+  }
+
+  std::string text_;
+};
+
+}  // namespace
+
+Value parseJson(std::string_view text) {
+  ValueBuilder builder;
+  const bool whole = nlohmann::json::sax_parse(text.begin(), text.end(), &builder);
+  return whole ? builder.take() : Value();
+}
+
+std::optional<std::string> printJson(const Value& value) {
+  Printer printer;
+  if (!printer.print(value, 0)) return std::nullopt;
+  return printer.take();
+}
+
+}  // namespace kelvane::platform

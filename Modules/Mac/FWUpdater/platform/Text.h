@@ -1,0 +1,46 @@
+// Text of values, and formats that show them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+#include "platform/Value.h"
+
+namespace kelvane::platform {
+
+// What "%@" shows of a value: a string as it is, a container over several lines, nothing as
+// "(null)".
+std::string describe(const Value& value);
+
+// One argument of a format: a value for "%@", a C string for "%s" (null shows as "(null)"), a
+// whole number for "%d", "%x", "%ld", "%lu".
+using FormatArgument = std::variant<Value, const char*, std::int64_t, std::uint64_t>;
+
+// Fills the format's placeholders from the arguments, in order. "%@" is as in describe(), the
+// others are C's. Raises where the format asks for more arguments than there are or for another
+// kind.
+std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments);
+
+template <typename T>
+FormatArgument formatArgument(const T& argument) {
+  if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
+    return static_cast<std::int64_t>(argument);
+  } else if constexpr (std::is_integral_v<T>) {
+    return static_cast<std::uint64_t>(argument);
+  } else if constexpr (std::is_convertible_v<T, const char*>) {
+    return static_cast<const char*>(argument);
+  } else {
+    return Value(argument);
+  }
+}
+
+template <typename... Arguments>
+std::string format(std::string_view format, const Arguments&... arguments) {
+  return formatList(format, {formatArgument(arguments)...});
+}
+
+}  // namespace kelvane::platform

@@ -1,0 +1,247 @@
+#include "platform/Value.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <map>
+
+#include "platform/Exception.h"
+
+namespace kelvane::platform {
+
+// Entries in the order of their first setting, found by a scan while they are few and by an index
+// once they are many, so that no file can make the look-up quadratic.
+class Value::Dictionary {
+ public:
+  const Entries& entries() const { return entries_; }
+
+  const Value* find(std::string_view key) const {
+    const std::size_t position = positionOf(key);
+    return position < entries_.size() ? &entries_[position].second : nullptr;
+  }
+
+  void set(std::string_view key, Value value) {
+    const std::size_t position = positionOf(key);
+    if (position < entries_.size()) {
+      entries_[position].second = std::move(value);
+      return;
+    }
+    entries_.emplace_back(key, std::move(value));
+    if (entries_.size() == kIndexedFrom) {
+      for (std::size_t i = 0; i < entries_.size(); ++i) index_.emplace(entries_[i].first, i);
+    } else if (entries_.size() > kIndexedFrom) {
+      index_.emplace(key, position);
+    }
+  }
+
+ private:
+  static constexpr std::size_t kIndexedFrom = 17;
+
+  // The position of the key, or the number of entries where it is not there.
+  std::size_t positionOf(std::string_view key) const {
+    if (entries_.size() < kIndexedFrom) {
+      std::size_t i = 0;
+      while (i < entries_.size() && entries_[i].first != key) ++i;
+      return i;
+    }
+    const auto found = index_.find(key);
+    return found == index_.end() ? entries_.size() : found->second;
+  }
+
+  Entries entries_;
+  std::map<std::string, std::size_t, std::less<>> index_;
+};
+
+namespace {
+
+const char* nameOf(Value::Kind kind) {
+  switch (kind) {
+    case Value::Kind::nothing:
+      return "nothing";
+    case Value::Kind::null:
+      return "null";
+    case Value::Kind::boolean:
+      return "a boolean";
+    case Value::Kind::number:
+      return "a number";
+    case Value::Kind::string:
+      return "a string";
+    case Value::Kind::data:
+      return "data";
+    case Value::Kind::date:
+      return "a date";
+    case Value::Kind::array:
+      return "an array";
+    case Value::Kind::dictionary:
+      return "a dictionary";
+  }
+  return "unknown";
+}
+
+const Value kNothing;
+const Value::Elements kNoElements;
+const Value::Entries kNoEntries;
+
+}  // namespace
+
+Value::Value(std::string text) : storage_(std::move(text)) {}
+Value::Value(std::string_view text) : storage_(std::string(text)) {}
+Value::Value(const char* text) : storage_(std::string(text)) {}
+Value::Value(Date date) : storage_(date) {}
+
+Value Value::null() { return Value(Storage(Null{})); }
+Value Value::boolean(bool truth) { return Value(Storage(truth)); }
+Value Value::integer(std::int64_t number) { return Value::number(std::to_string(number)); }
+Value Value::number(std::string digits) { return Value(Storage(Number{std::move(digits)})); }
+Value Value::data(std::string bytes) { return Value(Storage(Data{std::move(bytes)})); }
+Value Value::array() { return Value(Storage(std::make_shared<Elements>())); }
+Value Value::dictionary() { return Value(Storage(std::make_shared<Dictionary>())); }
+
+Value Value::array(Elements elements) {
+  Value made = array();
+  for (Value& element : elements) made.append(std::move(element));
+  return made;
+}
+
+Value Value::dictionary(Entries entries) {
+  Value made = dictionary();
+  for (Entry& entry : entries) made.set(entry.first, std::move(entry.second));
+  return made;
+}
+
+Value::Kind Value::kind() const { return static_cast<Kind>(storage_.index()); }
+
+void Value::refuse(const char* what) const {
+  throw Exception(std::string("asked ") + nameOf(kind()) + " for " + what);
+}
+
+template <typename T>
+const T& Value::expect(const char* what) const {
+  const T* held = std::get_if<T>(&storage_);
+  if (held == nullptr) refuse(what);
+  return *held;
+}
+
+bool Value::truth() const { return expect<bool>("its truth"); }
+const std::string& Value::string() const { return expect<std::string>("its text"); }
+const std::string& Value::bytes() const { return expect<Data>("its bytes").bytes; }
+const std::string& Value::digits() const { return expect<Number>("its number").digits; }
+Date Value::date() const { return expect<Date>("its date"); }
+
+std::int64_t Value::integerValue() const {
+  using Limits = std::numeric_limits<std::int64_t>;
+  const std::string& text = digits();
+  std::int64_t whole = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), whole);
+  if (error == std::errc() && end == text.data() + text.size()) return whole;
+  const double real = std::strtod(text.c_str(), nullptr);
+  constexpr double kBeyond = 9223372036854775808.0;  // 2^63
+  if (std::isnan(real)) return 0;
+  if (real >= kBeyond) return Limits::max();
+  if (real < -kBeyond) return Limits::min();
+  return static_cast<std::int64_t>(real);
+}
+
+std::size_t Value::count() const { return elements().size(); }
+
+const Value& Value::at(std::size_t index) const {
+  if (isNothing()) return kNothing;
+  const Elements& all = elements();
+  if (index >= all.size()) {
+    throw Exception("asked for element " + std::to_string(index) + " of an array of " +
+                    std::to_string(all.size()));
+  }
+  return all[index];
+}
+
+const Value::Elements& Value::elements() const {
+  if (isNothing()) return kNoElements;
+  return *expect<std::shared_ptr<Elements>>("its elements");
+}
+
+Value::Elements& Value::ownElements() {
+  if (!isArray()) refuse("its elements");
+  auto& shared = std::get<std::shared_ptr<Elements>>(storage_);
+  if (shared.use_count() > 1) shared = std::make_shared<Elements>(*shared);
+  return *shared;
+}
+
+void Value::append(Value element) {
+  if (element.isNothing()) throw Exception("appended nothing to an array");
+  ownElements().push_back(std::move(element));
+}
+
+const Value& Value::get(std::string_view key) const {
+  if (isNothing()) return kNothing;
+  const auto* held = std::get_if<std::shared_ptr<Dictionary>>(&storage_);
+  if (held == nullptr) {
+    throw Exception(std::string("asked ") + nameOf(kind()) + " for the key \"" + std::string(key) +
+                    "\"");
+  }
+  const Value* found = (*held)->find(key);
+  return found == nullptr ? kNothing : *found;
+}
+
+Value::Dictionary& Value::ownDictionary() {
+  if (!isDictionary()) refuse("its entries");
+  auto& shared = std::get<std::shared_ptr<Dictionary>>(storage_);
+  if (shared.use_count() > 1) shared = std::make_shared<Dictionary>(*shared);
+  return *shared;
+}
+
+void Value::set(std::string_view key, Value value) {
+  if (value.isNothing()) throw Exception("stored nothing under the key \"" + std::string(key) + "\"");
+  ownDictionary().set(key, std::move(value));
+}
+
+void Value::setAll(const Value& changes) {
+  const Value source = changes;  // `changes` may be this value
+  for (const Entry& entry : source.entries()) set(entry.first, entry.second);
+}
+
+const Value::Entries& Value::entries() const {
+  if (isNothing()) return kNoEntries;
+  return expect<std::shared_ptr<Dictionary>>("its entries")->entries();
+}
+
+const Value& Value::asDictionary() const {
+  if (!isDictionary()) refuse("its entries");
+  return *this;
+}
+
+bool Value::operator==(const Value& other) const {
+  if (kind() != other.kind()) return false;
+  switch (kind()) {
+    case Kind::nothing:
+    case Kind::null:
+      return true;
+    case Kind::boolean:
+      return truth() == other.truth();
+    case Kind::number:
+      return digits() == other.digits();
+    case Kind::string:
+      return string() == other.string();
+    case Kind::data:
+      return bytes() == other.bytes();
+    case Kind::date:
+      return date() == other.date();
+    case Kind::array:
+      return elements() == other.elements();
+    case Kind::dictionary:
+      break;
+  }
+  if (entries().size() != other.entries().size()) return false;
+  for (const Entry& entry : entries()) {
+    if (!(other.get(entry.first) == entry.second)) return false;
+  }
+  return true;
+}
+
+bool equalStrings(const Value& left, const Value& right) {
+  if (left.isNothing() || right.isNothing()) return false;
+  return left.string() == right.string();
+}
+
+}  // namespace kelvane::platform

@@ -1,0 +1,1 @@
+int x_stub();int x_stub(){return 0;}
