@@ -1,9 +1,5 @@
 #include "platform/File.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -11,6 +7,10 @@
 #include <filesystem>
 #include <system_error>
 #include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/Exception.h"
 
@@ -136,8 +136,7 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   std::string temporary = replaced + ".XXXXXX";
   Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (!file.isOpen()) return false;
-  if (!fillTemporary(file, replaced, bytes) ||
-      ::rename(temporary.c_str(), replaced.c_str()) != 0) {
+  if (!fillTemporary(file, replaced, bytes) || ::rename(temporary.c_str(), replaced.c_str()) != 0) {
     ::unlink(temporary.c_str());
     return false;
   }

@@ -1,9 +1,9 @@
 #include "platform/Host.h"
 
-#include <unistd.h>
-
 #include <cctype>
 #include <cstdlib>
+
+#include <unistd.h>
 
 #include "platform/File.h"
 #include "platform/Utf8.h"
@@ -21,7 +21,9 @@ std::tm SystemHost::localTime() const {
   return local;
 }
 
-SystemVersion SystemHost::systemVersion() const { return parseVersion(native::systemVersionText()); }
+SystemVersion SystemHost::systemVersion() const {
+  return parseVersion(native::systemVersionText());
+}
 
 Value SystemHost::executableFolder() const {
   const Value path = decodedUtf8(native::executablePath().c_str());

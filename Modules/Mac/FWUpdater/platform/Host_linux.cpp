@@ -1,7 +1,7 @@
-#include <sys/utsname.h>
-
 #include <filesystem>
 #include <system_error>
+
+#include <sys/utsname.h>
 
 #include "platform/Host.h"
 

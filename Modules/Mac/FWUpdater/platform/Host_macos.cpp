@@ -1,8 +1,8 @@
-#include <mach-o/dyld.h>
-#include <sys/sysctl.h>
-
 #include <array>
 #include <cstdint>
+
+#include <mach-o/dyld.h>
+#include <sys/sysctl.h>
 
 #include "platform/Host.h"
 

@@ -2,9 +2,10 @@
 
 #include <cctype>
 #include <cstddef>
-#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "platform/Utf8.h"
 
@@ -199,6 +200,8 @@ class Printer {
 }  // namespace
 
 Value parseJson(std::string_view text) {
+  // The reader takes a NUL byte for the end of the text; in JSON it stands nowhere.
+  if (text.find('\0') != std::string_view::npos) return {};
   ValueBuilder builder;
   const bool whole = nlohmann::json::sax_parse(text.begin(), text.end(), &builder);
   return whole ? builder.take() : Value();

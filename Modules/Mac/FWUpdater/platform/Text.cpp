@@ -1,11 +1,11 @@
 #include "platform/Text.h"
 
-#include <fmt/format.h>
-#include <fmt/printf.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+
+#include <fmt/format.h>
+#include <fmt/printf.h>
 
 #include "platform/Exception.h"
 
@@ -25,9 +25,8 @@ std::string dateText(Date date) {
   const year_month_day calendar{day};
   const hh_mm_ss clock{moment - day};
   return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02} +0000", static_cast<int>(calendar.year()),
-                     static_cast<unsigned>(calendar.month()),
-                     static_cast<unsigned>(calendar.day()), clock.hours().count(),
-                     clock.minutes().count(), clock.seconds().count());
+                     static_cast<unsigned>(calendar.month()), static_cast<unsigned>(calendar.day()),
+                     clock.hours().count(), clock.minutes().count(), clock.seconds().count());
 }
 
 // The text of anything but a container, as it stands alone.

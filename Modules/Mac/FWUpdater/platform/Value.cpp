@@ -192,7 +192,8 @@ Value::Dictionary& Value::ownDictionary() {
 }
 
 void Value::set(std::string_view key, Value value) {
-  if (value.isNothing()) throw Exception("stored nothing under the key \"" + std::string(key) + "\"");
+  if (value.isNothing())
+    throw Exception("stored nothing under the key \"" + std::string(key) + "\"");
   ownDictionary().set(key, std::move(value));
 }
 

@@ -98,9 +98,8 @@ class Value {
   struct Data {
     std::string bytes;
   };
-  using Storage =
-      std::variant<std::monostate, Null, bool, Number, std::string, Data, Date,
-                   std::shared_ptr<Elements>, std::shared_ptr<Dictionary>>;
+  using Storage = std::variant<std::monostate, Null, bool, Number, std::string, Data, Date,
+                               std::shared_ptr<Elements>, std::shared_ptr<Dictionary>>;
 
   explicit Value(Storage storage) : storage_(std::move(storage)) {}
   template <typename T>

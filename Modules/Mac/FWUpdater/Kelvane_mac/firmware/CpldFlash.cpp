@@ -5,8 +5,8 @@
 #include "Kelvane.h"
 #include "log/iLog.h"
 
-#define CPLD_LOG(...) \
-  KELVANE_LOG(        \
+#define CPLD_LOG(...)                                                                        \
+  KELVANE_LOG(                                                                               \
       "flashCPLD:withParmFlash:withParmUSB:withParmCPLD:withParmFWImg:withDevId:withLogId:", \
       __VA_ARGS__)
 
@@ -55,8 +55,8 @@ class CpldFlash {
  private:
   // Whether there is a running flash to poll.
   bool startFlash(const Records& records) {
-    status_ = zr_flashCPLDBin(address_, 0, records.flash, 0, records.usb, records.cpld,
-                              records.image);
+    status_ =
+        zr_flashCPLDBin(address_, 0, records.flash, 0, records.usb, records.cpld, records.image);
     if (status_ == kZorCpldFlashAccepted) status_ = kZorSuccess;
     if (status_ == kZorSuccess) {
       CPLD_LOG("Start transferring CPLD image, please wait ...");

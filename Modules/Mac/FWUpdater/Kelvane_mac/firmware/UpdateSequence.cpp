@@ -131,8 +131,8 @@ class FirmwareJob {
           static_cast<std::uint16_t>(i);
       SubsystemInfo info = {};
       if (!succeeded(zr_getSubsystemInfo(address, 0, &info))) continue;
-      devices_.append(Value::dictionary({{job::kWwn, wwnText(info)},
-                                         {kDeviceId, Value::integer(static_cast<int>(i))}}));
+      devices_.append(Value::dictionary(
+          {{job::kWwn, wwnText(info)}, {kDeviceId, Value::integer(static_cast<int>(i))}}));
     }
   }
 
@@ -163,8 +163,7 @@ class FirmwareJob {
     }
     entry.skipped = false;
     entry.filePath = entry.progress.get(job::kFilePath);
-    UPDATE_LOG("devId = %d, filePath = %@", static_cast<std::int32_t>(entry.devId),
-               entry.filePath);
+    UPDATE_LOG("devId = %d, filePath = %@", static_cast<std::int32_t>(entry.devId), entry.filePath);
     // Also for a device that was listed as a subsystem: meant so.
     address_ = ControllerAddress{static_cast<std::uint16_t>(entry.devId), 0, 0, 0};
     readControllerInfo();
@@ -249,8 +248,7 @@ class FirmwareJob {
   // --- the standard path
 
   void takeStandardPath(Entry& entry) {
-    const bool prepared =
-        status_ == 0 && examineImage(entry) && flashCpld(entry);
+    const bool prepared = status_ == 0 && examineImage(entry) && flashCpld(entry);
     if (!prepared && !isTolerable(entry)) {
       endOnFlashFailure(entry);
       return;
@@ -298,9 +296,8 @@ class FirmwareJob {
   bool isTolerable(const Entry& entry) const {
     if (entry.skipped) return false;
     const char* description = getErrorDescription(status_);
-    return description != nullptr &&
-           (std::strcmp(description, ZOR_TEXT_UNSUPPORTED_COMMAND) == 0 ||
-            std::strcmp(description, ZOR_TEXT_CPLD_UP_TO_DATE) == 0);
+    return description != nullptr && (std::strcmp(description, ZOR_TEXT_UNSUPPORTED_COMMAND) == 0 ||
+                                      std::strcmp(description, ZOR_TEXT_CPLD_UP_TO_DATE) == 0);
   }
 
   bool transferImage(Entry& entry) {
@@ -309,8 +306,8 @@ class FirmwareJob {
       return false;
     }
     UPDATE_LOG("Start transferring image, please wait ...");
-    return succeeded(zr_transferFlashImage(*address_, 0, &entry.flash, &entry.usb, &entry.cpld,
-                                           &entry.image));
+    return succeeded(
+        zr_transferFlashImage(*address_, 0, &entry.flash, &entry.usb, &entry.cpld, &entry.image));
   }
 
   bool startStandardFlash(Entry& entry) {

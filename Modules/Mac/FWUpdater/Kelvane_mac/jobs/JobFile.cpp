@@ -12,9 +12,7 @@ namespace kelvane {
 
 using platform::Value;
 
-Value Kelvane::readJSONFile() {
-  return platform::parseJson(platform::readFile(_BGPPath.string()));
-}
+Value Kelvane::readJSONFile() { return platform::parseJson(platform::readFile(_BGPPath.string())); }
 
 Value Kelvane::readJSONFileDict(const Value& query) {
   Value current = Value::dictionary();

@@ -47,8 +47,8 @@ void iLog_tellList(int level, const char* file, std::int32_t line, const char* f
   std::string cut;
   _base_function_name(function, cut);
   const std::string text =
-      platform::format("[%@] [%s][%d][%s][%s] %s\n", time, _base_file_name(file), line,
-                       cut.c_str(), _base_level_name(level), message.c_str());
+      platform::format("[%@] [%s][%d][%s][%s] %s\n", time, _base_file_name(file), line, cut.c_str(),
+                       _base_level_name(level), message.c_str());
   platform::appendToFile(path, platform::repairedUtf8(text));
 }
 

@@ -72,7 +72,7 @@ int _base_function_name(const char* function, std::string& cut);
 
 // The log lines of the worker's methods: `message` is the method's message name as a literal, such
 // as "readJSONFileDict:".
-#define KELVANE_LOG(message, ...)                                                              \
+#define KELVANE_LOG(message, ...)                                                          \
   ::kelvane::iLog_tell(::kelvane::kLogDebug, __FILE__, __LINE__, "-[Kelvane " message "]", \
                        __VA_ARGS__)
 #define KELVANE_LOG_CAUGHT(message, caught) \

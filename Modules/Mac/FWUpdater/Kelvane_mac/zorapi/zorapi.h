@@ -15,14 +15,14 @@ extern "C" {
 // Status codes that the worker tests or produces.
 enum ZorStatus : std::uint32_t {
   kZorSuccess = 0x0000,
-  kZorOutOfMemory = 0x0101,             // the controller information buffer was not to be had
-  kZorUsbNothingToDo = 0x0105,          // USB calls: as good as success
-  kZorDeviceNotFound = 0x0402,          // no job, no input parameters, or no such WWN
-  kZorThunderbolt = 0x4027,             // USB calls: the controller is attached by Thunderbolt
-  kZorFlashProcessRunning = 0x8050,     // another flash process is running
-  kZorFlashFailed = 0x8054,             // the progress record reported a failed flash
-  kZorUnsupportedProduct = 0x8055,      // the product identifier has no standard flash path
-  kZorCpldFlashAccepted = 0x8058,       // zr_flashCPLDBin: exactly as success
+  kZorOutOfMemory = 0x0101,          // the controller information buffer was not to be had
+  kZorUsbNothingToDo = 0x0105,       // USB calls: as good as success
+  kZorDeviceNotFound = 0x0402,       // no job, no input parameters, or no such WWN
+  kZorThunderbolt = 0x4027,          // USB calls: the controller is attached by Thunderbolt
+  kZorFlashProcessRunning = 0x8050,  // another flash process is running
+  kZorFlashFailed = 0x8054,          // the progress record reported a failed flash
+  kZorUnsupportedProduct = 0x8055,   // the product identifier has no standard flash path
+  kZorCpldFlashAccepted = 0x8058,    // zr_flashCPLDBin: exactly as success
 };
 
 // Texts of getErrorDescription() that the worker tests.
@@ -274,8 +274,8 @@ std::uint32_t zr_finalizeFlashProcess(ControllerAddress addr, std::uint32_t sel)
 
 std::uint32_t zr_checkQVXFFlashImage(ControllerAddress addr, std::uint32_t sel, FlashParm* flash,
                                      QvxfCheckInfo* info);
-std::uint32_t zr_transferQVXFFlashImage(ControllerAddress addr, std::uint32_t sel,
-                                        FlashParm* flash, FwImgInfo* image, std::uint32_t zero);
+std::uint32_t zr_transferQVXFFlashImage(ControllerAddress addr, std::uint32_t sel, FlashParm* flash,
+                                        FwImgInfo* image, std::uint32_t zero);
 std::uint32_t zr_analyzeQVXFImage(ControllerAddress addr, std::uint32_t sel,
                                   QvxfAnalysis* analysis);
 std::uint32_t zr_flashQVXFImage(ControllerAddress addr, std::uint32_t sel);
@@ -288,8 +288,7 @@ std::uint32_t zr_finializeQVXFImage(ControllerAddress addr, std::uint32_t sel);
 std::uint32_t zr_initializeCPLDProcess(ControllerAddress addr, std::uint32_t sel);
 std::uint32_t zr_flashCPLDBin(ControllerAddress addr, std::uint32_t sel, FlashParm* flash,
                               std::uint32_t zero, UsbParm* usb, CpldParm* cpld, FwImgInfo* image);
-std::uint32_t zr_getCPLDProgress(ControllerAddress addr, std::uint32_t sel,
-                                 CpldProgress* progress);
+std::uint32_t zr_getCPLDProgress(ControllerAddress addr, std::uint32_t sel, CpldProgress* progress);
 std::uint32_t zr_finalizeCPLDProcess(ControllerAddress addr, std::uint32_t sel);
 
 // --- USB bridge

@@ -1,0 +1,72 @@
+// A scripted ZORAPI for unit tests: writes down every call with its decoded arguments and gives
+// the answers that the test laid down. While one lives, the framework's functions are its own.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "zorapi/zorapi.h"
+
+namespace kelvane::testing {
+
+class FakeFramework {
+ public:
+  // One controller, by its place in the discovery list.
+  struct Device {
+    std::string wwn;
+    std::uint16_t productId;
+  };
+  // One answer of a progress call: the call's status and the bytes left in the record.
+  struct Progress {
+    std::uint8_t status;
+    std::uint8_t stage;
+    std::uint8_t percent;
+    std::uint8_t retries = 0;
+    std::uint32_t callStatus = 0;
+    bool leavesRecord = false;  // the call writes nothing
+  };
+
+  FakeFramework();
+  ~FakeFramework();
+  FakeFramework(const FakeFramework&) = delete;
+  FakeFramework& operator=(const FakeFramework&) = delete;
+
+  // The n-th call (from 1) of the function gives this status, without any effect.
+  void answer(const std::string& function, int n, std::uint32_t status) {
+    answers[{function, n}] = status;
+  }
+  // How often the function was called.
+  int count(const std::string& function) const;
+
+  std::vector<Device> devices;
+  std::uint32_t adapters = 0;          // the first devices; the others are subsystems
+  std::deque<Progress> cpldProgress;   // when it is empty: done
+  std::deque<Progress> flashProgress;  // when it is empty: finished
+  std::map<std::pair<std::string, int>, std::uint32_t> answers;
+  std::map<std::uint32_t, const char*> descriptions;  // else "text of 0x..."
+  std::uint8_t interfaceByte = 1;
+  std::uint32_t usbUpdateFlag = 1;
+  std::function<void()> onCall;
+
+  // What was called, such as "zr_flashQVXFImage(0/0, 0)". Addresses are adapter/subsystem; records
+  // show in brackets what the fake put into them, "zeroed" where all bytes are 0.
+  std::vector<std::string> calls;
+
+  // --- for the framework's functions
+
+  std::uint32_t called(const std::string& function, const std::string& arguments);
+  const char* describe(std::uint32_t status);
+
+  const SubsystemInfo* lastSubsystem = nullptr;
+  std::uint8_t* infoBuffer = nullptr;
+
+ private:
+  std::map<std::uint32_t, std::string> genericDescriptions_;
+};
+
+}  // namespace kelvane::testing

@@ -1,0 +1,206 @@
+#include <ctime>
+#include <regex>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "log/iLog.h"
+#include "platform/Exception.h"
+#include "support/FakeHost.h"
+#include "support/TempFolder.h"
+
+namespace kelvane {
+namespace {
+
+class LogTest : public ::testing::Test {
+ protected:
+  LogTest() {
+    iLog_host = &host;
+    folder.write("log.txt", "");
+    setLogPath((folder / "log.txt").c_str());
+  }
+  ~LogTest() override {
+    setLogPath("");
+    iLog_host = nullptr;
+    iLog_enable_debug = iLog_enable_info = iLog_enable_warning = 1;
+    iLog_enable_error = iLog_enable_critical = 1;
+  }
+
+  void tell(int level) { iLog_tell(level, "f", 1, "-[Kelvane run:]", "text"); }
+  std::string written() const { return folder.read("log.txt"); }
+
+  testing::TempFolder folder;
+  testing::FakeHost host;
+};
+
+std::string cut(const char* function) {
+  std::string name = "left over";
+  EXPECT_EQ(_base_function_name(function, name), 1);
+  return name;
+}
+
+TEST_F(LogTest, ALineHasItsFieldsInOrder) {
+  iLog_tell(0, "/a/b/JobRunner.cpp", 120, "-[Kelvane run:]", "count = %d, %@", 3,
+            platform::Value("x"));
+  EXPECT_EQ(written(), "[14:03:07] [JobRunner.cpp][120][run][debug] count = 3, x\n");
+}
+
+TEST_F(LogTest, LinesAreAppendedInCallOrder) {
+  folder.write("log.txt", "earlier\n");
+  iLog_tell(0, "f", 1, "-[Kelvane run:]", "one");
+  iLog_tell(3, "f", -2, "-[Kelvane run:]", "two");
+  EXPECT_EQ(written(),
+            "earlier\n[14:03:07] [f][1][run][debug] one\n[14:03:07] [f][-2][run][error] two\n");
+}
+
+TEST_F(LogTest, TheMessagesOwnLineFeedStays) {
+  iLog_tell(0, "f", 1, "-[Kelvane run:]", "text\n");
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n\n");
+}
+
+TEST_F(LogTest, BeforeAPathIsSetNothingIsWrittenAndNothingFails) {
+  setLogPath("");
+  tell(0);
+  EXPECT_EQ(written(), "");
+}
+
+TEST_F(LogTest, TheLogFileIsNeverCreated) {
+  setLogPath((folder / "absent.txt").c_str());
+  tell(0);
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"log.txt"});
+}
+
+TEST_F(LogTest, AFolderInPlaceOfTheFileDropsTheLine) {
+  folder.write("place/inside", "x");
+  setLogPath((folder / "place").c_str());
+  tell(0);
+  EXPECT_EQ(folder.names("place"), std::vector<std::string>{"inside"});
+}
+
+TEST_F(LogTest, AFileThatComesBackIsWrittenAgain) {
+  ASSERT_EQ(std::remove((folder / "log.txt").c_str()), 0);
+  tell(0);
+  folder.write("log.txt", "");
+  tell(3);
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][error] text\n");
+}
+
+TEST_F(LogTest, EveryLevelHasItsName) {
+  for (int level = 0; level <= 4; ++level) tell(level);
+  EXPECT_EQ(written(),
+            "[14:03:07] [f][1][run][debug] text\n[14:03:07] [f][1][run][info] text\n"
+            "[14:03:07] [f][1][run][warning] text\n[14:03:07] [f][1][run][error] text\n"
+            "[14:03:07] [f][1][run][critical] text\n");
+}
+
+TEST_F(LogTest, LevelSevenIsDebugByNameAndBySwitch) {
+  tell(7);
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n");
+  iLog_enable_debug = 0;
+  tell(7);
+  tell(-1);
+  tell(0);
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n");
+}
+
+TEST_F(LogTest, OnlyTheValueOneSwitchesALevelOn) {
+  iLog_enable_error = 2;
+  tell(3);
+  EXPECT_EQ(written(), "");
+}
+
+TEST_F(LogTest, EachLevelGoesByItsOwnSwitch) {
+  std::uint8_t* switches[] = {&iLog_enable_debug, &iLog_enable_info, &iLog_enable_warning,
+                              &iLog_enable_error, &iLog_enable_critical};
+  for (int off = 0; off < 5; ++off) {
+    *switches[off] = 0;
+    for (int level = 0; level < 5; ++level) EXPECT_EQ(_check_level(level), level == off ? 0 : 1);
+    *switches[off] = 1;
+  }
+}
+
+TEST_F(LogTest, AFileWithoutASlashIsPrintedWhole) {
+  EXPECT_STREQ(_base_file_name("jobs"), "jobs");
+  EXPECT_STREQ(_base_file_name("/a/b/jobs"), "jobs");
+  EXPECT_STREQ(_base_file_name("a/"), "");
+}
+
+TEST_F(LogTest, FunctionNamesAreCut) {
+  EXPECT_EQ(cut("-[Kelvane run:]"), "run");
+  EXPECT_EQ(cut("-[Kelvane init:]"), "init");
+  EXPECT_EQ(cut("-[Kelvane readJSONFile]"), "readJSONFile]");
+  EXPECT_EQ(cut("-[Kelvane getDevIdByWWN:withWWN:]"), "getDevIdByWWN");
+  EXPECT_EQ(cut("String *fileRename(String *path, unsigned n)"), "*fileRename");
+  EXPECT_EQ(cut("main"), "");
+  EXPECT_EQ(cut("a b c(d"), "bc");
+  EXPECT_EQ(cut(""), "");
+}
+
+TEST_F(LogTest, APlainFunctionNameLeavesItsFieldEmpty) {
+  iLog_tell(0, "f", 1, "main", "text");
+  EXPECT_EQ(written(), "[14:03:07] [f][1][][debug] text\n");
+}
+
+TEST_F(LogTest, ALongFunctionNameIsNotTruncated) {
+  const std::string name(1000, 'n');
+  EXPECT_EQ(cut(("-[Kelvane " + name + ":]").c_str()), name);
+}
+
+TEST_F(LogTest, NonAsciiTextComesOutAsUtf8) {
+  iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@ %s", platform::Value("\xC3\xA9"), "\xE2\x82\xAC");
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] \xC3\xA9 \xE2\x82\xAC\n");
+}
+
+TEST_F(LogTest, BytesThatAreNoTextAreReplaced) {
+  iLog_tell(0, "f", 1, "-[Kelvane run:]", "%s", "a\xC3");
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] a\xEF\xBF\xBD\n");
+}
+
+TEST_F(LogTest, AFailingWriteRaises) {
+  setLogPath("/dev/full");
+  EXPECT_THROW(tell(0), platform::Exception);
+}
+
+TEST_F(LogTest, TellingACaughtExceptionNeverRaises) {
+  iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("the reason, 100 % %@"));
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][error] the reason, 100 % %@\n");
+  setLogPath("/dev/full");
+  iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("reason"));
+}
+
+TEST_F(LogTest, APathOf511BytesWorks) {
+  std::string path = folder.path();
+  while (path.size() < 400) path += "/" + std::string(90, 'd');
+  path += "/" + std::string(510 - path.size(), 'f');
+  ASSERT_EQ(path.size(), 511U);
+  folder.write(path.substr(folder.path().size() + 1), "");
+  setLogPath(path.c_str());
+  tell(0);
+  EXPECT_EQ(folder.read(path.substr(folder.path().size() + 1)),
+            "[14:03:07] [f][1][run][debug] text\n");
+}
+
+TEST_F(LogTest, ALaterPathLeavesNothingOfTheEarlierOne) {
+  setLogPath(std::string(511, 'x').c_str());
+  setLogPath("y");
+  EXPECT_STREQ(_logPath, "y");
+  for (std::size_t i = 1; i < sizeof _logPath; ++i) EXPECT_EQ(_logPath[i], '\0');
+}
+
+using LogDeathTest = LogTest;
+
+TEST_F(LogDeathTest, APathOf512BytesEndsTheProcess) {
+  EXPECT_EXIT(setLogPath(std::string(512, 'x').c_str()), ::testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST_F(LogTest, WithoutAHostTheSystemsClockIsUsed) {
+  iLog_host = nullptr;
+  tell(0);
+  EXPECT_TRUE(std::regex_match(
+      written(),
+      std::regex(R"(\[([01]\d|2[0-3]):[0-5]\d:[0-5]\d\] \[f\]\[1\]\[run\]\[debug\] text\n)")));
+}
+
+}  // namespace
+}  // namespace kelvane

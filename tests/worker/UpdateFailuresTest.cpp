@@ -1,0 +1,172 @@
+// A failure at each call of a complete standard job and of a complete QVXF job, once each: what is
+// called after it, and the job's result.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "worker/FirmwareWorld.h"
+
+namespace kelvane {
+namespace {
+
+constexpr std::uint32_t kFailure = 0x6001;
+
+struct Case {
+  const char* function;
+  int call;
+  std::uint16_t product;
+  Lines after;  // the calls after the failing one, up to the last description
+  std::uint32_t result;
+};
+
+std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
+  return std::string(info.param.product >= 0x4800 ? "Qvxf_" : "Standard_") + info.param.function +
+         "_" + std::to_string(info.param.call);
+}
+
+class UpdateFailure : public FirmwareWorld, public ::testing::WithParamInterface<Case> {};
+
+TEST_P(UpdateFailure, EndsTheControllersUpdateAndIsTheResult) {
+  const Case& param = GetParam();
+  controllers({param.product});
+  framework.answer(param.function, param.call, kFailure);
+  framework.descriptions[kFailure] = "the failure's text";
+  framework.descriptions[0] = "success";
+  framework.cpldProgress = {{0, 0, 40}};
+  framework.flashProgress = {{0, 2, 40}};
+  updateAll({"W0"});
+
+  int seen = 0;
+  auto at = framework.calls.begin();
+  for (; at != framework.calls.end(); ++at) {
+    if (at->rfind(std::string(param.function) + "(", 0) == 0 && ++seen == param.call) break;
+  }
+  ASSERT_NE(at, framework.calls.end());
+  Lines after;
+  for (++at; at != framework.calls.end(); ++at) after.push_back(at->substr(0, at->find('(')));
+  EXPECT_EQ(after, param.after);
+  EXPECT_EQ(result(), static_cast<std::int64_t>(param.result));
+  EXPECT_EQ(resultText(), param.result == 0 ? "success" : "the failure's text");
+  EXPECT_EQ(state(), "FREE");
+}
+
+const char* const kText = "getErrorDescription";
+const char* const kClose = "zr_finalizeFlashProcess";
+const char* const kCloseQvxf = "zr_finializeQVXFImage";
+
+Lines operator+(Lines left, const Lines& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+// The calls of a job that nothing disturbs, from a place on.
+const Lines kUsb = {
+    "zr_getCurrentDeviceInterface", "zr_mac_checkUSBFWVersion", "zr_mac_getNVRAM",
+    "zr_mac_flashUSBFWbin",         "zr_mac_setNVRAM",          "zr_mac_flashNVRAM"};
+const Lines kFirmware = Lines{"zr_initializeFlashProcess", "zr_checkFlashImage",
+                              "zr_transferFlashImage",     "zr_verifyFlashImage",
+                              "zr_flashImageEx",           "zr_getFlashProgress",
+                              "zr_getFlashProgress",       kClose} +
+                        kUsb + Lines{kText};
+const Lines kCpld = Lines{"zr_initializeCPLDProcess", "zr_flashCPLDBin", "zr_getCPLDProgress",
+                          "zr_getCPLDProgress", "zr_finalizeCPLDProcess"} +
+                    kFirmware;
+const Lines kImage =
+    Lines{"zr_getFDLImageInfo", "zr_getCPLDImageInfo", "zr_getUSBImageInfo"} + kCpld;
+const Lines kLocate = {"decod_locateBufferCtrlInfo", "decod_locateBufferCtrlInfo"};
+const Lines kDevice = Lines{"zr_getControllerInfo"} + kLocate + kImage;
+const Lines kList = Lines{"zr_getSubsystemInfo", "decod_getStringWWN"} + kDevice;
+const Lines kStart = Lines{"zr_discover", "zr_getNumberOfHBA", "zr_getNumberOfSubsystem"} + kList;
+
+const Lines kQvxfFlash = {"zr_initializeFlashProcess",
+                          "zr_checkQVXFFlashImage",
+                          "zr_transferQVXFFlashImage",
+                          kClose,
+                          "zr_analyzeQVXFImage",
+                          "zr_flashQVXFImage",
+                          "zr_getFlashQVXFImageStatus",
+                          "zr_getFlashQVXFImageStatus",
+                          kClose,
+                          kCloseQvxf,
+                          kText};
+const Lines kQvxfStart =
+    Lines{"zr_discover",         "zr_getNumberOfHBA",  "zr_getNumberOfSubsystem",
+          "zr_getSubsystemInfo", "decod_getStringWWN", "zr_getControllerInfo"} +
+    kLocate + kQvxfFlash;
+// A failed start of a QVXF flash closes both processes, and the entry's end closes them again.
+const Lines kQvxfFailed = {kClose, kCloseQvxf, kClose, kCloseQvxf, kText};
+
+Lines from(const Lines& all, const char* function) {
+  return {std::find(all.begin(), all.end(), function) + 1, all.end()};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Standard, UpdateFailure,
+    ::testing::Values(
+        Case{"zr_initialize", 1, 0x4301, kStart, 0},
+        Case{"zr_discover", 1, 0x4301, {kText}, kFailure},
+        // Overwritten by what the device list gives.
+        Case{"zr_getNumberOfSubsystem", 1, 0x4301, kList, 0},
+        Case{"zr_getSubsystemInfo", 1, 0x4301, {kText}, kFailure},
+        Case{"zr_getControllerInfo", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"decod_locateBufferCtrlInfo", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"decod_locateBufferCtrlInfo", 2, 0x4301, {kText, kClose, kText}, kFailure},
+        Case{"zr_getFDLImageInfo", 1, 0x4301, {kText, kClose, kText}, kFailure},
+        Case{"zr_getCPLDImageInfo", 1, 0x4301, {kText, kClose, kText}, kFailure},
+        Case{"zr_getUSBImageInfo", 1, 0x4301, {kText, kClose, kText}, kFailure},
+        Case{"zr_initializeCPLDProcess", 1, 0x4301, Lines{"zr_finalizeCPLDProcess"} + kFirmware, 0},
+        Case{"zr_flashCPLDBin", 1, 0x4301, Lines{kText, "zr_finalizeCPLDProcess"} + kFirmware, 0},
+        Case{"zr_getCPLDProgress", 1, 0x4301, Lines{"zr_finalizeCPLDProcess"} + kFirmware, 0},
+        Case{"zr_getCPLDProgress", 2, 0x4301, Lines{"zr_finalizeCPLDProcess"} + kFirmware, 0},
+        Case{"zr_finalizeCPLDProcess", 1, 0x4301, {kText, kClose, kText}, kFailure},
+        Case{"zr_initializeFlashProcess", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_checkFlashImage", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_transferFlashImage", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_verifyFlashImage", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_flashImageEx", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_getFlashProgress", 1, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_getFlashProgress", 2, 0x4301, {kClose, kText}, kFailure},
+        Case{"zr_finalizeFlashProcess", 1, 0x4301, {kText}, kFailure},
+        Case{"zr_getCurrentDeviceInterface", 1, 0x4301, {kText}, kFailure},
+        Case{"zr_mac_checkUSBFWVersion", 1, 0x4301, {kText}, 0},
+        Case{"zr_mac_getNVRAM", 1, 0x4301, {kText}, 0},
+        Case{"zr_mac_flashUSBFWbin", 1, 0x4301, {kText}, kFailure},
+        Case{"zr_mac_setNVRAM", 1, 0x4301, {kText}, kFailure},
+        Case{"zr_mac_flashNVRAM", 1, 0x4301, {kText}, kFailure}),
+    nameOf);
+
+INSTANTIATE_TEST_SUITE_P(
+    Qvxf, UpdateFailure,
+    ::testing::Values(
+        Case{"zr_initialize", 1, 0x4801, kQvxfStart, 0},
+        Case{"zr_discover", 1, 0x4801, {kText}, kFailure},
+        Case{"zr_getNumberOfSubsystem", 1, 0x4801, from(kQvxfStart, "zr_getNumberOfSubsystem"), 0},
+        Case{"zr_getSubsystemInfo", 1, 0x4801, {kText}, kFailure},
+        Case{"zr_getControllerInfo", 1, 0x4801, {kClose, kText}, kFailure},
+        Case{"decod_locateBufferCtrlInfo", 1, 0x4801, {kClose, kText}, kFailure},
+        Case{"decod_locateBufferCtrlInfo", 2, 0x4801, kQvxfFailed, kFailure},
+        Case{"zr_initializeFlashProcess", 1, 0x4801, kQvxfFailed, kFailure},
+        Case{"zr_checkQVXFFlashImage", 1, 0x4801, kQvxfFailed, kFailure},
+        Case{"zr_transferQVXFFlashImage", 1, 0x4801, Lines{kClose} + kQvxfFailed, kFailure},
+        Case{"zr_finalizeFlashProcess", 1, 0x4801, from(kQvxfFlash, kClose), 0},
+        Case{"zr_analyzeQVXFImage", 1, 0x4801, kQvxfFailed, kFailure},
+        Case{"zr_flashQVXFImage", 1, 0x4801, kQvxfFailed, kFailure},
+        Case{"zr_getFlashQVXFImageStatus", 1, 0x4801, {kClose, kCloseQvxf, kText}, kFailure},
+        Case{"zr_getFlashQVXFImageStatus", 2, 0x4801, {kClose, kCloseQvxf, kText}, kFailure},
+        Case{"zr_finalizeFlashProcess", 2, 0x4801, {kCloseQvxf, kText}, 0},
+        Case{"zr_finializeQVXFImage", 1, 0x4801, {kText}, kFailure}),
+    nameOf);
+
+// The adapters cannot be counted: what is left are the subsystems, here none.
+TEST_F(FirmwareWorld, AFailingAdapterCountLeavesNoAdapters) {
+  controllers({0x4301});
+  framework.answer("zr_getNumberOfHBA", 1, kFailure);
+  updateAll({"W0"});
+  EXPECT_EQ(callsAfter("zr_getNumberOfSubsystem"),
+            (Lines{"zr_getNumberOfSubsystem(0)", "getErrorDescription(0x402)"}));
+  EXPECT_EQ(result(), 0x0402);
+}
+
+}  // namespace
+}  // namespace kelvane
