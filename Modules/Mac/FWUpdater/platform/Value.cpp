@@ -91,13 +91,19 @@ Value::Value(std::string_view text) : storage_(std::string(text)) {}
 Value::Value(const char* text) : storage_(std::string(text)) {}
 Value::Value(Date date) : storage_(date) {}
 
-Value Value::null() { return Value(Storage(Null{})); }
-Value Value::boolean(bool truth) { return Value(Storage(truth)); }
+Value Value::null() { return Value(std::in_place_type<Null>, {}); }
+Value Value::boolean(bool truth) { return Value(std::in_place_type<bool>, truth); }
 Value Value::integer(std::int64_t number) { return Value::number(std::to_string(number)); }
-Value Value::number(std::string digits) { return Value(Storage(Number{std::move(digits)})); }
-Value Value::data(std::string bytes) { return Value(Storage(Data{std::move(bytes)})); }
-Value Value::array() { return Value(Storage(std::make_shared<Elements>())); }
-Value Value::dictionary() { return Value(Storage(std::make_shared<Dictionary>())); }
+Value Value::number(std::string digits) {
+  return Value(std::in_place_type<Number>, {std::move(digits)});
+}
+Value Value::data(std::string bytes) { return Value(std::in_place_type<Data>, {std::move(bytes)}); }
+Value Value::array() {
+  return Value(std::in_place_type<std::shared_ptr<Elements>>, std::make_shared<Elements>());
+}
+Value Value::dictionary() {
+  return Value(std::in_place_type<std::shared_ptr<Dictionary>>, std::make_shared<Dictionary>());
+}
 
 Value Value::array(Elements elements) {
   Value made = array();

@@ -101,7 +101,8 @@ class Value {
   using Storage = std::variant<std::monostate, Null, bool, Number, std::string, Data, Date,
                                std::shared_ptr<Elements>, std::shared_ptr<Dictionary>>;
 
-  explicit Value(Storage storage) : storage_(std::move(storage)) {}
+  template <typename Held>
+  explicit Value(std::in_place_type_t<Held> kind, Held held) : storage_(kind, std::move(held)) {}
   template <typename T>
   const T& expect(const char* what) const;
   [[noreturn]] void refuse(const char* what) const;
