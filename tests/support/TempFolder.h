@@ -8,7 +8,8 @@ namespace kelvane::testing {
 
 class TempFolder {
  public:
-  TempFolder();
+  // The suffix ends the folder's name: ".app" makes a bundle.
+  explicit TempFolder(const std::string& suffix = "");
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;

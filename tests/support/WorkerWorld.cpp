@@ -13,8 +13,9 @@ constexpr char kJobFile[] = "shared/utility/command/BGPLog.json";
 constexpr char kLogFile[] = "shared/utility/logs/TarselVistrelUtility.txt";
 
 bool isOfTheStore(const std::string& line) {
-  return std::regex_search(
-      line, std::regex("^(readJSONFileDict|updateJSONFile|writeJSONFile|updateFWUpdateStatus):"));
+  static const std::regex kStore(
+      "^(readJSONFileDict|updateJSONFile|writeJSONFile|updateFWUpdateStatus):");
+  return std::regex_search(line, kStore);
 }
 
 }  // namespace

@@ -1,0 +1,24 @@
+// The clock: how the console lets time pass between two looks at the job file.
+#pragma once
+
+#include <chrono>
+
+namespace kelvane::console {
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  // Waits. False where the user interrupted the console, before or meanwhile: then it returns at
+  // once.
+  virtual bool wait(std::chrono::milliseconds time) = 0;
+};
+
+// The real one. From its making on, the first interrupt (SIGINT) no longer ends the console but is
+// told by wait(); a second one ends it.
+class SystemClock : public Clock {
+ public:
+  SystemClock();
+  bool wait(std::chrono::milliseconds time) override;
+};
+
+}  // namespace kelvane::console

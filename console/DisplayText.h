@@ -1,0 +1,31 @@
+// Text that is safe to show: whatever a file says, it cannot steer the terminal.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "console/JobStatus.h"
+
+namespace kelvane::console {
+
+// The characters that the output can show.
+enum class Charset { ascii, utf8 };
+
+// The text on one line: every control character, invisible or direction-changing ones included,
+// becomes a replacement character, as does what the output cannot show.
+std::string displayText(std::string_view text, Charset charset);
+
+// A name, such as a WWN, in printable ASCII: as many columns as bytes.
+std::string displayName(std::string_view name);
+
+// The name, in at most `columns` columns: of a longer one the middle gives way to an ellipsis.
+std::string shortened(const std::string& name, std::size_t columns, Charset charset);
+
+// "job 18: running"
+std::string jobLine(const JobStatus& status, Charset charset);
+
+// "result 0: no error"
+std::string resultLine(const JobStatus& status, Charset charset);
+
+}  // namespace kelvane::console

@@ -1,0 +1,31 @@
+#include "console/TerminalView.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr char kEraseLineEnd[] = "\x1b[K";
+constexpr char kEraseBelow[] = "\x1b[J";
+
+std::string linesUp(std::size_t count) {
+  return count == 0 ? "" : "\r\x1b[" + std::to_string(count) + "A";
+}
+
+}  // namespace
+
+void TerminalView::show(const JobStatus& status) {
+  const std::vector<std::string> lines = statusLines(status, size_(), charset_);
+  if (lines == drawn_) return;
+  draw(lines);
+  // Below the lines that are drawn again: it may be as long as it likes.
+  if (status.isFinished()) out_ << resultLine(status, charset_) << '\n';
+  out_.flush();
+}
+
+void TerminalView::draw(const std::vector<std::string>& lines) {
+  out_ << linesUp(drawn_.size());
+  for (const std::string& line : lines) out_ << line << kEraseLineEnd << '\n';
+  out_ << kEraseBelow;
+  drawn_ = lines;
+}
+
+}  // namespace kelvane::console

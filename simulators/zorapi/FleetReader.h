@@ -1,0 +1,49 @@
+// Reading an object of the fleet file key by key, strictly: every complaint names the key.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Value.h"
+
+namespace kelvane::simulator {
+
+// All readers raise where the key's value is of another type or out of range, and, those without a
+// fallback, where the key is missing.
+class FleetReader {
+ public:
+  // `where` is how complaints call the object, empty for the file's top level.
+  FleetReader(const platform::Value& object, std::string where);
+
+  std::string text(const std::string& key);
+  std::string text(const std::string& key, const std::string& fallback);
+  // One of the choices; the first is the fallback where there is to be one.
+  std::size_t choice(const std::string& key, const std::vector<std::string>& choices,
+                     bool required);
+  std::uint64_t code(const std::string& key, std::uint64_t most);
+  std::uint64_t code(const std::string& key, std::uint64_t most, std::uint64_t fallback);
+  std::optional<double> duration(const std::string& key);
+  double percent(const std::string& key);
+  // Calls `read` with a reader for each object of the list; a missing list is an empty one.
+  void each(const std::string& key, const std::function<void(FleetReader&)>& read);
+
+  bool has(const std::string& key) const { return object_.has(key); }
+  // Complains about the key.
+  [[noreturn]] void refuse(const std::string& key, const std::string& complaint) const;
+  // To be called last: complains about a key that nobody has asked for. "note" is for everybody.
+  void finish() const;
+
+ private:
+  const platform::Value& take(const std::string& key);
+
+  const platform::Value& object_;
+  std::string where_;
+  std::set<std::string> known_{"note"};
+};
+
+}  // namespace kelvane::simulator

@@ -1,1 +1,0 @@
-int x_stub();int x_stub(){return 0;}

@@ -1,0 +1,139 @@
+#include "end_to_end/Installation.h"
+
+#include <filesystem>
+#include <sstream>
+
+#include "platform/Json.h"
+
+namespace kelvane {
+
+using platform::Value;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void copyInto(const char* file, const std::string& target) {
+  fs::create_directories(fs::path(target).parent_path());
+  fs::copy_file(file, target);
+}
+
+std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> found;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) found.push_back(line);
+  return found;
+}
+
+std::string digits(const Value& entry, const char* key) { return entry.get(key).digits(); }
+
+}  // namespace
+
+Installation::Installation() {
+  copyInto(KELVANE_WORKER, bundle / "Contents/Resources/Kelvane");
+  copyInto(KELVANE_ZORAPI, bundle / "Contents/Frameworks/libZORAPI.so");
+  bundle.write("Contents/Resources/Config/setting.json", "{}");
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+  fs::create_directories(shared() + "utility/command");
+  environment = {{"LD_PRELOAD", KELVANE_INTERPOSER},
+                 // The interposer comes before a sanitizer's runtime, which minds by default.
+                 {"ASAN_OPTIONS", "verify_asan_link_order=0"},
+                 {"TZ", "UTC"},
+                 {"ZORAPI_FLEET", folder / "fleet.json"},
+                 {"ZORAPI_JOURNAL", folder / "journal"},
+                 {"KELVANE_TEST_SLEEPS", folder / "sleeps"},
+                 {"KELVANE_TEST_VERSIONS", folder / "versions"}};
+}
+
+void Installation::writeFleet(const std::string& controllers, const std::string& faults) const {
+  folder.write("fleet.json", R"({"clock": "queries", "seconds_per_query": 2, "controllers": )" +
+                                 controllers + R"(, "faults": )" + faults + "}");
+}
+
+Value Installation::fleet() const { return platform::parseJson(folder.read("fleet.json")); }
+
+std::string Installation::makeImage(const std::string& name,
+                                    std::vector<std::string> options) const {
+  options.insert(options.begin(), KELVANE_MAKE_IMAGE);
+  options.push_back(folder / name);
+  const testing::Ended made = testing::runProgram(options, folder.path());
+  EXPECT_EQ(made.exitStatus, 0) << made.err;
+  return folder / name;
+}
+
+void Installation::writeJobs(const std::string& json) const {
+  folder.write("shared/utility/command/BGPLog.json", json);
+}
+
+Value Installation::jobs() const {
+  return platform::parseJson(folder.read("shared/utility/command/BGPLog.json"));
+}
+
+testing::Ended Installation::runWorker(const std::vector<std::string>& arguments) const {
+  fs::remove_all(folder / "versions");
+  fs::create_directories(folder / "versions");
+  fs::remove(folder / "sleeps");
+  std::vector<std::string> argv = {bundle / "Contents/Resources/Kelvane"};
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  return testing::runProgram(argv, folder.path(), environment);
+}
+
+void Installation::updateFirmware(
+    const std::vector<std::pair<std::string, std::string>>& inputs) const {
+  Value entries = Value::array();
+  for (const auto& [wwn, image] : inputs) {
+    entries.append(Value::dictionary({{"wwn", wwn}, {"file_path", image}}));
+  }
+  writeJobs(
+      *platform::printJson(Value::array({Value::dictionary({{"log_id", "17"},
+                                                            {"job_id", "updateFW"},
+                                                            {"state_id", "WAIT"},
+                                                            {"input_parameters", entries}})})));
+  const testing::Ended ended = runWorker({"17", shared()});
+  EXPECT_EQ(ended.exitStatus, 0);
+  EXPECT_EQ(ended.out, "");
+  EXPECT_EQ(ended.err, "");
+}
+
+std::vector<Value> Installation::versions() const {
+  std::vector<Value> found;
+  for (const std::string& name : folder.names("versions")) {
+    found.push_back(platform::parseJson(folder.read("versions/" + name)));
+  }
+  return found;
+}
+
+std::vector<std::string> Installation::progress() const {
+  std::vector<std::string> found;
+  for (const Value& version : versions()) {
+    const Value& job = version.at(0);
+    std::string text = job.get("state_id").string();
+    for (const Value& entry : job.get("output").elements()) {
+      text += " " + digits(entry, "total_percentage") + "/" + digits(entry, "cpld_percentage") +
+              "/" + digits(entry, "fw_percentage");
+    }
+    if (found.empty() || found.back() != text) found.push_back(text);
+  }
+  return found;
+}
+
+std::vector<std::string> Installation::sleeps() const { return lines(folder.read("sleeps")); }
+
+std::vector<std::string> Installation::violations() const {
+  std::vector<std::string> found;
+  for (const std::string& line : lines(folder.read("journal"))) {
+    if (platform::parseJson(line).has("violation")) found.push_back(line);
+  }
+  return found;
+}
+
+std::vector<std::string> Installation::calls() const {
+  std::vector<std::string> found;
+  for (const std::string& line : lines(folder.read("journal"))) {
+    const Value record = platform::parseJson(line);
+    if (!record.has("violation")) found.push_back(record.get("function").string());
+  }
+  return found;
+}
+
+}  // namespace kelvane

@@ -1,0 +1,51 @@
+// The real worker in a bundle of its own, a shared folder, and a fleet of simulated controllers.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/Value.h"
+#include "support/Program.h"
+#include "support/TempFolder.h"
+
+namespace kelvane {
+
+class Installation : public ::testing::Test {
+ protected:
+  Installation();
+
+  std::string shared() const { return folder / "shared/"; }
+  // The fleet's clock moves by two seconds with each progress query.
+  void writeFleet(const std::string& controllers, const std::string& faults = "[]") const;
+  platform::Value fleet() const;
+  // Makes an image with the tool; returns its path.
+  std::string makeImage(const std::string& name, std::vector<std::string> options) const;
+
+  void writeJobs(const std::string& json) const;
+  platform::Value jobs() const;
+  // Runs the worker; its sleeps and job file versions are kept until the next run.
+  testing::Ended runWorker(const std::vector<std::string>& arguments) const;
+  // Runs a firmware job with log id "17" over these WWNs and images, alone in the job file.
+  void updateFirmware(const std::vector<std::pair<std::string, std::string>>& inputs) const;
+
+  std::int64_t result() const { return jobs().at(0).get("result").integerValue(); }
+  // Every version of the job file, as a reader could have seen it.
+  std::vector<platform::Value> versions() const;
+  // The same in short: "RUN 50/100/0", state and total/CPLD/firmware percentage per controller.
+  std::vector<std::string> progress() const;
+  std::vector<std::string> sleeps() const;
+  std::string log() const { return folder.read("shared/utility/logs/TarselVistrelUtility.txt"); }
+  // What the simulated framework found wrong with the worker's calls.
+  std::vector<std::string> violations() const;
+  // The framework's functions in the order they were called.
+  std::vector<std::string> calls() const;
+
+  testing::TempFolder bundle{".app"};
+  testing::TempFolder folder;
+  std::map<std::string, std::string> environment;
+};
+
+}  // namespace kelvane

@@ -1,0 +1,197 @@
+// The fleet file: what it says, and how every mistake in it is told.
+
+#include <gtest/gtest.h>
+
+#include "Fleet.h"
+#include "platform/Exception.h"
+#include "platform/Json.h"
+#include "support/TempFolder.h"
+
+namespace kelvane::simulator {
+namespace {
+
+using kelvane::testing::TempFolder;
+
+constexpr char kController[] =
+    R"("wwn":"500a098000000001","product_id":"0x4301","firmware":"1","cpld":"1","usb_bridge":"1")";
+
+std::string fleetWith(const std::string& more) {
+  return std::string(R"({"controllers":[{)") + kController + more + "}]}";
+}
+
+Fleet read(const std::string& text) {
+  const TempFolder folder;
+  return readFleet(folder.write("fleet.json", text));
+}
+
+std::string complaint(const std::string& text) {
+  try {
+    read(text);
+    return "";
+  } catch (const platform::Exception& caught) {
+    return caught.what();
+  }
+}
+
+TEST(FleetFile, DescribesAController) {
+  const Fleet fleet = read(
+      R"({"clock":"queries","seconds_per_query":0.5,"controllers":[{"note":["any"],
+          "wwn":"50:0A:09:80:00:00:00:01","product_id":17153,"firmware":"2.3","cpld":"1.6",
+          "usb_bridge":"3.0","nvram":"00ff","attached":"thunderbolt","listed_as":"subsystem",
+          "cpld_transfer_seconds":1,"cpld_programming_seconds":2,"firmware_seconds":3.5}]})");
+  ASSERT_EQ(fleet.controllers.size(), 1U);
+  const ControllerRecord& controller = fleet.controllers[0];
+  EXPECT_EQ(fleet.secondsPerQuery, 0.5);
+  EXPECT_EQ(controller.wwn, "50:0A:09:80:00:00:00:01");
+  EXPECT_EQ(controller.wwnBytes, std::string("\x50\x0A\x09\x80\0\0\0\x01", 8));
+  EXPECT_EQ(controller.productId, 0x4301);
+  EXPECT_EQ(controller.firmware, "2.3");
+  EXPECT_EQ(controller.cpld, "1.6");
+  EXPECT_EQ(controller.bridge, "3.0");
+  EXPECT_EQ(controller.nvram, std::string("\0\xFF", 2));
+  EXPECT_EQ(controller.attached, ControllerRecord::Attachment::thunderbolt);
+  EXPECT_TRUE(controller.subsystem);
+  EXPECT_EQ(controller.cpldTransferSeconds, 1);
+  EXPECT_EQ(controller.cpldProgrammingSeconds, 2);
+  EXPECT_EQ(controller.firmwareSeconds, 3.5);
+}
+
+TEST(FleetFile, WallClockIsTheDefault) {
+  EXPECT_EQ(read(fleetWith("")).secondsPerQuery, std::nullopt);
+}
+
+TEST(FleetFile, QueriesCountTwoSecondsByDefault) {
+  EXPECT_EQ(read(R"({"clock":"queries","controllers":[]})").secondsPerQuery, 2);
+}
+
+TEST(FleetFile, AdaptersComeBeforeSubsystems) {
+  const Fleet fleet = read(
+      R"({"controllers":[
+        {"wwn":"500a098000000001","product_id":1,"firmware":"1","cpld":"1","usb_bridge":"1",
+         "listed_as":"subsystem"},
+        {"wwn":"500a098000000002","product_id":2,"firmware":"1","cpld":"1","usb_bridge":"1"}]})");
+  ASSERT_EQ(fleet.controllers.size(), 2U);
+  EXPECT_EQ(fleet.controllers[0].productId, 2);
+  EXPECT_EQ(fleet.controllers[1].productId, 1);
+}
+
+TEST(FleetFile, FaultsOfTheSecondCpldStageComeAfterTheFirst) {
+  const Fleet fleet = read(fleetWith(
+      R"(,"faults":[{"flash":"cpld","do":"fail","stage":"programming","at":30,"status_byte":2}])"));
+  ASSERT_EQ(fleet.controllers[0].cpldFaults.size(), 1U);
+  EXPECT_EQ(fleet.controllers[0].cpldFaults[0].at, 130);
+  EXPECT_EQ(fleet.controllers[0].cpldFaults[0].statusByte, 2);
+}
+
+struct Mistake {
+  const char* text;
+  const char* told;
+};
+
+class FleetFileMistake : public ::testing::TestWithParam<Mistake> {};
+
+TEST_P(FleetFileMistake, IsToldWithItsKey) {
+  EXPECT_NE(complaint(GetParam().text).find(GetParam().told), std::string::npos)
+      << "told: " << complaint(GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfTheWhole, FleetFileMistake,
+    ::testing::Values(
+        Mistake{"", "is not JSON"}, Mistake{"[]", "is not JSON with an object"},
+        Mistake{"{}", "controllers: is missing"},
+        Mistake{R"({"controllers":{}})", "controllers: must be a list"},
+        Mistake{R"({"controllers":[1]})", "controllers[0]: must be an object"},
+        Mistake{R"({"controllers":[],"colour":1})", "colour: is not a known key"},
+        Mistake{R"({"controllers":[],"clock":"sun"})", "clock: must be one of \"wall\""},
+        Mistake{R"({"controllers":[],"clock":1})", "clock: must be a text"},
+        Mistake{R"({"controllers":[],"seconds_per_query":-1})", "seconds_per_query: must be"},
+        Mistake{R"({"controllers":[],"faults":[{}]})", "faults[0].function: is missing"},
+        Mistake{R"({"controllers":[],"faults":[{"function":"zr_x","status":1}]})",
+                "faults[0].function: no function"},
+        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover"}]})",
+                "faults[0].status: is missing"},
+        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover","status":0}]})",
+                "faults[0].status: must not be 0"},
+        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover","status":"x"}]})",
+                "faults[0].status: must be a whole number"},
+        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover","status":1,"call":0}]})",
+                "faults[0].call: the first"}));
+
+TEST(FleetFile, ControllerWithoutAWwnIsRefused) {
+  EXPECT_NE(complaint(R"({"controllers":[{}]})").find("controllers[0].wwn: is missing"),
+            std::string::npos);
+}
+
+TEST(FleetFile, SameWwnTwiceIsRefused) {
+  const std::string one = std::string("{") + kController + "}";
+  EXPECT_NE(complaint(R"({"controllers":[)" + one + "," + one + "]}").find("controllers[1].wwn"),
+            std::string::npos);
+}
+
+class ControllerMistake : public ::testing::TestWithParam<Mistake> {};
+
+TEST_P(ControllerMistake, IsToldWithItsKey) {
+  const std::string told = complaint(fleetWith(std::string(",") + GetParam().text));
+  EXPECT_NE(told.find(std::string("controllers[0].") + GetParam().told), std::string::npos)
+      << "told: " << told;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfOneKey, ControllerMistake,
+    ::testing::Values(
+        Mistake{R"("wwn":"500a")", "wwn: must be 16"}, Mistake{R"("wwn":5)", "wwn: must be a text"},
+        Mistake{R"("product_id":"4301")", "product_id: must be"},
+        Mistake{R"("product_id":65536)", "product_id: must be"},
+        Mistake{R"("product_id":1.5)", "product_id: must be"},
+        Mistake{R"("firmware":"")", "firmware: must be 1 to 23"},
+        Mistake{R"("cpld":17)", "cpld: must be a text"},
+        Mistake{R"("nvram":"abc")", "nvram: must be"},
+        Mistake{R"("attached":"scsi")", "attached: must be one of"},
+        Mistake{R"("listed_as":"disk")", "listed_as: must be one of"},
+        Mistake{R"("firmware_seconds":"3")", "firmware_seconds: must be a number"},
+        Mistake{R"("firmware_second":3)", "firmware_second: is not a known key"},
+        Mistake{R"("faults":[{"do":"fail"}])", "faults[0].flash: is missing"},
+        Mistake{R"("faults":[{"flash":"cpld","do":"melt"}])", "faults[0].do: must be one of"},
+        Mistake{R"("faults":[{"flash":"cpld","do":"fail"}])", "faults[0].at: is missing"},
+        Mistake{R"("faults":[{"flash":"cpld","do":"fail","at":101}])", "faults[0].at: must be"},
+        Mistake{R"("faults":[{"flash":"firmware","do":"retry","at":1}])", "faults[0].do: only"},
+        Mistake{R"("faults":[{"flash":"firmware","do":"stall","at":1,"status_byte":1}])",
+                "faults[0].status_byte: is not a known key"},
+        Mistake{R"("faults":[{"flash":"firmware","do":"backwards","at":1,"to":2}])",
+                "faults[0].to: must not"},
+        Mistake{R"("faults":[{"flash":"cpld","do":"stall","at":5},
+                             {"flash":"cpld","do":"stall","at":4}])",
+                "faults[1].at: the flash has passed"}));
+
+TEST(FleetFile, MissingFileIsToldWithItsPath) {
+  const TempFolder folder;
+  try {
+    readFleet(folder / "none.json");
+    FAIL() << "nothing raised";
+  } catch (const platform::Exception& caught) {
+    EXPECT_NE(std::string(caught.what()).find(folder / "none.json"), std::string::npos);
+  }
+}
+
+TEST(FleetFile, NoPrefixCrashesOrPasses) {
+  const std::string whole = fleetWith(R"(,"faults":[{"flash":"cpld","do":"retry","at":5}])");
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    EXPECT_NE(complaint(whole.substr(0, length)), "") << length;
+  }
+}
+
+TEST(FleetFile, StoringKeepsEverythingElse) {
+  const TempFolder folder;
+  const std::string path = folder.write(
+      "fleet.json", R"({"note":"mine","controllers":[{"wwn":"a","firmware":"1","note":{"b":[1]}},
+                        {"wwn":"b","firmware":"1"}]})");
+  storeInFleet(path, "a", kFirmwareKey, "2");
+  EXPECT_EQ(platform::parseJson(folder.read("fleet.json")),
+            platform::parseJson(
+                R"({"note":"mine","controllers":[{"wwn":"a","firmware":"2","note":{"b":[1]}},
+                    {"wwn":"b","firmware":"1"}]})"));
+}
+
+}  // namespace
+}  // namespace kelvane::simulator

@@ -1,0 +1,48 @@
+#include "support/Program.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "support/TempFolder.h"
+
+namespace kelvane::testing {
+namespace {
+
+[[noreturn]] void become(const std::vector<std::string>& argv, const std::string& folder,
+                         const std::map<std::string, std::string>& variables,
+                         const std::string& out, const std::string& err) {
+  for (const auto& [name, value] : variables) ::setenv(name.c_str(), value.c_str(), 1);
+  std::vector<char*> arguments;
+  for (const std::string& argument : argv) arguments.push_back(::strdup(argument.c_str()));
+  arguments.push_back(nullptr);
+  ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
+  ::dup2(::open(out.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
+  ::dup2(::open(err.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+  if (::chdir(folder.c_str()) == 0) ::execv(arguments[0], arguments.data());
+  ::_exit(127);
+}
+
+}  // namespace
+
+Ended runProgram(const std::vector<std::string>& argv, const std::string& folder,
+                 const std::map<std::string, std::string>& variables) {
+  const TempFolder output;
+  const pid_t child = ::fork();
+  if (child < 0) throw std::runtime_error("no process for the program");
+  if (child == 0) become(argv, folder, variables, output / "out", output / "err");
+  int status = 0;
+  if (::waitpid(child, &status, 0) != child) throw std::runtime_error("the program is lost");
+  Ended ended;
+  if (WIFEXITED(status)) ended.exitStatus = WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) ended.signal = WTERMSIG(status);
+  ended.out = output.read("out");
+  ended.err = output.read("err");
+  return ended;
+}
+
+}  // namespace kelvane::testing

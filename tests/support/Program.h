@@ -1,0 +1,22 @@
+// A program run to its end by a test, with what it wrote.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kelvane::testing {
+
+struct Ended {
+  int exitStatus = -1;  // -1 where a signal ended it
+  int signal = 0;
+  std::string out;
+  std::string err;
+};
+
+// Runs the program (argv[0] is its path) in the folder, with these variables on top of the test's
+// own environment and with empty standard input.
+Ended runProgram(const std::vector<std::string>& argv, const std::string& folder,
+                 const std::map<std::string, std::string>& variables = {});
+
+}  // namespace kelvane::testing
