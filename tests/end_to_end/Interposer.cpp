@@ -15,7 +15,7 @@
 
 extern "C" {
 unsigned int sleep(unsigned int seconds);
-int rename(const char* from, const char* to);
+int rename(const char* from, const char* to) noexcept;
 }
 
 namespace {
@@ -47,7 +47,7 @@ unsigned int sleep(unsigned int seconds) {
   return 0;
 }
 
-int rename(const char* from, const char* to) {
+int rename(const char* from, const char* to) noexcept {
   using Rename = int (*)(const char*, const char*);
   static const auto real = reinterpret_cast<Rename>(::dlsym(RTLD_NEXT, "rename"));
   const int result = real(from, to);

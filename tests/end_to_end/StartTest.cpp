@@ -11,7 +11,6 @@
 namespace kelvane {
 namespace {
 
-using platform::Value;
 using ::testing::HasSubstr;
 
 constexpr char kUnknownCommand[] =

@@ -93,10 +93,11 @@ TEST(Value, KeysKeepTheOrderOfTheirFirstSetting) {
 TEST(Value, ManyKeysAreFoundAndKeepTheirOrder) {
   Value large = Value::dictionary();
   for (int i = 0; i < 100; ++i) large.set("key" + std::to_string(i), Value::integer(i));
-  for (int i = 0; i < 100; ++i) large.set("key" + std::to_string(i), Value::integer(2 * i));
+  for (int i = 0; i < 100; ++i)
+    large.set("key" + std::to_string(i), Value::integer(std::int64_t{2} * i));
   ASSERT_EQ(large.entries().size(), 100U);
   for (int i = 0; i < 100; ++i) {
-    EXPECT_EQ(large.get("key" + std::to_string(i)).integerValue(), 2 * i);
+    EXPECT_EQ(large.get("key" + std::to_string(i)).integerValue(), std::int64_t{2} * i);
     EXPECT_EQ(large.entries()[static_cast<std::size_t>(i)].first, "key" + std::to_string(i));
   }
   EXPECT_FALSE(large.has("key100"));

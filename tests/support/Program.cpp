@@ -18,6 +18,7 @@ namespace {
                          const std::string& out, const std::string& err) {
   for (const auto& [name, value] : variables) ::setenv(name.c_str(), value.c_str(), 1);
   std::vector<char*> arguments;
+  arguments.reserve(argv.size() + 1);
   for (const std::string& argument : argv) arguments.push_back(::strdup(argument.c_str()));
   arguments.push_back(nullptr);
   ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);

@@ -204,8 +204,7 @@ void Value::set(std::string_view key, Value value) {
 }
 
 void Value::setAll(const Value& changes) {
-  const Value source = changes;  // `changes` may be this value
-  for (const Entry& entry : source.entries()) set(entry.first, entry.second);
+  for (const Entry& entry : changes.entries()) set(entry.first, entry.second);
 }
 
 const Value::Entries& Value::entries() const {
