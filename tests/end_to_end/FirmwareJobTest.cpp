@@ -1,8 +1,6 @@
 // Whole firmware jobs: the real executable on simulated controllers.
 
 #include <filesystem>
-#include <regex>
-#include <sstream>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -10,6 +8,7 @@
 
 #include "end_to_end/Installation.h"
 #include "platform/Json.h"
+#include "support/LogLine.h"
 
 namespace kelvane {
 namespace {
@@ -50,15 +49,14 @@ class FirmwareJob : public Installation {
   }
   // The log without times and line numbers, object dumps folded to their first line.
   Lines logLines() const {
-    static const std::regex kLine(R"(^\[\d\d:\d\d:\d\d\] \[(\w+)\.cpp\]\[\d+\](\[.*)$)");
     Lines lines;
-    std::istringstream text(log());
-    for (std::string line; std::getline(text, line);) {
-      std::smatch parts;
-      if (std::regex_match(line, parts, kLine)) {
-        lines.push_back(parts[1].str() + parts[2].str());
+    for (const std::string& text : testing::splitLines(log())) {
+      const auto line = testing::parseLogLine(text);
+      if (line) {
+        lines.push_back(
+            fmt::format("{}[{}][{}] {}", line->file, line->function, line->level, line->message));
       } else {
-        EXPECT_TRUE(line.empty() || std::string(" )}").find(line[0]) != std::string::npos) << line;
+        EXPECT_TRUE(text.empty() || std::string(" )}").find(text[0]) != std::string::npos) << text;
       }
     }
     return lines;
@@ -126,8 +124,7 @@ TEST_F(FirmwareJob, ASecondRunMeetsACurrentCpldAndTheSameBridgeVersion) {
 }
 
 TEST_F(FirmwareJob, Product42IsFlashedWithoutAUsbPart) {
-  writeFleet(
-      "[" + std::regex_replace(standard("50000000000000A1"), std::regex("0x4301"), "0x4201") + "]");
+  writeFleet("[" + standard("50000000000000A1", R"(, "product_id": "0x4201")") + "]");
   const std::string image = makeImage(
       "42.img", {"standard", "--product", "0x4201", "--firmware", "2.0", "--cpld", "1.5"});
   updateFirmware({{"50000000000000A1", image}});
@@ -228,58 +225,90 @@ TEST_F(FirmwareJob, TheLogIsTheSequenceOfLinesOfAStandardJob) {
   ASSERT_EQ(result(), 0);
 
   const std::string path = shared() + "utility/command/BGPLog.json";
-  const Lines write = {"JobFile[updateJSONFile][debug] currentJobArray = (",
-                       "JobFile[updateJSONFile][debug] updateJSONFile, newJobArray = (",
-                       "JobFile[writeJSONFile][debug] writeJSONFile, newArray = (",
-                       "JobFile[writeJSONFile][debug] writeJSONFile, _BGPPath = " + path};
+  const Lines write = {"JobFile.cpp[updateJSONFile][debug] currentJobArray = (",
+                       "JobFile.cpp[updateJSONFile][debug] updateJSONFile, newJobArray = (",
+                       "JobFile.cpp[writeJSONFile][debug] writeJSONFile, newArray = (",
+                       "JobFile.cpp[writeJSONFile][debug] writeJSONFile, _BGPPath = " + path};
   Lines publish = write;
   publish.insert(publish.begin(),
-                 "StatusReporting[updateFWUpdateStatus][debug] currentJobArray = (");
+                 "StatusReporting.cpp[updateFWUpdateStatus][debug] currentJobArray = (");
   Lines expected;
   const auto add = [&](const Lines& lines) {
     expected.insert(expected.end(), lines.begin(), lines.end());
   };
-  add({"JobRunner[run][debug] currentJobArray = (",
-       "JobRunner[run][debug] logId = 17, inputParmsDict = {",
-       "UpdateSequence[updateFW][debug] updateFW start, inputDict = {"});
+  add({"JobRunner.cpp[run][debug] currentJobArray = (",
+       "JobRunner.cpp[run][debug] logId = 17, inputParmsDict = {",
+       "UpdateSequence.cpp[updateFW][debug] updateFW start, inputDict = {"});
   add(write);
-  add({"UpdateSequence[updateFW][debug] devId = 0, filePath = " + image,
-       "UpdateSequence[updateFW][debug] zr_getControllerInfo(), u32Ret = 0",
-       "UpdateSequence[updateFW][debug] pPage0->ci_ProductID = 4301",
-       "UpdateSequence[updateFW][debug] zr_getUSBImageInfo() ....",
-       "UpdateSequence[updateFW][debug] usb_u32checkUSB: 3193262986",
-       "CpldFlash[flashCPLD][debug] flashCPLD start",
-       "CpldFlash[flashCPLD][debug] devId = 0, filePath = " + image,
-       "CpldFlash[flashCPLD][debug] Start transferring CPLD image, please wait ...",
-       "CpldFlash[flashCPLD][debug] Start flashing CPLD, please wait ...",
-       "CpldFlash[flashCPLD][debug] progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 0",
-       "CpldFlash[flashCPLD][debug]   ...   0 percent completed... "});
+  add({"UpdateSequence.cpp[updateFW][debug] devId = 0, filePath = " + image,
+       "UpdateSequence.cpp[updateFW][debug] zr_getControllerInfo(), u32Ret = 0",
+       "UpdateSequence.cpp[updateFW][debug] pPage0->ci_ProductID = 4301",
+       "UpdateSequence.cpp[updateFW][debug] zr_getUSBImageInfo() ....",
+       "UpdateSequence.cpp[updateFW][debug] usb_u32checkUSB: 3193262986",
+       "CpldFlash.cpp[flashCPLD][debug] flashCPLD start",
+       "CpldFlash.cpp[flashCPLD][debug] devId = 0, filePath = " + image,
+       "CpldFlash.cpp[flashCPLD][debug] Start transferring CPLD image, please wait ...",
+       "CpldFlash.cpp[flashCPLD][debug] Start flashing CPLD, please wait ...",
+       "CpldFlash.cpp[flashCPLD][debug] progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 0",
+       "CpldFlash.cpp[flashCPLD][debug]   ...   0 percent completed... "});
   add(publish);
-  add({"CpldFlash[flashCPLD][debug] progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 1",
-       "CpldFlash[flashCPLD][debug]   ...  50 percent completed... "});
+  add({"CpldFlash.cpp[flashCPLD][debug] progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 1",
+       "CpldFlash.cpp[flashCPLD][debug]   ...  50 percent completed... "});
   add(publish);
-  add({"CpldFlash[flashCPLD][debug] progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 2",
-       "CpldFlash[flashCPLD][debug]   ... 100 percent completed... "});
+  add({"CpldFlash.cpp[flashCPLD][debug] progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 2",
+       "CpldFlash.cpp[flashCPLD][debug]   ... 100 percent completed... "});
   add(publish);
-  add({"CpldFlash[flashCPLD][debug] flashCPLD end",
-       "UpdateSequence[updateFW][debug] Start transferring image, please wait ...",
-       "UpdateSequence[updateFW][debug] Flash image has been successfully transferred",
-       "UpdateSequence[updateFW][debug] Start flashing image, please wait ...",
-       "UpdateSequence[updateFW][debug] fshProg.fp_u8Status = 0, fshProg.fp_u8Stage = 1"});
+  add({"CpldFlash.cpp[flashCPLD][debug] flashCPLD end",
+       "UpdateSequence.cpp[updateFW][debug] Start transferring image, please wait ...",
+       "UpdateSequence.cpp[updateFW][debug] Flash image has been successfully transferred",
+       "UpdateSequence.cpp[updateFW][debug] Start flashing image, please wait ...",
+       "UpdateSequence.cpp[updateFW][debug] fshProg.fp_u8Status = 0, fshProg.fp_u8Stage = 1"});
   add(publish);
-  add({"UpdateSequence[updateFW][debug] fshProg.fp_u8Status = 0, fshProg.fp_u8Stage = 5",
-       "UpdateSequence[updateFW][debug]   ... 100 percent completed...",
-       "UpdateSequence[updateFW][debug] Flash Completed."});
+  add({"UpdateSequence.cpp[updateFW][debug] fshProg.fp_u8Status = 0, fshProg.fp_u8Stage = 5",
+       "UpdateSequence.cpp[updateFW][debug]   ... 100 percent completed...",
+       "UpdateSequence.cpp[updateFW][debug] Flash Completed."});
   add(publish);
-  add({"UsbBridge[updateFW][debug] usbfwupdatecheck = 1, different usb fw version, update usb fw",
-       "UsbBridge[updateFW][debug] start _flashUSBFW, flashing Usb fw...",
-       "UsbBridge[updateFW][debug] qvxflash start zr_mac_flashUSBFWbin",
-       "UsbBridge[updateFW][debug] qvxflash -u usb start zr_mac_flashNVRAM",
-       "JobFile[readJSONFileDict][debug] currentJobArray = ("});
+  add(
+      {"UsbBridge.cpp[updateFW][debug] usbfwupdatecheck = 1, different usb fw version, update usb "
+       "fw",
+       "UsbBridge.cpp[updateFW][debug] start _flashUSBFW, flashing Usb fw...",
+       "UsbBridge.cpp[updateFW][debug] qvxflash start zr_mac_flashUSBFWbin",
+       "UsbBridge.cpp[updateFW][debug] qvxflash -u usb start zr_mac_flashNVRAM",
+       "JobFile.cpp[readJSONFileDict][debug] currentJobArray = ("});
   add(write);
-  add({"UpdateSequence[updateFW][debug] updateAllFW end, retDict = {"});
+  add({"UpdateSequence.cpp[updateFW][debug] updateAllFW end, retDict = {"});
   EXPECT_EQ(fmt::format("{}", fmt::join(logLines(), "\n")),
             fmt::format("{}", fmt::join(expected, "\n")));
+}
+
+TEST_F(FirmwareJob, TheJobFileIsSynchronisedBesideTheOldOneBeforeItTakesItsPlace) {
+  writeFleet("[]");
+  writeJobs(R"([{"log_id":"17","job_id":"updateFW","state_id":"WAIT","input_parameters":[{}]}])");
+  runWorker({"17", shared()});
+  const std::string commands = shared() + "utility/command";
+  const Lines done = writes();
+  ASSERT_EQ(done.size(), 3U);
+  const std::string temporary = done[0].substr(std::string("fsync ").size());
+  EXPECT_EQ(temporary.rfind(commands + "/", 0), 0U) << temporary;
+  EXPECT_NE(temporary, commands + "/BGPLog.json");
+  EXPECT_EQ(done[1], "rename " + temporary + " " + commands + "/BGPLog.json");
+  EXPECT_EQ(done[2], "fsync " + commands);
+}
+
+TEST_F(FirmwareJob, AFileSizeLimitIsAWriteThatFails) {
+  writeFleet("[]");
+  const std::string text =
+      R"([{"log_id":"17","job_id":"updateFW","state_id":"WAIT","input_parameters":[{}],"x":")" +
+      std::string(5000, 'x') + "\"}]";
+  writeJobs(text);
+  std::filesystem::remove(shared() + "utility/logs/TarselVistrelUtility.txt");
+  const testing::Ended ended =
+      testing::runProgram({"/bin/sh", "-c", "ulimit -f 1; exec \"$0\" 17 \"$1\"",
+                           bundle / "Contents/Resources/Kelvane", shared()},
+                          folder.path(), {{"ZORAPI_FLEET", folder / "fleet.json"}});
+  EXPECT_EQ(ended.exitStatus, 0);
+  EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), text);
+  EXPECT_EQ(folder.names("shared/utility/command"), Lines{"BGPLog.json"});
 }
 
 TEST_F(FirmwareJob, AMissingFleetIsADiscoveryError) {

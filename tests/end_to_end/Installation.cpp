@@ -1,13 +1,14 @@
 #include "end_to_end/Installation.h"
 
 #include <filesystem>
-#include <sstream>
 
 #include "platform/Json.h"
+#include "support/LogLine.h"
 
 namespace kelvane {
 
 using platform::Value;
+using testing::splitLines;
 
 namespace fs = std::filesystem;
 
@@ -16,13 +17,6 @@ namespace {
 void copyInto(const char* file, const std::string& target) {
   fs::create_directories(fs::path(target).parent_path());
   fs::copy_file(file, target);
-}
-
-std::vector<std::string> lines(const std::string& text) {
-  std::vector<std::string> found;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) found.push_back(line);
-  return found;
 }
 
 std::string digits(const Value& entry, const char* key) { return entry.get(key).digits(); }
@@ -42,6 +36,7 @@ Installation::Installation() {
                  {"ZORAPI_FLEET", folder / "fleet.json"},
                  {"ZORAPI_JOURNAL", folder / "journal"},
                  {"KELVANE_TEST_SLEEPS", folder / "sleeps"},
+                 {"KELVANE_TEST_WRITES", folder / "writes"},
                  {"KELVANE_TEST_VERSIONS", folder / "versions"}};
 }
 
@@ -73,6 +68,7 @@ testing::Ended Installation::runWorker(const std::vector<std::string>& arguments
   fs::remove_all(folder / "versions");
   fs::create_directories(folder / "versions");
   fs::remove(folder / "sleeps");
+  fs::remove(folder / "writes");
   std::vector<std::string> argv = {bundle / "Contents/Resources/Kelvane"};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   return testing::runProgram(argv, folder.path(), environment);
@@ -117,11 +113,13 @@ std::vector<std::string> Installation::progress() const {
   return found;
 }
 
-std::vector<std::string> Installation::sleeps() const { return lines(folder.read("sleeps")); }
+std::vector<std::string> Installation::sleeps() const { return splitLines(folder.read("sleeps")); }
+
+std::vector<std::string> Installation::writes() const { return splitLines(folder.read("writes")); }
 
 std::vector<std::string> Installation::violations() const {
   std::vector<std::string> found;
-  for (const std::string& line : lines(folder.read("journal"))) {
+  for (const std::string& line : splitLines(folder.read("journal"))) {
     if (platform::parseJson(line).has("violation")) found.push_back(line);
   }
   return found;
@@ -129,7 +127,7 @@ std::vector<std::string> Installation::violations() const {
 
 std::vector<std::string> Installation::calls() const {
   std::vector<std::string> found;
-  for (const std::string& line : lines(folder.read("journal"))) {
+  for (const std::string& line : splitLines(folder.read("journal"))) {
     const Value record = platform::parseJson(line);
     if (!record.has("violation")) found.push_back(record.get("function").string());
   }

@@ -90,6 +90,56 @@ TEST_F(FileTest, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
   EXPECT_EQ(folder.names("real"), Names{"file"});
 }
 
+TEST_F(FileTest, AChainOfLinksIsFollowedAsFarAsTheSystemFollowsIt) {
+  folder.write("link0", "old");
+  for (int i = 1; i <= 41; ++i) {
+    std::filesystem::create_symlink("link" + std::to_string(i - 1),
+                                    folder / ("link" + std::to_string(i)));
+  }
+  EXPECT_TRUE(exists(folder / "link40"));
+  EXPECT_TRUE(replaceFile(folder / "link40", "new"));
+  EXPECT_EQ(folder.read("link0"), "new");
+  EXPECT_FALSE(exists(folder / "link41"));
+  EXPECT_FALSE(replaceFile(folder / "link41", "newer"));
+}
+
+TEST_F(FileTest, ANameAsLongAsNamesCanBeIsReplaced) {
+  const std::string name(255, 'n');
+  folder.write(name, "old");
+  EXPECT_TRUE(replaceFile(folder / name, "new"));
+  EXPECT_EQ(folder.read(name), "new");
+}
+
+// Only root may give a file away; without it the owner is the same to begin with.
+TEST_F(FileTest, KeepsOwnerAndGroupOfTheOldFileWhereAllowed) {
+  folder.write("inside/file", "old");
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::chown((folder / "inside").c_str(), 0, 100), 0);
+    ASSERT_EQ(::chmod((folder / "inside").c_str(), 02755), 0);
+    ASSERT_EQ(::chown((folder / "inside/file").c_str(), 12, 34), 0);
+  }
+  struct stat before = {};
+  ASSERT_EQ(::stat((folder / "inside/file").c_str(), &before), 0);
+  EXPECT_TRUE(replaceFile(folder / "inside/file", "new"));
+  struct stat after = {};
+  ASSERT_EQ(::stat((folder / "inside/file").c_str(), &after), 0);
+  EXPECT_EQ(folder.read("inside/file"), "new");
+  EXPECT_EQ(after.st_uid, before.st_uid);
+  EXPECT_EQ(after.st_gid, before.st_gid);
+}
+
+TEST_F(FileTest, KeepsTheGroupInAFolderThatHandsDownItsOwn) {
+  folder.write("inside/file", "old");
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::chown((folder / "inside").c_str(), 0, 100), 0);
+    ASSERT_EQ(::chmod((folder / "inside").c_str(), 02755), 0);
+  }
+  EXPECT_TRUE(replaceFile(folder / "inside/file", "new"));
+  struct stat after = {};
+  ASSERT_EQ(::stat((folder / "inside/file").c_str(), &after), 0);
+  EXPECT_EQ(after.st_gid, ::getegid());
+}
+
 TEST_F(FileTest, LinksInACircleAreNotReplaced) {
   std::filesystem::create_symlink("b", folder / "a");
   std::filesystem::create_symlink("a", folder / "b");

@@ -1,8 +1,10 @@
+#include <csignal>
 #include <filesystem>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include "platform/Host.h"
 
@@ -30,6 +32,17 @@ TEST(SystemHost, KnowsTheRunningSystemsVersion) {
   const SystemVersion version = SystemHost().systemVersion();
   const std::string start = std::to_string(version[0]) + "." + std::to_string(version[1]);
   EXPECT_EQ(std::string(names.release).rfind(start, 0), 0U) << names.release;
+}
+
+TEST(IgnoreWriteSignals, LetsWritesFailInsteadOfEndingTheProcess) {
+  EXPECT_EXIT(
+      {
+        ignoreWriteSignals();
+        ::raise(SIGXFSZ);
+        ::raise(SIGPIPE);
+        ::_exit(7);
+      },
+      ::testing::ExitedWithCode(7), "");
 }
 
 TEST(SystemHost, TellsTheLocalTime) {

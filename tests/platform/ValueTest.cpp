@@ -159,12 +159,13 @@ TEST(EqualStrings, WhatIsAbsentNeverEqualsAnything) {
   EXPECT_FALSE(equalStrings(Value(), "a"));
   EXPECT_FALSE(equalStrings("a", Value()));
   EXPECT_FALSE(equalStrings(Value(), Value()));
-  EXPECT_FALSE(equalStrings(Value(), Value::integer(1)));
 }
 
 TEST(EqualStrings, WhatIsThereAndIsNoStringRaises) {
   EXPECT_THROW(equalStrings("a", Value::integer(1)), Exception);
   EXPECT_THROW(equalStrings(Value::null(), "a"), Exception);
+  EXPECT_THROW(equalStrings(Value(), Value::integer(1)), Exception);
+  EXPECT_THROW(equalStrings(Value::null(), Value()), Exception);
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
 #include "support/WorkerWorld.h"
 
-#include <regex>
-#include <sstream>
-
 #include "log/iLog.h"
 #include "platform/Json.h"
+#include "support/LogLine.h"
 
 namespace kelvane::testing {
 namespace {
@@ -13,9 +11,9 @@ constexpr char kJobFile[] = "shared/utility/command/BGPLog.json";
 constexpr char kLogFile[] = "shared/utility/logs/TarselVistrelUtility.txt";
 
 bool isOfTheStore(const std::string& line) {
-  static const std::regex kStore(
-      "^(readJSONFileDict|updateJSONFile|writeJSONFile|updateFWUpdateStatus):");
-  return std::regex_search(line, kStore);
+  const std::string function = line.substr(0, line.find(':'));
+  return function == "readJSONFileDict" || function == "updateJSONFile" ||
+         function == "writeJSONFile" || function == "updateFWUpdateStatus";
 }
 
 }  // namespace
@@ -39,15 +37,13 @@ platform::Value WorkerWorld::jobs() const { return platform::parseJson(jobText()
 std::string WorkerWorld::logText() const { return folder.read(kLogFile); }
 
 std::vector<std::string> WorkerWorld::log() const {
-  static const std::regex kLine(
-      R"(^\[14:03:07\] \[[A-Za-z]+\.cpp\]\[\d+\]\[([^\]]*)\]\[(debug|error)\] (.*)$)");
   std::vector<std::string> lines;
-  std::istringstream text(logText());
-  for (std::string line; std::getline(text, line);) {
-    std::smatch parts;
-    if (!std::regex_match(line, parts, kLine)) continue;
-    const char* separator = parts[2] == "error" ? " error: " : ": ";
-    lines.push_back(parts[1].str() + separator + parts[3].str());
+  for (const std::string& text : splitLines(logText())) {
+    const auto line = parseLogLine(text);
+    if (!line) continue;
+    EXPECT_EQ(line->time, "14:03:07");
+    const char* separator = line->level == "error" ? " error: " : ": ";
+    lines.push_back(line->function + separator + line->message);
   }
   return lines;
 }
@@ -64,14 +60,18 @@ void WorkerWorld::watchJobFile(std::function<std::string(const platform::Value&)
   describe_ = std::move(describe);
   lastSeen_ = jobText();
   framework.onCall = [this] { look(); };
-  host.onSleep = [this] { look(); };
+  host.onSleep = [this] {
+    look();
+    versionsAtSleeps.push_back(versions_.empty() ? "none" : versions_.back());
+  };
 }
 
 void WorkerWorld::look() {
   const std::string text = jobText();
   if (text == lastSeen_) return;
   lastSeen_ = text;
-  versions_.push_back(describe_(platform::parseJson(text)));
+  wholeVersions.push_back(platform::parseJson(text));
+  versions_.push_back(describe_(wholeVersions.back()));
 }
 
 std::vector<std::string> WorkerWorld::versions() {

@@ -38,6 +38,9 @@ class WorkerWorld : public ::testing::Test {
   // sleep and at the end; each described by the test's own choice.
   void watchJobFile(std::function<std::string(const platform::Value& jobs)> describe);
   std::vector<std::string> versions();
+  // The version that stood in the file at each sleep, and the versions as they were.
+  std::vector<std::string> versionsAtSleeps;
+  std::vector<platform::Value> wholeVersions;
 
   TempFolder folder;
   FakeHost host;

@@ -79,6 +79,34 @@ TEST_F(CpldFlash, ACompleteFlashInCallsLinesAndVersions) {
   EXPECT_EQ(host.sleeps, (std::vector<unsigned>{2, 2}));
 }
 
+TEST_F(CpldFlash, EveryPercentageIsPublishedBeforeTheSleep) {
+  framework.cpldProgress = {{0, 0, 40}, {0, 1, 40}};
+  run();
+  EXPECT_EQ(versionsAtSleeps, (Lines{"20/10", "70/35"}));
+}
+
+TEST_F(CpldFlash, TheEndIsLoggedAfterTheFinalisingCall) {
+  std::string lastLineAtCall;
+  framework.onCall = [&] { lastLineAtCall = log().back(); };
+  run();
+  EXPECT_EQ(framework.calls.back(), "zr_finalizeCPLDProcess(3/0, 0)");
+  EXPECT_NE(lastLineAtCall, "flashCPLD: flashCPLD end");
+  EXPECT_EQ(log().back(), "flashCPLD: flashCPLD end");
+}
+
+TEST_F(CpldFlash, AnUpToDateCpldIsLoggedBeforeItIsPublished) {
+  framework.answer("zr_flashCPLDBin", 1, 0x77);
+  framework.descriptions[0x77] = "the version of CPLD is up to date";
+  run();
+  const Lines all = log();
+  const auto line =
+      std::find(all.begin(), all.end(), "flashCPLD: the version of CPLD is up to date");
+  const auto publish =
+      std::find(all.begin(), all.end(), "updateFWUpdateStatus: currentJobArray = (");
+  EXPECT_LT(line, publish);
+  EXPECT_NE(publish, all.end());
+}
+
 TEST_F(CpldFlash, Status8058BehavesExactlyAsZero) {
   framework.answer("zr_flashCPLDBin", 1, 0x8058);
   EXPECT_EQ(run(), 0U);
@@ -156,8 +184,16 @@ TEST_F(CpldFlash, AnUnknownStageKeepsThePercentageAndSaysNothing) {
 }
 
 TEST_F(CpldFlash, StatusBytesFromThreeOnArePolledOnWithoutAPublish) {
-  framework.cpldProgress = {{3, 0, 10}, {4, 2, 20}, {255, 1, 30}};
+  framework.cpldProgress = {{3, 0, 10, 1}, {4, 2, 20, 2}, {255, 1, 30, 2}, {0, 2, 100, 2}};
   EXPECT_EQ(run(), 0U);
+  EXPECT_THAT(lines(), ElementsAre("flashCPLD start", "devId = 3, filePath = /img",
+                                   "Start transferring CPLD image, please wait ...",
+                                   "Start flashing CPLD, please wait ...",
+                                   "progress.rdcp_u8Status = 3, progress.rdcp_u8Stage = 0",
+                                   "progress.rdcp_u8Status = 4, progress.rdcp_u8Stage = 2",
+                                   "progress.rdcp_u8Status = 255, progress.rdcp_u8Stage = 1",
+                                   "progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 2",
+                                   "  ... 100 percent completed... ", "flashCPLD end"));
   EXPECT_EQ(versions(), Lines{"100/50"});
   EXPECT_EQ(host.sleeps, (std::vector<unsigned>{2, 2, 2}));
 }
@@ -189,8 +225,11 @@ TEST_F(CpldFlash, AFailingProgressCallHasItsStaleRecordEvaluatedAndSleptOnOnce) 
   EXPECT_EQ(host.sleeps.size(), 2U);
   EXPECT_EQ(versions(), Lines{"30/15"});
   const Lines all = lines();
-  EXPECT_EQ(std::count(all.begin(), all.end(), "  ...  30 percent completed... "), 2);
-  EXPECT_EQ(all.back(), "flashCPLD end");
+  const Lines tail(all.end() - 5, all.end());
+  EXPECT_THAT(tail, ElementsAre("progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 0",
+                                "  ...  30 percent completed... ",
+                                "progress.rdcp_u8Status = 0, progress.rdcp_u8Stage = 0",
+                                "  ...  30 percent completed... ", "flashCPLD end"));
 }
 
 TEST_F(CpldFlash, AProgressCallThatFailsWithADoneRecordIsStillDone) {

@@ -90,6 +90,16 @@ TEST_F(JobFile, AQueryMeetingALogIdThatIsNoStringGivesThatRecordAndLogsTheReason
                                  StartsWith("readJSONFileDict error: ")));
 }
 
+TEST_F(JobFile, AQueryByALogIdThatIsNoStringOnlyMattersWhereARecordHasOne) {
+  const Value number = Value::dictionary({{"log_id", Value::integer(5)}});
+  writeJobs(R"([{"n":1},{"n":2}])");
+  EXPECT_EQ(worker.readJSONFileDict(number).get("n").integerValue(), 2);
+  EXPECT_THAT(log(), ElementsAre("readJSONFileDict: currentJobArray = ("));
+  writeJobs(kThree);
+  EXPECT_EQ(worker.readJSONFileDict(number).get("n").integerValue(), 1);
+  EXPECT_THAT(log().back(), StartsWith("readJSONFileDict error: "));
+}
+
 TEST_F(JobFile, AQueryOnATopLevelObjectLogsTheReasonAfterTheArrayLine) {
   writeJobs(R"({"log_id":"1"})");
   EXPECT_EQ(worker.readJSONFileDict(query("1")), Value::dictionary());
@@ -110,6 +120,13 @@ TEST_F(JobFile, WhatJsonHasNoFormForWritesNothingButTheLogLines) {
   worker.writeJSONFile(Value::array({Value::data("x")}));
   EXPECT_EQ(jobText(), kThree);
   EXPECT_EQ(log().size(), 2U);
+}
+
+TEST_F(JobFile, WritingLogsBeforeItWrites) {
+  writeJobs(kThree);
+  setLogPath("/dev/full");
+  EXPECT_THROW(worker.writeJSONFile(Value::array()), Exception);
+  EXPECT_EQ(jobText(), kThree);
 }
 
 TEST_F(JobFile, AFailedWriteIsSilent) {

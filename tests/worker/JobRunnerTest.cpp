@@ -1,8 +1,10 @@
+#include <csignal>
 #include <filesystem>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "log/iLog.h"
 #include "platform/Json.h"
@@ -134,6 +136,42 @@ TEST_F(JobRunner, TheEnginePathComesFromTheSharedSettings) {
                   "/Applications/X.app/Contents/Resources/EngineRunner"));
 }
 
+TEST_F(JobRunner, AnAppPathThatIsNoTextStandsInTheEnginePathAsItsText) {
+  folder.write("shared/utility/config/setting.json", R"({"AppPath": null})");
+  EXPECT_EQ(worker.getEngineRunnerPath(shared()), Value("<null>/Contents/Resources/EngineRunner"));
+}
+
+TEST_F(JobRunner, WithoutASharedFolderTheSettingsAreRelativeToo) {
+  folder.write("utility/config/setting.json", R"({"AppPath": "/X"})");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  for (const Value& none : {Value(), Value("")}) {
+    Kelvane relative(host);
+    relative.init(none);
+    EXPECT_EQ(relative.EngineRunnerPath(), Value("/X/Contents/Resources/EngineRunner"));
+  }
+  std::filesystem::current_path(before);
+}
+
+TEST_F(JobRunner, AnEnginePathThatWasFoundIsGivenEvenWhenItsLogLineFails) {
+  folder.write("shared/utility/config/setting.json", R"({"AppPath": "/X"})");
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before = {};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const std::size_t firstLine = std::string(
+                                    "[14:03:07] [JobRunner.cpp][100][getEngineRunnerPath][debug] "
+                                    "getFormatToolPath start, groupContainerPath = \n")
+                                    .size() +
+                                shared().size();
+  const rlimit limit = {firstLine + 10, before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  const Value path = worker.getEngineRunnerPath(shared());
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, SIG_DFL);
+  EXPECT_EQ(path, Value("/X/Contents/Resources/EngineRunner"));
+  EXPECT_EQ(logText().size(), firstLine + 10);
+}
+
 TEST_F(JobRunner, WithoutSharedSettingsThereIsNoEnginePath) {
   EXPECT_TRUE(worker.getEngineRunnerPath(shared()).isNothing());
   folder.write("shared/utility/config/setting.json", "not json");
@@ -186,7 +224,8 @@ TEST_F(JobRunner, RunsTheWaitingJobAndLogsWhatItFound) {
 }
 
 TEST_F(JobRunner, HandsOverTheRecordWithAResultOfNoError) {
-  writeJobs("[" + job("17", "WAIT", R"("result":9,"input_parameters":[{}])") + "]");
+  writeJobs("[" + job("17", "WAIT", R"("result":9,"resultStr":"old","input_parameters":[{}])") +
+            "]");
   worker.run("17");
   EXPECT_THAT(logText(), HasSubstr("updateFW start, inputDict = {\n"));
   EXPECT_THAT(logText(), HasSubstr("    result = 0;\n    resultStr = \"no error\";\n"));
@@ -267,6 +306,30 @@ TEST_F(JobRunner, InputParametersAreCarriedOverFromAnEarlierRecord) {
     EXPECT_EQ(state(1), "FREE") << more;
     EXPECT_THAT(logText(), HasSubstr("logId = 17, inputParmsDict = {\n    from = one;\n}"));
   }
+}
+
+TEST_F(JobRunner, LaterInputParametersReplaceEarlierOnes) {
+  for (const char* own : {R"("input_parameters":{"from":"two"})",
+                          R"("input_parameters":[{"from":"two"},{"from":"three"}])"}) {
+    writeJobs("[" + job("1", "FREE", R"("input_parameters":{"from":"one"})") + "," +
+              job("18", "WAIT", own) + "]");
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    worker.run("17");
+    EXPECT_THAT(logText(), HasSubstr("logId = 18, inputParmsDict = {\n    from = two;\n}")) << own;
+  }
+}
+
+TEST_F(JobRunner, AnIncompleteRecordSuppliesInputParametersToo) {
+  writeJobs(R"([{"input_parameters":{"from":"one"}},)" + job("17", "WAIT", R"("x":1)") + "]");
+  worker.run("17");
+  EXPECT_EQ(state(1), "FREE");
+  EXPECT_THAT(logText(), HasSubstr("logId = 17, inputParmsDict = {\n    from = one;\n}"));
+}
+
+TEST_F(JobRunner, TheFirstElementOfAListCountsWhateverItIs) {
+  writeJobs("[" + job("18", "WAIT", R"("input_parameters":[null])") + "]");
+  worker.run("17");
+  EXPECT_THAT(logText(), HasSubstr("logId = 18, inputParmsDict = <null>, stateId = WAIT"));
 }
 
 TEST_F(JobRunner, ParametersOfAWrongKindDoNotReplaceTheCarriedOnes) {

@@ -1,7 +1,9 @@
 #include <ctime>
-#include <regex>
+#include <filesystem>
+#include <iterator>
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -169,6 +171,16 @@ TEST_F(LogTest, TellingACaughtExceptionNeverRaises) {
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("reason"));
 }
 
+TEST_F(LogTest, NoFileStaysOpen) {
+  const auto openFiles = [] {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+  };
+  const auto before = openFiles();
+  for (int i = 0; i < 10; ++i) tell(0);
+  EXPECT_EQ(openFiles(), before);
+}
+
 TEST_F(LogTest, APathOf511BytesWorks) {
   std::string path = folder.path();
   while (path.size() < 400) path += "/" + std::string(90, 'd');
@@ -197,9 +209,8 @@ TEST_F(LogDeathTest, APathOf512BytesEndsTheProcess) {
 TEST_F(LogTest, WithoutAHostTheSystemsClockIsUsed) {
   iLog_host = nullptr;
   tell(0);
-  EXPECT_TRUE(std::regex_match(
-      written(),
-      std::regex(R"(\[([01]\d|2[0-3]):[0-5]\d:[0-5]\d\] \[f\]\[1\]\[run\]\[debug\] text\n)")));
+  EXPECT_THAT(written(), ::testing::MatchesRegex("\\[[0-2][0-9]:[0-5][0-9]:[0-5][0-9]\\] "
+                                                 "\\[f\\]\\[1\\]\\[run\\]\\[debug\\] text\n"));
 }
 
 }  // namespace

@@ -204,6 +204,13 @@ TEST_F(StatusReporting, WrongKindsAreLoggedOnceAndChangeNothing) {
   }
 }
 
+TEST_F(StatusReporting, ALogIdThatIsNoStringIsLoggedAlsoWhereNoneIsGiven) {
+  writeJobs(R"([{"log_id":5,"output":[{"wwn":"A"}]}])");
+  update(R"({"wwn":"A"})", Value());
+  EXPECT_THAT(log(), ElementsAre("updateFWUpdateStatus: currentJobArray = (",
+                                 StartsWith("updateFWUpdateStatus error: ")));
+}
+
 TEST_F(StatusReporting, ADamagedJobFileHasNoRecordsAndIsNotWritten) {
   writeJobs("[{");
   update(R"({"wwn":"A","n":1})");

@@ -6,6 +6,7 @@
 
 #include "log/iLog.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "worker/FirmwareWorld.h"
 
 namespace kelvane {
@@ -158,11 +159,80 @@ TEST_F(UpdateSequence, EveryEntryStartsWithZeroedRecords) {
               Contains("zr_getFDLImageInfo(flash[4301 /W1.img 0], image[zeroed])"));
   EXPECT_THAT(framework.calls, Contains("zr_getUSBImageInfo(flash[4301 /W1.img f1], usb[zeroed])"));
   EXPECT_THAT(framework.calls, Contains("zr_getControllerInfo(1, 0, request, zeroed, 65535)"));
+  EXPECT_THAT(framework.calls,
+              Contains("zr_getCPLDImageInfo(flash[4301 /W1.img f1], cpld[zeroed], image[fd 0], "
+                       "page0, page1)"));
   EXPECT_THAT(framework.calls, Contains("zr_getFlashProgress(1/0, 0, progress[zeroed])"));
   EXPECT_THAT(framework.calls, Contains("zr_mac_getNVRAM(1/0, 0, nvram[zeroed])"));
 }
 
+TEST_F(UpdateSequence, TheJobIsMarkedRunningBeforeTheFrameworkIsInitialised) {
+  controllers({0x4801});
+  std::string stateAtFirstCall;
+  writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[
+                {"wwn":"W0","file_path":"/i"}]}])");
+  framework.onCall = [&] {
+    if (framework.calls.empty()) stateAtFirstCall = state();
+  };
+  worker.updateFW(jobs().at(0));
+  EXPECT_EQ(stateAtFirstCall, "RUN");
+}
+
+TEST_F(UpdateSequence, EveryPercentageIsPublishedBeforeTheSleep) {
+  controllers({0x4301});
+  framework.cpldProgress = {{0, 0, 40}, {0, 1, 40}};
+  framework.flashProgress = {{0, 3, 36}};
+  updateAll({"W0"});
+  EXPECT_EQ(versionsAtSleeps, (Lines{"RUN 10/20/0", "RUN 35/70/0", "RUN 68/100/36"}));
+}
+
+TEST_F(UpdateSequence, EveryVersionIsLoggedAsItIsWritten) {
+  controllers({0x4801});
+  framework.flashProgress = {{0, 1, 50}};
+  updateAll({"W0"});
+  ASSERT_EQ(versions().size(), 4U);
+  for (const Value& version : wholeVersions) {
+    const std::string dump = platform::describe(version);
+    EXPECT_THAT(logText(), HasSubstr("updateJSONFile, newJobArray = " + dump + "\n"));
+    EXPECT_THAT(logText(), HasSubstr("writeJSONFile, newArray = " + dump + "\n"));
+    if (version == wholeVersions.back()) continue;
+    EXPECT_THAT(logText(), HasSubstr("[updateJSONFile][debug] currentJobArray = " + dump + "\n"));
+  }
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_THAT(logText(), HasSubstr("[updateFWUpdateStatus][debug] currentJobArray = " +
+                                     platform::describe(wholeVersions[i]) + "\n"));
+  }
+  EXPECT_THAT(logText(), HasSubstr("[readJSONFileDict][debug] currentJobArray = " +
+                                   platform::describe(wholeVersions[2]) + "\n"));
+}
+
+TEST_F(UpdateSequence, TheFirstLineShowsTheRecordHandedOverAndTheLastTheFinishedOne) {
+  controllers({0x4801});
+  writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[
+                {"wwn":"W0","file_path":"/i"}]}])");
+  const Value record = jobs().at(0);
+  worker.updateFW(record);
+  EXPECT_THAT(logText(),
+              HasSubstr("updateFW start, inputDict = " + platform::describe(record) + "\n"));
+  EXPECT_THAT(logText(),
+              HasSubstr("updateAllFW end, retDict = " + platform::describe(jobs().at(0)) + "\n"));
+}
+
 // --- the result
+
+TEST_F(UpdateSequence, AJobWhoseRecordIsGoneFinishesTheLastRecordOfTheFile) {
+  controllers({0x4801});
+  writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[
+                {"wwn":"W0","file_path":"/i"}]}])");
+  framework.onCall = [this] {
+    if (framework.count("zr_finalizeFlashProcess") == 2) {
+      writeJobs(R"([{"log_id":"1","state_id":"RUN"},{"log_id":"2","state_id":"WAIT"}])");
+    }
+  };
+  worker.updateFW(jobs().at(0));
+  EXPECT_EQ(jobs(), platform::parseJson(R"([{"log_id":"1","state_id":"RUN"},
+      {"log_id":"2","state_id":"FREE","result":0,"resultStr":"text of 0x0"}])"));
+}
 
 TEST_F(UpdateSequence, ReturnsTheFinishedRecord) {
   controllers({0x4801});
@@ -488,6 +558,13 @@ TEST_F(UpdateSequence, AFailedStatusByteIsAFlashErrorThatStillPublishes100) {
   EXPECT_TRUE(host.sleeps.empty());
 }
 
+TEST_F(UpdateSequence, AFailedStatusByteCountsAlsoWhereTheProgressReadItselfFails) {
+  controllers({0x4801});
+  framework.flashProgress = {{1, 0, 0, 0, 0x77}};
+  updateAll({"W0"});
+  EXPECT_EQ(result(), 0x8054);
+}
+
 TEST_F(UpdateSequence, AFailedProgressReadIsActedOnOnceIncludingTheSleep) {
   controllers({0x4301});
   framework.flashProgress = {{0, 1, 20}};
@@ -549,6 +626,10 @@ TEST_F(UpdateSequence, EveryFailureUpToTheCpldFlashMayBeTolerated) {
     updateAll({"W0", "W1"});
     EXPECT_EQ(framework.count("zr_initializeFlashProcess"), 2) << function;
     const bool isInfo = std::string(function) == "zr_getControllerInfo";
+    if (isLocator) {  // nothing was filled after it
+      EXPECT_THAT(framework.calls, Contains("zr_checkFlashImage(1/0, 0, buffer, flash[0000  0], "
+                                            "usb[zeroed], cpld[zeroed], image[zeroed])"));
+    }
     EXPECT_EQ(result(), isInfo ? 0x8055 : 0) << function;  // a zeroed page shows no product
   }
 }
@@ -592,6 +673,30 @@ TEST_F(UpdateSequence, ASkippedStandardEntryNamesABusyFrameworkAgain) {
   EXPECT_EQ(framework.count("zr_finalizeFlashProcess"), 2);
 }
 
+TEST_F(UpdateSequence, ABusyFrameworkIsNamedUpToTheTransferAndNotAfterIt) {
+  const std::vector<std::pair<const char*, bool>> calls = {
+      {"zr_getFDLImageInfo", true},        {"zr_getCPLDImageInfo", true},
+      {"zr_getUSBImageInfo", true},        {"zr_finalizeCPLDProcess", true},
+      {"zr_initializeFlashProcess", true}, {"zr_checkFlashImage", true},
+      {"zr_transferFlashImage", true},     {"zr_verifyFlashImage", false},
+      {"zr_flashImageEx", false},          {"zr_getFlashProgress", false},
+      {"zr_finalizeFlashProcess", false},  {"zr_getCurrentDeviceInterface", false},
+      {"zr_mac_flashUSBFWbin", false}};
+  for (const auto& [function, isNamed] : calls) {
+    framework.devices.clear();
+    framework.calls.clear();
+    framework.answers.clear();
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    controllers({0x4301});
+    framework.answer(function, 1, 0x8050);
+    updateAll({"W0"});
+    EXPECT_THAT(updateLines(),
+                Contains("There is another flash process running.").Times(isNamed ? 1 : 0))
+        << function;
+    EXPECT_EQ(result(), 0x8050) << function;
+  }
+}
+
 TEST_F(UpdateSequence, ASkippedEntryIsNeverTolerated) {
   controllers({0x4301, 0x4301});
   framework.answer("zr_verifyFlashImage", 1, 0x66);
@@ -627,7 +732,34 @@ TEST_F(UpdateSequence, AnUnknownWwnAfterAKnownOneGoesByThePreviousController) {
               ElementsAre("ignore upgrade usb fw", "pPage0->ci_ProductID = 4801",
                           "rpf.rpf_uTransfer.rpf_u8ImageFilePath = ",
                           "u32Ret is not 0, u32Ret = 0x402", "updateAllFW end, retDict = {"));
+  const Lines closing = {"zr_finalizeFlashProcess(0/0, 0)", "zr_finializeQVXFImage(0/0, 0)"};
+  Lines expected = {"zr_getFlashQVXFImageStatus(0/0, 0, progress[zeroed])"};
+  for (int i = 0; i < 3; ++i) expected.insert(expected.end(), closing.begin(), closing.end());
+  expected.push_back("getErrorDescription(0x402)");
+  EXPECT_EQ(callsAfter("zr_getFlashQVXFImageStatus"), expected);
   EXPECT_EQ(result(), 0x0402);
+}
+
+TEST_F(UpdateSequence, AnUnknownWwnAfterAStandardControllerClosesThatOnesProcess) {
+  controllers({0x4301});
+  updateAll({"W0", "X"});
+  EXPECT_THAT(callsAfter("zr_mac_flashNVRAM"),
+              ElementsAre("zr_mac_flashNVRAM(0/0, 0, nvram[a2])", "zr_finalizeFlashProcess(0/0, 0)",
+                          "getErrorDescription(0x402)"));
+  EXPECT_EQ(updateLines()[updateLines().size() - 2], "pPage0->ci_ProductID = 4301");
+}
+
+TEST_F(UpdateSequence, ALaterPageThatIsNotFoundLeavesTheEarlierOneInForce) {
+  controllers({0x4801, 0x4801});
+  framework.answer("decod_locateBufferCtrlInfo", 3, 0x66);
+  updateAll({"W0", "W1"});
+  // The buffer holds the second controller's information, and the page stands where it stood.
+  const Lines lines = updateLines();
+  EXPECT_THAT(
+      Lines(lines.end() - 4, lines.end()),
+      ElementsAre("pPage0->ci_ProductID = 4801", "rpf.rpf_uTransfer.rpf_u8ImageFilePath = /W1.img",
+                  "u32Ret is not 0, u32Ret = 0x66", "updateAllFW end, retDict = {"));
+  EXPECT_EQ(framework.calls[framework.calls.size() - 2], "zr_finializeQVXFImage(1/0, 0)");
 }
 
 TEST_F(UpdateSequence, AFirstControllerWithoutAPageEndsWithTheOneFinaliseCall) {

@@ -69,9 +69,12 @@ TEST_F(UsbBridge, AControllerThatIsNotAttachedThroughTheBridgeEndsWithoutALine) 
 }
 
 TEST_F(UsbBridge, AFailedInterfaceQueryIsTheResultWithoutALine) {
-  framework.answer("zr_getCurrentDeviceInterface", 1, 0x4027);
-  EXPECT_EQ(run(), 0x4027U);
-  EXPECT_THAT(framework.calls, ElementsAre(kInterface));
+  for (const std::uint32_t status : {0x4027U, 0x105U, 0x1U}) {
+    framework.calls.clear();
+    framework.answer("zr_getCurrentDeviceInterface", 1, status);
+    EXPECT_EQ(run(), status);
+    EXPECT_THAT(framework.calls, ElementsAre(kInterface));
+  }
   EXPECT_TRUE(log().empty());
 }
 

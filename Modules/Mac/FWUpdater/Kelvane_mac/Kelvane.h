@@ -111,6 +111,10 @@ class Kelvane {
   platform::Value dispatch(const platform::Value& record);
 
   platform::Host& _host;
+  // The first three are shared with the application's code; no operation reads or writes them.
+  [[maybe_unused]] std::int64_t _currentIndex = 0;
+  [[maybe_unused]] bool _ExitFlag = false;
+  [[maybe_unused]] bool _pkgUpdateFlag = false;
   platform::Value _GroupContainerPath;  // string: the shared folder, or empty
   platform::Value _BGPPath;             // string: the job file
   platform::Value _EngineRunnerPath;    // string: the update engine, or nothing

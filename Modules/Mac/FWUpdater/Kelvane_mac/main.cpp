@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
   }
   using kelvane::platform::decodedUtf8;
   using kelvane::platform::Value;
+  kelvane::platform::ignoreWriteSignals();
   kelvane::platform::SystemHost host;
   kelvane::Kelvane worker(host);
   worker.init(argc == 2 ? Value("") : decodedUtf8(argv[2]));

@@ -66,7 +66,7 @@ bool writeAll(int file, std::string_view bytes) {
 std::string resolvedLinks(const std::string& path) {
   constexpr int kMostLinks = 40;
   std::filesystem::path current = path;
-  for (int i = 0; i < kMostLinks; ++i) {
+  for (int links = 0; links <= kMostLinks; ++links) {
     std::error_code notALink;
     const std::filesystem::path target = std::filesystem::read_symlink(current, notALink);
     if (notALink) return current.string();
@@ -75,17 +75,20 @@ std::string resolvedLinks(const std::string& path) {
   return {};
 }
 
+bool takeDefaultPermissions(int file) {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return ::fchmod(file, 0666 & ~mask) == 0;
+}
+
 // Takes over the old file's owner, where allowed, and its permission bits; a new file gets the
 // default ones.
 bool takeOverAttributes(int file, const std::string& oldPath) {
   struct stat old = {};
-  if (::stat(oldPath.c_str(), &old) != 0) {
-    if (errno != ENOENT) return false;
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return ::fchmod(file, 0666 & ~mask) == 0;
-  }
-  if (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) {
+  if (::stat(oldPath.c_str(), &old) != 0) return errno == ENOENT && takeDefaultPermissions(file);
+  struct stat fresh = {};
+  if (::fstat(file, &fresh) != 0) return false;
+  if (old.st_uid != fresh.st_uid || old.st_gid != fresh.st_gid) {
     [[maybe_unused]] const int allowed = ::fchown(file, old.st_uid, old.st_gid);
   }
   return ::fchmod(file, old.st_mode & 07777) == 0;
@@ -133,7 +136,8 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   const std::string replaced = resolvedLinks(path);
   if (replaced.empty()) return false;
   const std::string folder = std::filesystem::path(replaced).parent_path().string();
-  std::string temporary = replaced + ".XXXXXX";
+  // A name of its own, not one made of the old file's, which may be as long as names can be.
+  std::string temporary = (folder.empty() ? "." : folder) + "/.replace-XXXXXX";
   Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (!file.isOpen()) return false;
   if (!fillTemporary(file, replaced, bytes) || ::rename(temporary.c_str(), replaced.c_str()) != 0) {

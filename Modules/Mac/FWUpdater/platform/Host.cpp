@@ -1,6 +1,7 @@
 #include "platform/Host.h"
 
 #include <cctype>
+#include <csignal>
 #include <cstdlib>
 
 #include <unistd.h>
@@ -29,6 +30,11 @@ Value SystemHost::executableFolder() const {
   const Value path = decodedUtf8(native::executablePath().c_str());
   if (path.isNothing() || path.string().empty()) return {};
   return withoutLastComponent(path.string());
+}
+
+void ignoreWriteSignals() {
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
 }
 
 SystemVersion parseVersion(const std::string& text) {

@@ -35,6 +35,10 @@ class SystemHost : public Host {
   Value executableFolder() const override;
 };
 
+// From here on a write to a file at its size limit, or to a pipe that nobody reads, fails like any
+// other write instead of ending the process.
+void ignoreWriteSignals();
+
 // The leading numbers of a version text: "6.1.0-18" gives 6, 1, 0.
 SystemVersion parseVersion(const std::string& text);
 

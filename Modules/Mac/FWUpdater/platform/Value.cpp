@@ -246,8 +246,12 @@ bool Value::operator==(const Value& other) const {
 }
 
 bool equalStrings(const Value& left, const Value& right) {
-  if (left.isNothing() || right.isNothing()) return false;
-  return left.string() == right.string();
+  for (const Value* side : {&left, &right}) {
+    if (!side->isNothing() && !side->isString()) {
+      throw Exception(std::string("compared ") + nameOf(side->kind()) + " as a string");
+    }
+  }
+  return left.isString() && left == right;
 }
 
 }  // namespace kelvane::platform

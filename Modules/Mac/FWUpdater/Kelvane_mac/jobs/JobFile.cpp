@@ -23,7 +23,8 @@ Value Kelvane::readJSONFileDict(const Value& query) {
     if (wanted.isNothing()) return current;
     for (const Value& record : jobs.elements()) {
       current = record;  // without a match, the last record is the answer: meant so
-      if (platform::equalStrings(record.get(job::kLogId), wanted)) break;
+      const Value& logId = record.get(job::kLogId);
+      if (!logId.isNothing() && platform::equalStrings(logId, wanted)) break;
     }
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("readJSONFileDict:", caught);

@@ -114,6 +114,8 @@ union FlashTransfer {
   } byBuffer;
 };
 static_assert(sizeof(FlashTransfer) == 256);
+static_assert(offsetof(FlashTransfer, byBuffer.at32) == 32);
+static_assert(offsetof(FlashTransfer, byBuffer.at36) == 36);
 
 struct FlashParm {
   std::uint8_t at0;
@@ -130,8 +132,12 @@ struct FlashParm {
   std::uint8_t at308[4];
 };
 static_assert(sizeof(FlashParm) == 312);
+static_assert(offsetof(FlashParm, at0) == 0);
 static_assert(offsetof(FlashParm, at1) == 1);
 static_assert(offsetof(FlashParm, productId) == 2);
+static_assert(offsetof(FlashParm, at4) == 4);
+static_assert(offsetof(FlashParm, at5) == 5);
+static_assert(offsetof(FlashParm, at6) == 6);
 static_assert(offsetof(FlashParm, rpf_uTransfer) == 8);
 static_assert(offsetof(FlashParm, at264) == 264);
 static_assert(offsetof(FlashParm, at268) == 268);
@@ -159,9 +165,16 @@ struct UsbParm {
 };
 static_assert(sizeof(UsbParm) == 92);
 static_assert(offsetof(UsbParm, usb_u32checkUSB) == 0);
+static_assert(offsetof(UsbParm, at4) == 4);
+static_assert(offsetof(UsbParm, at8) == 8);
+static_assert(offsetof(UsbParm, at9) == 9);
+static_assert(offsetof(UsbParm, at10) == 10);
 static_assert(offsetof(UsbParm, at12) == 12);
 static_assert(offsetof(UsbParm, at14) == 14);
+static_assert(offsetof(UsbParm, at15) == 15);
 static_assert(offsetof(UsbParm, at16) == 16);
+static_assert(offsetof(UsbParm, at18) == 18);
+static_assert(offsetof(UsbParm, at20) == 20);
 static_assert(offsetof(UsbParm, at22) == 22);
 static_assert(offsetof(UsbParm, at23) == 23);
 static_assert(offsetof(UsbParm, at39) == 39);
@@ -173,6 +186,7 @@ struct CpldParm {
   std::uint32_t at4[6];
 };
 static_assert(sizeof(CpldParm) == 28);
+static_assert(offsetof(CpldParm, at0) == 0);
 static_assert(offsetof(CpldParm, at4) == 4);
 
 struct FwImgInfo {
@@ -180,6 +194,8 @@ struct FwImgInfo {
   std::uint32_t at4;
 };
 static_assert(sizeof(FwImgInfo) == 8);
+static_assert(offsetof(FwImgInfo, at0) == 0);
+static_assert(offsetof(FwImgInfo, at4) == 4);
 
 struct FlashProgress {
   std::uint8_t fp_u8Status;  // 0 running or done, 1 or 3 failed
