@@ -217,6 +217,32 @@ TEST_F(FileTest, AFailingAppendTellsPathAndCause) {
   }
 }
 
+TEST_F(FileTest, KnowsFoldersAndSizes) {
+  folder.write("inside/file", "12345");
+  EXPECT_TRUE(isFolder(folder / "inside"));
+  EXPECT_FALSE(isFolder(folder / "inside/file"));
+  EXPECT_FALSE(isFolder(folder / "missing"));
+  EXPECT_EQ(fileSize(folder / "inside/file"), 5U);
+  EXPECT_EQ(fileSize(folder / "missing"), 0U);
+}
+
+TEST_F(FileTest, MovesAFile) {
+  folder.write("a", "x");
+  EXPECT_TRUE(movePath(folder / "a", folder / "b"));
+  EXPECT_EQ(folder.names(), Names{"b"});
+  EXPECT_FALSE(movePath(folder / "missing", folder / "c"));
+  EXPECT_EQ(folder.names(), Names{"b"});
+}
+
+TEST_F(FileTest, MakesOrEmptiesAFile) {
+  folder.write("full", "x");
+  EXPECT_TRUE(createEmptyFile(folder / "full"));
+  EXPECT_TRUE(createEmptyFile(folder / "new"));
+  EXPECT_EQ(folder.read("full"), "");
+  EXPECT_EQ(folder.names(), (Names{"full", "new"}));
+  EXPECT_FALSE(createEmptyFile(folder.path()));
+}
+
 TEST(WithoutLastComponent, CutsOneComponent) {
   EXPECT_EQ(withoutLastComponent("/A/B.app/Contents/Resources"), "/A/B.app/Contents");
   EXPECT_EQ(withoutLastComponent("/A/B/"), "/A");

@@ -112,6 +112,12 @@ TEST(Format, AMissingOrMisfittingArgumentRaises) {
   EXPECT_THROW(format("%d", "a"), Exception);
 }
 
+TEST(Split, KeepsEmptyPieces) {
+  EXPECT_EQ(split("/a//b/", '/'), Value::array({"", "a", "", "b", ""}));
+  EXPECT_EQ(split("a", '/'), Value::array({"a"}));
+  EXPECT_EQ(split("", '/'), Value::array({""}));
+}
+
 TEST(Utf8, KnowsWellFormedText) {
   for (const char* text : {"", "abc", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
                            "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {

@@ -114,6 +114,34 @@ bool exists(const std::string& path) {
   return ::stat(path.c_str(), &entry) == 0;
 }
 
+bool isFolder(const std::string& path) {
+  struct stat entry = {};
+  return ::stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
+}
+
+std::uint64_t fileSize(const std::string& path) {
+  struct stat entry = {};
+  return ::stat(path.c_str(), &entry) == 0 ? static_cast<std::uint64_t>(entry.st_size) : 0;
+}
+
+bool movePath(const std::string& from, const std::string& to) {
+  std::error_code failed;
+  std::filesystem::rename(from, to, failed);
+  if (failed != std::errc::cross_device_link) return !failed;
+  std::filesystem::copy(
+      from, to,
+      std::filesystem::copy_options::recursive | std::filesystem::copy_options::copy_symlinks,
+      failed);
+  if (failed) return false;
+  std::filesystem::remove_all(from, failed);
+  return !failed;
+}
+
+bool createEmptyFile(const std::string& path) {
+  Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  return file.isOpen() && file.close();
+}
+
 std::string readFile(const std::string& path) {
   const Descriptor file(openFile(path, O_RDONLY));
   if (!file.isOpen()) raise("open", path);

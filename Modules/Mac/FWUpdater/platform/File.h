@@ -1,6 +1,7 @@
 // Files: existence, whole-file reading, atomic replacement, appending a line.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,19 @@ namespace kelvane::platform {
 // Whether a file system entry exists at the path; follows symbolic links, so that a dangling link
 // does not exist. An empty path never exists.
 bool exists(const std::string& path);
+
+// Whether a folder is at the path; follows symbolic links.
+bool isFolder(const std::string& path);
+
+// The size in bytes of the file at the path; 0 where it cannot be told.
+std::uint64_t fileSize(const std::string& path);
+
+// Gives the entry another path, also on another disk. Returns whether that was done; a failure
+// leaves it where it was.
+bool movePath(const std::string& from, const std::string& to);
+
+// Makes an empty file; a file that is there is emptied. Returns whether that was done.
+bool createEmptyFile(const std::string& path);
 
 // The whole file. Raises, with the path and the cause, where it is not there or cannot be read.
 std::string readFile(const std::string& path);

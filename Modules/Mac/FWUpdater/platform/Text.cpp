@@ -176,6 +176,16 @@ std::string describe(const Value& value) {
   return out;
 }
 
+Value split(std::string_view text, char separator) {
+  Value pieces = Value::array();
+  for (;;) {
+    const std::size_t end = text.find(separator);
+    pieces.append(text.substr(0, end));
+    if (end == std::string_view::npos) return pieces;
+    text.remove_prefix(end + 1);
+  }
+}
+
 std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments) {
   std::string out;
   auto next = arguments.begin();

@@ -16,6 +16,9 @@ namespace kelvane::platform {
 // "(null)".
 std::string describe(const Value& value);
 
+// The pieces between the separators, empty ones too: a list of one at the least.
+Value split(std::string_view text, char separator);
+
 // One argument of a format: a value for "%@", a C string for "%s" (null shows as "(null)"), a
 // whole number for "%d", "%x", "%ld", "%lu".
 using FormatArgument = std::variant<Value, const char*, std::int64_t, std::uint64_t>;

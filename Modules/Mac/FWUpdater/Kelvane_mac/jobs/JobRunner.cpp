@@ -1,13 +1,9 @@
 // The job runner: the worker's start, and the choice of the one job it runs.
 
-#include <array>
-#include <cstddef>
 #include <string>
-#include <string_view>
 
 #include "Kelvane.h"
 #include "log/iLog.h"
-#include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
@@ -28,21 +24,11 @@ constexpr Command kCommands[] = {
     {"updateFW", &Kelvane::updateFW},
 };
 
-Value splitAtSlashes(std::string_view path) {
-  Value components = Value::array();
-  for (;;) {
-    const std::size_t slash = path.find('/');
-    components.append(path.substr(0, slash));
-    if (slash == std::string_view::npos) return components;
-    path.remove_prefix(slash + 1);
-  }
-}
-
 // The application bundle's settings, for an executable's folder in a bundle that stands two levels
 // below the root.
 std::string productSettingsPath(const Value& executableFolder) {
   const std::string above = platform::withoutLastComponent(executableFolder.string());
-  const Value components = splitAtSlashes(above);
+  const Value components = platform::split(above, '/');
   return platform::format("/%@/%@/%@", components.at(1), components.at(2),
                           Value("Contents/Resources/Config/setting.json"));
 }

@@ -58,6 +58,14 @@ void iLog_tell(int level, const char* file, std::int32_t line, const char* funct
 void iLog_tellCaught(const char* file, std::int32_t line, const char* function,
                      const std::exception& caught) noexcept;
 
+// Rotates the log file at the path: one of 100 MiB or more is moved to its lowest free generation,
+// 1 to 100, and an empty file takes its place. Nothing in the worker calls it. Where the move
+// fails the file is emptied all the same; with all generations taken it is left alone.
+void renameFile(const platform::Value& path);
+// The path of generation n of a file: "/a/log.txt" gives "/a/log(3).txt". For absolute paths; a
+// relative one loses its first component and becomes absolute (meant so). Touches no file.
+platform::Value fileRename(const platform::Value& path, unsigned long n);
+
 // 1 when the switch of the level is on, else 0.
 int _check_level(int level);
 // "debug" for anything outside 1 to 4.
