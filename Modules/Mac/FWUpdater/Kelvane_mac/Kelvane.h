@@ -1,5 +1,5 @@
 // Kelvane: the worker. One object per process, used for one job. Its methods are the operations,
-// declared here in groups and defined room by room: jobs/, firmware/.
+// declared here in groups and defined room by room: jobs/, online_update/, firmware/.
 //
 // Methods take and give Values; a parameter may be nothing. Unless its declaration says otherwise,
 // no method lets an exception out: it logs the reason once, at error level, and returns with what
@@ -29,6 +29,10 @@ inline constexpr char kRun[] = "RUN";
 inline constexpr char kFree[] = "FREE";
 inline constexpr char kNoError[] = "no error";
 
+// Keys of an online update's product parameters.
+inline constexpr char kProductId[] = "productid";
+inline constexpr char kFolder[] = "folder";
+
 // Keys of a firmware job's input entries and of its progress entries.
 inline constexpr char kWwn[] = "wwn";
 inline constexpr char kFilePath[] = "file_path";
@@ -36,6 +40,15 @@ inline constexpr char kFwPercentage[] = "fw_percentage";
 inline constexpr char kCpldPercentage[] = "cpld_percentage";
 inline constexpr char kTotalPercentage[] = "total_percentage";
 }  // namespace job
+
+// Keys of the settings files.
+namespace settings {
+inline constexpr char kAppPath[] = "AppPath";
+inline constexpr char kCatalogueName[] = "online_update_plist_name";
+inline constexpr char kProductIdSw[] = "product_id_sw";
+inline constexpr char kProductIdKorfw[] = "product_id_korfw";
+inline constexpr char kProductIdZentanfw[] = "product_id_zentanfw";
+}  // namespace settings
 
 class Kelvane {
  public:
@@ -66,6 +79,20 @@ class Kelvane {
   // Sets every key of `changes` in each record with the same "log_id" and rewrites the file.
   // Without a "log_id" the file is left alone. Raises what reading the file raises.
   void updateJSONFile(const platform::Value& changes);
+
+  // --- online update: download area, software installation
+
+  // Makes every level of the path a folder, from the root on, where nothing is there.
+  void createTmpFolder(const platform::Value& path);
+  // Replaces the target's entries by the source's of the same name, hidden ones aside; the
+  // target's other entries stay.
+  void syncFiles(const platform::Value& source, const platform::Value& target);
+  // Moves what the update engine left in a job's "folder" into the download area. Returns the
+  // area's folder for the product; nothing where there was no catalogue to go by.
+  platform::Value syncDownloadFiles(const platform::Value& record);
+  // The command "updateSW": replaces the installed application by the bundle at "file_path".
+  // Returns the record as it was marked "RUN", or as it was given where it lacks its parameters.
+  platform::Value updateSW(const platform::Value& record);
 
   // --- firmware: status reporting
 

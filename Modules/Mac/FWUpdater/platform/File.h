@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kelvane::platform {
 
@@ -23,6 +24,20 @@ bool movePath(const std::string& from, const std::string& to);
 
 // Makes an empty file; a file that is there is emptied. Returns whether that was done.
 bool createEmptyFile(const std::string& path);
+
+// The names in a folder, hidden ones too, in the system's order; none where it cannot be listed.
+std::vector<std::string> listFolder(const std::string& path);
+
+// Makes a folder, and those above it that are missing. Returns whether it is there.
+bool makeFolders(const std::string& path);
+
+// Removes the entry with all below it; of a symbolic link the link, never what it leads to.
+// Returns whether that was done.
+bool removeTree(const std::string& path);
+
+// Copies the entry with all below it: links as links, with permission bits and modification times.
+// Fails where anything is in the target's place; a failed copy of a folder may leave part of it.
+bool copyTree(const std::string& from, const std::string& to);
 
 // The whole file. Raises, with the path and the cause, where it is not there or cannot be read.
 std::string readFile(const std::string& path);

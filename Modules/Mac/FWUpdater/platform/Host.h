@@ -5,6 +5,8 @@
 #include <ctime>
 #include <string>
 
+#include <spawn.h>
+
 #include "platform/Value.h"
 
 namespace kelvane::platform {
@@ -46,6 +48,9 @@ SystemVersion parseVersion(const std::string& text);
 namespace native {
 std::string systemVersionText();
 std::string executablePath();  // empty where the system does not tell
+// Makes a spawned child have no files but its standard streams; `flags` are the attributes' others.
+void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
+                     short flags);
 }  // namespace native
 
 }  // namespace kelvane::platform

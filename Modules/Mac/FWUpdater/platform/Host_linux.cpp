@@ -2,6 +2,7 @@
 #include <system_error>
 
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include "platform/Host.h"
 
@@ -15,6 +16,12 @@ std::string systemVersionText() {
 std::string executablePath() {
   std::error_code unknown;
   return std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+}
+
+void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
+                     short flags) {
+  ::posix_spawn_file_actions_addclosefrom_np(actions, STDERR_FILENO + 1);
+  ::posix_spawnattr_setflags(attributes, flags);
 }
 
 }  // namespace kelvane::platform::native

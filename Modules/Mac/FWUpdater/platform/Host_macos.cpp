@@ -3,6 +3,7 @@
 
 #include <mach-o/dyld.h>
 #include <sys/sysctl.h>
+#include <unistd.h>
 
 #include "platform/Host.h"
 
@@ -22,6 +23,12 @@ std::string executablePath() {
   std::string path(size, '\0');
   if (::_NSGetExecutablePath(path.data(), &size) != 0) return {};
   return path.c_str();  // without the terminator and what follows it
+}
+
+void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
+                     short flags) {
+  ::posix_spawn_file_actions_addinherit_np(actions, STDERR_FILENO);
+  ::posix_spawnattr_setflags(attributes, static_cast<short>(flags | POSIX_SPAWN_CLOEXEC_DEFAULT));
 }
 
 }  // namespace kelvane::platform::native

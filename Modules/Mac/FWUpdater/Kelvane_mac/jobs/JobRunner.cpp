@@ -21,6 +21,7 @@ struct Command {
 
 // The one place where commands are bound to operations.
 constexpr Command kCommands[] = {
+    {"updateSW", &Kelvane::updateSW},
     {"updateFW", &Kelvane::updateFW},
 };
 
@@ -76,8 +77,8 @@ Value Kelvane::getEngineRunnerPath(const Value& groupContainerPath) {
     KELVANE_LOG("getEngineRunnerPath:", "getFormatToolPath start, groupContainerPath = %@",
                 groupContainerPath);
     if (platform::exists(path)) {
-      const Value settings = platform::parseJson(platform::readFile(path));
-      const Value& appPath = settings.get("AppPath");
+      const Value found = platform::parseJson(platform::readFile(path));
+      const Value& appPath = found.get(settings::kAppPath);
       if (!appPath.isNothing()) {
         toolPath = platform::format("%@/Contents/Resources/EngineRunner", appPath);
       }

@@ -1,0 +1,100 @@
+// The download area: one folder per kind of product under the shared folder, into which the update
+// engine's results are moved. What the file system refuses is passed over in silence.
+
+#include <string>
+
+#include "Kelvane.h"
+#include "log/iLog.h"
+#include "platform/File.h"
+#include "platform/Text.h"
+
+namespace kelvane {
+
+using platform::Value;
+
+namespace {
+
+struct ProductFolder {
+  const char* setting;  // the setting that holds the product's identifier
+  const char* format;   // the folder, for the shared folder
+};
+
+constexpr ProductFolder kProductFolders[] = {
+    {settings::kProductIdSw, "%@tmp/OnlineUpdate/SW"},
+    {settings::kProductIdKorfw, "%@tmp/OnlineUpdate/KORFW"},
+    {settings::kProductIdZentanfw, "%@tmp/OnlineUpdate/ZENTANAS"},
+};
+constexpr char kOtherProducts[] = "%@tmp/OnlineUpdate/FW";
+
+const char* folderFormat(const Value& productId, const Value& productSettings) {
+  for (const ProductFolder& folder : kProductFolders) {
+    if (platform::equalStrings(productId, productSettings.get(folder.setting))) {
+      return folder.format;
+    }
+  }
+  return kOtherProducts;
+}
+
+// A dictionary is the parameters itself; of a list its first element counts, nothing of an empty
+// one.
+Value firstParameters(const Value& inputs) {
+  if (inputs.isDictionary()) return inputs;
+  return inputs.count() == 0 ? Value() : inputs.at(0);
+}
+
+}  // namespace
+
+void Kelvane::createTmpFolder(const Value& path) {
+  try {
+    std::string prefix;  // always from the root, also for a relative path: meant so
+    const Value components = platform::split(path.string(), '/');
+    for (const Value& component : components.elements()) {
+      if (component.string().empty()) continue;
+      prefix += "/" + component.string();
+      if (!platform::exists(prefix)) platform::makeFolders(prefix);
+    }
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("createTmpFolder:", caught);
+  }
+}
+
+void Kelvane::syncFiles(const Value& source, const Value& target) {
+  try {
+    int index = 0;
+    for (const std::string& name : platform::listFolder(source.string())) {
+      KELVANE_LOG("syncFiles:withTarget:", "dirs %d = %@", index++, name);
+      if (name.rfind('.', 0) == 0) continue;
+      const std::string from = source.string() + "/" + name;
+      const std::string to = target.string() + "/" + name;
+      if (platform::exists(to)) platform::removeTree(to);
+      platform::copyTree(from, to);
+    }
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("syncFiles:withTarget:", caught);
+  }
+}
+
+Value Kelvane::syncDownloadFiles(const Value& record) {
+  try {
+    KELVANE_LOG("syncDownloadFiles:", "syncDownloadFiles start, inputDict = %@", record);
+    if (!record.has(job::kInputParameters) || !record.has(job::kJobId)) return {};
+    const Value parameters = firstParameters(record.get(job::kInputParameters));
+    const Value& folder = parameters.get(job::kFolder);
+    if (folder.isNothing()) return {};
+    const std::string catalogue =
+        platform::format("%@/%@.plist", folder, _settingDict.get(settings::kCatalogueName));
+    if (!platform::exists(catalogue)) return {};
+
+    const char* format = folderFormat(parameters.get(job::kProductId), _settingDict);
+    const std::string target = platform::format(format, _GroupContainerPath);
+    if (!platform::exists(target)) platform::makeFolders(target);
+    syncFiles(folder, target);
+    if (platform::exists(folder.string())) platform::removeTree(folder.string());
+    return target;
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("syncDownloadFiles:", caught);
+    return {};
+  }
+}
+
+}  // namespace kelvane

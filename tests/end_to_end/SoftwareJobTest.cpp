@@ -1,0 +1,31 @@
+// The application replaced by the real executable, with the system's own tools.
+
+#include <gtest/gtest.h>
+
+#include "end_to_end/Installation.h"
+
+namespace kelvane {
+namespace {
+
+using SoftwareJob = Installation;
+
+TEST_F(SoftwareJob, ReplacesTheInstalledBundleByTheNewOne) {
+  folder.write("Manager.app/Contents/old", "old");
+  folder.write("New.app/Contents/new", "new");
+  bundle.write("Contents/Resources/Config/setting.json",
+               R"({"AppPath": ")" + (folder / "Manager.app") + "\"}");
+  writeJobs(R"([{"log_id":"17","job_id":"updateSW","state_id":"WAIT","input_parameters":
+                {"file_path":")" +
+            (folder / "New.app") + "\"}}]");
+  const testing::Ended ended = runWorker({"17", shared()});
+  EXPECT_EQ(ended.exitStatus, 0);
+  EXPECT_EQ(ended.err, "");
+  EXPECT_EQ(folder.names("Manager.app/Contents"), std::vector<std::string>{"new"});
+  ASSERT_EQ(versions().size(), 2U);
+  EXPECT_EQ(versions()[0].at(0).get("state_id"), platform::Value("RUN"));
+  EXPECT_EQ(versions()[1].at(0).get("state_id"), platform::Value("FREE"));
+  EXPECT_EQ(result(), 0);
+}
+
+}  // namespace
+}  // namespace kelvane

@@ -1,0 +1,109 @@
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/File.h"
+#include "support/TempFolder.h"
+
+namespace kelvane::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Names = std::vector<std::string>;
+
+class FileTree : public ::testing::Test {
+ protected:
+  kelvane::testing::TempFolder folder;
+};
+
+TEST_F(FileTree, ListsOneLevelHiddenNamesToo) {
+  folder.write("a/one", "");
+  folder.write("a/.hidden", "");
+  folder.write("a/deep/below", "");
+  Names names = listFolder(folder / "a");
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (Names{".hidden", "deep", "one"}));
+}
+
+TEST_F(FileTree, WhatCannotBeListedHasNoNames) {
+  EXPECT_TRUE(listFolder(folder / "missing").empty());
+  EXPECT_TRUE(listFolder(folder.write("file", "")).empty());
+}
+
+TEST_F(FileTree, MakesAllLevels) {
+  EXPECT_TRUE(makeFolders(folder / "a/b/c"));
+  EXPECT_TRUE(makeFolders(folder / "a/b/c"));
+  EXPECT_TRUE(isFolder(folder / "a/b/c"));
+  folder.write("file", "");
+  EXPECT_FALSE(makeFolders(folder / "file/below"));
+}
+
+TEST_F(FileTree, RemovesAllBelowButNeverWhatALinkLeadsTo) {
+  folder.write("kept/inside", "x");
+  folder.write("gone/deep/inside", "x");
+  fs::create_directory_symlink(folder / "kept", folder / "gone/link");
+  EXPECT_TRUE(removeTree(folder / "gone"));
+  EXPECT_EQ(folder.names(), Names{"kept"});
+  fs::create_directory_symlink(folder / "kept", folder / "link");
+  EXPECT_TRUE(removeTree(folder / "link"));
+  EXPECT_EQ(folder.names(), Names{"kept"});
+  EXPECT_EQ(folder.read("kept/inside"), "x");
+}
+
+TEST_F(FileTree, CopiesFilesFoldersLinksAndEmptyFolders) {
+  folder.write("from/a b/\xC3\xA9.txt", "text");
+  folder.write("from/.hidden", "h");
+  fs::create_directories(folder / "from/empty");
+  fs::create_symlink("missing", folder / "from/dangling");
+  fs::create_directory_symlink("a b", folder / "from/link");
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to/a b/\xC3\xA9.txt"), "text");
+  EXPECT_EQ(folder.names("to"), (Names{".hidden", "a b", "dangling", "empty", "link"}));
+  EXPECT_TRUE(folder.names("to/empty").empty());
+  EXPECT_EQ(fs::read_symlink(folder / "to/dangling"), "missing");
+  EXPECT_EQ(fs::read_symlink(folder / "to/link"), "a b");
+}
+
+TEST_F(FileTree, KeepsPermissionBitsAndModificationTimes) {
+  folder.write("from/file", "x");
+  ::chmod((folder / "from/file").c_str(), 0540);
+  const auto time = fs::file_time_type::clock::now() - std::chrono::hours(1000);
+  fs::last_write_time(folder / "from/file", time);
+  fs::last_write_time(folder / "from", time);
+  ::chmod((folder / "from").c_str(), 0555);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  for (const char* name : {"", "/file"}) {
+    const std::string from = folder / ("from" + std::string(name));
+    const std::string to = folder / ("to" + std::string(name));
+    EXPECT_EQ(fs::status(from).permissions(), fs::status(to).permissions()) << name;
+    EXPECT_EQ(fs::last_write_time(from), fs::last_write_time(to)) << name;
+  }
+  ::chmod((folder / "from").c_str(), 0755);
+  ::chmod((folder / "to").c_str(), 0755);
+}
+
+TEST_F(FileTree, CopyingNeverReplacesAnything) {
+  folder.write("from", "new");
+  folder.write("file", "old");
+  fs::create_directory(folder / "folder");
+  fs::create_symlink("missing", folder / "dangling");
+  for (const char* target : {"file", "folder", "dangling"}) {
+    EXPECT_FALSE(copyTree(folder / "from", folder / target)) << target;
+  }
+  EXPECT_EQ(folder.read("file"), "old");
+  EXPECT_FALSE(exists(folder / "missing"));
+}
+
+TEST_F(FileTree, WhatIsNotThereOrNeitherFileNorFolderIsNotCopied) {
+  EXPECT_FALSE(copyTree(folder / "missing", folder / "to"));
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  EXPECT_FALSE(copyTree(folder / "fifo", folder / "to"));
+  EXPECT_FALSE(exists(folder / "to"));
+}
+
+}  // namespace
+}  // namespace kelvane::platform

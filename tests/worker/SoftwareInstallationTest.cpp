@@ -1,0 +1,145 @@
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/Json.h"
+#include "support/WorkerWorld.h"
+
+namespace kelvane {
+namespace {
+
+using platform::Value;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+using Names = std::vector<std::string>;
+
+class SoftwareInstallation : public testing::WorkerWorld {
+ protected:
+  SoftwareInstallation() {
+    folder.write("Installed.app/Contents/old", "old");
+    folder.write("downloads/New.app/Contents/new", "new");
+    worker.setSettingDict(Value::dictionary({{"AppPath", folder / "Installed.app"}}));
+  }
+  std::string job(const std::string& inputs) const {
+    return R"([{"log_id":"17","job_id":"updateSW","state_id":"WAIT","input_parameters":)" + inputs +
+           "}]";
+  }
+  std::string package() const {
+    return R"({"file_path":")" + (folder / "downloads/New.app") + R"(","more":1})";
+  }
+  std::string state() const { return jobs().at(0).get("state_id").string(); }
+};
+
+TEST_F(SoftwareInstallation, TheNewBundleTakesTheOldOnesPlaceWhole) {
+  writeJobs(job(package()));
+  worker.run("17");
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"new"});
+  EXPECT_EQ(folder.read("downloads/New.app/Contents/new"), "new");
+  EXPECT_EQ(state(), "FREE");
+}
+
+TEST_F(SoftwareInstallation, TheOutputIsTheParameters) {
+  writeJobs(job(package()));
+  worker.run("17");
+  EXPECT_EQ(jobs().at(0).get("output"), jobs().at(0).get("input_parameters"));
+  EXPECT_EQ(jobs().at(0).get("result").integerValue(), 0);
+  EXPECT_EQ(jobs().at(0).get("resultStr"), Value("no error"));
+}
+
+TEST_F(SoftwareInstallation, ReturnsTheRecordAsItWasMarkedRunning) {
+  writeJobs(job(package()));
+  Value expected = jobs().at(0);
+  expected.set("output", expected.get("input_parameters"));
+  expected.set("state_id", "RUN");
+  EXPECT_EQ(worker.updateSW(jobs().at(0)), expected);
+}
+
+TEST_F(SoftwareInstallation, LogsTheOutputOfBothToolsAndNothingElse) {
+  writeJobs(job(package()));
+  worker.updateSW(jobs().at(0));
+  EXPECT_THAT(logWithoutStore(), ElementsAre("updateSW: result = ", "updateSW: result = "));
+}
+
+TEST_F(SoftwareInstallation, WithoutAPackageNothingIsTouched) {
+  for (const char* inputs : {"{}", R"({"path":"/x"})"}) {
+    const std::string text = job(inputs);
+    writeJobs(text);
+    EXPECT_EQ(worker.updateSW(jobs().at(0)), jobs().at(0));
+    EXPECT_EQ(jobText(), text);
+  }
+  EXPECT_EQ(worker.updateSW(Value::dictionary({{"log_id", "17"}})),
+            Value::dictionary({{"log_id", "17"}}));
+  EXPECT_TRUE(worker.updateSW(Value()).isNothing());
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+  EXPECT_THAT(log(), IsEmpty());
+}
+
+TEST_F(SoftwareInstallation, AListOfParametersIsLoggedOnceAndTouchesNothing) {
+  const std::string text = job("[" + package() + "]");
+  writeJobs(text);
+  EXPECT_EQ(worker.updateSW(jobs().at(0)), jobs().at(0));
+  EXPECT_EQ(jobText(), text);
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+  EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: ")));
+}
+
+TEST_F(SoftwareInstallation, APackageThatIsNoTextIsLoggedOnceAndTouchesNothing) {
+  const std::string text = job(R"({"file_path":5})");
+  writeJobs(text);
+  worker.updateSW(jobs().at(0));
+  EXPECT_EQ(jobText(), text);
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+  EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: ")));
+}
+
+TEST_F(SoftwareInstallation, AMissingPackageLeavesTheApplicationRemovedAndTheJobFree) {
+  writeJobs(job(R"({"file_path":"/nowhere/New.app"})"));
+  ::testing::internal::CaptureStderr();
+  worker.run("17");
+  EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr("/nowhere/New.app"));
+  EXPECT_FALSE(fs::exists(folder / "Installed.app"));
+  EXPECT_EQ(state(), "FREE");
+}
+
+TEST_F(SoftwareInstallation, WithoutAnInstalledPathBothListsEndThere) {
+  worker.setSettingDict(Value::dictionary());
+  writeJobs(job(package()));
+  ::testing::internal::CaptureStderr();
+  worker.run("17");
+  EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr("cp: missing"));
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+  EXPECT_EQ(state(), "FREE");
+}
+
+TEST_F(SoftwareInstallation, NamesWithBlanksAndQuotesAreOneArgument) {
+  const std::string name = "New $(touch x) 'a\" b.app";
+  folder.write(name + "/inside", "new");
+  writeJobs("[]");
+  worker.updateSW(Value::dictionary(
+      {{"log_id", "17"}, {"input_parameters", Value::dictionary({{"file_path", folder / name}})}}));
+  EXPECT_EQ(folder.names("Installed.app"), Names{"inside"});
+}
+
+TEST_F(SoftwareInstallation, AJobFileWithoutRecordsStaysEmpty) {
+  const Value record = platform::parseJson(job(package())).at(0);
+  worker.updateSW(record);
+  EXPECT_EQ(jobText(), "[]");
+}
+
+TEST_F(SoftwareInstallation, SettingsThatAreNoDictionaryAreLoggedOnce) {
+  worker.setSettingDict(Value::array());
+  const std::string text = job(package());
+  writeJobs(text);
+  worker.updateSW(jobs().at(0));
+  EXPECT_EQ(jobText(), text);
+  EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: ")));
+}
+
+}  // namespace
+}  // namespace kelvane
