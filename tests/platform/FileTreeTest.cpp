@@ -1,8 +1,11 @@
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "platform/File.h"
@@ -52,6 +55,39 @@ TEST_F(FileTree, RemovesAllBelowButNeverWhatALinkLeadsTo) {
   EXPECT_TRUE(removeTree(folder / "link"));
   EXPECT_EQ(folder.names(), Names{"kept"});
   EXPECT_EQ(folder.read("kept/inside"), "x");
+}
+
+TEST_F(FileTree, ASlashAtTheEndDoesNotLeadThroughALink) {
+  folder.write("kept/inside", "x");
+  fs::create_directory_symlink(folder / "kept", folder / "link");
+  EXPECT_TRUE(removeTree(folder / "link/"));
+  EXPECT_EQ(folder.names(), Names{"kept"});
+  EXPECT_EQ(folder.read("kept/inside"), "x");
+}
+
+TEST_F(FileTree, AFileThatCannotBeCopiedToItsEndIsNotLeftBehind) {
+  folder.write("from", std::string(1'000'000, 'x'));
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before = {};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit limit = {65536, before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  const bool copied = copyTree(folder / "from", folder / "to");
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, SIG_DFL);
+  EXPECT_FALSE(copied);
+  EXPECT_EQ(folder.names(), Names{"from"});
+}
+
+TEST_F(FileTree, ALinkKeepsItsOwnModificationTime) {
+  fs::create_symlink("missing", folder / "from");
+  const timespec time = {1000, 0};
+  const timespec times[2] = {time, time};
+  ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "from").c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  struct stat entry = {};
+  ASSERT_EQ(::lstat((folder / "to").c_str(), &entry), 0);
+  EXPECT_EQ(entry.st_mtime, 1000);
 }
 
 TEST_F(FileTree, CopiesFilesFoldersLinksAndEmptyFolders) {

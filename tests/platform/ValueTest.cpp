@@ -33,14 +33,16 @@ TEST(Value, AKeyThatHoldsNullIsThere) {
 }
 
 TEST(Value, AskingForWhatTheKindHasNotRaises) {
+  const Value null = Value::null();
+  const Value array = Value::array();
   EXPECT_THROW(Value("text").get("key"), Exception);
   EXPECT_THROW(Value::null().get("key"), Exception);
   EXPECT_THROW(Value::array().get("key"), Exception);
   EXPECT_THROW(Value("text").count(), Exception);
   EXPECT_THROW(Value::dictionary().count(), Exception);
-  EXPECT_THROW(Value::null().elements(), Exception);
+  EXPECT_THROW(null.elements(), Exception);
   EXPECT_THROW(Value::integer(1).string(), Exception);
-  EXPECT_THROW(Value::array().entries(), Exception);
+  EXPECT_THROW(array.entries(), Exception);
   EXPECT_THROW(Value::array().asDictionary(), Exception);
   EXPECT_THROW(Value().asDictionary(), Exception);
 }
@@ -148,6 +150,21 @@ TEST(Value, TheWholeNumberOfANumber) {
   EXPECT_EQ(Value::number("-12345678901234567890123").integerValue(),
             std::numeric_limits<std::int64_t>::min());
   EXPECT_EQ(Value::number("nan").integerValue(), 0);
+}
+
+TEST(Compare, OrdersStringsByCharactersNumbersByValueAndDatesByTime) {
+  EXPECT_GT(compare("9.0.0", "10.15.0"), 0);
+  EXPECT_LT(compare("a", "\xC3\xA9"), 0);
+  EXPECT_EQ(compare("a", "a"), 0);
+  EXPECT_LT(compare(Value::number("9"), Value::number("1e1")), 0);
+  EXPECT_EQ(compare(Value::number("1.0"), Value::number("1")), 0);
+  EXPECT_GT(compare(Date{2}, Date{1}), 0);
+}
+
+TEST(Compare, TwoKindsOrOneWithoutAnOrderRaise) {
+  EXPECT_THROW(compare("1", Value::integer(1)), Exception);
+  EXPECT_THROW(compare(Value::null(), Value::null()), Exception);
+  EXPECT_THROW(compare(Value(), "a"), Exception);
 }
 
 TEST(EqualStrings, ComparesExactly) {

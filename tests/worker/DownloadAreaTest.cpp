@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "support/WorkerWorld.h"
 
 namespace kelvane {
@@ -155,8 +156,54 @@ TEST_F(DownloadArea, OfAListOnlyTheFirstElementCounts) {
   job.set("input_parameters",
           Value::array({job.get("input_parameters"), Value::dictionary({{"folder", "/x"}})}));
   EXPECT_EQ(worker.syncDownloadFiles(job), Value(area("SW")));
+  makeDownload();
   job.set("input_parameters", Value::array());
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
   EXPECT_TRUE(worker.syncDownloadFiles(job).isNothing());
+  EXPECT_THAT(log(), ElementsAre(StartsWith("syncDownloadFiles: syncDownloadFiles start")));
+  EXPECT_TRUE(fs::exists(folder / "engine/package.img"));
+}
+
+TEST_F(DownloadArea, OfEqualSettingsTheFirstChooses) {
+  for (
+      const auto& [json, name] : std::map<std::string, std::string>{
+          {R"({"online_update_plist_name":"Catalogue","product_id_sw":"x","product_id_korfw":"x"})",
+           "SW"},
+          {R"({"online_update_plist_name":"Catalogue","product_id_korfw":"x",
+                "product_id_zentanfw":"x"})",
+           "KORFW"}}) {
+    makeDownload();
+    worker.setSettingDict(platform::parseJson(json));
+    EXPECT_EQ(worker.syncDownloadFiles(record("x")), Value(area(name)));
+  }
+}
+
+TEST_F(DownloadArea, ASynchronisationLogsTheRecordAndEachEntryAndNothingElse) {
+  makeDownload();
+  folder.write("engine/.hidden", "");
+  const Value job = record("sw");
+  worker.syncDownloadFiles(job);
+  EXPECT_EQ(log().size(), 4U);
+  EXPECT_THAT(logText(), ::testing::HasSubstr("syncDownloadFiles start, inputDict = " +
+                                              platform::describe(job) + "\n"));
+  EXPECT_FALSE(fs::exists(folder / "engine"));
+  EXPECT_FALSE(fs::exists(area("SW/.hidden")));
+}
+
+TEST_F(DownloadArea, ARelativeFolderIsTakenFromTheCurrentFolder) {
+  makeDownload();
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.path());
+  const Value target = worker.syncDownloadFiles(Value::dictionary(
+      {{"job_id", "x"}, {"input_parameters", Value::dictionary({{"folder", "engine"}})}}));
+  fs::current_path(before);
+  EXPECT_EQ(target, Value(area("FW")));
+}
+
+TEST_F(DownloadArea, AnAbsentCatalogueNameStandsAsNull) {
+  folder.write("engine/(null).plist", "catalogue");
+  worker.setSettingDict(Value());
+  EXPECT_EQ(worker.syncDownloadFiles(record("sw")), Value(area("FW")));
 }
 
 TEST_F(DownloadArea, ASecondSynchronisationReplacesAndKeeps) {
@@ -185,6 +232,8 @@ TEST_F(DownloadArea, MissingKeysEndItBeforeAnythingIsTouched) {
   }
   EXPECT_TRUE(worker.syncDownloadFiles(Value()).isNothing());
   EXPECT_EQ(folder.names("engine"), (Names{"Catalogue.plist", "package.img"}));
+  EXPECT_EQ(log().size(), 5U);
+  EXPECT_THAT(logText(), ::testing::HasSubstr("inputDict = (null)\n"));
   EXPECT_THAT(
       log(),
       Contains(StartsWith("syncDownloadFiles: syncDownloadFiles start, inputDict = ")).Times(5));

@@ -93,6 +93,13 @@ TEST_F(LogRotation, TheLowestFreeGenerationIsTaken) {
   EXPECT_EQ(folder.read("log(3).txt"), "three");
 }
 
+TEST_F(LogRotation, AFolderTakesAGenerationToo) {
+  makeFile("log.txt", kThreshold);
+  folder.write("log(1).txt/inside", "");
+  rotate();
+  EXPECT_EQ(size("log(2).txt"), kThreshold);
+}
+
 TEST_F(LogRotation, TheHundredthGenerationIsTheLast) {
   makeFile("log.txt", kThreshold);
   for (int n = 1; n <= 99; ++n) folder.write("log(" + std::to_string(n) + ").txt", "");

@@ -132,6 +132,21 @@ TEST_F(SoftwareInstallation, AJobFileWithoutRecordsStaysEmpty) {
   EXPECT_EQ(jobText(), "[]");
 }
 
+TEST_F(SoftwareInstallation, AJobWhoseRecordIsGoneFreesTheLastRecordOfTheFile) {
+  const Value record = platform::parseJson(job(package())).at(0);
+  writeJobs(R"([{"log_id":"a"},{"log_id":"b"}])");
+  worker.updateSW(record);
+  EXPECT_EQ(jobs(), platform::parseJson(R"([{"log_id":"a"},{"log_id":"b","state_id":"FREE"}])"));
+}
+
+TEST_F(SoftwareInstallation, NothingIsRemovedBeforeTheJobIsMarkedRunning) {
+  const Value record = platform::parseJson(job(package())).at(0);
+  fs::remove(shared() + "utility/command/BGPLog.json");
+  worker.updateSW(record);
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+  EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: open ")));
+}
+
 TEST_F(SoftwareInstallation, SettingsThatAreNoDictionaryAreLoggedOnce) {
   worker.setSettingDict(Value::array());
   const std::string text = job(package());

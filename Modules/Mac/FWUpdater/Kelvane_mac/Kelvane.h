@@ -31,7 +31,11 @@ inline constexpr char kNoError[] = "no error";
 
 // Keys of an online update's product parameters.
 inline constexpr char kProductId[] = "productid";
+inline constexpr char kVersion[] = "version";
+inline constexpr char kUrl[] = "url";
 inline constexpr char kFolder[] = "folder";
+inline constexpr char kSize[] = "size";
+inline constexpr char kHash[] = "Hash256";
 
 // Keys of a firmware job's input entries and of its progress entries.
 inline constexpr char kWwn[] = "wwn";
@@ -48,6 +52,9 @@ inline constexpr char kCatalogueName[] = "online_update_plist_name";
 inline constexpr char kProductIdSw[] = "product_id_sw";
 inline constexpr char kProductIdKorfw[] = "product_id_korfw";
 inline constexpr char kProductIdZentanfw[] = "product_id_zentanfw";
+inline constexpr char kProductIdTarsel2fw[] = "product_id_tarsel2fw";
+inline constexpr char kProductIdTarsel3fw[] = "product_id_tarsel3fw";
+inline constexpr char kAppName[] = "app_name";
 }  // namespace settings
 
 class Kelvane {
@@ -79,6 +86,31 @@ class Kelvane {
   // Sets every key of `changes` in each record with the same "log_id" and rewrites the file.
   // Without a "log_id" the file is left alone. Raises what reading the file raises.
   void updateJSONFile(const platform::Value& changes);
+
+  // --- online update: update engine and download
+
+  // The command "getOnlineUpdateData": the catalogue's rules become the job's output. Returns the
+  // record as it was marked "RUN", with the output.
+  platform::Value getOnlineUpdateData(const platform::Value& record);
+  // The command "downloadOnlineUpdateFile": fetches the packages of a list of product parameters.
+  // Returns the record as it was marked "RUN", with the descriptions.
+  platform::Value downloadOnlineUpdateFile(const platform::Value& record);
+  // An empty dictionary where something exists at every description's "file_path"; else "result"
+  // 259 and its "resultStr".
+  platform::Value checkDownloadFilePath(const platform::Value& descriptions);
+
+  // --- online update: catalogue
+
+  // The catalogue's path in a folder. Shared with the application's code, unused here.
+  platform::Value getPlistPath(const platform::Value& folder);
+  // The catalogue's rules in the folder of a job's parameters, unfiltered; nothing without one.
+  platform::Value getUpdateEngineData(const platform::Value& record);
+  // The one rule that applies to the product; an empty dictionary where none does.
+  platform::Value getUpdateEngineDataInDownloadFolder(const platform::Value& parameters);
+  // A download description for each of the product parameters, all in the download folder where
+  // one is given.
+  platform::Value getDownloadFileData(const platform::Value& parameterList,
+                                      const platform::Value& downloadFolder);
 
   // --- online update: download area, software installation
 
@@ -136,6 +168,12 @@ class Kelvane {
   void setUp(const platform::Value& groupContainerPath);
   void runFirstWaiting(const platform::Value& logId);
   platform::Value dispatch(const platform::Value& record);
+  void query(const platform::Value& record, const platform::Value& parameters,
+             platform::Value& result);
+  void download(const platform::Value& record, const platform::Value& primary,
+                platform::Value& result);
+  platform::Value selectRule(const platform::Value& rules, const platform::Value& productId) const;
+  platform::Value expectedPackagePath(const platform::Value& parameters) const;
 
   platform::Host& _host;
   // The first three are shared with the application's code; no operation reads or writes them.

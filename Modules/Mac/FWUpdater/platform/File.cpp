@@ -128,13 +128,7 @@ bool movePath(const std::string& from, const std::string& to) {
   std::error_code failed;
   std::filesystem::rename(from, to, failed);
   if (failed != std::errc::cross_device_link) return !failed;
-  std::filesystem::copy(
-      from, to,
-      std::filesystem::copy_options::recursive | std::filesystem::copy_options::copy_symlinks,
-      failed);
-  if (failed) return false;
-  std::filesystem::remove_all(from, failed);
-  return !failed;
+  return copyTree(from, to) && removeTree(from);
 }
 
 bool createEmptyFile(const std::string& path) {

@@ -1,9 +1,14 @@
 // Folders and whole trees of files.
 
 #include <filesystem>
+#include <string>
 #include <system_error>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include "platform/File.h"
+#include "platform/Host.h"
 
 namespace kelvane::platform {
 
@@ -32,16 +37,29 @@ bool copyFolder(const fs::path& from, const fs::path& to) {
   return !failed && takeOver(from, to);
 }
 
+bool copyLink(const fs::path& from, const fs::path& to) {
+  std::error_code failed;
+  fs::copy_symlink(from, to, failed);
+  if (failed) return false;
+  const timespec time = native::modificationTime(from.string());
+  const timespec times[2] = {time, time};
+  return ::utimensat(AT_FDCWD, to.c_str(), times, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+// A file that could not be copied to its end is not left behind.
+bool copyFile(const fs::path& from, const fs::path& to) {
+  std::error_code failed;
+  if (fs::copy_file(from, to, failed) && takeOver(from, to)) return true;
+  fs::remove(to, failed);
+  return false;
+}
+
 bool copyEntry(const fs::path& from, const fs::path& to) {
   std::error_code failed;
   const fs::file_type type = fs::symlink_status(from, failed).type();
   if (type == fs::file_type::directory) return copyFolder(from, to);
-  if (type == fs::file_type::symlink) {
-    fs::copy_symlink(from, to, failed);
-    return !failed;
-  }
-  if (type != fs::file_type::regular) return false;
-  return fs::copy_file(from, to, failed) && takeOver(from, to);
+  if (type == fs::file_type::symlink) return copyLink(from, to);
+  return type == fs::file_type::regular && copyFile(from, to);
 }
 
 }  // namespace
@@ -63,8 +81,11 @@ bool makeFolders(const std::string& path) {
 }
 
 bool removeTree(const std::string& path) {
+  // A slash at the end would lead through a link.
+  std::string entry = path;
+  while (entry.size() > 1 && entry.back() == '/') entry.pop_back();
   std::error_code failed;
-  fs::remove_all(path, failed);
+  fs::remove_all(entry, failed);
   return !failed;
 }
 

@@ -47,7 +47,8 @@ SystemVersion parseVersion(const std::string& text);
 // What differs between systems: one source file each.
 namespace native {
 std::string systemVersionText();
-std::string executablePath();  // empty where the system does not tell
+timespec modificationTime(const std::string& path);  // of a symbolic link the link's own
+std::string executablePath();                        // empty where the system does not tell
 // Makes a spawned child have no files but its standard streams; `flags` are the attributes' others.
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
                      short flags);

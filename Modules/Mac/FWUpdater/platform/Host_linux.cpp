@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
@@ -16,6 +17,12 @@ std::string systemVersionText() {
 std::string executablePath() {
   std::error_code unknown;
   return std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+}
+
+timespec modificationTime(const std::string& path) {
+  struct stat entry = {};
+  ::lstat(path.c_str(), &entry);
+  return entry.st_mtim;
 }
 
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,

@@ -2,6 +2,7 @@
 #include <cstdint>
 
 #include <mach-o/dyld.h>
+#include <sys/stat.h>
 #include <sys/sysctl.h>
 #include <unistd.h>
 
@@ -23,6 +24,12 @@ std::string executablePath() {
   std::string path(size, '\0');
   if (::_NSGetExecutablePath(path.data(), &size) != 0) return {};
   return path.c_str();  // without the terminator and what follows it
+}
+
+timespec modificationTime(const std::string& path) {
+  struct stat entry = {};
+  ::lstat(path.c_str(), &entry);
+  return entry.st_mtimespec;
 }
 
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,

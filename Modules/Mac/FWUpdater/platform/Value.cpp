@@ -162,7 +162,7 @@ const Value& Value::at(std::size_t index) const {
   return all[index];
 }
 
-const Value::Elements& Value::elements() const {
+const Value::Elements& Value::elements() const& {
   if (isNothing()) return kNoElements;
   return *expect<std::shared_ptr<Elements>>("its elements");
 }
@@ -207,7 +207,7 @@ void Value::setAll(const Value& changes) {
   for (const Entry& entry : changes.entries()) set(entry.first, entry.second);
 }
 
-const Value::Entries& Value::entries() const {
+const Value::Entries& Value::entries() const& {
   if (isNothing()) return kNoEntries;
   return expect<std::shared_ptr<Dictionary>>("its entries")->entries();
 }
@@ -252,6 +252,28 @@ bool equalStrings(const Value& left, const Value& right) {
     }
   }
   return left.isString() && left == right;
+}
+
+namespace {
+
+template <typename T>
+int order(const T& left, const T& right) {
+  if (left == right) return 0;
+  return left < right ? -1 : 1;
+}
+
+double realValue(const Value& number) { return std::strtod(number.digits().c_str(), nullptr); }
+
+}  // namespace
+
+int compare(const Value& left, const Value& right) {
+  if (left.isString() && right.isString()) return order(left.string(), right.string());
+  if (left.isNumber() && right.isNumber()) return order(realValue(left), realValue(right));
+  if (left.kind() == Value::Kind::date && right.kind() == Value::Kind::date) {
+    return order(left.date(), right.date());
+  }
+  throw Exception(std::string("cannot order ") + nameOf(left.kind()) + " and " +
+                  nameOf(right.kind()));
 }
 
 }  // namespace kelvane::platform

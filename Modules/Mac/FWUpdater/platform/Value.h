@@ -73,15 +73,19 @@ class Value {
   // Arrays.
   std::size_t count() const;
   const Value& at(std::size_t index) const;  // past the end: raises
-  const Elements& elements() const;          // for walking; valid until the array is changed
-  void append(Value element);                // nothing: raises
+  // For walking; valid until the array is changed. Not of a value that ends with the expression.
+  const Elements& elements() const&;
+  const Elements& elements() const&& = delete;
+  void append(Value element);  // nothing: raises
 
   // Dictionaries. Keys keep the order in which they were first set.
   const Value& get(std::string_view key) const;  // nothing where the key is not there
   bool has(std::string_view key) const { return !get(key).isNothing(); }
   void set(std::string_view key, Value value);  // nothing: raises
   void setAll(const Value& changes);            // every key of the dictionary `changes`
-  const Entries& entries() const;               // for walking, in order
+  // For walking, in order; as with elements().
+  const Entries& entries() const&;
+  const Entries& entries() const&& = delete;
 
   // This value, which must be a dictionary: a record before it is changed.
   const Value& asDictionary() const;
@@ -111,6 +115,10 @@ class Value {
 
   Storage storage_;
 };
+
+// Orders two values of one kind: below, at or above 0. Strings order by their characters' code
+// values, numbers by value, dates by time; anything else, or two kinds, raises.
+int compare(const Value& left, const Value& right);
 
 // Whether two strings are the same. What is absent never equals anything; a value that is there
 // and is not a string raises.

@@ -21,6 +21,8 @@ struct Command {
 
 // The one place where commands are bound to operations.
 constexpr Command kCommands[] = {
+    {"getOnlineUpdateData", &Kelvane::getOnlineUpdateData},
+    {"downloadOnlineUpdateFile", &Kelvane::downloadOnlineUpdateFile},
     {"updateSW", &Kelvane::updateSW},
     {"updateFW", &Kelvane::updateFW},
 };

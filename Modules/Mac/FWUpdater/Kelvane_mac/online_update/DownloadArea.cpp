@@ -5,6 +5,7 @@
 
 #include "Kelvane.h"
 #include "log/iLog.h"
+#include "online_update/Parameters.h"
 #include "platform/File.h"
 #include "platform/Text.h"
 
@@ -33,13 +34,6 @@ const char* folderFormat(const Value& productId, const Value& productSettings) {
     }
   }
   return kOtherProducts;
-}
-
-// A dictionary is the parameters itself; of a list its first element counts, nothing of an empty
-// one.
-Value firstParameters(const Value& inputs) {
-  if (inputs.isDictionary()) return inputs;
-  return inputs.count() == 0 ? Value() : inputs.at(0);
 }
 
 }  // namespace

@@ -1,0 +1,63 @@
+#include "platform/Regex.h"
+
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include <pcre2.h>
+
+#include "platform/Exception.h"
+
+namespace kelvane::platform {
+namespace {
+
+struct FreeCode {
+  void operator()(pcre2_code* code) const { ::pcre2_code_free(code); }
+};
+struct FreeContext {
+  void operator()(pcre2_compile_context* context) const { ::pcre2_compile_context_free(context); }
+};
+struct FreeMatch {
+  void operator()(pcre2_match_data* match) const { ::pcre2_match_data_free(match); }
+};
+using Code = std::unique_ptr<pcre2_code, FreeCode>;
+using Match = std::unique_ptr<pcre2_match_data, FreeMatch>;
+
+PCRE2_SPTR units(const std::string& text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
+
+Code compile(const std::string& pattern) {
+  const std::unique_ptr<pcre2_compile_context, FreeContext> context(
+      ::pcre2_compile_context_create(nullptr));
+  ::pcre2_set_newline(context.get(), PCRE2_NEWLINE_ANY);
+  int error = 0;
+  PCRE2_SIZE at = 0;
+  Code code(::pcre2_compile(units(pattern), pattern.size(), PCRE2_UTF | PCRE2_UCP, &error, &at,
+                            context.get()));
+  if (code == nullptr) throw Exception("not a regular expression: " + pattern);
+  return code;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> firstMatch(const std::string& pattern,
+                                                   const std::string& text) {
+  const Code code = compile(pattern);
+  const Match match(::pcre2_match_data_create_from_pattern(code.get(), nullptr));
+  const int groups =
+      ::pcre2_match(code.get(), units(text), text.size(), 0, 0, match.get(), nullptr);
+  if (groups <= 0) return std::nullopt;
+  const PCRE2_SIZE* bounds = ::pcre2_get_ovector_pointer(match.get());
+  std::vector<std::string> found;
+  for (int i = 0; i < groups; ++i) {
+    const PCRE2_SIZE start = bounds[2 * i];
+    found.push_back(start == PCRE2_UNSET ? "" : text.substr(start, bounds[2 * i + 1] - start));
+  }
+  return found;
+}
+
+std::int64_t leadingInteger(const std::string& text) {
+  return std::strtoll(text.c_str(), nullptr, 10);  // held at the limits by the C library
+}
+
+}  // namespace kelvane::platform

@@ -1,0 +1,325 @@
+// The query and the download, with a shell script in the update engine's place.
+
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/Json.h"
+#include "support/PropertyLists.h"
+#include "support/WorkerWorld.h"
+
+namespace kelvane {
+namespace {
+
+using platform::Value;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+class OnlineUpdate : public testing::WorkerWorld {
+ protected:
+  OnlineUpdate() {
+    worker.setSettingDict(platform::parseJson(
+        R"({"online_update_plist_name":"Offers","product_id_tarsel2fw":"fw2"})"));
+    folder.write("catalogue",
+                 testing::xmlPropertyList(
+                     "<dict><key>Rules</key><array><dict><key>ProductID</key><string>fw2</string>"
+                     "<key>Version</key><string>2</string><key>Size</key><integer>7</integer>"
+                     "<key>Hash256</key><string>h</string></dict></array></dict>"));
+    watchJobFile([](const Value& jobs) { return jobs.at(0).get("state_id").string(); });
+  }
+  // The engine writes its arguments down, one a line, and does what the commands say.
+  void engine(const std::string& commands = "cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"") {
+    const std::string path = folder.write(
+        "EngineRunner", "#!/bin/sh\nSOURCE='" + folder.path() +
+                            "'\nfor a in \"$@\"; do echo \"$a\"; done > \"$SOURCE/arguments\"\n" +
+                            "cp '" + shared() +
+                            "utility/command/BGPLog.json' \"$SOURCE/during\"\n" + commands + "\n");
+    ::chmod(path.c_str(), 0755);
+    worker.setEngineRunnerPath(path);
+  }
+  Value parameters(const std::string& product = "fw2") const {
+    return Value::dictionary({{"productid", product},
+                              {"version", "1"},
+                              {"url", "u"},
+                              {"folder", folder / "engine folder"}});
+  }
+  void runJob(const char* command, const Value& inputs) {
+    writeJobs(
+        *platform::printJson(Value::array({Value::dictionary({{"log_id", "17"},
+                                                              {"job_id", command},
+                                                              {"state_id", "WAIT"},
+                                                              {"input_parameters", inputs}})})));
+    worker.run("17");
+  }
+  void query(const Value& inputs) { runJob("getOnlineUpdateData", inputs); }
+  void download(const Value& inputs) { runJob("downloadOnlineUpdateFile", inputs); }
+  Value job() const { return jobs().at(0); }
+  Value during() const { return platform::parseJson(folder.read("during")).at(0); }
+  std::vector<std::string> errors() const {
+    std::vector<std::string> found;
+    for (const std::string& line : log()) {
+      if (line.find(" error: ") != std::string::npos) found.push_back(line);
+    }
+    return found;
+  }
+};
+
+// --- query
+
+TEST_F(OnlineUpdate, AQueryMakesTheRulesItsOutput) {
+  engine();
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_EQ(job().get("output").at(0).get("ProductID"), Value("fw2"));
+  EXPECT_EQ(job().get("result").integerValue(), 0);
+  EXPECT_EQ(during().get("state_id"), Value("RUN"));
+  EXPECT_FALSE(during().has("output"));
+  EXPECT_FALSE(fs::exists(folder / "engine folder"));  // moved into the download area
+  EXPECT_TRUE(fs::exists(shared() + "tmp/OnlineUpdate/FW/Offers.plist"));
+}
+
+TEST_F(OnlineUpdate, TheEngineGetsItsArgumentsInOrder) {
+  engine();
+  query(parameters());
+  EXPECT_EQ(folder.read("arguments"), "dryrun\n-productid\nfw2\n-version\n1\n-url\nu\n-folder\n" +
+                                          (folder / "engine folder") + "\n-logId\n17\n-logPath\n" +
+                                          shared() + "utility/command/BGPLog.json\n-log\n" +
+                                          shared() + "/utility/logs/\n");
+}
+
+TEST_F(OnlineUpdate, AQueryInLogLines) {
+  engine("echo progress; cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"");
+  query(parameters());
+  const auto all = logWithoutStore();
+  EXPECT_THAT(all, ElementsAre("run: currentJobArray = (", StartsWith("run: logId = 17"),
+                               "getOnlineUpdateData: getOnlineUpdateData start, "
+                               "_EngineRunnerPath = " +
+                                   (folder / "EngineRunner"),
+                               "getOnlineUpdateData: arguments = (",
+                               "getOnlineUpdateData: execute EngineRunner result = progress",
+                               "syncDownloadFiles: syncDownloadFiles start, inputDict = {",
+                               "syncFiles: dirs 0 = Offers.plist",
+                               "getOnlineUpdateData: getOnlineUpdateData end, retDict = {"));
+}
+
+TEST_F(OnlineUpdate, AQueryReturnsTheRecordMarkedRunningWithTheOutput) {
+  engine();
+  writeJobs("[]");
+  Value record = Value::dictionary({{"job_id", "x"}, {"input_parameters", parameters()}});
+  const Value returned = worker.getOnlineUpdateData(record);
+  EXPECT_EQ(returned.get("state_id"), Value("RUN"));
+  EXPECT_EQ(returned.get("output").count(), 1U);
+}
+
+TEST_F(OnlineUpdate, AnEngineWithoutACatalogueEndsTheQueryWithoutOutput) {
+  engine("true");
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_FALSE(job().has("output"));
+  EXPECT_TRUE(fs::is_directory(folder / "engine folder"));
+}
+
+TEST_F(OnlineUpdate, AnEmptyListOfRulesIsStillAnOutput) {
+  folder.write("catalogue", testing::binaryPropertyList("<dict><key>Rules</key><array/></dict>"));
+  engine();
+  query(parameters());
+  EXPECT_EQ(job().get("output"), Value::array());
+}
+
+TEST_F(OnlineUpdate, ARuleThatJsonHasNoFormForLeavesTheJobRunning) {
+  folder.write("catalogue", testing::xmlPropertyList(
+                                "<dict><key>Rules</key><array><data>AA==</data></array></dict>"));
+  engine();
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("RUN"));
+  EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(OnlineUpdate, TheEnginesExitStatusDoesNotCount) {
+  engine("cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; exit 3");
+  query(parameters());
+  EXPECT_EQ(job().get("output").count(), 1U);
+}
+
+TEST_F(OnlineUpdate, EngineOutputThatIsNoTextShowsAsNull) {
+  engine("printf 'a\\377'; cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"");
+  query(parameters());
+  EXPECT_THAT(log(), Contains("getOnlineUpdateData: execute EngineRunner result = (null)"));
+  EXPECT_EQ(job().get("output").count(), 1U);
+}
+
+TEST_F(OnlineUpdate, AQueryThatLacksAParameterWritesNothing) {
+  engine();
+  const Value complete = parameters();
+  for (const char* key : {"productid", "version", "url", "folder"}) {
+    Value lacking = Value::dictionary();
+    for (const auto& [name, value] : complete.entries()) {
+      if (name != key) lacking.set(name, value);
+    }
+    query(lacking);
+    EXPECT_EQ(job().get("state_id"), Value("WAIT")) << key;
+    EXPECT_EQ(log().back(), "getOnlineUpdateData: getOnlineUpdateData end, retDict = {");
+  }
+  EXPECT_FALSE(fs::exists(folder / "arguments"));
+  EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(OnlineUpdate, AnEngineThatCannotBeStartedIsOneErrorLineAndLeavesTheJobRunning) {
+  for (const Value& path : {Value(), Value(folder / "missing"), Value(folder.path()),
+                            Value(folder.write("plain", "text"))}) {
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    worker.setEngineRunnerPath(path);
+    query(parameters());
+    EXPECT_EQ(job().get("state_id"), Value("RUN"));
+    EXPECT_THAT(errors(), ElementsAre(StartsWith("getOnlineUpdateData error: start")));
+    EXPECT_EQ(log().back(), errors().back());
+  }
+}
+
+TEST_F(OnlineUpdate, AListOfParametersIsNotTakenByTheQuery) {
+  engine();
+  query(Value::array({parameters()}));
+  EXPECT_EQ(job().get("state_id"), Value("WAIT"));
+  EXPECT_THAT(errors(), ElementsAre(StartsWith("getOnlineUpdateData error: ")));
+}
+
+TEST_F(OnlineUpdate, AParameterThatIsNoTextIsOneErrorLineBeforeAnythingIsWritten) {
+  engine();
+  Value wrong = parameters();
+  wrong.set("version", Value::integer(1));
+  query(wrong);
+  EXPECT_EQ(job().get("state_id"), Value("WAIT"));
+  EXPECT_THAT(errors(), ElementsAre(StartsWith("getOnlineUpdateData error: ")));
+}
+
+TEST_F(OnlineUpdate, WithoutALogIdTheArgumentsEndThere) {
+  engine();
+  worker.getOnlineUpdateData(
+      Value::dictionary({{"job_id", "x"}, {"input_parameters", parameters()}}));
+  const std::string arguments = folder.read("arguments");
+  EXPECT_EQ(arguments.substr(arguments.size() - 8), "\n-logId\n");
+}
+
+TEST_F(OnlineUpdate, WithoutAJobFilePathTheArgumentsEndOnePairLater) {
+  engine();
+  worker.setBGPPath(Value());
+  worker.getOnlineUpdateData(
+      Value::dictionary({{"job_id", "x"}, {"log_id", "17"}, {"input_parameters", parameters()}}));
+  EXPECT_THAT(logText(), ::testing::HasSubstr("\"-logPath\"\n)"));
+}
+
+TEST_F(OnlineUpdate, OddParametersReachTheEngineAsOneArgumentEach) {
+  engine("for a in \"$@\"; do printf '<%s>' \"$a\"; done > \"$SOURCE/exact\"");
+  Value odd = parameters();
+  odd.set("productid", "a \"b\" $(touch x) 'c'");
+  odd.set("version", "-v");
+  odd.set("url", "line\nfeed \xC3\xA9");
+  query(odd);
+  EXPECT_THAT(folder.read("exact"),
+              StartsWith("<dryrun><-productid><a \"b\" $(touch x) 'c'><-version><-v><-url>"
+                         "<line\nfeed \xC3\xA9><-folder><"));
+}
+
+// --- download
+
+TEST_F(OnlineUpdate, ADownloadDescribesWhatCame) {
+  engine("cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; echo image > \"$9/FW_QRX550.img\"");
+  download(Value::array({parameters()}));
+  const std::string area = shared() + "tmp/OnlineUpdate/FW";
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_EQ(job().get("result").integerValue(), 0);
+  EXPECT_EQ(job().get("resultStr"), Value("no error"));
+  const Value found = job().get("output").at(0);
+  EXPECT_EQ(found.get("folder"), Value(area));
+  EXPECT_EQ(found.get("version"), Value("2"));
+  EXPECT_EQ(found.get("file_path"), Value(area + "/FW_QRX550.img"));
+  EXPECT_EQ(during().get("state_id"), Value("RUN"));
+  EXPECT_EQ(during().get("output"), Value::array({parameters()}));
+  EXPECT_THAT(folder.read("arguments"), StartsWith("run\n-productid\nfw2\n"));
+}
+
+TEST_F(OnlineUpdate, ADownloadLogsNothingOfItsOwn) {
+  engine();
+  download(Value::array({parameters()}));
+  EXPECT_THAT(logWithoutStore(),
+              ElementsAre("run: currentJobArray = (", StartsWith("run: logId = 17"),
+                          "syncDownloadFiles: syncDownloadFiles start, inputDict = {",
+                          "syncFiles: dirs 0 = Offers.plist"));
+}
+
+TEST_F(OnlineUpdate, AMissingPackageIsNotFound) {
+  engine();
+  download(Value::array({parameters()}));
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_EQ(job().get("result").integerValue(), 259);
+  EXPECT_EQ(job().get("resultStr"), Value("file is not found"));
+  EXPECT_EQ(job().get("output").at(0).get("file_path"), Value(""));
+}
+
+TEST_F(OnlineUpdate, TheEngineIsStartedOnceForAllProducts) {
+  engine(
+      "echo once >> \"$SOURCE/starts\"; cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; "
+      "echo image > \"$9/FW_QRX550.img\"");
+  download(Value::array({parameters(), parameters("other"), Value::dictionary()}));
+  EXPECT_EQ(folder.read("starts"), "once\n");
+  EXPECT_EQ(job().get("output").count(), 2U);
+  EXPECT_EQ(job().get("result").integerValue(), 0);
+}
+
+TEST_F(OnlineUpdate, WithoutACatalogueEachElementsOwnFolderIsSearched) {
+  engine("echo image > \"$9/FW_QRX550.img\"");
+  download(Value::array({parameters()}));
+  EXPECT_EQ(job().get("output").at(0).get("file_path"),
+            Value(folder / "engine folder/FW_QRX550.img"));
+  EXPECT_EQ(job().get("result").integerValue(), 0);
+}
+
+TEST_F(OnlineUpdate, ADownloadThatLacksItsParametersDoesNothing) {
+  engine();
+  for (const Value& inputs : {Value::array(), Value::array({Value::dictionary()}),
+                              Value::array({Value::dictionary({{"productid", "fw2"}})})}) {
+    const Value record = Value::dictionary({{"log_id", "17"}, {"input_parameters", inputs}});
+    EXPECT_EQ(worker.downloadOnlineUpdateFile(record), record);
+  }
+  EXPECT_EQ(worker.downloadOnlineUpdateFile(Value::dictionary()), Value::dictionary());
+  EXPECT_THAT(log(), IsEmpty());
+  EXPECT_FALSE(fs::exists(folder / "arguments"));
+}
+
+TEST_F(OnlineUpdate, ParametersOfAWrongKindAreOneErrorLine) {
+  engine();
+  download(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("WAIT"));
+  EXPECT_THAT(errors(), ElementsAre(StartsWith("downloadOnlineUpdateFile error: ")));
+}
+
+TEST_F(OnlineUpdate, ADownloadReturnsTheRecordMarkedRunningWithoutTheCheck) {
+  engine();
+  const Value returned = worker.downloadOnlineUpdateFile(
+      Value::dictionary({{"job_id", "x"}, {"input_parameters", Value::array({parameters()})}}));
+  EXPECT_EQ(returned.get("state_id"), Value("RUN"));
+  EXPECT_EQ(returned.get("output").count(), 1U);
+  EXPECT_FALSE(returned.has("result"));
+}
+
+TEST_F(OnlineUpdate, TheCheckPassesWhatIsThere) {
+  const Value there = Value::dictionary({{"file_path", folder.path()}});
+  const Value notFound =
+      Value::dictionary({{"result", Value::integer(259)}, {"resultStr", "file is not found"}});
+  EXPECT_EQ(worker.checkDownloadFilePath(Value::array()), Value::dictionary());
+  EXPECT_EQ(worker.checkDownloadFilePath(Value::array({there})), Value::dictionary());
+  for (const Value& missing : {Value::dictionary(), Value::dictionary({{"file_path", ""}}),
+                               Value::dictionary({{"file_path", folder / "no"}})}) {
+    EXPECT_EQ(worker.checkDownloadFilePath(Value::array({there, missing})), notFound);
+  }
+}
+
+}  // namespace
+}  // namespace kelvane
