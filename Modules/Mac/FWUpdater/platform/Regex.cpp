@@ -1,7 +1,7 @@
 #include "platform/Regex.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 8
-#include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <memory>
 
@@ -49,7 +49,7 @@ std::optional<std::vector<std::string>> firstMatch(const std::string& pattern,
   if (groups <= 0) return std::nullopt;
   const PCRE2_SIZE* bounds = ::pcre2_get_ovector_pointer(match.get());
   std::vector<std::string> found;
-  for (int i = 0; i < groups; ++i) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(groups); ++i) {
     const PCRE2_SIZE start = bounds[2 * i];
     found.push_back(start == PCRE2_UNSET ? "" : text.substr(start, bounds[2 * i + 1] - start));
   }

@@ -1,7 +1,6 @@
 // Value: the data that passes between the worker's methods and its files.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -16,7 +15,8 @@ namespace kelvane::platform {
 // A point in time, in whole seconds since 1970-01-01 00:00:00 UTC.
 struct Date {
   std::int64_t secondsSince1970 = 0;
-  auto operator<=>(const Date&) const = default;
+  bool operator==(const Date&) const = default;
+  bool operator<(const Date& other) const { return secondsSince1970 < other.secondsSince1970; }
 };
 
 // One value: null, boolean, number, string (UTF-8), data (bytes), date, array or dictionary; or
