@@ -18,7 +18,7 @@ class ChildProcessTest : public ::testing::Test {
  protected:
   // An executable shell script.
   std::string script(const std::string& text) const {
-    const std::string path = folder.write("script", "#!/bin/sh\n" + text + "\n");
+    std::string path = folder.write("script", "#!/bin/sh\n" + text + "\n");
     ::chmod(path.c_str(), 0755);
     return path;
   }
