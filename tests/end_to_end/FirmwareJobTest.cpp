@@ -268,9 +268,8 @@ TEST_F(FirmwareJob, TheLogIsTheSequenceOfLinesOfAStandardJob) {
        "UpdateSequence.cpp[updateFW][debug]   ... 100 percent completed...",
        "UpdateSequence.cpp[updateFW][debug] Flash Completed."});
   add(publish);
-  add(
-      {"UsbBridge.cpp[updateFW][debug] usbfwupdatecheck = 1, different usb fw version, update usb "
-       "fw",
+  const std::string bridge = "UsbBridge.cpp[updateFW][debug] ";
+  add({bridge + "usbfwupdatecheck = 1, different usb fw version, update usb fw",
        "UsbBridge.cpp[updateFW][debug] start _flashUSBFW, flashing Usb fw...",
        "UsbBridge.cpp[updateFW][debug] qvxflash start zr_mac_flashUSBFWbin",
        "UsbBridge.cpp[updateFW][debug] qvxflash -u usb start zr_mac_flashNVRAM",
