@@ -1,10 +1,12 @@
 // The sub-command update-fw as a whole, with small scripts as workers; no time passes.
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include "console/ExitCode.h"
@@ -133,11 +135,16 @@ TEST_F(UpdateFwTest, GivenWorkerIsTakenBeforeTheBundles) {
 }
 
 TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
+  // The worker lives until a line comes.
+  const std::string line = folder / "line";
+  ASSERT_EQ(::mkfifo(line.c_str(), 0600), 0);
+  std::fstream writer(line);
+  makeWorker("read word < " + line);
   interrupt = true;
-  makeWorker("exit 0");
   options.logId = "job-7";
   EXPECT_EQ(run(), kInterrupted);
   EXPECT_EQ(messages.str(), "kelvane-console: interrupted: the worker goes on with job job-7\n");
+  writer << "end" << std::endl;
   ::wait(nullptr);
 }
 
