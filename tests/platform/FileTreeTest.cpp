@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include <fcntl.h>
@@ -120,6 +121,47 @@ TEST_F(FileTree, KeepsPermissionBitsAndModificationTimes) {
   }
   ::chmod((folder / "from").c_str(), 0755);
   ::chmod((folder / "to").c_str(), 0755);
+}
+
+TEST_F(FileTree, HolesStayHoles) {
+  constexpr off_t kSize = off_t{3} << 30U;
+  folder.write("from", "start");
+  fs::resize_file(folder / "from", kSize);
+  std::fstream file(folder / "from");
+  file.seekp(kSize - 3);
+  file << "end" << std::flush;
+  file.seekp(kSize / 2);
+  file << "middle" << std::flush;
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  struct stat entry = {};
+  ASSERT_EQ(::stat((folder / "to").c_str(), &entry), 0);
+  EXPECT_EQ(entry.st_size, kSize);
+  EXPECT_LT(entry.st_blocks * 512, 1 << 20);
+  std::ifstream copy(folder / "to");
+  const auto textAt = [&copy](off_t position, std::size_t length) {
+    std::string text(length, '\0');
+    copy.seekg(position);
+    copy.read(text.data(), static_cast<std::streamsize>(length));
+    return text;
+  };
+  EXPECT_EQ(textAt(0, 6), std::string("start\0", 6));
+  EXPECT_EQ(textAt(kSize / 2, 6), "middle");
+  EXPECT_EQ(textAt(kSize - 3, 3), "end");
+}
+
+TEST_F(FileTree, AHoleAtTheEndStaysOne) {
+  fs::resize_file(folder.write("from", "start"), 1 << 20);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(fs::file_size(folder / "to"), 1U << 20U);
+}
+
+TEST_F(FileTree, CopiesBetweenTwoDisks) {
+  // Where there is no second disk this is a copy like any other.
+  const std::string bytes(300'000, 'x');
+  const std::string from = fs::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
+  const kelvane::testing::TempFolder other("", from);
+  EXPECT_TRUE(copyTree(other.write("from", bytes), folder / "to"));
+  EXPECT_EQ(folder.read("to"), bytes);
 }
 
 TEST_F(FileTree, CopyingNeverReplacesAnything) {

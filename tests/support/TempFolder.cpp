@@ -11,7 +11,8 @@ namespace kelvane::testing {
 
 namespace fs = std::filesystem;
 
-TempFolder::TempFolder(const std::string& suffix) : path_("/tmp/kelvane-test-XXXXXX") {
+TempFolder::TempFolder(const std::string& suffix, const std::string& root)
+    : path_(root + "kelvane-test-XXXXXX") {
   if (::mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no folder for the test");
   if (suffix.empty()) return;
   fs::rename(path_, path_ + suffix);

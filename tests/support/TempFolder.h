@@ -8,8 +8,9 @@ namespace kelvane::testing {
 
 class TempFolder {
  public:
-  // The suffix ends the folder's name: ".app" makes a bundle.
-  explicit TempFolder(const std::string& suffix = "");
+  // The suffix ends the folder's name: ".app" makes a bundle. `root` is where it stands, with a "/"
+  // at its end.
+  explicit TempFolder(const std::string& suffix = "", const std::string& root = "/tmp/");
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;

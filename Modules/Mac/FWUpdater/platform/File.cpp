@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Descriptor.h"
 #include "platform/Exception.h"
 
 namespace kelvane::platform {
@@ -21,27 +22,6 @@ namespace {
   const int cause = errno;
   throw Exception(std::string(action) + " " + path + ": " + std::strerror(cause));
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { close(); }
-
-  bool isOpen() const { return number_ >= 0; }
-  int number() const { return number_; }
-  // Whether the file was closed without an error.
-  bool close() {
-    if (number_ < 0) return true;
-    const int result = ::close(number_);
-    number_ = -1;
-    return result == 0;
-  }
-
- private:
-  int number_;
-};
 
 int openFile(const std::string& path, int flags) {
   int number = -1;

@@ -48,8 +48,8 @@ bool copyLink(const fs::path& from, const fs::path& to) {
 
 // A file that could not be copied to its end is not left behind.
 bool copyFile(const fs::path& from, const fs::path& to) {
+  if (native::copyContents(from.string(), to.string()) && takeOver(from, to)) return true;
   std::error_code failed;
-  if (fs::copy_file(from, to, failed) && takeOver(from, to)) return true;
   fs::remove(to, failed);
   return false;
 }

@@ -1,6 +1,7 @@
 #include <array>
 #include <cstdint>
 
+#include <copyfile.h>
 #include <mach-o/dyld.h>
 #include <sys/stat.h>
 #include <sys/sysctl.h>
@@ -30,6 +31,13 @@ timespec modificationTime(const std::string& path) {
   struct stat entry = {};
   ::lstat(path.c_str(), &entry);
   return entry.st_mtimespec;
+}
+
+bool copyContents(const std::string& from, const std::string& to) {
+  if (::copyfile(from.c_str(), to.c_str(), nullptr, COPYFILE_DATA | COPYFILE_EXCL) != 0) {
+    return false;
+  }
+  return ::chmod(to.c_str(), 0600) == 0;
 }
 
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
