@@ -19,6 +19,11 @@ SystemClock::SystemClock() {
   ::sigaction(SIGINT, &action, nullptr);
 }
 
+std::chrono::milliseconds SystemClock::now() {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now().time_since_epoch());
+}
+
 bool SystemClock::wait(std::chrono::milliseconds time) {
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
   const std::chrono::nanoseconds rest = time - seconds;

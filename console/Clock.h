@@ -8,6 +8,8 @@ namespace kelvane::console {
 class Clock {
  public:
   virtual ~Clock() = default;
+  // The time since some fixed point; never goes back.
+  virtual std::chrono::milliseconds now() = 0;
   // Waits. False where the user interrupted the console, before or meanwhile: then it returns at
   // once.
   virtual bool wait(std::chrono::milliseconds time) = 0;
@@ -18,6 +20,7 @@ class Clock {
 class SystemClock : public Clock {
  public:
   SystemClock();
+  std::chrono::milliseconds now() override;
   bool wait(std::chrono::milliseconds time) override;
 };
 

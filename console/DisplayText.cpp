@@ -1,6 +1,10 @@
 #include "console/DisplayText.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cwchar>
+
+#include <fmt/format.h>
 
 #include "console/JobRecord.h"
 #include "platform/Utf8.h"
@@ -55,6 +59,8 @@ std::string stateText(const std::string& state, Charset charset) {
   return displayText(state, charset);
 }
 
+constexpr std::chrono::seconds kLongSilence(10);
+
 }  // namespace
 
 std::string displayText(std::string_view text, Charset charset) {
@@ -89,6 +95,47 @@ std::string jobLine(const JobStatus& status, Charset charset) {
 std::string resultLine(const JobStatus& status, Charset charset) {
   const std::string result = status.result.empty() ? "missing" : status.result;
   return "result " + result + ": " + displayText(status.resultText, charset);
+}
+
+std::string timeText(std::chrono::milliseconds time) {
+  const auto all = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+  const auto hours = all / 3600;
+  const auto minutes = all / 60 % 60;
+  if (hours == 0) return fmt::format("{}:{:02}", minutes, all % 60);
+  return fmt::format("{}:{:02}:{:02}", hours, minutes, all % 60);
+}
+
+std::string silenceText(const Look& look) {
+  if (look.silence < kLongSilence || look.status.isFinished()) return {};
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(look.silence).count();
+  const bool flashes = look.status.state == job::kRun && look.status.command == job::kUpdateFW;
+  return fmt::format("no news for {} s{}", seconds,
+                     flashes ? "; a flash may be silent for minutes, do not unplug" : "");
+}
+
+std::size_t columnsOf(const std::string& text) {
+  std::size_t columns = 0;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view character = rest.substr(0, lengthOfFirst(rest));
+    const int width = ::wcwidth(static_cast<wchar_t>(decoded(character)));
+    columns += width < 0 ? 1 : static_cast<std::size_t>(width);
+    rest.remove_prefix(character.size());
+  }
+  return columns;
+}
+
+std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
+  std::vector<std::string> lines;
+  for (std::string rest = text; !rest.empty();) {
+    std::size_t end = rest.size();
+    if (end > columns) {
+      const std::size_t blank = rest.rfind(' ', columns);
+      end = blank == std::string::npos || blank == 0 ? columns : blank;
+    }
+    lines.push_back(rest.substr(0, end));
+    rest.erase(0, std::min(rest.find_first_not_of(' ', end), rest.size()));
+  }
+  return lines;
 }
 
 }  // namespace kelvane::console

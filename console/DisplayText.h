@@ -1,11 +1,13 @@
 // Text that is safe to show: whatever a file says, it cannot steer the terminal.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "console/JobStatus.h"
+#include "console/View.h"
 
 namespace kelvane::console {
 
@@ -27,5 +29,18 @@ std::string jobLine(const JobStatus& status, Charset charset);
 
 // "result 0: no error"
 std::string resultLine(const JobStatus& status, Charset charset);
+
+// "1:05", "1:00:05"
+std::string timeText(std::chrono::milliseconds time);
+
+// "no news for 14 s; a flash may be silent for minutes, do not unplug": what is to say of a job
+// that runs or waits and has shown no change for a while; else empty.
+std::string silenceText(const Look& look);
+
+// The columns that displayed text takes.
+std::size_t columnsOf(const std::string& text);
+
+// The text in lines of at most `columns` bytes, broken at its blanks; a longer word is cut.
+std::vector<std::string> wrapped(const std::string& text, std::size_t columns);
 
 }  // namespace kelvane::console

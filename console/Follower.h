@@ -6,7 +6,6 @@
 
 #include "console/Clock.h"
 #include "console/JobFile.h"
-#include "console/JobStatus.h"
 #include "console/View.h"
 #include "console/Worker.h"
 
@@ -26,11 +25,11 @@ enum class Outcome {
 
 struct Followed {
   Outcome outcome = Outcome::finished;
-  JobStatus status;  // as last seen; of an empty state where the record was never seen
+  Look last;  // with a nothing for a record where that was never seen
 };
 
-// Follows the job `logId`, showing each look's status in the view. A look that finds no file, a
-// damaged one or no such record is passed over.
+// Follows the job `logId`, showing each look in the view. A look that finds no file, a damaged one
+// or no such record is passed over.
 Followed follow(const JobFile& file, const std::string& logId, Worker& worker, Clock& clock,
                 View& view);
 

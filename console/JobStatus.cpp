@@ -22,7 +22,7 @@ std::vector<ControllerStatus> controllersOf(const Value& entries) {
   std::vector<ControllerStatus> controllers;
   if (!entries.isArray()) return controllers;
   for (const Value& entry : entries.elements()) {
-    if (!entry.isDictionary()) continue;
+    if (!entry.isDictionary() || !entry.has(job::kWwn)) continue;
     controllers.push_back({textOf(entry.get(job::kWwn)), percentOf(entry.get(job::kCpldPercentage)),
                            percentOf(entry.get(job::kFwPercentage)),
                            percentOf(entry.get(job::kTotalPercentage))});
@@ -31,6 +31,12 @@ std::vector<ControllerStatus> controllersOf(const Value& entries) {
 }
 
 }  // namespace
+
+const char* phaseOf(const ControllerStatus& controller) {
+  if (controller.total == 100) return "done";
+  if (controller.firmware > 0 || controller.cpld == 100) return "firmware";
+  return controller.cpld > 0 ? "CPLD" : "waiting";
+}
 
 bool JobStatus::isFinished() const { return state == job::kFree; }
 
@@ -41,6 +47,7 @@ JobStatus statusOf(const Value& record) {
   const Value& result = record.get(job::kResult);
   JobStatus status;
   status.logId = textOf(record.get(job::kLogId));
+  status.command = textOf(record.get(job::kJobId));
   status.state = textOf(record.get(job::kStateId));
   status.controllers = controllersOf(output.isArray() ? output : record.get(job::kInputParameters));
   if (result.isNumber()) status.result = result.digits();

@@ -1,4 +1,4 @@
-// The status of a firmware job, taken out of its record: what the views show.
+// The status of a job, taken out of its record: what the views show.
 #pragma once
 
 #include <string>
@@ -17,13 +17,17 @@ struct ControllerStatus {
   bool operator==(const ControllerStatus&) const = default;
 };
 
+// Where a controller stands, in a word: "waiting", "CPLD", "firmware", "done".
+const char* phaseOf(const ControllerStatus& controller);
+
 // Texts are as the job file has them: they may hold control characters.
 struct JobStatus {
   std::string logId;
   std::string state;
-  std::vector<ControllerStatus> controllers;
+  std::vector<ControllerStatus> controllers;  // of a firmware job
   std::string result;  // a number as it was written; empty where there is none
   std::string resultText;
+  std::string command = {};
 
   bool isFinished() const;
   bool hasSucceeded() const;  // finished, with result 0
@@ -31,7 +35,8 @@ struct JobStatus {
 };
 
 // The status of this record, which is a dictionary. What the record does not say, or says in
-// another type, is empty or 0; a job without progress entries yet shows its input entries.
+// another type, is empty or 0. The controllers are the progress entries, before there are any the
+// input entries, that have a WWN.
 JobStatus statusOf(const platform::Value& record);
 
 }  // namespace kelvane::console

@@ -15,14 +15,16 @@ constexpr std::string_view kGap = "  ";
 
 struct Bar {
   std::string_view label;
+  std::string_view shortLabel;  // side by side
   int ControllerStatus::*percent;
 };
 
 constexpr Bar kBars[] = {
-    {"cpld", &ControllerStatus::cpld},
-    {"firmware", &ControllerStatus::firmware},
-    {"total", &ControllerStatus::total},
+    {"cpld", "cpld", &ControllerStatus::cpld},
+    {"firmware", "fw", &ControllerStatus::firmware},
+    {"total", "total", &ControllerStatus::total},
 };
+constexpr std::size_t kPhaseColumns = 8;
 constexpr std::size_t kLongestLabel = 8;
 constexpr std::size_t kStackedLines = 1 + std::size(kBars);
 
@@ -49,8 +51,8 @@ std::size_t longestName(const JobStatus& status) {
 
 // What one line takes besides the name and the bars proper.
 constexpr std::size_t sideBySideRest() {
-  std::size_t columns = 0;
-  for (const Bar& bar : kBars) columns += kGap.size() + bar.label.size() + 1 + kPercentColumns;
+  std::size_t columns = kGap.size() + kPhaseColumns;
+  for (const Bar& bar : kBars) columns += kGap.size() + bar.shortLabel.size() + 1 + kPercentColumns;
   return columns;
 }
 
@@ -98,9 +100,11 @@ std::string nameText(const ControllerStatus& controller, const Plan& plan) {
 
 std::string sideBySideLine(const ControllerStatus& controller, const Plan& plan) {
   std::string line = nameText(controller, plan);
+  line += kGap;
+  line += padded(phaseOf(controller), kPhaseColumns);
   for (const Bar& bar : kBars) {
     line += kGap;
-    line += bar.label;
+    line += bar.shortLabel;
     line += ' ' + barText(controller.*bar.percent, plan);
   }
   return line;
@@ -114,7 +118,11 @@ std::string cutLabel(const Bar& bar, const Plan& plan) {
 
 void appendStacked(const ControllerStatus& controller, const Plan& plan,
                    std::vector<std::string>& lines) {
-  lines.push_back(shortened(displayName(controller.wwn), plan.columns, plan.charset));
+  const std::string phase = std::string(kGap) + phaseOf(controller);
+  const std::size_t room = roomAfter(plan.columns, phase.size());
+  const std::string name = displayName(controller.wwn);
+  lines.push_back(room == 0 ? shortened(name, plan.columns, plan.charset)
+                            : shortened(name, room, plan.charset) + phase);
   for (const Bar& bar : kBars) {
     std::string line = cutLabel(bar, plan) + barText(controller.*bar.percent, plan);
     if (plan.barColumns == 0) line.resize(std::min(line.size(), plan.columns));
@@ -131,16 +139,12 @@ std::size_t firstShown(const JobStatus& status, std::size_t room) {
   return std::min(index, roomAfter(all.size(), room));
 }
 
-}  // namespace
-
-std::vector<std::string> statusLines(const JobStatus& status, TerminalSize size, Charset charset) {
-  const Plan plan = planFor(status, std::max<std::size_t>(roomAfter(size.columns, 1), 1), charset);
+void appendControllers(const JobStatus& status, std::size_t rows, const Plan& plan,
+                       std::vector<std::string>& lines) {
   const std::size_t linesEach = plan.sideBySide ? 1 : kStackedLines;
-  const std::size_t room = std::max<std::size_t>(roomAfter(size.rows, 2) / linesEach, 1);
+  const std::size_t room = std::max<std::size_t>(rows / linesEach, 1);
   const std::size_t first = firstShown(status, room);
   const std::size_t end = std::min(first + room, status.controllers.size());
-  std::vector<std::string> lines = {
-      shortened(jobLine(status, Charset::ascii), plan.columns, charset)};
   for (std::size_t i = first; i < end; ++i) {
     const ControllerStatus& controller = status.controllers[i];
     if (plan.sideBySide) {
@@ -149,6 +153,23 @@ std::vector<std::string> statusLines(const JobStatus& status, TerminalSize size,
       appendStacked(controller, plan, lines);
     }
   }
+}
+
+std::vector<std::string> silenceLines(const Look& look, std::size_t columns) {
+  const std::string text = silenceText(look);
+  return text.empty() ? std::vector<std::string>() : wrapped(text, columns);
+}
+
+}  // namespace
+
+std::vector<std::string> statusLines(const Look& look, TerminalSize size, Charset charset) {
+  const JobStatus& status = look.status;
+  const Plan plan = planFor(status, std::max<std::size_t>(roomAfter(size.columns, 1), 1), charset);
+  const std::vector<std::string> silence = silenceLines(look, plan.columns);
+  const std::string head = jobLine(status, Charset::ascii) + ", " + timeText(look.elapsed);
+  std::vector<std::string> lines = {shortened(head, plan.columns, charset)};
+  appendControllers(status, roomAfter(size.rows, 2 + silence.size()), plan, lines);
+  lines.insert(lines.end(), silence.begin(), silence.end());
   return lines;
 }
 

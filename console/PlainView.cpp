@@ -13,7 +13,12 @@ std::string progressLine(const ControllerStatus& controller) {
 
 }  // namespace
 
-void PlainView::show(const JobStatus& status) {
+void PlainView::show(const Look& look) {
+  showNews(look.status);
+  showSilence(look);
+}
+
+void PlainView::showNews(const JobStatus& status) {
   if (status == shown_) return;
   if (status.state != shown_.state && !status.isFinished()) {
     out_ << jobLine(status, charset_) << '\n';
@@ -24,6 +29,13 @@ void PlainView::show(const JobStatus& status) {
   if (status.isFinished()) out_ << resultLine(status, charset_) << '\n';
   out_.flush();
   shown_ = status;
+}
+
+// Once a minute.
+void PlainView::showSilence(const Look& look) {
+  const auto silence = std::chrono::duration_cast<std::chrono::minutes>(look.silence);
+  if (silence > shownSilence_) out_ << silenceText(look) << std::endl;
+  shownSilence_ = silence;
 }
 
 bool PlainView::isShown(const JobStatus& status, std::size_t index) const {

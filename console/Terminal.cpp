@@ -1,5 +1,6 @@
 #include "console/Terminal.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "console/JsonView.h"
 #include "console/PlainView.h"
 #include "console/TerminalView.h"
 
@@ -36,9 +38,21 @@ Charset charsetOfLocale() {
   return std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0 ? Charset::utf8 : Charset::ascii;
 }
 
-std::unique_ptr<View> viewOfStandardOutput(std::ostream& out, Charset charset) {
-  if (!drawsInPlace()) return std::make_unique<PlainView>(out, charset);
-  return std::make_unique<TerminalView>(out, sizeOfStandardOutput, charset);
+Screen screenOfStandardOutput(std::ostream& out, bool json) {
+  const bool inTerminal = ::isatty(STDOUT_FILENO) == 1;
+  Screen screen = {out};
+  screen.charset = charsetOfLocale();
+  if (inTerminal) screen.columns = std::max<std::size_t>(sizeOfStandardOutput().columns, 2) - 1;
+  const char* noColour = std::getenv("NO_COLOR");
+  screen.colour = drawsInPlace() && (noColour == nullptr || *noColour == '\0');
+  screen.json = json;
+  return screen;
+}
+
+std::unique_ptr<View> viewOn(const Screen& screen) {
+  if (screen.json) return std::make_unique<JsonView>(screen.out);
+  if (!drawsInPlace()) return std::make_unique<PlainView>(screen.out, screen.charset);
+  return std::make_unique<TerminalView>(screen.out, sizeOfStandardOutput, screen.charset);
 }
 
 }  // namespace kelvane::console

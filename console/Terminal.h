@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "console/DisplayText.h"
+#include "console/Screen.h"
 #include "console/View.h"
 
 namespace kelvane::console {
@@ -12,7 +13,12 @@ namespace kelvane::console {
 // What the user's locale can show; takes that locale over for characters.
 Charset charsetOfLocale();
 
-// The view for standard output, which `out` writes to: bars in a terminal, plain lines elsewhere.
-std::unique_ptr<View> viewOfStandardOutput(std::ostream& out, Charset charset);
+// Standard output, which `out` writes to; takes the user's locale over for characters. Colour only
+// in a terminal, and not where the environment has NO_COLOR.
+Screen screenOfStandardOutput(std::ostream& out, bool json);
+
+// The view of a followed job on that screen: lines of JSON for machines, bars in a terminal, plain
+// lines elsewhere. It writes to the screen's stream.
+std::unique_ptr<View> viewOn(const Screen& screen);
 
 }  // namespace kelvane::console

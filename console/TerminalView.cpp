@@ -12,12 +12,12 @@ std::string linesUp(std::size_t count) {
 
 }  // namespace
 
-void TerminalView::show(const JobStatus& status) {
-  const std::vector<std::string> lines = statusLines(status, size_(), charset_);
+void TerminalView::show(const Look& look) {
+  const std::vector<std::string> lines = statusLines(look, size_(), charset_);
   if (lines == drawn_) return;
   draw(lines);
   // Below the lines that are drawn again: it may be as long as it likes.
-  if (status.isFinished()) out_ << resultLine(status, charset_) << '\n';
+  if (look.status.isFinished()) out_ << resultLine(look.status, charset_) << '\n';
   out_.flush();
 }
 

@@ -19,7 +19,7 @@ class TerminalView : public View {
   TerminalView(std::ostream& out, std::function<TerminalSize()> size, Charset charset)
       : out_(out), size_(std::move(size)), charset_(charset) {}
 
-  void show(const JobStatus& status) override;
+  void show(const Look& look) override;
 
  private:
   void draw(const std::vector<std::string>& lines);

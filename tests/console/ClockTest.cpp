@@ -28,6 +28,12 @@ TEST(SystemClock, WaitsWhereNobodyInterrupts) {
   EXPECT_TRUE(clock.wait(std::chrono::milliseconds(0)));
 }
 
+TEST(SystemClock, NeverGoesBack) {
+  SystemClock clock;
+  const std::chrono::milliseconds before = clock.now();
+  EXPECT_GE(clock.now(), before);
+}
+
 TEST(SystemClock, SecondInterruptEndsTheProcess) {
   EXPECT_EXIT(
       {

@@ -34,8 +34,10 @@ class FollowerTest : public ::testing::Test, public Clock {
     return follow(JobFile(folder / ""), "18", worker, *this, view);
   }
 
-  bool wait(std::chrono::milliseconds time) override {
-    waits.push_back(time);
+  std::chrono::milliseconds now() override { return time; }
+  bool wait(std::chrono::milliseconds step) override {
+    waits.push_back(step);
+    time += step;
     putVersion();
     if (waits.size() == workerEndsAtWait) worker.ended = true;
     if (waits.size() > 1000) throw std::runtime_error("follows for ever");
@@ -58,6 +60,7 @@ class FollowerTest : public ::testing::Test, public Clock {
 
   std::size_t workerEndsAtWait = 0;
   std::size_t interruptedAtWait = 0;
+  std::chrono::milliseconds time{1'000'000};
   std::vector<std::chrono::milliseconds> waits;
   testing::TempFolder folder;
   ScriptedWorker worker;
@@ -90,7 +93,7 @@ TEST_F(FollowerTest, ShowsEachChangeAndTheResult) {
       followVersions({waiting(), waiting(), running(0, 0, 0), running(50, 0, 25),
                       running(50, 0, 25), running(100, 37, 68), finished("0", "no error")});
   EXPECT_EQ(followed.outcome, Outcome::finished);
-  EXPECT_TRUE(followed.status.hasSucceeded());
+  EXPECT_TRUE(followed.last.status.hasSucceeded());
   EXPECT_EQ(shown.str(),
             "job 18: waiting\n"
             "5000A1  cpld 0%  firmware 0%  total 0%\n"
@@ -106,8 +109,8 @@ TEST_F(FollowerTest, FailedJobIsFinishedWithItsResult) {
   const Followed followed =
       followVersions({running(100, 10, 55), finished("32852", "flash error")});
   EXPECT_EQ(followed.outcome, Outcome::finished);
-  EXPECT_FALSE(followed.status.hasSucceeded());
-  EXPECT_EQ(followed.status.result, "32852");
+  EXPECT_FALSE(followed.last.status.hasSucceeded());
+  EXPECT_EQ(followed.last.status.result, "32852");
 }
 
 TEST_F(FollowerTest, MissingOrDamagedFileIsPassedOver) {
@@ -133,15 +136,16 @@ TEST_F(FollowerTest, WorkerThatEndsInWaitLeavesTheJobUnfinished) {
   workerEndsAtWait = 1;
   const Followed followed = followVersions({waiting()});
   EXPECT_EQ(followed.outcome, Outcome::workerEnded);
-  EXPECT_EQ(followed.status.state, "WAIT");
+  EXPECT_EQ(followed.last.status.state, "WAIT");
 }
 
 TEST_F(FollowerTest, WorkerThatEndsInRunLeavesTheJobUnfinished) {
   workerEndsAtWait = 2;
   const Followed followed = followVersions({waiting(), running(0, 0, 0), running(50, 0, 25)});
   EXPECT_EQ(followed.outcome, Outcome::workerEnded);
-  EXPECT_EQ(followed.status.state, "RUN");
-  EXPECT_EQ(followed.status.controllers, (std::vector<ControllerStatus>{{"5000A1", 50, 0, 25}}));
+  EXPECT_EQ(followed.last.status.state, "RUN");
+  EXPECT_EQ(followed.last.status.controllers,
+            (std::vector<ControllerStatus>{{"5000A1", 50, 0, 25}}));
 }
 
 TEST_F(FollowerTest, WhatTheWorkerWroteLastIsSeenAfterItsEnd) {
@@ -186,7 +190,20 @@ TEST_F(FollowerTest, InterruptLeavesTheWorkerAlone) {
   interruptedAtWait = 2;
   const Followed followed = followVersions({waiting(), running(0, 0, 0), running(50, 0, 25)});
   EXPECT_EQ(followed.outcome, Outcome::interrupted);
-  EXPECT_EQ(followed.status.state, "RUN");
+  EXPECT_EQ(followed.last.status.state, "RUN");
+}
+
+TEST_F(FollowerTest, TellsTheTimeSinceTheStartAndSinceTheLastChange) {
+  interruptedAtWait = 5;
+  const Followed followed =
+      followVersions({waiting(), running(0, 0, 0), running(0, 0, 0), kMissing, running(0, 0, 0)});
+  EXPECT_EQ(followed.last.elapsed, std::chrono::milliseconds(800));
+  EXPECT_EQ(followed.last.silence, std::chrono::milliseconds(600));
+}
+
+TEST_F(FollowerTest, LastLookHoldsTheRecord) {
+  const Followed followed = followVersions({finished("0", "no error")});
+  EXPECT_EQ(followed.last.record.get("resultStr").string(), "no error");
 }
 
 }  // namespace

@@ -40,6 +40,24 @@ TEST(JobStatus, WhatIsOfAnotherTypeIsEmpty) {
   EXPECT_EQ(status, expected);
 }
 
+TEST(JobStatus, PackagesAreNoControllers) {
+  const JobStatus status = statusOfText(R"({"job_id": "getOnlineUpdateData",
+    "input_parameters": {"productid": "A"}, "output": [{"ProductID": "A"}, {"ProductID": "B"}]})");
+  EXPECT_TRUE(status.controllers.empty());
+  EXPECT_EQ(status.command, "getOnlineUpdateData");
+}
+
+TEST(JobStatus, PhaseFollowsThePercentages) {
+  EXPECT_STREQ(phaseOf({"A", 0, 0, 0}), "waiting");
+  EXPECT_STREQ(phaseOf({"A", 1, 0, 0}), "CPLD");
+  EXPECT_STREQ(phaseOf({"A", 99, 0, 49}), "CPLD");
+  EXPECT_STREQ(phaseOf({"A", 100, 0, 50}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 0, 1, 1}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 100, 100, 99}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 100, 100, 100}), "done");
+  EXPECT_STREQ(phaseOf({"A", 0, 100, 100}), "done");
+}
+
 TEST(JobStatus, OnlyAFinishedJobWithResult0HasSucceeded) {
   EXPECT_TRUE(statusOfText(R"({"state_id": "FREE", "result": 0})").hasSucceeded());
   EXPECT_FALSE(statusOfText(R"({"state_id": "RUN", "result": 0})").hasSucceeded());

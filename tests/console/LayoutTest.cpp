@@ -12,29 +12,33 @@ using Lines = std::vector<std::string>;
 const JobStatus kJob = {
     "18", "RUN", {{"5000A1B2C3D4E5F6", 100, 37, 68}, {"5000A1B2C3D4", 0, 0, 0}}, "0", "no error"};
 
+std::vector<std::string> statusLines(const JobStatus& status, TerminalSize size, Charset charset) {
+  return console::statusLines({{}, status}, size, charset);
+}
+
 TEST(Layout, SideBySideIn80Columns) {
   EXPECT_EQ(
       statusLines(kJob, {80, 24}, Charset::ascii),
-      (Lines{"job 18: running",
-             "5000A1B2C3D4E5F6  cpld ####### 100%  firmware ##-----  37%  total ####---  68%",
-             "5000A1B2C3D4      cpld -------   0%  firmware -------   0%  total -------   0%"}));
+      (Lines{"job 18: running, 0:00",
+             "5000A1B2C3D4E5F6  firmware  cpld ###### 100%  fw ##----  37%  total ####--  68%",
+             "5000A1B2C3D4      waiting   cpld ------   0%  fw ------   0%  total ------   0%"}));
 }
 
 TEST(Layout, SideBySideIn80ColumnsWithBlocks) {
   EXPECT_EQ(
       statusLines(kJob, {80, 24}, Charset::utf8),
-      (Lines{"job 18: running",
-             "5000A1B2C3D4E5F6  cpld ███████ 100%  firmware ██░░░░░  37%  total ████░░░  68%",
-             "5000A1B2C3D4      cpld ░░░░░░░   0%  firmware ░░░░░░░   0%  total ░░░░░░░   0%"}));
+      (Lines{"job 18: running, 0:00",
+             "5000A1B2C3D4E5F6  firmware  cpld ██████ 100%  fw ██░░░░  37%  total ████░░  68%",
+             "5000A1B2C3D4      waiting   cpld ░░░░░░   0%  fw ░░░░░░   0%  total ░░░░░░   0%"}));
 }
 
 TEST(Layout, StackedIn40Columns) {
   EXPECT_EQ(statusLines(kJob, {40, 24}, Charset::ascii),
-            (Lines{"job 18: running",  //
-                   "5000A1B2C3D4E5F6", "  cpld     ####################### 100%",
+            (Lines{"job 18: running, 0:00",  //
+                   "5000A1B2C3D4E5F6  firmware", "  cpld     ####################### 100%",
                    "  firmware ########---------------  37%",
                    "  total    ###############--------  68%",  //
-                   "5000A1B2C3D4", "  cpld     -----------------------   0%",
+                   "5000A1B2C3D4  waiting", "  cpld     -----------------------   0%",
                    "  firmware -----------------------   0%",
                    "  total    -----------------------   0%"}));
 }
@@ -42,8 +46,8 @@ TEST(Layout, StackedIn40Columns) {
 TEST(Layout, StackedIn40ColumnsWithBlocks) {
   const JobStatus status = {"18", "RUN", {{"5000A1B2C3D4E5F6", 50, 0, 25}}, "0", "no error"};
   EXPECT_EQ(statusLines(status, {40, 24}, Charset::utf8),
-            (Lines{"job 18: running",  //
-                   "5000A1B2C3D4E5F6", "  cpld     ███████████░░░░░░░░░░░░  50%",
+            (Lines{"job 18: running, 0:00",  //
+                   "5000A1B2C3D4E5F6  CPLD", "  cpld     ███████████░░░░░░░░░░░░  50%",
                    "  firmware ░░░░░░░░░░░░░░░░░░░░░░░   0%",
                    "  total    █████░░░░░░░░░░░░░░░░░░  25%"}));
 }
@@ -51,12 +55,12 @@ TEST(Layout, StackedIn40ColumnsWithBlocks) {
 TEST(Layout, In200ColumnsBarsGrowToTheirLimit) {
   const JobStatus status = {"18", "RUN", {{"5000A1B2C3D4E5F6", 50, 0, 25}}, "0", "no error"};
   EXPECT_EQ(statusLines(status, {200, 24}, Charset::ascii)[1],
-            "5000A1B2C3D4E5F6  cpld ###############---------------  50%"
-            "  firmware ------------------------------   0%"
+            "5000A1B2C3D4E5F6  CPLD      cpld ###############---------------  50%"
+            "  fw ------------------------------   0%"
             "  total #######-----------------------  25%");
   EXPECT_EQ(statusLines(status, {200, 24}, Charset::utf8)[1],
-            "5000A1B2C3D4E5F6  cpld ███████████████░░░░░░░░░░░░░░░  50%"
-            "  firmware ░░░░░░░░░░░░░░░░░░░░░░░░░░░░░░   0%"
+            "5000A1B2C3D4E5F6  CPLD      cpld ███████████████░░░░░░░░░░░░░░░  50%"
+            "  fw ░░░░░░░░░░░░░░░░░░░░░░░░░░░░░░   0%"
             "  total ███████░░░░░░░░░░░░░░░░░░░░░░░  25%");
 }
 
@@ -64,21 +68,21 @@ TEST(Layout, LongWwnIsShortened) {
   const JobStatus status = {
       "18", "RUN", {{"5000A1B2C3D4E5F65000A1B2C3D4E5F65000A1B2C3D4E5F6", 0, 0, 0}}, "", ""};
   EXPECT_EQ(statusLines(status, {200, 24}, Charset::utf8)[1].substr(0, 33),
-            "5000A1B2C3D4…1B2C3D4E5F6  cpld ");
+            "5000A1B2C3D4…1B2C3D4E5F6  waiti");
   EXPECT_EQ(statusLines(status, {200, 24}, Charset::ascii)[1].substr(0, 32),
-            "5000A1B2C3D...B2C3D4E5F6  cpld -");
+            "5000A1B2C3D...B2C3D4E5F6  waitin");
   EXPECT_EQ(statusLines(status, {40, 24}, Charset::utf8)[1],
-            "5000A1B2C3D4E5F6500…5F65000A1B2C3D4E5F6");
+            "5000A1B2C3D4E5F…00A1B2C3D4E5F6  waiting");
 }
 
 TEST(Layout, WwnIsShownSafely) {
   const JobStatus status = {"18", "RUN", {{"\x1b[2J\xC2\x9B", 0, 0, 0}}, "", ""};
-  EXPECT_EQ(statusLines(status, {40, 24}, Charset::utf8)[1], "?[2J?");
+  EXPECT_EQ(statusLines(status, {40, 24}, Charset::utf8)[1], "?[2J?  waiting");
 }
 
 TEST(Layout, JobWithoutControllersIsItsLineOnly) {
   EXPECT_EQ(statusLines({"18", "WAIT", {}, "", ""}, {80, 24}, Charset::ascii),
-            (Lines{"job 18: waiting"}));
+            (Lines{"job 18: waiting, 0:00"}));
 }
 
 TEST(Layout, NoLineIsAsWideAsTheTerminal) {
@@ -87,6 +91,32 @@ TEST(Layout, NoLineIsAsWideAsTheTerminal) {
       EXPECT_LT(line.size(), columns) << line;
     }
   }
+}
+
+TEST(Layout, ALongSilenceIsToldBelow) {
+  Look look = {{}, {"18", "RUN", {}, "", "", "updateFW"}};
+  look.elapsed = std::chrono::seconds(3600 + 62);
+  look.silence = std::chrono::milliseconds(9999);
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii),
+            (Lines{"job 18: running, 1:01:02"}));
+  look.silence = std::chrono::seconds(14);
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii),
+            (Lines{"job 18: running, 1:01:02",
+                   "no news for 14 s; a flash may be silent for minutes, do not unplug"}));
+  EXPECT_EQ(console::statusLines(look, {40, 24}, Charset::ascii),
+            (Lines{"job 18: running, 1:01:02", "no news for 14 s; a flash may be silent",
+                   "for minutes, do not unplug"}));
+}
+
+TEST(Layout, OnlyARunningFlashIsNotToBeUnplugged) {
+  Look look = {{}, {"18", "WAIT", {}, "", "", "updateFW"}};
+  look.silence = std::chrono::seconds(14);
+  EXPECT_EQ(silenceText(look), "no news for 14 s");
+  look.status.state = "RUN";
+  look.status.command = "updateSW";
+  EXPECT_EQ(silenceText(look), "no news for 14 s");
+  look.status.state = "FREE";
+  EXPECT_EQ(silenceText(look), "");
 }
 
 TEST(Layout, TerminalOfNoSizeIsNoHarm) {

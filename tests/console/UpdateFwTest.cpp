@@ -1,54 +1,28 @@
-// The sub-command update-fw as a whole, with small scripts as workers; no time passes.
+// The sub-command update-fw, and what all that submit a job have in common, with small scripts as
+// workers.
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include "ConsoleWorld.h"
 #include "console/ExitCode.h"
-#include "console/PlainView.h"
 #include "console/UpdateFw.h"
 #include "platform/File.h"
-#include "platform/Json.h"
-#include "support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {
 
-constexpr char kJobFile[] = "shared/utility/command/BGPLog.json";
-
-// A clock whose wait lasts until the worker has ended.
-class UpdateFwTest : public ::testing::Test, public Clock {
+class UpdateFwTest : public ConsoleWorld {
  protected:
-  UpdateFwTest() {
-    options.sharedFolder = folder / "shared";
-    options.bundle = folder / "Manager.app";
-    options.updates = {"5000A1=" + folder.write("a=b.img", "image")};
-  }
+  UpdateFwTest() { options.updates = {"5000A1=" + folder.write("a=b.img", "image")}; }
 
-  bool wait(std::chrono::milliseconds /*time*/) override {
-    if (interrupt) return false;
-    siginfo_t info = {};
-    ::waitid(P_ALL, 0, &info, WEXITED | WNOWAIT);
-    return true;
-  }
-
-  int run() { return updateFw(options, {*this, view, messages, Charset::utf8}); }
-
-  void makeWorker(const std::string& text) {
-    const std::string path =
-        folder.write("Manager.app/Contents/Resources/Kelvane", "#!/bin/sh\n" + text);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-  }
-  // A worker that leaves the first record in this state with this result.
-  void makeWorkerThatLeaves(const std::string& state, const std::string& result) {
-    makeWorker(
-        "cat > \"$2utility/command/BGPLog.json\" <<END\n[{\"log_id\": \"$1\", \"state_id\": \"" +
-        state + "\", \"result\": " + result + ", \"resultStr\": \"the text\"}]\nEND\n");
+  int run() {
+    options.job = job;
+    return updateFw(options, surroundings());
   }
   // Expects that the options are refused with this message and that nothing was written.
   void expectRefused(const std::string& message) {
@@ -57,12 +31,7 @@ class UpdateFwTest : public ::testing::Test, public Clock {
     EXPECT_FALSE(platform::exists(folder / "shared"));
   }
 
-  testing::TempFolder folder;
   UpdateFwOptions options;
-  bool interrupt = false;
-  std::ostringstream shown;
-  std::ostringstream messages;
-  PlainView view{shown, Charset::utf8};
 };
 
 TEST_F(UpdateFwTest, Result0IsSuccess) {
@@ -79,12 +48,10 @@ TEST_F(UpdateFwTest, AnotherResultIsAFailedJob) {
 }
 
 TEST_F(UpdateFwTest, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {
-  makeWorker("cp \"$2utility/command/BGPLog.json\" \"$2seen\"");
+  makeWorkerThatLooks();
   options.updates.push_back("5000A2=" + std::filesystem::relative(folder / "a=b.img").string());
   run();
-  const platform::Value records = platform::parseJson(folder.read("shared/seen"));
-  ASSERT_EQ(records.count(), 1U);
-  const platform::Value& record = records.at(0);
+  const platform::Value record = seenRecord();
   EXPECT_EQ(record.get("log_id").string(), "1");
   EXPECT_EQ(record.get("job_id").string(), "updateFW");
   EXPECT_EQ(record.get("state_id").string(), "WAIT");
@@ -105,7 +72,7 @@ TEST_F(UpdateFwTest, WorkerThatDiesInWait) {
 }
 
 TEST_F(UpdateFwTest, WorkerThatDiesInRun) {
-  makeWorkerThatLeaves("RUN", "0\n, \"x\": 1");
+  makeWorkerThatLeaves("RUN", "0");
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_NE(messages.str().find("left it in state RUN"), std::string::npos) << messages.str();
 }
@@ -119,18 +86,18 @@ TEST_F(UpdateFwTest, WorkerThatLosesTheRecord) {
 }
 
 TEST_F(UpdateFwTest, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
-  options.worker = folder / "none";
+  job.worker = folder / "none";
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: start " + (folder / "none") +
                                 ": No such file or directory; job 1 stays waiting in " +
-                                (folder / kJobFile) + "\n");
-  EXPECT_NE(folder.read(kJobFile).find("\"WAIT\""), std::string::npos);
+                                (folder / kTestJobFile) + "\n");
+  EXPECT_NE(folder.read(kTestJobFile).find("\"WAIT\""), std::string::npos);
 }
 
 TEST_F(UpdateFwTest, GivenWorkerIsTakenBeforeTheBundles) {
   makeWorkerThatLeaves("FREE", "0");
-  options.worker = options.bundle + "/Contents/Resources/Kelvane";
-  options.bundle = "/nowhere";
+  job.worker = job.bundle + "/Contents/Resources/Kelvane";
+  job.bundle = "/nowhere";
   EXPECT_EQ(run(), kSuccess);
 }
 
@@ -141,7 +108,7 @@ TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
   std::fstream writer(line);
   makeWorker("read word < " + line);
   interrupt = true;
-  options.logId = "job-7";
+  job.logId = "job-7";
   EXPECT_EQ(run(), kInterrupted);
   EXPECT_EQ(messages.str(), "kelvane-console: interrupted: the worker goes on with job job-7\n");
   writer << "end" << std::endl;
@@ -150,11 +117,11 @@ TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
 
 TEST_F(UpdateFwTest, DamagedJobFileStartsNoWorker) {
   makeWorker("touch \"$2started\"");
-  folder.write(kJobFile, "[{");
+  folder.write(kTestJobFile, "[{");
   EXPECT_EQ(run(), kJobFileFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / kJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / kTestJobFile) +
                                 " is damaged (no JSON array): left as it is\n");
-  EXPECT_EQ(folder.read(kJobFile), "[{");
+  EXPECT_EQ(folder.read(kTestJobFile), "[{");
 }
 
 TEST_F(UpdateFwTest, MissingImageIsRefused) {
@@ -192,18 +159,18 @@ TEST_F(UpdateFwTest, WhatIsNotUtf8IsRefused) {
 }
 
 TEST_F(UpdateFwTest, NoBundleAndNoWorkerIsRefused) {
-  options.bundle = "";
+  job.bundle = "";
   expectRefused("neither a bundle nor a worker is given");
 }
 
 TEST_F(UpdateFwTest, EmptySharedFolderIsRefused) {
-  options.sharedFolder = "";
+  job.sharedFolder = "";
   expectRefused("the shared folder is missing");
 }
 
 TEST_F(UpdateFwTest, TakenLogIdIsRefused) {
-  options.logId = "7";
-  folder.write(kJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
+  job.logId = "7";
+  folder.write(kTestJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: log id 7 is taken: its job is in state RUN\n");
 }

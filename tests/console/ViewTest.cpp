@@ -1,11 +1,13 @@
-// The two views, written to a string.
+// The views, written to a string.
 
 #include <sstream>
 
 #include <gtest/gtest.h>
 
+#include "console/JsonView.h"
 #include "console/PlainView.h"
 #include "console/TerminalView.h"
+#include "platform/Json.h"
 
 namespace kelvane::console {
 namespace {
@@ -23,7 +25,7 @@ class PlainViewTest : public ::testing::Test {
   // What showing the status adds.
   std::string shownFor(const JobStatus& status) {
     out.str("");
-    view.show(status);
+    view.show({{}, status});
     return out.str();
   }
 
@@ -57,11 +59,40 @@ TEST_F(PlainViewTest, NothingTheJobFileSaysSteersTheOutput) {
   EXPECT_EQ(shownFor({"18", "FREE", {}, "1", "\x1b[2J\r"}), "result 1: ?[2J?\n");
 }
 
+TEST_F(PlainViewTest, ASilenceIsToldOnceAMinute) {
+  Look look = {{}, running(0, 0, 0)};
+  look.status.command = "updateFW";
+  view.show(look);
+  const auto shownAt = [&](int seconds) {
+    out.str("");
+    look.silence = std::chrono::seconds(seconds);
+    view.show(look);
+    return out.str();
+  };
+  EXPECT_EQ(shownAt(59), "");
+  EXPECT_EQ(shownAt(61), "no news for 61 s; a flash may be silent for minutes, do not unplug\n");
+  EXPECT_EQ(shownAt(62), "");
+  EXPECT_EQ(shownAt(120), "no news for 120 s; a flash may be silent for minutes, do not unplug\n");
+  EXPECT_EQ(shownAt(0), "");
+  EXPECT_EQ(shownAt(60), "no news for 60 s; a flash may be silent for minutes, do not unplug\n");
+}
+
+TEST(JsonView, OneLineForEachChangeOfTheRecord) {
+  std::ostringstream out;
+  JsonView view(out);
+  const platform::Value record = platform::parseJson(R"({"log_id": "1\n8", "n": 0.10})");
+  view.show({record, {}});
+  view.show({record, {}, std::chrono::seconds(1)});
+  EXPECT_EQ(out.str(), "{\"log_id\":\"1\\n8\",\"n\":0.10}\n");
+  view.show({platform::parseJson("{}"), {}});
+  EXPECT_EQ(out.str(), "{\"log_id\":\"1\\n8\",\"n\":0.10}\n{}\n");
+}
+
 class TerminalViewTest : public ::testing::Test {
  protected:
   std::string shownFor(const JobStatus& status) {
     out.str("");
-    view.show(status);
+    view.show({{}, status, std::chrono::seconds(65)});
     return out.str();
   }
 
@@ -72,15 +103,15 @@ class TerminalViewTest : public ::testing::Test {
 
 TEST_F(TerminalViewTest, DrawsAndThenDrawsAgainInPlace) {
   EXPECT_EQ(shownFor(running(50, 0, 25)),
-            "job 18: running\x1b[K\n"
-            "5000A1B2C3D4E5F6  cpld ###----  50%  firmware -------   0%  "
-            "total #------  25%\x1b[K\n"
+            "job 18: running, 1:05\x1b[K\n"
+            "5000A1B2C3D4E5F6  CPLD      cpld ###---  50%  fw ------   0%  "
+            "total #-----  25%\x1b[K\n"
             "\x1b[J");
   EXPECT_EQ(shownFor(running(100, 0, 50)),
             "\r\x1b[2A"
-            "job 18: running\x1b[K\n"
-            "5000A1B2C3D4E5F6  cpld ####### 100%  firmware -------   0%  "
-            "total ###----  50%\x1b[K\n"
+            "job 18: running, 1:05\x1b[K\n"
+            "5000A1B2C3D4E5F6  firmware  cpld ###### 100%  fw ------   0%  "
+            "total ###---  50%\x1b[K\n"
             "\x1b[J");
 }
 
@@ -94,8 +125,8 @@ TEST_F(TerminalViewTest, DrawsAgainAtANewWidth) {
   size.columns = 40;
   EXPECT_EQ(shownFor(running(50, 0, 25)),
             "\r\x1b[2A"
-            "job 18: running\x1b[K\n"
-            "5000A1B2C3D4E5F6\x1b[K\n"
+            "job 18: running, 1:05\x1b[K\n"
+            "5000A1B2C3D4E5F6  CPLD\x1b[K\n"
             "  cpld     ###########------------  50%\x1b[K\n"
             "  firmware -----------------------   0%\x1b[K\n"
             "  total    #####------------------  25%\x1b[K\n"
@@ -106,9 +137,9 @@ TEST_F(TerminalViewTest, ResultStandsBelowTheBars) {
   shownFor(running(100, 98, 99));
   EXPECT_EQ(shownFor(finished("32852", "flash\x1b[31m error")),
             "\r\x1b[2A"
-            "job 18: finished\x1b[K\n"
-            "5000A1B2C3D4E5F6  cpld ####### 100%  firmware ####### 100%  "
-            "total ####### 100%\x1b[K\n"
+            "job 18: finished, 1:05\x1b[K\n"
+            "5000A1B2C3D4E5F6  done      cpld ###### 100%  fw ###### 100%  "
+            "total ###### 100%\x1b[K\n"
             "\x1b[J"
             "result 32852: flash?[31m error\n");
 }

@@ -132,6 +132,11 @@ TEST(Json, PrintsOneKeyPerLineIndentedByTwo) {
             "]");
 }
 
+TEST(Json, PrintsOnOneLine) {
+  const Value value = parseJson(R"({"b": [1, "x\ny", {}], "a": {"c": null, "d": []}})");
+  EXPECT_EQ(printJsonLine(value), R"({"b":[1,"x\ny",{}],"a":{"c":null,"d":[]}})");
+}
+
 TEST(Json, EscapesOnlyWhatMustBeEscaped) {
   EXPECT_EQ(reprinted(R"(["\"\\\/\b\f\n\r\t\u0001\u001f\u007f\u00e9\ud83d\ude00"])"),
             "[\n  \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\x7F\xC3\xA9\xF0\x9F\x98\x80\"\n]");

@@ -84,8 +84,12 @@ class ValueBuilder : public nlohmann::json_sax<nlohmann::json> {
   Value result_;
 };
 
+enum class Form { lines, oneLine };
+
 class Printer {
  public:
+  explicit Printer(Form form) : form_(form) {}
+
   // Appends the value; false where JSON has no form for it.
   bool print(const Value& value, int level) {
     switch (value.kind()) {
@@ -115,6 +119,7 @@ class Printer {
 
  private:
   void startLine(int level) {
+    if (form_ == Form::oneLine) return;
     text_ += '\n';
     text_.append(static_cast<std::size_t>(level) * 2, ' ');
   }
@@ -186,7 +191,7 @@ class Printer {
       text_ += std::exchange(separator, ",");
       startLine(level + 1);
       if (!printString(key)) return false;
-      text_ += ": ";
+      text_ += form_ == Form::oneLine ? ":" : ": ";
       if (!print(value, level + 1)) return false;
     }
     if (!dictionary.entries().empty()) startLine(level);
@@ -194,8 +199,15 @@ class Printer {
     return true;
   }
 
+  Form form_;
   std::string text_;
 };
+
+std::optional<std::string> printed(const Value& value, Form form) {
+  Printer printer(form);
+  if (!printer.print(value, 0)) return std::nullopt;
+  return printer.take();
+}
 
 }  // namespace
 
@@ -207,10 +219,10 @@ Value parseJson(std::string_view text) {
   return whole ? builder.take() : Value();
 }
 
-std::optional<std::string> printJson(const Value& value) {
-  Printer printer;
-  if (!printer.print(value, 0)) return std::nullopt;
-  return printer.take();
+std::optional<std::string> printJson(const Value& value) { return printed(value, Form::lines); }
+
+std::optional<std::string> printJsonLine(const Value& value) {
+  return printed(value, Form::oneLine);
 }
 
 }  // namespace kelvane::platform

@@ -21,4 +21,7 @@ Value parseJson(std::string_view text);
 // it holds something that JSON has no form for, so that what is written can always be read again.
 std::optional<std::string> printJson(const Value& value);
 
+// The same on one line, without blanks or line breaks between the pieces.
+std::optional<std::string> printJsonLine(const Value& value);
+
 }  // namespace kelvane::platform

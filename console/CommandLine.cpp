@@ -1,0 +1,173 @@
+#include "console/CommandLine.h"
+
+#include <functional>
+#include <iostream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "console/Clock.h"
+#include "console/ExitCode.h"
+#include "console/OnlineUpdate.h"
+#include "console/Terminal.h"
+#include "console/UpdateFw.h"
+#include "console/UpdateSw.h"
+
+namespace kelvane::console {
+
+struct CommandLine::Commands {
+  CLI::App app{"Submits jobs to the enclosure worker and follows them.", "kelvane-console"};
+  QueryOptions query;
+  DownloadOptions download;
+  UpdateSwOptions updateSw;
+  UpdateFwOptions updateFw;
+  bool json = false;
+  int exitCode = kSuccess;
+};
+
+namespace {
+
+constexpr char kFooter[] =
+    "Exit status: 0 success, 1 the job failed, 2 bad usage, 3 the worker could not be\n"
+    "started or died, 4 the job file is damaged or cannot be read or written,\n"
+    "70 internal error, 130 interrupted (the worker goes on).";
+
+// Runs a sub-command on the standard streams.
+int runHere(bool json, const std::function<int(const Surroundings&)>& subCommand) {
+  Screen screen = screenOfStandardOutput(std::cout, json);
+  const std::unique_ptr<View> view = viewOn(screen);
+  SystemClock clock;
+  return subCommand({clock, *view, screen, std::cerr});
+}
+
+void addSharedOption(CLI::App& command, std::string& folder) {
+  command.add_option("--shared", folder, "The folder shared with the worker")
+      ->type_name("FOLDER")
+      ->envname("KELVANE_SHARED")
+      ->required();
+}
+
+void addJsonFlag(CLI::App& command, bool& json) {
+  command.add_flag("--json", json, "Show JSON for machines, one line per change");
+}
+
+void addJobOptions(CLI::App& command, JobOptions& options, bool& json) {
+  addSharedOption(command, options.sharedFolder);
+  command.add_option("--bundle", options.bundle, "The application bundle that holds the worker")
+      ->type_name("APP.app")
+      ->envname("KELVANE_BUNDLE");
+  command.add_option("--worker", options.worker, "The worker, if not the bundle's")
+      ->type_name("PATH");
+  command.add_option("--log-id", options.logId, "The job's log id, if not the next free number")
+      ->type_name("ID");
+  command.add_flag("--verbose", options.verbose, "Show what the worker prints");
+  addJsonFlag(command, json);
+}
+
+void addEngineOptions(CLI::App& command, EngineOptions& options) {
+  command.add_option("--url", options.url, "The update service")->type_name("URL")->required();
+  command
+      .add_option("--folder", options.folder,
+                  "An empty folder for the update engine, which is removed afterwards, if not one "
+                  "below the shared folder")
+      ->type_name("FOLDER");
+}
+
+template <typename Options>
+void onCall(CLI::App& command, const Options& options, bool& json, int& exitCode,
+            int (*subCommand)(const Options&, const Surroundings&)) {
+  command.callback([&options, &json, &exitCode, subCommand] {
+    exitCode = runHere(
+        json, [&](const Surroundings& surroundings) { return subCommand(options, surroundings); });
+  });
+}
+
+CLI::App& addQuery(CLI::App& app, QueryOptions& options, bool& json) {
+  CLI::App& command =
+      *app.add_subcommand("query", "Ask the update service which packages it offers");
+  addJobOptions(command, options.job, json);
+  addEngineOptions(command, options.engine);
+  command.add_option("product", options.product, "The product that is asked for")
+      ->type_name("PRODUCT")
+      ->required();
+  command.add_option("version", options.version, "The version that is there now, if any")
+      ->type_name("VERSION");
+  command.footer(
+      "Example:\n"
+      "  kelvane-console query --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+      "    --url file:///srv/updates manager 1.0.0");
+  return command;
+}
+
+CLI::App& addDownload(CLI::App& app, DownloadOptions& options, bool& json) {
+  CLI::App& command = *app.add_subcommand("download", "Fetch packages from the update service");
+  addJobOptions(command, options.job, json);
+  addEngineOptions(command, options.engine);
+  command
+      .add_option("products", options.products,
+                  "Products to look for; the first one's packages are fetched")
+      ->type_name("PRODUCT[=VERSION]")
+      ->required();
+  command.footer(
+      "Example:\n"
+      "  kelvane-console download --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+      "    --url file:///srv/updates manager=2.0.0");
+  return command;
+}
+
+CLI::App& addUpdateSw(CLI::App& app, UpdateSwOptions& options, bool& json) {
+  CLI::App& command =
+      *app.add_subcommand("update-sw", "Replace the installed application by a new one");
+  addJobOptions(command, options.job, json);
+  command.add_option("package", options.package, "The new application bundle")
+      ->type_name("APP.app")
+      ->required();
+  command.footer(
+      "Example:\n"
+      "  kelvane-console update-sw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+      "    ~/Shared/tmp/OnlineUpdate/SW/Manager.app");
+  return command;
+}
+
+CLI::App& addUpdateFw(CLI::App& app, UpdateFwOptions& options, bool& json) {
+  CLI::App& command = *app.add_subcommand("update-fw", "Update the firmware of controllers");
+  addJobOptions(command, options.job, json);
+  command.add_option("updates", options.updates, "A controller and the image it gets")
+      ->type_name("WWN=IMAGE")
+      ->required();
+  command.footer(
+      "Example:\n"
+      "  kelvane-console update-fw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+      "    5000A1B2C3D4E5F6=controller.img");
+  return command;
+}
+
+}  // namespace
+
+CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
+  Commands& all = *commands_;
+  all.app.require_subcommand(1);
+  all.app.footer(kFooter);
+  onCall(addQuery(all.app, all.query, all.json), all.query, all.json, all.exitCode, query);
+  onCall(addDownload(all.app, all.download, all.json), all.download, all.json, all.exitCode,
+         download);
+  onCall(addUpdateSw(all.app, all.updateSw, all.json), all.updateSw, all.json, all.exitCode,
+         updateSw);
+  onCall(addUpdateFw(all.app, all.updateFw, all.json), all.updateFw, all.json, all.exitCode,
+         updateFw);
+}
+
+CommandLine::~CommandLine() = default;
+
+const CLI::App& CommandLine::app() const { return commands_->app; }
+
+int CommandLine::run(int argc, const char* const* argv) {
+  try {
+    commands_->app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return commands_->app.exit(error) == 0 ? kSuccess : kBadUsage;  // asking for help is no error
+  }
+  return commands_->exitCode;
+}
+
+}  // namespace kelvane::console

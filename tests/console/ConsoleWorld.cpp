@@ -1,0 +1,46 @@
+#include "ConsoleWorld.h"
+
+#include <filesystem>
+
+#include <sys/wait.h>
+
+#include "platform/Json.h"
+
+namespace kelvane::console {
+
+ConsoleWorld::ConsoleWorld() {
+  job.sharedFolder = folder / "shared";
+  job.bundle = folder / "Manager.app";
+}
+
+bool ConsoleWorld::wait(std::chrono::milliseconds step) {
+  time += step;
+  if (interrupt) return false;
+  siginfo_t info = {};
+  ::waitid(P_ALL, 0, &info, WEXITED | WNOWAIT);
+  return true;
+}
+
+void ConsoleWorld::makeWorker(const std::string& script) {
+  const std::string path =
+      folder.write("Manager.app/Contents/Resources/Kelvane", "#!/bin/sh\n" + script);
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+}
+
+void ConsoleWorld::makeWorkerThatLeaves(const std::string& state, const std::string& result,
+                                        const std::string& more) {
+  makeWorker(
+      "cat > \"$2utility/command/BGPLog.json\" <<END\n[{\"log_id\": \"$1\", \"state_id\": \"" +
+      state + "\", \"result\": " + result + ", \"resultStr\": \"the text\"" + more + "}]\nEND\n");
+}
+
+void ConsoleWorld::makeWorkerThatLooks() {
+  makeWorker("cp \"$2utility/command/BGPLog.json\" \"$2seen\"");
+}
+
+platform::Value ConsoleWorld::seenRecord() const {
+  const platform::Value records = platform::parseJson(folder.read("shared/seen"));
+  return records.isArray() && records.count() == 1 ? records.at(0) : platform::Value();
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,50 @@
+// A sub-command's world: a shared folder and a bundle of its own, small scripts as workers, and a
+// clock by which no time passes.
+#pragma once
+
+#include <chrono>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "console/PlainView.h"
+#include "console/Submission.h"
+#include "platform/Value.h"
+#include "support/TempFolder.h"
+
+namespace kelvane::console {
+
+inline constexpr char kTestJobFile[] = "shared/utility/command/BGPLog.json";
+
+// Its clock's wait lasts until the worker has ended.
+class ConsoleWorld : public ::testing::Test, public Clock {
+ protected:
+  ConsoleWorld();
+
+  std::chrono::milliseconds now() override { return time; }
+  bool wait(std::chrono::milliseconds step) override;
+
+  Surroundings surroundings() { return {*this, view, screen, messages}; }
+
+  // A worker in the bundle; the shell script sees the log id as $1, the shared folder as $2.
+  void makeWorker(const std::string& script);
+  // A worker that leaves a record of this job with this state, result and further keys alone in
+  // the file.
+  void makeWorkerThatLeaves(const std::string& state, const std::string& result,
+                            const std::string& more = "");
+  // A worker that keeps the record it finds, as `shared/seen`, and leaves it waiting.
+  void makeWorkerThatLooks();
+  platform::Value seenRecord() const;
+
+  testing::TempFolder folder;
+  JobOptions job;
+  bool interrupt = false;
+  std::chrono::milliseconds time{0};
+  std::ostringstream shown;
+  std::ostringstream messages;
+  Screen screen{shown, Charset::utf8};
+  PlainView view{shown, Charset::utf8};
+};
+
+}  // namespace kelvane::console
