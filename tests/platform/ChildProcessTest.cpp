@@ -68,6 +68,24 @@ TEST_F(ChildProcessTest, StandardInputIsAnOpenPipe) {
   EXPECT_EQ(outputOf(script("test -p /dev/stdin && echo pipe")), Value("pipe\n"));
 }
 
+TEST_F(ChildProcessTest, StandardInputIsOpenAndSilentWhileTheOutputLasts) {
+  // A read that does not block succeeds at the end of a pipe, and fails while it is open and empty.
+  EXPECT_EQ(outputOf(script("if dd iflag=nonblock count=1 of=/dev/null 2>/dev/null\n"
+                            "then echo ended; else echo open; fi")),
+            Value("open\n"));
+}
+
+TEST_F(ChildProcessTest, AReadInterruptedBySignalsGoesOn) {
+  struct sigaction action = {};
+  action.sa_handler = [](int) {};  // without SA_RESTART: a blocked read returns
+  struct sigaction before = {};
+  ::sigaction(SIGUSR1, &action, &before);
+  const Value output = outputOf(
+      script("i=0; while [ $i -lt 300 ]; do kill -USR1 $PPID; i=$((i+1)); done; echo after"));
+  ::sigaction(SIGUSR1, &before, nullptr);
+  EXPECT_EQ(output, Value("after\n"));
+}
+
 TEST_F(ChildProcessTest, StandardInputEndsWithTheTermination) {
   // The reader outlives its parent, and ends when its input does.
   const std::string fifo = folder / "fifo";
@@ -118,6 +136,27 @@ TEST_F(ChildProcessTest, AChildThatLivesOnIsToldToEnd) {
   child.terminate();
   while (::waitpid(-1, nullptr, 0) > 0) continue;  // until it has ended
   EXPECT_EQ(folder.read("mark"), "ended\n");
+}
+
+TEST_F(ChildProcessTest, AChildThatIgnoresTheSignalIsNotWaitedFor) {
+  const std::string fifo = folder / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  ChildProcess child(script("trap '' TERM; echo $$; exec 1>&-; read -r l < " + fifo),
+                     Value::array());
+  const pid_t process = std::stoi(child.readOutput().string());
+  child.terminate();  // returns
+  EXPECT_EQ(::waitpid(process, nullptr, WNOHANG), 0);
+  ::kill(process, SIGKILL);
+  EXPECT_EQ(::waitpid(process, nullptr, 0), process);
+}
+
+TEST_F(ChildProcessTest, AChildThatHasEndedIsReaped) {
+  ChildProcess child(script("echo $$"), Value::array());
+  const pid_t process = std::stoi(child.readOutput().string());
+  siginfo_t info = {};
+  ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOWAIT), 0);
+  child.terminate();
+  EXPECT_EQ(::waitpid(process, nullptr, WNOHANG), -1);  // no such child any more
 }
 
 TEST_F(ChildProcessTest, NoFileStaysOpen) {

@@ -2,6 +2,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "log/iLog.h"
 #include "support/FakeHost.h"
@@ -126,6 +127,16 @@ TEST_F(LogRotation, AFailedMoveStillEmptiesTheFile) {
   rotate(name);
   EXPECT_EQ(folder.names(), Names{name});
   EXPECT_EQ(size(name), 0U);
+}
+
+TEST_F(LogRotation, TheNewFileHasTheDefaultPermissions) {
+  makeFile("log.txt", kThreshold);
+  std::filesystem::permissions(folder / "log.txt", std::filesystem::perms::owner_all);
+  const mode_t before = ::umask(026);
+  rotate();
+  ::umask(before);
+  EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(folder / "log.txt").permissions()),
+            0640U);
 }
 
 TEST_F(LogRotation, TheLogGoesOnInTheNewFile) {
