@@ -68,16 +68,16 @@ std::string pathOf(const std::string& url) {
 }  // namespace
 
 std::string serviceFolder(const std::string& url) {
-  const std::string path = pathOf(url);
+  std::string path = pathOf(url);
   std::error_code cause;
   if (std::filesystem::is_directory(path, cause)) return path;
   throw Exception("service " + path + ": " + (cause ? cause.message() : "is not a folder"));
 }
 
 std::vector<std::string> packagesOf(const std::string& service, const std::string& productId) {
-  const std::string folder = service + "/" + kPackagesFolder + "/" + productId;
+  const std::string folder = service + "/" + kPackagesFolder + "/" + productId + "/";
   std::vector<std::string> paths;
-  for (const std::string& name : platform::listFolder(folder)) paths.push_back(folder + "/" + name);
+  for (const std::string& name : platform::listFolder(folder)) paths.push_back(folder + name);
   std::sort(paths.begin(), paths.end());
   return paths;
 }

@@ -66,9 +66,9 @@ void readCrash(ObjectReader& reader, ServiceFaults& faults) {
 
 }  // namespace
 
-ServiceFaults parseFaults(const Value& object) {
+ServiceFaults parseFaults(const Value& object, const std::string& where) {
   ServiceFaults faults;
-  ObjectReader reader(object, "");
+  ObjectReader reader(object, where);
   readCatalogue(reader, faults);
   faults.missingProducts = reader.texts("missing_products");
   faults.missingFiles = reader.texts("missing_files");

@@ -33,8 +33,9 @@ struct ServiceFaults {
   bool detached = false;  // all is done by a child, after the engine has ended
 };
 
-// Raises, with the key, where the object holds anything else than faults.
-ServiceFaults parseFaults(const platform::Value& object);
+// Raises, with the key, where the object holds anything else than faults. `where` is how complaints
+// call the object, empty for a file's top level.
+ServiceFaults parseFaults(const platform::Value& object, const std::string& where = "");
 
 // The faults of the service in the folder; none where it has no such file. Raises, with the path
 // and the key, where the file cannot be read or holds anything else than faults.
