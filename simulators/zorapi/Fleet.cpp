@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "FleetReader.h"
 #include "Functions.h"
 #include "Image.h"
 #include "Number.h"
+#include "ObjectReader.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
@@ -34,7 +34,7 @@ constexpr std::uint64_t kMostCalls = 1000000000;
 constexpr std::uint8_t kFirstUnknownStatusByte = 4;
 constexpr std::uint8_t kUnknownStage = 9;
 
-CallFault readCallFault(FleetReader& reader) {
+CallFault readCallFault(ObjectReader& reader) {
   CallFault fault;
   fault.function = reader.text("function");
   if (!hasStatus(fault.function))
@@ -50,7 +50,7 @@ CallFault readCallFault(FleetReader& reader) {
 // The faults of one controller, as they come in the file.
 class FlashFaultReader {
  public:
-  FlashFaultReader(FleetReader& reader, ControllerRecord& controller)
+  FlashFaultReader(ObjectReader& reader, ControllerRecord& controller)
       : reader_(reader),
         controller_(controller),
         cpld_(reader.choice("flash", {"firmware", "cpld"}, true) == 1) {}
@@ -122,19 +122,19 @@ class FlashFaultReader {
     if (firstUnreachable(faults)) reader_.refuse(kAt, "the flash has passed this by then");
   }
 
-  FleetReader& reader_;
+  ObjectReader& reader_;
   ControllerRecord& controller_;
   bool cpld_;
   FlashFault fault_;
 };
 
-std::string readVersion(FleetReader& reader, const char* key) {
+std::string readVersion(ObjectReader& reader, const char* key) {
   std::string version = reader.text(key);
   if (!isVersion(version)) reader.refuse(key, "must be 1 to 23 visible ASCII characters");
   return version;
 }
 
-void readWwn(FleetReader& reader, ControllerRecord& controller) {
+void readWwn(ObjectReader& reader, ControllerRecord& controller) {
   controller.wwn = reader.text(kWwn);
   std::string digits = controller.wwn;
   std::erase(digits, ':');
@@ -145,7 +145,7 @@ void readWwn(FleetReader& reader, ControllerRecord& controller) {
   controller.wwnBytes = *bytes;
 }
 
-void readNvram(FleetReader& reader, ControllerRecord& controller) {
+void readNvram(ObjectReader& reader, ControllerRecord& controller) {
   const std::optional<std::string> bytes = hexBytes(reader.text(kNvramKey, ""));
   if (!bytes || bytes->size() > sizeof(UsbNvram)) {
     reader.refuse(kNvramKey, "must be the hexadecimal digits of at most 516 bytes");
@@ -153,7 +153,7 @@ void readNvram(FleetReader& reader, ControllerRecord& controller) {
   controller.nvram = *bytes;
 }
 
-ControllerRecord readController(FleetReader& reader) {
+ControllerRecord readController(ObjectReader& reader) {
   ControllerRecord controller;
   readWwn(reader, controller);
   controller.productId = static_cast<std::uint16_t>(reader.code("product_id", UINT16_MAX));
@@ -170,17 +170,17 @@ ControllerRecord readController(FleetReader& reader) {
   controller.cpldTransferSeconds = reader.duration("cpld_transfer_seconds").value_or(0);
   controller.cpldProgrammingSeconds = reader.duration("cpld_programming_seconds").value_or(0);
   controller.firmwareSeconds = reader.duration("firmware_seconds").value_or(0);
-  reader.each(kFaults, [&](FleetReader& fault) { FlashFaultReader(fault, controller).read(); });
+  reader.each(kFaults, [&](ObjectReader& fault) { FlashFaultReader(fault, controller).read(); });
   return controller;
 }
 
-void readClock(FleetReader& reader, Fleet& fleet) {
+void readClock(ObjectReader& reader, Fleet& fleet) {
   const bool queries = reader.choice("clock", {"wall", "queries"}, false) == 1;
   const std::optional<double> perQuery = reader.duration("seconds_per_query");
   if (queries) fleet.secondsPerQuery = perQuery.value_or(kDefaultSecondsPerQuery);
 }
 
-void addController(FleetReader& reader, Fleet& fleet) {
+void addController(ObjectReader& reader, Fleet& fleet) {
   ControllerRecord controller = readController(reader);
   for (const ControllerRecord& other : fleet.controllers) {
     if (other.wwnBytes == controller.wwnBytes) reader.refuse(kWwn, "another controller has it");
@@ -188,19 +188,13 @@ void addController(FleetReader& reader, Fleet& fleet) {
   fleet.controllers.push_back(std::move(controller));
 }
 
-Value readDocument(const std::string& path) {
-  Value document = platform::parseJson(platform::readFile(path));
-  if (!document.isDictionary()) throw Exception("is not JSON with an object at its top");
-  return document;
-}
-
 Fleet parseFleet(const Value& document) {
   Fleet fleet;
-  FleetReader reader(document, "");
+  ObjectReader reader(document, "");
   readClock(reader, fleet);
-  reader.each(kFaults, [&](FleetReader& each) { fleet.faults.push_back(readCallFault(each)); });
+  reader.each(kFaults, [&](ObjectReader& each) { fleet.faults.push_back(readCallFault(each)); });
   if (!reader.has(kControllers)) reader.refuse(kControllers, "is missing");
-  reader.each(kControllers, [&](FleetReader& each) { addController(each, fleet); });
+  reader.each(kControllers, [&](ObjectReader& each) { addController(each, fleet); });
   reader.finish();
   // Adapters come first in the discovery index, then subsystems.
   std::stable_partition(fleet.controllers.begin(), fleet.controllers.end(),
@@ -212,7 +206,7 @@ Fleet parseFleet(const Value& document) {
 
 Fleet readFleet(const std::string& path) {
   try {
-    return parseFleet(readDocument(path));
+    return parseFleet(readJsonObject(path));
   } catch (const Exception& caught) {
     throw Exception("fleet file " + path + ": " + caught.what());
   }
@@ -220,7 +214,7 @@ Fleet readFleet(const std::string& path) {
 
 void storeInFleet(const std::string& path, const std::string& wwn, std::string_view key,
                   const std::string& text) {
-  Value document = readDocument(path);
+  Value document = readJsonObject(path);
   Value controllers = Value::array();
   for (Value controller : document.get(kControllers).elements()) {
     if (platform::equalStrings(controller.get(kWwn), wwn)) controller.set(key, text);

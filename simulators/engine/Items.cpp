@@ -1,0 +1,85 @@
+#include "Items.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+#include "Service.h"
+#include "platform/Exception.h"
+#include "platform/File.h"
+
+namespace kelvane::simulator {
+
+using platform::Exception;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool contains(const std::vector<std::string>& names, const std::string& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// Bytes that are no property list.
+std::string garbage(std::size_t size) {
+  std::string bytes(size, '\0');
+  std::uint32_t state = 1;
+  for (char& byte : bytes) {
+    state = state * 1664525U + 1013904223U;
+    byte = static_cast<char>(state >> 24U);
+  }
+  return bytes;
+}
+
+std::string damaged(std::string bytes, const ServiceFaults& faults) {
+  using Catalogue = ServiceFaults::Catalogue;
+  if (faults.catalogue == Catalogue::garbage) return garbage(bytes.size());
+  if (faults.catalogue == Catalogue::cut && faults.catalogueBytes < bytes.size()) {
+    bytes.resize(faults.catalogueBytes);
+  }
+  return bytes;
+}
+
+Item copied(const std::string& from) {
+  return {fs::path(from).filename().string(), [from](const std::string& to) {
+            if (platform::copyTree(from, to)) return;
+            throw Exception("copy " + from + " to " + to + ": not all of it can be copied");
+          }};
+}
+
+Item sparse(const std::string& name, std::uint64_t size) {
+  return {name, [size](const std::string& to) {
+            std::error_code failed;
+            const bool made = platform::createEmptyFile(to);
+            if (made) fs::resize_file(to, size, failed);
+            if (failed) throw Exception("make " + to + ": " + failed.message());
+            if (!made) throw Exception("make " + to + ": it cannot be made");
+          }};
+}
+
+Item written(const std::string& name, const std::string& bytes) {
+  return {name, [bytes](const std::string& to) {
+            if (!platform::replaceFile(to, bytes)) throw Exception("write " + to);
+          }};
+}
+
+}  // namespace
+
+std::vector<Item> catalogueItems(const std::string& service, const std::string& name,
+                                 const ServiceFaults& faults) {
+  if (faults.catalogue == ServiceFaults::Catalogue::none) return {};
+  return {written(name, damaged(platform::readFile(service + "/" + kCatalogueFile), faults))};
+}
+
+std::vector<Item> packageItems(const std::string& service, const std::string& productId,
+                               const ServiceFaults& faults) {
+  if (contains(faults.missingProducts, productId)) return {};
+  std::vector<Item> items;
+  for (const std::string& path : packagesOf(service, productId)) items.push_back(copied(path));
+  for (const auto& [name, size] : faults.sparsePackages) items.push_back(sparse(name, size));
+  std::erase_if(items, [&](const Item& item) { return contains(faults.missingFiles, item.name); });
+  return items;
+}
+
+}  // namespace kelvane::simulator

@@ -1,0 +1,37 @@
+// EngineRunner: stands in for the update engine, over a service that is a folder.
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "Engine.h"
+#include "EngineArguments.h"
+#include "platform/Host.h"
+
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+void run(const std::vector<std::string>& arguments) {
+  kelvane::platform::ignoreWriteSignals();
+  kelvane::platform::SystemHost host;
+  kelvane::simulator::runEngine(kelvane::simulator::readEngineArguments(arguments), host);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    run({argv + std::min(argc, 1), argv + argc});
+    return 0;
+  } catch (const kelvane::simulator::UsageError& caught) {
+    std::cerr << "EngineRunner: " << caught.what() << '\n'
+              << kelvane::simulator::engineUsage() << '\n';
+    return kUsage;
+  } catch (const std::exception& caught) {
+    std::cerr << "EngineRunner: " << caught.what() << '\n';
+    return kFailed;
+  }
+}
