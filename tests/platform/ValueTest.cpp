@@ -161,6 +161,20 @@ TEST(Compare, OrdersStringsByCharactersNumbersByValueAndDatesByTime) {
   EXPECT_GT(compare(Date{2}, Date{1}), 0);
 }
 
+TEST(Compare, WholeNumbersAreOrderedToTheLastDigit) {
+  const auto order = [](const char* left, const char* right) {
+    return compare(Value::number(left), Value::number(right));
+  };
+  EXPECT_LT(order("20240115123045001", "20240115123045002"), 0);
+  EXPECT_GT(order("20240115123045002", "20240115123045001"), 0);
+  EXPECT_EQ(order("20240115123045002", "20240115123045002"), 0);
+  EXPECT_LT(order("9", "10"), 0);
+  EXPECT_GT(order("-9", "-10"), 0);
+  EXPECT_LT(order("-12", "-11"), 0);
+  EXPECT_LT(order("-1", "0"), 0);
+  EXPECT_GT(order("1", "-20"), 0);
+}
+
 TEST(Compare, TwoKindsOrOneWithoutAnOrderRaise) {
   EXPECT_THROW(compare("1", Value::integer(1)), Exception);
   EXPECT_THROW(compare(Value::null(), Value::null()), Exception);

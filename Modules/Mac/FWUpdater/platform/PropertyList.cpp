@@ -2,9 +2,10 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
+#include <ctime>
 #include <limits>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
@@ -12,13 +13,11 @@
 
 #include "platform/Exception.h"
 #include "platform/File.h"
+#include "platform/PropertyListLimits.h"
 #include "platform/Utf8.h"
 
 namespace kelvane::platform {
 namespace {
-
-constexpr int kDepthLimit = 512;
-constexpr std::int64_t kEpoch = 978'307'200;  // 2001-01-01, from which property lists count
 
 struct FreeMemory {
   void operator()(void* memory) const { std::free(memory); }
@@ -28,7 +27,7 @@ struct FreeList {
 };
 using List = std::unique_ptr<void, FreeList>;
 
-Value valueOf(plist_t node, int depth);
+Value valueOf(plist_t node);
 
 std::string checkedText(const std::string& text) {
   if (!isUtf8(text)) throw Exception("a property list's text is not UTF-8");
@@ -41,11 +40,31 @@ Value textOf(plist_t node) {
   return text == nullptr ? Value("") : Value(checkedText(std::string(text, length)));
 }
 
-// Above the signed numbers stand the negative ones.
+// The part of a property list written out as XML. Of some values that is all the library tells.
+std::string xmlOf(plist_t node) {
+  char* raw = nullptr;
+  std::uint32_t length = 0;
+  ::plist_to_xml(node, &raw, &length);
+  const std::unique_ptr<char, FreeMemory> xml(raw);
+  return xml == nullptr ? std::string() : std::string(xml.get(), length);
+}
+
+// The text between the node's own tags in its XML.
+std::string contentOf(plist_t node, const std::string& tag) {
+  const std::string xml = xmlOf(node);
+  const std::size_t start = xml.find("<" + tag + ">");
+  const std::size_t end = xml.find("</" + tag + ">");
+  if (start == std::string::npos || end == std::string::npos) return {};
+  return xml.substr(start + tag.size() + 2, end - start - tag.size() - 2);
+}
+
+// What does not fit into the signed numbers may be a negative one or a large one.
 Value integerOf(plist_t node) {
   std::uint64_t number = 0;
   ::plist_get_uint_val(node, &number);
-  return Value::integer(static_cast<std::int64_t>(number));
+  const auto signedNumber = static_cast<std::int64_t>(number);
+  if (signedNumber >= 0) return Value::integer(signedNumber);
+  return Value::number(contentOf(node, "integer"));
 }
 
 Value realOf(plist_t node) {
@@ -66,15 +85,18 @@ Value dataOf(plist_t node) {
   return Value::data(bytes == nullptr ? std::string() : std::string(bytes, length));
 }
 
+// The library's numbers reach 68 years around 2001; its XML tells every date:
+// "2026-01-31T23:59:59Z".
 Value dateOf(plist_t node) {
-  std::int32_t seconds = 0;
-  std::int32_t microseconds = 0;
-  ::plist_get_date_val(node, &seconds, &microseconds);
-  return Date{kEpoch + seconds};
+  const std::string text = contentOf(node, "date");
+  std::tm time = {};
+  const char* end = ::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time);
+  if (end == nullptr || *end != '\0') throw Exception("a property list's date is damaged: " + text);
+  return Date{::timegm(&time)};
 }
 
 // By iterator: access by index would walk the list anew each time.
-Value arrayOf(plist_t node, int depth) {
+Value arrayOf(plist_t node) {
   plist_array_iter raw = nullptr;
   ::plist_array_new_iter(node, &raw);
   const std::unique_ptr<void, FreeMemory> iterator(raw);
@@ -83,11 +105,11 @@ Value arrayOf(plist_t node, int depth) {
     plist_t item = nullptr;
     ::plist_array_next_item(node, raw, &item);
     if (item == nullptr) return array;
-    array.append(valueOf(item, depth + 1));
+    array.append(valueOf(item));
   }
 }
 
-Value dictionaryOf(plist_t node, int depth) {
+Value dictionaryOf(plist_t node) {
   plist_dict_iter raw = nullptr;
   ::plist_dict_new_iter(node, &raw);
   const std::unique_ptr<void, FreeMemory> iterator(raw);
@@ -98,12 +120,11 @@ Value dictionaryOf(plist_t node, int depth) {
     ::plist_dict_next_item(node, raw, &rawKey, &item);
     const std::unique_ptr<char, FreeMemory> key(rawKey);
     if (item == nullptr || key == nullptr) return dictionary;
-    dictionary.set(checkedText(key.get()), valueOf(item, depth + 1));
+    dictionary.set(checkedText(key.get()), valueOf(item));
   }
 }
 
-Value valueOf(plist_t node, int depth) {
-  if (depth > kDepthLimit) throw Exception("a property list is nested too deeply");
+Value valueOf(plist_t node) {
   switch (::plist_get_node_type(node)) {
     case PLIST_BOOLEAN:
       return booleanOf(node);
@@ -114,9 +135,9 @@ Value valueOf(plist_t node, int depth) {
     case PLIST_STRING:
       return textOf(node);
     case PLIST_ARRAY:
-      return arrayOf(node, depth);
+      return arrayOf(node);
     case PLIST_DICT:
-      return dictionaryOf(node, depth);
+      return dictionaryOf(node);
     case PLIST_DATE:
       return dateOf(node);
     case PLIST_DATA:
@@ -126,8 +147,15 @@ Value valueOf(plist_t node, int depth) {
   }
 }
 
-List parse(const std::string& bytes) {
+std::string_view withoutByteOrderMark(std::string_view bytes) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  if (bytes.substr(0, kMark.size()) == kMark) bytes.remove_prefix(kMark.size());
+  return bytes;
+}
+
+List parse(std::string_view bytes) {
   if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return nullptr;
+  if (!isWithinLimits(bytes)) return nullptr;
   plist_t list = nullptr;
   ::plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &list);
   return List(list);
@@ -136,21 +164,19 @@ List parse(const std::string& bytes) {
 // Whether some text of the list holds a NUL character. The library ends the process when it is
 // asked for such a key, but writes it out as it is.
 bool holdsNul(plist_t list) {
-  char* raw = nullptr;
-  std::uint32_t length = 0;
-  ::plist_to_xml(list, &raw, &length);
-  const std::unique_ptr<char, FreeMemory> xml(raw);
-  return xml == nullptr || std::memchr(xml.get(), '\0', length) != nullptr;
+  const std::string xml = xmlOf(list);
+  return xml.empty() || xml.find('\0') != std::string::npos;
 }
 
 }  // namespace
 
 Value readPropertyList(const std::string& path) {
   try {
-    const List list = parse(readFile(path));
+    const std::string bytes = readFile(path);
+    const List list = parse(withoutByteOrderMark(bytes));
     if (list == nullptr || ::plist_get_node_type(list.get()) != PLIST_DICT) return {};
     if (holdsNul(list.get())) return {};
-    return valueOf(list.get(), 1);
+    return valueOf(list.get());
   } catch (const Exception&) {
     return {};
   }

@@ -262,13 +262,33 @@ int order(const T& left, const T& right) {
   return left < right ? -1 : 1;
 }
 
+bool isWhole(const std::string& digits) {
+  return digits.find_first_not_of("0123456789", digits[0] == '-' ? 1 : 0) == std::string::npos;
+}
+
+// Whole numbers digit by digit: a double has no room for more than 15 of them.
+int orderOfWhole(const std::string& left, const std::string& right) {
+  const bool isNegative = left[0] == '-';
+  if (isNegative != (right[0] == '-')) return isNegative ? -1 : 1;
+  if (left.size() != right.size()) return (left.size() < right.size()) != isNegative ? -1 : 1;
+  const int byDigits = order(left, right);
+  return isNegative ? -byDigits : byDigits;
+}
+
 double realValue(const Value& number) { return std::strtod(number.digits().c_str(), nullptr); }
+
+int orderOfNumbers(const Value& left, const Value& right) {
+  if (isWhole(left.digits()) && isWhole(right.digits())) {
+    return orderOfWhole(left.digits(), right.digits());
+  }
+  return order(realValue(left), realValue(right));
+}
 
 }  // namespace
 
 int compare(const Value& left, const Value& right) {
   if (left.isString() && right.isString()) return order(left.string(), right.string());
-  if (left.isNumber() && right.isNumber()) return order(realValue(left), realValue(right));
+  if (left.isNumber() && right.isNumber()) return orderOfNumbers(left, right);
   if (left.kind() == Value::Kind::date && right.kind() == Value::Kind::date) {
     return order(left.date(), right.date());
   }
