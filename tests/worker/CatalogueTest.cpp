@@ -118,6 +118,7 @@ TEST_F(Catalogue, EachOfTheFourKeysIsNeeded) {
     writeRules(lacking + rule("fw", "2"));
     EXPECT_EQ(chosen("fw"), "2") << key;
   }
+  EXPECT_THAT(log(), IsEmpty());
 }
 
 TEST_F(Catalogue, OfSoftwareTheGreatestMinimumByCharactersIsChosen) {
@@ -132,10 +133,23 @@ TEST_F(Catalogue, AmongEqualMinimumsTheGreatestVersionByCharactersIsChosen) {
 }
 
 TEST_F(Catalogue, OfEqualRulesTheFirstStaysFirst) {
-  writeRules(rule("sw", "1", minimum("9.0.0") + "<key>n</key><integer>1</integer>") +
-             rule("sw", "1", minimum("9.0.0") + "<key>n</key><integer>2</integer>"));
+  std::string rules;
+  for (int i = 1; i <= 40; ++i) {
+    rules += rule("sw", "1",
+                  minimum("9.0.0") + "<key>n</key><integer>" + std::to_string(i) + "</integer>");
+  }
+  writeRules(rules);
   EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("sw")).get("n").integerValue(),
             1);
+}
+
+TEST_F(Catalogue, AnyCharacterPartsAMinimumAndTextMayStandAroundIt) {
+  writeRules(rule("sw", "1", minimum("10-15-0")) + rule("fw", "other"));
+  EXPECT_EQ(chosen("sw"), "1");
+  writeRules(rule("sw", "1", minimum("(10.15.0)")) + rule("fw", "other"));
+  EXPECT_EQ(chosen("sw"), "1");
+  writeRules(rule("sw", "1", minimum("99-0-0")) + rule("fw", "other"));
+  EXPECT_EQ(chosen("sw"), "other");
 }
 
 TEST_F(Catalogue, ASystemThatIsTooOldIsNoCandidate) {
@@ -172,6 +186,13 @@ TEST_F(Catalogue, WithoutAFolderOrACatalogueTheAnswerIsEmpty) {
             Value::dictionary());
   EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("fw")), Value::dictionary());
   EXPECT_THAT(log(), IsEmpty());
+}
+
+TEST_F(Catalogue, RulesThatAreNoListAreLoggedOnce) {
+  folder.write("d/Offers.plist",
+               testing::xmlPropertyList("<dict><key>Rules</key><string>text</string></dict>"));
+  EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("fw")), Value::dictionary());
+  EXPECT_THAT(log(), ElementsAre(StartsWith("getUpdateEngineDataInDownloadFolder error: ")));
 }
 
 TEST_F(Catalogue, RulesOfAWrongKindAreLoggedOnce) {
@@ -232,6 +253,21 @@ TEST_F(Catalogue, AnUnknownProductIsTestedAgainstThePreviousPlace) {
               ElementsAre("", folder / "d/FW_QRX550.img", folder / "d/FW_QRX550.img"));
 }
 
+TEST_F(Catalogue, ThePreviousPlaceIsThatOfThePreviousElementsFolder) {
+  folder.write("d/FW_QRX550.img", "");
+  Value elsewhere = parameters("unknown");
+  elsewhere.set("folder", folder / "other");
+  const Value found =
+      worker.getDownloadFileData(Value::array({parameters("fw2"), elsewhere}), Value());
+  EXPECT_EQ(found.at(1).get("file_path"), Value(folder / "d/FW_QRX550.img"));
+}
+
+TEST_F(Catalogue, AnApplicationsNameThatNoSettingGivesIsNull) {
+  worker.setSettingDict(platform::parseJson(R"({"product_id_sw":"sw"})"));
+  folder.write("d/(null).app", "");
+  EXPECT_THAT(paths({"sw"}), ElementsAre(folder / "d/(null).app"));
+}
+
 TEST_F(Catalogue, ThePackagesOwnNameIsTriedWhereTheExpectedPlaceIsEmpty) {
   writeRules(rule("fw2", "1", codebase("https://host/path/Image.bin")));
   EXPECT_THAT(paths({"fw2"}), ElementsAre(""));
@@ -240,11 +276,28 @@ TEST_F(Catalogue, ThePackagesOwnNameIsTriedWhereTheExpectedPlaceIsEmpty) {
 }
 
 TEST_F(Catalogue, DiskImagesArchivesAndNamesWithoutExtensionAreNotTried) {
-  for (const char* name : {"Image.dmg", "Image.zip", "Image", ""}) {
+  for (const char* name : {"Image.dmg", "Image.zip", "Image.2.zip", "Image", ""}) {
     writeRules(rule("fw2", "1", codebase("https://host/" + std::string(name))));
     if (*name != '\0') folder.write("d/" + std::string(name), "");
     EXPECT_THAT(paths({"fw2"}), ElementsAre("")) << name;
   }
+}
+
+TEST_F(Catalogue, ExtensionsAreComparedToTheLetter) {
+  writeRules(rule("fw2", "1", codebase("u/Image.DMG")));
+  folder.write("d/Image.DMG", "");
+  EXPECT_THAT(paths({"fw2"}), ElementsAre(folder / "d/Image.DMG"));
+}
+
+TEST_F(Catalogue, AProductAtItsPlaceLeavesTheRememberedPackageRemembered) {
+  writeRules(rule("a", "1", codebase("u/A.bin")) + rule("b", "1", codebase("u/B.dmg")));
+  folder.write("d/A.bin", "");
+  folder.write("d/FW_T3.img", "");
+  const Value found = worker.getDownloadFileData(
+      Value::array({parameters("a"), parameters("fw3"), parameters("sw"), parameters("b")}),
+      Value());
+  EXPECT_EQ(found.at(1).get("file_path"), Value(folder / "d/FW_T3.img"));
+  EXPECT_FALSE(found.at(3).has("file_path"));
 }
 
 TEST_F(Catalogue, ARememberedPackageLeavesLaterOnesWithoutAPath) {

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include "platform/Json.h"
 #include "support/PropertyLists.h"
@@ -171,6 +172,46 @@ TEST_F(OnlineUpdate, AQueryThatLacksAParameterWritesNothing) {
   EXPECT_THAT(errors(), IsEmpty());
 }
 
+TEST_F(OnlineUpdate, AQueryWithoutParametersLogsItsStartAndEndAndNothingElse) {
+  engine();
+  const Value record = Value::dictionary({{"log_id", "17"}, {"job_id", "getOnlineUpdateData"}});
+  EXPECT_EQ(worker.getOnlineUpdateData(record), record);
+  EXPECT_THAT(log(), ElementsAre("getOnlineUpdateData: getOnlineUpdateData start, "
+                                 "_EngineRunnerPath = " +
+                                     (folder / "EngineRunner"),
+                                 "getOnlineUpdateData: getOnlineUpdateData end, retDict = {"));
+  EXPECT_EQ(worker.getOnlineUpdateData(Value()), Value());
+  EXPECT_FALSE(fs::exists(folder / "arguments"));
+}
+
+TEST_F(OnlineUpdate, AnEngineThatLivesOnIsToldToEndAfterTheLastSave) {
+  // It closes its output, and looks at the job file when the signal comes.
+  const std::string fifo = folder / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  engine(
+      "cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"\n"
+      "trap 'cp \"" +
+      shared() +
+      "utility/command/BGPLog.json\" \"$SOURCE/after\"; exit' TERM\n"
+      "exec 1>&-; read -r l < " +
+      fifo);
+  const auto stateAfter = [this] {
+    while (::waitpid(-1, nullptr, 0) > 0) continue;  // until the engine has ended
+    return platform::parseJson(folder.read("after")).at(0).get("state_id");
+  };
+  query(parameters());
+  EXPECT_EQ(stateAfter(), Value("FREE"));
+  download(Value::array({parameters()}));
+  EXPECT_EQ(stateAfter(), Value("FREE"));
+}
+
+TEST_F(OnlineUpdate, TheEnginesStandardErrorIsTheWorkersOwn) {
+  engine("echo complaint >&2");
+  ::testing::internal::CaptureStderr();
+  query(parameters());
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "complaint\n");
+}
+
 TEST_F(OnlineUpdate, AnEngineThatCannotBeStartedIsOneErrorLineAndLeavesTheJobRunning) {
   for (const Value& path : {Value(), Value(folder / "missing"), Value(folder.path()),
                             Value(folder.write("plain", "text"))}) {
@@ -263,14 +304,49 @@ TEST_F(OnlineUpdate, AMissingPackageIsNotFound) {
   EXPECT_EQ(job().get("output").at(0).get("file_path"), Value(""));
 }
 
-TEST_F(OnlineUpdate, TheEngineIsStartedOnceForAllProducts) {
+TEST_F(OnlineUpdate, TheEngineIsStartedOnceForAllProductsWithTheFirstOnesParameters) {
   engine(
       "echo once >> \"$SOURCE/starts\"; cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; "
       "echo image > \"$9/FW_QRX550.img\"");
-  download(Value::array({parameters(), parameters("other"), Value::dictionary()}));
+  Value second = parameters("second");
+  second.set("version", "8");
+  second.set("url", "other");
+  download(Value::array({parameters(), second, parameters("third")}));
   EXPECT_EQ(folder.read("starts"), "once\n");
-  EXPECT_EQ(job().get("output").count(), 2U);
+  EXPECT_THAT(folder.read("arguments"),
+              StartsWith("run\n-productid\nfw2\n-version\n1\n-url\nu\n-folder\n"));
+  const Value described = job().get("output");
+  ASSERT_EQ(described.count(), 3U);
+  EXPECT_EQ(described.at(1).get("productid"), Value("second"));
+  EXPECT_EQ(described.at(2).get("productid"), Value("third"));
   EXPECT_EQ(job().get("result").integerValue(), 0);
+}
+
+TEST_F(OnlineUpdate, AnElementWithoutAProductIsNeitherDescribedNorLookedFor) {
+  engine("cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; echo image > \"$9/FW_QRX550.img\"");
+  download(Value::array({parameters(), Value::dictionary()}));
+  EXPECT_EQ(job().get("output").count(), 1U);
+  EXPECT_EQ(job().get("result").integerValue(), 0);
+}
+
+TEST_F(OnlineUpdate, OfSeveralProductsOneMissingIsEnough) {
+  worker.setSettingDict(platform::parseJson(
+      R"({"online_update_plist_name":"Offers","product_id_tarsel2fw":"fw2",
+          "product_id_tarsel3fw":"fw3"})"));
+  engine("cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; echo image > \"$9/FW_QRX550.img\"");
+  download(Value::array({parameters(), parameters("fw3")}));
+  EXPECT_EQ(job().get("output").count(), 2U);
+  EXPECT_EQ(job().get("result").integerValue(), 259);
+  EXPECT_EQ(job().get("resultStr"), Value("file is not found"));
+}
+
+TEST_F(OnlineUpdate, ADownloadWhoseEngineCannotBeStartedIsOneErrorLineAndStaysRunning) {
+  worker.setEngineRunnerPath(folder / "missing");
+  download(Value::array({parameters()}));
+  EXPECT_EQ(job().get("state_id"), Value("RUN"));
+  EXPECT_EQ(job().get("output"), Value::array({parameters()}));
+  EXPECT_THAT(errors(), ElementsAre(StartsWith("downloadOnlineUpdateFile error: start")));
+  EXPECT_EQ(log().back(), errors().back());
 }
 
 TEST_F(OnlineUpdate, WithoutACatalogueEachElementsOwnFolderIsSearched) {
@@ -305,7 +381,9 @@ TEST_F(OnlineUpdate, ADownloadReturnsTheRecordMarkedRunningWithoutTheCheck) {
   const Value returned = worker.downloadOnlineUpdateFile(
       Value::dictionary({{"job_id", "x"}, {"input_parameters", Value::array({parameters()})}}));
   EXPECT_EQ(returned.get("state_id"), Value("RUN"));
-  EXPECT_EQ(returned.get("output").count(), 1U);
+  ASSERT_EQ(returned.get("output").count(), 1U);
+  EXPECT_EQ(returned.get("output").at(0).get("Hash256"), Value("h"));
+  EXPECT_EQ(returned.get("output").at(0).get("file_path"), Value(""));
   EXPECT_FALSE(returned.has("result"));
 }
 
