@@ -193,7 +193,7 @@ TEST_F(OnlineUpdate, AnEngineThatLivesOnIsToldToEndAfterTheLastSave) {
       "trap 'cp \"" +
       shared() +
       "utility/command/BGPLog.json\" \"$SOURCE/after\"; exit' TERM\n"
-      "exec 1>&-; read -r l < " +
+      "exec 1>&- 2>/dev/null; read -r l < " +
       fifo);
   const auto stateAfter = [this] {
     while (::waitpid(-1, nullptr, 0) > 0) continue;  // until the engine has ended
