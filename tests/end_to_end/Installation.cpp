@@ -14,18 +14,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void copyInto(const char* file, const std::string& target) {
-  fs::create_directories(fs::path(target).parent_path());
-  fs::copy_file(file, target);
-}
-
 std::string digits(const Value& entry, const char* key) { return entry.get(key).digits(); }
 
 }  // namespace
 
 Installation::Installation() {
-  copyInto(KELVANE_WORKER, bundle / "Contents/Resources/Kelvane");
-  copyInto(KELVANE_ZORAPI, bundle / "Contents/Frameworks/libZORAPI.so");
+  install(KELVANE_WORKER, "Contents/Resources/Kelvane");
+  install(KELVANE_ZORAPI, "Contents/Frameworks/libZORAPI.so");
   bundle.write("Contents/Resources/Config/setting.json", "{}");
   folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
   fs::create_directories(shared() + "utility/command");
@@ -38,6 +33,12 @@ Installation::Installation() {
                  {"KELVANE_TEST_SLEEPS", folder / "sleeps"},
                  {"KELVANE_TEST_WRITES", folder / "writes"},
                  {"KELVANE_TEST_VERSIONS", folder / "versions"}};
+}
+
+void Installation::install(const std::string& file, const std::string& name) const {
+  const fs::path target = bundle / name;
+  fs::create_directories(target.parent_path());
+  fs::copy_file(file, target);
 }
 
 void Installation::writeFleet(const std::string& controllers, const std::string& faults) const {

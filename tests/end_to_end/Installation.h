@@ -24,6 +24,9 @@ class Installation : public ::testing::Test {
   // Makes an image with the tool; returns its path.
   std::string makeImage(const std::string& name, std::vector<std::string> options) const;
 
+  // Puts a program or library into the bundle.
+  void install(const std::string& file, const std::string& name) const;
+
   void writeJobs(const std::string& json) const;
   platform::Value jobs() const;
   // Runs the worker; its sleeps and job file versions are kept until the next run.
