@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "Files.h"
 #include "Service.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
@@ -42,26 +43,21 @@ std::string damaged(std::string bytes, const ServiceFaults& faults) {
 }
 
 Item copied(const std::string& from) {
-  return {fs::path(from).filename().string(), [from](const std::string& to) {
-            if (platform::copyTree(from, to)) return;
-            throw Exception("copy " + from + " to " + to + ": not all of it can be copied");
-          }};
+  return {fs::path(from).filename().string(),
+          [from](const std::string& to) { copyEntry(from, to); }};
 }
 
 Item sparse(const std::string& name, std::uint64_t size) {
   return {name, [size](const std::string& to) {
+            writeFile(to, "");
             std::error_code failed;
-            const bool made = platform::createEmptyFile(to);
-            if (made) fs::resize_file(to, size, failed);
+            fs::resize_file(to, size, failed);
             if (failed) throw Exception("make " + to + ": " + failed.message());
-            if (!made) throw Exception("make " + to + ": it cannot be made");
           }};
 }
 
 Item written(const std::string& name, const std::string& bytes) {
-  return {name, [bytes](const std::string& to) {
-            if (!platform::replaceFile(to, bytes)) throw Exception("write " + to);
-          }};
+  return {name, [bytes](const std::string& to) { writeFile(to, bytes); }};
 }
 
 }  // namespace

@@ -39,11 +39,7 @@ std::string temporaryName(const char* purpose) {
 
 }  // namespace
 
-TargetFolder::TargetFolder(std::string path) : path_(std::move(path)) {
-  std::error_code failed;
-  fs::create_directories(path_, failed);
-  check(failed, "make folder", path_);
-}
+TargetFolder::TargetFolder(std::string path) : path_(std::move(path)) { makeFolder(path_); }
 
 void TargetFolder::put(const std::string& name,
                        const std::function<void(const std::string&)>& write) const {

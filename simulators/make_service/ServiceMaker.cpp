@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include "Files.h"
 #include "Service.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
@@ -35,25 +36,15 @@ void checkPlace(const std::string& place) {
   throw Exception("folder " + place + ": is not empty, and no service that was made before");
 }
 
-void makeFolder(const std::string& path) {
-  std::error_code failed;
-  fs::create_directories(path, failed);
-  if (failed) throw Exception("make folder " + path + ": " + failed.message());
-}
-
-void write(const std::string& path, const std::string& bytes) {
-  if (!platform::replaceFile(path, bytes)) throw Exception("write " + path + ": it cannot be made");
-}
-
+// What is there already is another rule's, and the same.
 void writePackage(const PackageDescription& package, const std::string& packages) {
   if (package.files.empty()) return;
   const std::string folder = packages + "/" + package.product;
   makeFolder(folder);
   for (const auto& [name, path] : package.files) {
-    const std::string to = folder + "/" + name;
-    if (platform::exists(to)) continue;  // another rule's, and the same
-    if (platform::copyTree(path, to)) continue;
-    throw Exception("copy " + path + " to " + to + ": not all of it can be copied");
+    std::string to = folder;
+    to.append("/").append(name);
+    if (!platform::exists(to)) copyEntry(path, to);
   }
 }
 
@@ -64,10 +55,11 @@ void writeService(const Description& description, const std::string& folder) {
     rules.append(package.rule);
     writePackage(package, folder + "/" + kPackagesFolder);
   }
-  write(folder + "/" + kCatalogueFile,
-        printPropertyList(Value::dictionary({{"Rules", rules}}), description.form));
+  writeFile(folder + "/" + kCatalogueFile,
+            printPropertyList(Value::dictionary({{"Rules", rules}}), description.form));
   if (description.service.isNothing()) return;
-  write(folder + "/" + kFaultsFile, platform::printJson(description.service).value_or("{}") + "\n");
+  writeFile(folder + "/" + kFaultsFile,
+            platform::printJson(description.service).value_or("{}") + "\n");
 }
 
 void moveIntoPlace(const std::string& fresh, const std::string& place) {

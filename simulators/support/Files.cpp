@@ -5,8 +5,11 @@
 #include <system_error>
 
 #include "platform/Exception.h"
+#include "platform/File.h"
 
 namespace kelvane::simulator {
+
+using platform::Exception;
 
 namespace fs = std::filesystem;
 
@@ -27,9 +30,24 @@ std::vector<std::string> filesBelow(const std::string& path) {
       found.push_back(entry->path().string());
     }
   }
-  if (failed) throw platform::Exception("list " + path + ": " + failed.message());
+  if (failed) throw Exception("list " + path + ": " + failed.message());
   std::sort(found.begin(), found.end());
   return found;
+}
+
+void makeFolder(const std::string& path) {
+  std::error_code failed;
+  fs::create_directories(path, failed);
+  if (failed) throw Exception("make folder " + path + ": " + failed.message());
+}
+
+void writeFile(const std::string& path, std::string_view bytes) {
+  if (!platform::replaceFile(path, bytes)) throw Exception("write " + path + ": cannot be written");
+}
+
+void copyEntry(const std::string& from, const std::string& to) {
+  if (platform::copyTree(from, to)) return;
+  throw Exception("copy " + from + " to " + to + ": not all of it can be copied");
 }
 
 }  // namespace kelvane::simulator

@@ -15,4 +15,13 @@ bool isEntryName(std::string_view text);
 // listed.
 std::vector<std::string> filesBelow(const std::string& path);
 
+// These raise, with the path and, where the system tells it, the cause, where they fail.
+
+// Makes a folder, and those above it that are missing.
+void makeFolder(const std::string& path);
+// Writes a file, in one step.
+void writeFile(const std::string& path, std::string_view bytes);
+// Copies an entry as platform::copyTree does.
+void copyEntry(const std::string& from, const std::string& to);
+
 }  // namespace kelvane::simulator

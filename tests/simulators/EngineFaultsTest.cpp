@@ -153,6 +153,23 @@ TEST_F(EngineFault, AReaderThatGoesAwayStopsNothing) {
   EXPECT_THAT(delivered(), ElementsAre("FW_T3.img", "Manager.app", "Offers.plist"));
 }
 
+// --- a disk that is full
+
+TEST_F(EngineFault, AFileThatCannotBeWrittenIsTold) {
+  const Ended ended = script("(ulimit -f 0; \"$@\"; echo \"status $?\") 2>&1 | cat");
+  EXPECT_THAT(ended.out, ::testing::ContainsRegex("\nEngineRunner: write .*: cannot be written\n"));
+  EXPECT_THAT(ended.out, EndsWith("\nstatus 1\n"));
+  EXPECT_THAT(delivered(), ElementsAre());
+}
+
+TEST_F(EngineFault, ASparseFileThatCannotBeMadeIsTold) {
+  writeFaults(R"({"missing_files": ["FW_T3.img"], "sparse_packages": {"Big.img": 1200000000}})");
+  const Ended ended = script("(ulimit -f 1; \"$@\"; echo \"status $?\") 2>&1 | cat");
+  EXPECT_THAT(ended.out, ::testing::ContainsRegex("\nEngineRunner: make .*: File too large\n"));
+  EXPECT_THAT(ended.out, EndsWith("\nstatus 1\n"));
+  EXPECT_THAT(delivered(), ElementsAre("Manager.app", "Offers.plist"));
+}
+
 // --- crashes
 
 TEST_F(EngineFault, AnEngineIsKilledHalfWayAndHasToldAllThatIsDone) {
