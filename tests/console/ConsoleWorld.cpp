@@ -1,5 +1,6 @@
 #include "ConsoleWorld.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include <sys/wait.h>
@@ -36,6 +37,11 @@ void ConsoleWorld::makeWorkerThatLeaves(const std::string& state, const std::str
 
 void ConsoleWorld::makeWorkerThatLooks() {
   makeWorker("cp \"$2utility/command/BGPLog.json\" \"$2seen\"");
+}
+
+std::string ConsoleWorld::shownAtTheEnd() const {
+  const std::string all = shown.str();
+  return all.substr(std::min(all.find("result "), all.size()));
 }
 
 platform::Value ConsoleWorld::seenRecord() const {

@@ -37,6 +37,9 @@ class ConsoleWorld : public ::testing::Test, public Clock {
   void makeWorkerThatLooks();
   platform::Value seenRecord() const;
 
+  // What was shown from the result on; whether the waiting job was seen before is a race.
+  std::string shownAtTheEnd() const;
+
   testing::TempFolder folder;
   JobOptions job;
   bool interrupt = false;

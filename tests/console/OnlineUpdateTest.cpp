@@ -49,8 +49,7 @@ TEST_F(QueryTest, OfferedPackagesAreShownAsATable) {
      "Codebase": "https://updates.example/a/Manager.zip"},
     {"ProductID": "t3", "Version": "3.1", "Size": "17"}, 5])");
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_EQ(shown.str(),
-            "job 1: waiting\n"
+  EXPECT_EQ(shownAtTheEnd(),
             "result 0: the text\n"
             "Product  Version     Size  System   Package\n"
             "manager  2.0      12.3 MB  10.15.0  Manager.zip\n"
@@ -136,8 +135,7 @@ TEST_F(DownloadTest, DownloadsAreShownWithTheirPresence) {
                            image + R"("},
     {"productid": "manager", "version": "2.0", "size": 2500000000, "file_path": ""}])");
   EXPECT_EQ(run(), kJobFailed);
-  EXPECT_EQ(shown.str(),
-            "job 1: waiting\n"
+  EXPECT_EQ(shownAtTheEnd(),
             "result 259: the text\n"
             "Product  Version    Size  Present  Path\n"
             "t3       3.1       999 B  yes      " +

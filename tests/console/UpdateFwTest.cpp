@@ -38,13 +38,13 @@ TEST_F(UpdateFwTest, Result0IsSuccess) {
   makeWorkerThatLeaves("FREE", "0");
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(messages.str(), "");
-  EXPECT_EQ(shown.str().substr(shown.str().rfind("result")), "result 0: the text\n");
+  EXPECT_EQ(shownAtTheEnd(), "result 0: the text\n");
 }
 
 TEST_F(UpdateFwTest, AnotherResultIsAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
   EXPECT_EQ(run(), kJobFailed);
-  EXPECT_EQ(shown.str().substr(shown.str().rfind("result")), "result 32852: the text\n");
+  EXPECT_EQ(shownAtTheEnd(), "result 32852: the text\n");
 }
 
 TEST_F(UpdateFwTest, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {

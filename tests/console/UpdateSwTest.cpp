@@ -46,8 +46,8 @@ TEST_F(UpdateSwTest, TheWorkerFindsThePackage) {
 TEST_F(UpdateSwTest, TellsWhereTheApplicationStands) {
   makeWorkerThatLeaves("FREE", "0");
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_EQ(shown.str(), "job 1: waiting\nresult 0: the text\ninstalled at " +
-                             (folder / "Installed.app") + "\n");
+  EXPECT_EQ(shownAtTheEnd(),
+            "result 0: the text\ninstalled at " + (folder / "Installed.app") + "\n");
 }
 
 TEST_F(UpdateSwTest, AnApplicationThatIsGoneIsNoSuccess) {
