@@ -41,13 +41,5 @@ TEST_P(WorkedExampleOf, StartsWithAValidWaitingJob) {
 INSTANTIATE_TEST_SUITE_P(Page, WorkedExampleOf, ::testing::ValuesIn(commandNames()),
                          [](const auto& test) { return test.param; });
 
-TEST(Pages, ShowOnlyJsonThatCanBeRead) {
-  for (const char* page : {"docs/job-file.md", "docs/settings.md"}) {
-    for (const std::string& block : codeBlocks(readSource(page), "json")) {
-      EXPECT_FALSE(platform::parseJson(block).isNothing()) << page << ":\n" << block;
-    }
-  }
-}
-
 }  // namespace
 }  // namespace kelvane::docs
