@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "platform/Json.h"
+#include "support/JobFileSchema.h"
 #include "support/LogLine.h"
 
 namespace kelvane {
@@ -24,6 +25,7 @@ Installation::Installation() {
   bundle.write("Contents/Resources/Config/setting.json", "{}");
   folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
   fs::create_directories(shared() + "utility/command");
+  fs::create_directories(folder / "versions");
   environment = {{"LD_PRELOAD", KELVANE_INTERPOSER},
                  // The interposer comes before a sanitizer's runtime, which minds by default.
                  {"ASAN_OPTIONS", "verify_asan_link_order=0"},
@@ -66,6 +68,7 @@ Value Installation::jobs() const {
 }
 
 testing::Ended Installation::runWorker(const std::vector<std::string>& arguments) const {
+  validateVersions();
   fs::remove_all(folder / "versions");
   fs::create_directories(folder / "versions");
   fs::remove(folder / "sleeps");
@@ -98,6 +101,15 @@ std::vector<Value> Installation::versions() const {
     found.push_back(platform::parseJson(folder.read("versions/" + name)));
   }
   return found;
+}
+
+void Installation::validateVersions() const {
+  for (const std::string& name : folder.names("versions")) {
+    const std::string text = folder.read("versions/" + name);
+    for (const std::string& violation : testing::validateJobFile(text)) {
+      ADD_FAILURE() << violation << " in the job file\n" << text;
+    }
+  }
 }
 
 std::vector<std::string> Installation::progress() const {

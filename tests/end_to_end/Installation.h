@@ -16,6 +16,8 @@ namespace kelvane {
 class Installation : public ::testing::Test {
  protected:
   Installation();
+  // Every version of the job file that the worker wrote has to be valid.
+  void TearDown() override { validateVersions(); }
 
   std::string shared() const { return folder / "shared/"; }
   // The fleet's clock moves by two seconds with each progress query.
@@ -47,6 +49,8 @@ class Installation : public ::testing::Test {
   std::vector<std::string> violations() const;
   // The framework's functions in the order they were called.
   std::vector<std::string> calls() const;
+
+  void validateVersions() const;
 
   testing::TempFolder bundle{".app"};
   testing::TempFolder folder;

@@ -27,6 +27,10 @@ class JobRunner : public testing::WorkerWorld {
     return R"({"log_id":")" + logId + R"(","state_id":")" + state + R"(","job_id":"updateFW",)" +
            more + "}";
   }
+  static std::string finishedJob(const std::string& logId) {
+    return job(logId, "FREE",
+               R"("result":0,"resultStr":"no error","input_parameters":{"from":"one"})");
+  }
   // Another worker, as it is set up in a process of its own: with no log path set before.
   Kelvane& initOther() {
     setLogPath("");
@@ -300,8 +304,7 @@ TEST_F(JobRunner, ARecordWithoutInputParametersIsSkippedWhenNoEarlierOneHadAny) 
 
 TEST_F(JobRunner, InputParametersAreCarriedOverFromAnEarlierRecord) {
   for (const char* more : {R"("x":1)", R"("input_parameters":[])"}) {
-    writeJobs("[" + job("1", "FREE", R"("input_parameters":{"from":"one"})") + "," +
-              job("17", "WAIT", more) + "]");
+    writeJobs("[" + finishedJob("1") + "," + job("17", "WAIT", more) + "]");
     worker.run("17");
     EXPECT_EQ(state(1), "FREE") << more;
     EXPECT_THAT(logText(), HasSubstr("logId = 17, inputParmsDict = {\n    from = one;\n}"));
@@ -342,8 +345,7 @@ TEST_F(JobRunner, ParametersOfAWrongKindDoNotReplaceTheCarriedOnes) {
 }
 
 TEST_F(JobRunner, TheOperationReceivesTheRecordItselfNotTheCarriedParameters) {
-  writeJobs("[" + job("1", "FREE", R"("input_parameters":{"from":"one"})") + "," +
-            job("17", "WAIT", R"("x":1)") + "]");
+  writeJobs("[" + finishedJob("1") + "," + job("17", "WAIT", R"("x":1)") + "]");
   worker.run("17");
   EXPECT_EQ(jobs().at(1).get("result").integerValue(), 0x0402);
   EXPECT_FALSE(jobs().at(1).has("input_parameters"));

@@ -1,0 +1,90 @@
+// docs/job-file.md names what Kelvane.h lays down, all of it and nothing else.
+
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "docs/HeaderNames.h"
+#include "docs/Page.h"
+
+namespace kelvane::docs {
+namespace {
+
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+
+using Names = std::set<std::string>;
+
+const Names kStates = {"WAIT", "RUN", "FREE"};
+constexpr char kNoError[] = "no error";
+
+Names asSet(const std::vector<std::string>& names) { return {names.begin(), names.end()}; }
+
+std::string page() { return readSource("docs/job-file.md"); }
+
+// The record keys among the job constants, which also hold the states and a text.
+Names keysOfTheHeader() {
+  Names keys = asSet(constantsOf("job"));
+  for (const std::string& state : kStates) keys.erase(state);
+  keys.erase(kNoError);
+  return keys;
+}
+
+std::vector<std::string> commandHeadings() {
+  std::vector<std::string> found;
+  const std::string commands = section(page(), "## The commands, by example");
+  for (std::size_t at = commands.find("\n### "); at != std::string::npos;
+       at = commands.find("\n### ", at + 1)) {
+    found.push_back(commands.substr(at + 5, commands.find('\n', at + 1) - at - 5));
+  }
+  return found;
+}
+
+// The names under "properties", at any depth.
+void collectProperties(const nlohmann::json& schema, Names& found) {
+  if (schema.is_object() && schema.contains("properties")) {
+    for (const auto& [name, property] : schema.at("properties").items()) found.insert(name);
+  }
+  if (!schema.is_structured()) return;
+  for (const auto& part : schema) collectProperties(part, found);
+}
+
+TEST(JobFilePage, NamesEveryKeyOfTheHeaderAndNoOther) {
+  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## Keys")))), keysOfTheHeader());
+}
+
+TEST(JobFilePage, NamesEveryStateOfTheHeaderAndNoOther) {
+  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## States")))), kStates);
+  const Names constants = asSet(constantsOf("job"));
+  for (const std::string& state : kStates) EXPECT_TRUE(constants.contains(state)) << state;
+}
+
+TEST(JobFilePage, QuotesTheTextOfSuccess) {
+  EXPECT_TRUE(asSet(constantsOf("job")).contains(kNoError));
+  EXPECT_THAT(section(page(), "## States"), HasSubstr("\"no error\""));
+}
+
+TEST(JobFilePage, HasAnExampleForEveryCommandInTheirOrder) {
+  EXPECT_THAT(commandHeadings(), ElementsAreArray(commandNames()));
+}
+
+TEST(JobFileSchema, DescribesEveryKeyOfTheHeaderAndNoOther) {
+  Names found;
+  collectProperties(nlohmann::json::parse(readSource("docs/job-file.schema.json")), found);
+  EXPECT_EQ(found, keysOfTheHeader());
+}
+
+TEST(JobFileSchema, KnowsEveryCommand) {
+  const auto schema = nlohmann::json::parse(readSource("docs/job-file.schema.json"));
+  const auto& definitions = schema.at("definitions");
+  for (const char* place :
+       {"/record/if/properties/job_id/enum", "/waitingJob/properties/job_id/enum"}) {
+    EXPECT_EQ(definitions.at(nlohmann::json::json_pointer(place)).get<std::vector<std::string>>(),
+              commandNames());
+  }
+}
+
+}  // namespace
+}  // namespace kelvane::docs

@@ -1,0 +1,148 @@
+// docs/log.md shows what the worker really logs.
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "docs/Page.h"
+#include "docs/PageWorld.h"
+#include "log/iLog.h"
+#include "platform/File.h"
+#include "platform/Json.h"
+#include "platform/Text.h"
+#include "support/LogLine.h"
+
+namespace kelvane::docs {
+namespace {
+
+using platform::Value;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+constexpr char kWorker[] = "Modules/Mac/FWUpdater/Kelvane_mac/";
+
+std::string page() { return readSource("docs/log.md"); }
+std::string part(const char* heading) { return section(page(), heading); }
+std::vector<Row> table(const char* heading) { return tableRows(part(heading)); }
+std::vector<std::string> shownLogs() { return codeBlocks(part("## A log"), "text"); }
+
+std::string withoutBackticks(const std::string& cell) { return cell.substr(1, cell.size() - 2); }
+
+// Every source of the worker, one after the other.
+std::string workerSources() {
+  namespace fs = std::filesystem;
+  std::string all;
+  for (const auto& entry :
+       fs::recursive_directory_iterator(std::string(KELVANE_SOURCES) + kWorker)) {
+    if (entry.is_regular_file()) all += platform::readFile(entry.path().string());
+  }
+  return all;
+}
+
+// --- the log
+
+class LogPageRun : public PageWorld {};
+
+TEST_F(LogPageRun, StartsAsThePageShows) {
+  run(workedExample("updateSW").before);
+  EXPECT_THAT(writtenLog(), StartsWith(comparableLog(shownLogs().at(0))));
+}
+
+TEST_F(LogPageRun, TellsOfAMissingJobFileAsThePageShows) {
+  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  runWorker({"17", folder / "Users/ann/Shared/"});
+  EXPECT_EQ(writtenLog(), comparableLog(shownLogs().at(1)));
+}
+
+TEST_F(LogPageRun, StandsWhereThePageSaysAndIsNotCreatedThere) {
+  const std::string path = "utility/logs/TarselVistrelUtility.txt";
+  EXPECT_THAT(page().substr(0, page().find("\n## ")), HasSubstr("`" + path + "`"));
+  std::filesystem::remove(shared() + path);
+  run(workedExample("updateSW").before);
+  EXPECT_FALSE(std::filesystem::exists(shared() + path));
+  folder.write("shared/" + path, "");
+  run(workedExample("updateSW").before);
+  EXPECT_THAT(log(), Not(IsEmpty()));
+}
+
+TEST_F(LogPageRun, EndsAFirmwareJobWithTheLineOfThePage) {
+  run(workedExample("updateFW").before);
+  const std::string last = withoutBackticks(table("## What to look for").back().at(0));
+  const std::string written = writtenLog();
+  EXPECT_THAT(written.substr(written.rfind("[14:03:07]")), HasSubstr("[updateFW][debug] " + last));
+}
+
+TEST(LogPage, ShowsLinesThatCanBeTakenApart) {
+  for (const std::string& block : shownLogs()) {
+    EXPECT_TRUE(testing::parseLogLine(testing::splitLines(block).at(0))) << block;
+  }
+}
+
+TEST(LogPage, NamesTheFieldsOfALine) {
+  std::string line;
+  for (const Row& row : table("## The line")) line += row.at(0) + " ";
+  EXPECT_EQ(line, "time file line function level message ");
+  EXPECT_THAT(part("## The line"), StartsWith("\n`[time] [file][line][function][level] message`"));
+}
+
+TEST(LogPage, NamesEveryLevelByItsNumber) {
+  const auto levels = table("## Levels");
+  ASSERT_THAT(levels, SizeIs(kLogCritical + 1));
+  for (const Row& row : levels) {
+    EXPECT_EQ(withoutBackticks(row.at(1)), _base_level_name(std::stoi(row.at(0))));
+  }
+}
+
+TEST(LogPage, QuotesOnlyTextsThatTheWorkerLogs) {
+  const std::string sources = workerSources();
+  auto rows = table("## What to look for");
+  ASSERT_THAT(rows, Not(IsEmpty()));
+  EXPECT_EQ(withoutBackticks(rows.at(0).at(0)), std::string("][") + _base_level_name(3) + "]");
+  rows.erase(rows.begin());
+  for (const Row& row : rows) EXPECT_THAT(sources, HasSubstr(withoutBackticks(row.at(0))));
+}
+
+// --- objects
+
+TEST(LogPage, ShowsAnObjectAsItIsLogged) {
+  const std::string objects = part("## Objects");
+  const Value object = platform::parseJson(codeBlocks(objects, "json").at(0));
+  EXPECT_EQ(platform::describe(object) + "\n", codeBlocks(objects, "text").at(0));
+}
+
+TEST(LogPage, ShowsASingleValueAsItIsLogged) {
+  const auto rows = table("## Objects");
+  ASSERT_THAT(rows, Not(IsEmpty()));
+  for (const Row& row : rows) {
+    const Value list = platform::parseJson("[" + withoutBackticks(row.at(0)) + "]");
+    EXPECT_EQ(platform::describe(list.at(0)), withoutBackticks(row.at(1)));
+  }
+  EXPECT_THAT(part("## Objects"), HasSubstr("`" + platform::describe(Value()) + "`"));
+}
+
+// --- sizes and rotation
+
+TEST(LogPage, NamesGenerationsAsTheRotationDoes) {
+  const auto rows = table("## Size and rotation");
+  ASSERT_THAT(rows, Not(IsEmpty()));
+  for (const Row& row : rows) {
+    EXPECT_EQ(fileRename(withoutBackticks(row.at(0)), 3), Value(withoutBackticks(row.at(1))));
+  }
+}
+
+TEST(LogPage, TellsTheLimitsOfTheSources) {
+  const std::string sizes = part("## Size and rotation");
+  EXPECT_THAT(sizes, HasSubstr("A path of " + std::to_string(sizeof _logPath) + " bytes or more"));
+  const std::string rotation = readSource(std::string(kWorker) + "log/LogRotation.cpp");
+  EXPECT_THAT(rotation, HasSubstr("kRotatedFrom = 104'857'600;"));
+  EXPECT_THAT(sizes, HasSubstr("104857600 bytes"));
+  EXPECT_THAT(rotation, HasSubstr("kGenerations = 100;"));
+  EXPECT_THAT(sizes, HasSubstr("of 100 generations"));
+}
+
+}  // namespace
+}  // namespace kelvane::docs

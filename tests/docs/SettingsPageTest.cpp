@@ -1,0 +1,106 @@
+// docs/settings.md names the settings of Kelvane.h, all of them and no others, and shows the lines
+// that the worker writes.
+
+#include <filesystem>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "docs/HeaderNames.h"
+#include "docs/Page.h"
+#include "docs/PageWorld.h"
+#include "platform/Json.h"
+
+namespace kelvane::docs {
+namespace {
+
+using platform::Value;
+using ::testing::HasSubstr;
+using ::testing::SizeIs;
+
+using Names = std::set<std::string>;
+
+constexpr char kShared[] = "## The shared folder's settings";
+constexpr char kProduct[] = "## The product's settings";
+
+std::string part(const char* heading) { return section(readSource("docs/settings.md"), heading); }
+
+Names keysInTable(const char* heading) {
+  const auto names = namesOf(tableRows(part(heading)));
+  return {names.begin(), names.end()};
+}
+
+Names keysInExample(const char* heading) {
+  const Value example = platform::parseJson(codeBlocks(part(heading), "json").at(0));
+  Names keys;
+  for (const auto& [key, value] : example.entries()) keys.insert(key);
+  return keys;
+}
+
+TEST(SettingsPage, NamesEveryKeyOfTheHeaderAndNoOther) {
+  const auto constants = constantsOf("settings");
+  Names named = keysInTable(kShared);
+  named.merge(keysInTable(kProduct));
+  EXPECT_EQ(named, Names(constants.begin(), constants.end()));
+}
+
+TEST(SettingsPage, ItsExamplesHoldTheKeysOfTheirTables) {
+  for (const char* heading : {kShared, kProduct}) {
+    EXPECT_EQ(keysInExample(heading), keysInTable(heading)) << heading;
+  }
+}
+
+class SettingsPageLog : public PageWorld {
+ protected:
+  // The log line that this part of the page shows.
+  static std::string shown(const char* heading) {
+    const auto blocks = codeBlocks(part(heading), "text");
+    EXPECT_THAT(blocks, SizeIs(1));
+    return comparableLog(blocks.at(0));
+  }
+};
+
+TEST_F(SettingsPageLog, AMissingSharedFileIsToldWhenTheEngineIsToBeStarted) {
+  std::filesystem::remove(shared() + "utility/config/setting.json");
+  run(workedExample("getOnlineUpdateData").before);
+  EXPECT_THAT(writtenLog(), ::testing::EndsWith(shown(kShared)));
+  EXPECT_EQ(jobs().at(0).get("state_id"), Value("RUN"));
+}
+
+TEST_F(SettingsPageLog, AMissingProductFileIsToldAtTheStart) {
+  std::filesystem::remove(bundle / "Contents/Resources/Config/setting.json");
+  run("[]");
+  EXPECT_THAT(writtenLog(), ::testing::StartsWith(shown(kProduct)));
+}
+
+TEST_F(SettingsPageLog, ADamagedProductFileIsNotTold) {
+  bundle.write("Contents/Resources/Config/setting.json", "no json");
+  run("[]");
+  EXPECT_THAT(writtenLog(), ::testing::Not(HasSubstr("[error]")));
+}
+
+TEST_F(SettingsPageLog, SettingsThatAreNoObjectLeaveTheInstallationWaiting) {
+  bundle.write("Contents/Resources/Config/setting.json", "[]");
+  run(workedExample("updateSW").before);
+  EXPECT_THAT(writtenLog(), HasSubstr("[updateSW][error]"));
+  EXPECT_EQ(jobs().at(0).get("state_id"), Value("WAIT"));
+}
+
+TEST_F(SettingsPageLog, WithoutTheApplicationsPathAnInstallationEndsWithZero) {
+  bundle.write("Contents/Resources/Config/setting.json", "{}");
+  run(workedExample("updateSW").before);
+  EXPECT_EQ(jobs().at(0).get("state_id"), Value("FREE"));
+  EXPECT_EQ(result(), 0);
+  EXPECT_TRUE(std::filesystem::exists(folder / "Applications/Manager.app/Contents/Resources"));
+}
+
+TEST_F(SettingsPageLog, WithoutTheCataloguesNameAQueryHasNoOutput) {
+  bundle.write("Contents/Resources/Config/setting.json", "{}");
+  run(workedExample("getOnlineUpdateData").before);
+  EXPECT_EQ(jobs().at(0).get("state_id"), Value("FREE"));
+  EXPECT_FALSE(jobs().at(0).has("output"));
+}
+
+}  // namespace
+}  // namespace kelvane::docs
