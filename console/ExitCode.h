@@ -11,6 +11,7 @@ inline constexpr int kJobFailed = 1;       // the job ended with another result
 inline constexpr int kBadUsage = 2;        // nothing was written, nothing was started
 inline constexpr int kWorkerFailed = 3;    // the worker could not be started or left the job undone
 inline constexpr int kJobFileFailed = 4;   // the job file is damaged or cannot be read or written
+inline constexpr int kNotFound = 5;        // no such job, code or log
 inline constexpr int kInternalError = 70;  // what is foreseen nowhere, such as no memory
 inline constexpr int kInterrupted = 130;   // as shells report the end by an interrupt
 
