@@ -8,7 +8,9 @@
 
 #include "console/Clock.h"
 #include "console/ExitCode.h"
+#include "console/Jobs.h"
 #include "console/OnlineUpdate.h"
+#include "console/ShowLog.h"
 #include "console/Terminal.h"
 #include "console/UpdateFw.h"
 #include "console/UpdateSw.h"
@@ -21,6 +23,10 @@ struct CommandLine::Commands {
   DownloadOptions download;
   UpdateSwOptions updateSw;
   UpdateFwOptions updateFw;
+  OneJobOptions watch;
+  ListOptions list;
+  OneJobOptions show;
+  ShowLogOptions log;
   bool json = false;
   int exitCode = kSuccess;
 };
@@ -29,7 +35,7 @@ namespace {
 
 constexpr char kFooter[] =
     "Exit status: 0 success, 1 the job failed, 2 bad usage, 3 the worker could not be\n"
-    "started or died, 4 the job file is damaged or cannot be read or written,\n"
+    "started or died, 4 the job file is damaged or cannot be read or written, 5 not found,\n"
     "70 internal error, 130 interrupted (the worker goes on).";
 
 // Runs a sub-command on the standard streams.
@@ -142,6 +148,39 @@ CLI::App& addUpdateFw(CLI::App& app, UpdateFwOptions& options, bool& json) {
   return command;
 }
 
+CLI::App& addOneJob(CLI::App& app, const char* name, const char* description,
+                    OneJobOptions& options, bool& json) {
+  CLI::App& command = *app.add_subcommand(name, description);
+  addSharedOption(command, options.sharedFolder);
+  addJsonFlag(command, json);
+  command.add_option("log_id", options.logId, "The job")->type_name("LOG_ID")->required();
+  command.footer("Example:\n  kelvane-console " + std::string(name) + " --shared ~/Shared 17");
+  return command;
+}
+
+CLI::App& addList(CLI::App& app, ListOptions& options, bool& json) {
+  CLI::App& command = *app.add_subcommand("list", "Show the jobs of the job file as a table");
+  addSharedOption(command, options.sharedFolder);
+  addJsonFlag(command, json);
+  command.footer("Example:\n  kelvane-console list --shared ~/Shared");
+  return command;
+}
+
+CLI::App& addLog(CLI::App& app, ShowLogOptions& options, bool& json) {
+  CLI::App& command = *app.add_subcommand("log", "Show the worker's log, objects folded");
+  addSharedOption(command, options.sharedFolder);
+  addJsonFlag(command, json);
+  command.add_option("--level", options.level, "The least level that is shown")
+      ->type_name("LEVEL")
+      ->check(
+          CLI::IsMember(std::vector<std::string>(std::begin(kLogLevels), std::end(kLogLevels))));
+  command.add_option("--function", options.function, "Show the entries of this function alone")
+      ->type_name("NAME");
+  command.add_flag("--full", options.full, "Show objects whole");
+  command.footer("Example:\n  kelvane-console log --shared ~/Shared --level error");
+  return command;
+}
+
 }  // namespace
 
 CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
@@ -155,6 +194,12 @@ CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
          updateSw);
   onCall(addUpdateFw(all.app, all.updateFw, all.json), all.updateFw, all.json, all.exitCode,
          updateFw);
+  onCall(addOneJob(all.app, "watch", "Follow a job that someone else started", all.watch, all.json),
+         all.watch, all.json, all.exitCode, watch);
+  onCall(addList(all.app, all.list, all.json), all.list, all.json, all.exitCode, list);
+  onCall(addOneJob(all.app, "show", "Show one job whole", all.show, all.json), all.show, all.json,
+         all.exitCode, show);
+  onCall(addLog(all.app, all.log, all.json), all.log, all.json, all.exitCode, showLog);
 }
 
 CommandLine::~CommandLine() = default;

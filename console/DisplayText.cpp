@@ -74,6 +74,23 @@ std::string displayText(std::string_view text, Charset charset) {
   return safe;
 }
 
+std::string displayLines(std::string_view text, Charset charset) {
+  std::string lines;
+  for (;;) {
+    const std::size_t end = text.find('\n');
+    lines += displayText(text.substr(0, end), charset);
+    if (end == std::string_view::npos) return lines;
+    lines += '\n';
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::string coloured(const std::string& text, Colour colour, bool showsColours) {
+  if (!showsColours) return text;
+  const char* const codes[] = {"31", "32", "33"};
+  return fmt::format("\x1b[{}m{}\x1b[0m", codes[static_cast<std::size_t>(colour)], text);
+}
+
 std::string displayName(std::string_view name) { return displayText(name, Charset::ascii); }
 
 std::string shortened(const std::string& name, std::size_t columns, Charset charset) {

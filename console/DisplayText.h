@@ -18,6 +18,9 @@ enum class Charset { ascii, utf8 };
 // becomes a replacement character, as does what the output cannot show.
 std::string displayText(std::string_view text, Charset charset);
 
+// The same over several lines: line feeds stay.
+std::string displayLines(std::string_view text, Charset charset);
+
 // A name, such as a WWN, in printable ASCII: as many columns as bytes.
 std::string displayName(std::string_view name);
 
@@ -29,6 +32,11 @@ std::string jobLine(const JobStatus& status, Charset charset);
 
 // "result 0: no error"
 std::string resultLine(const JobStatus& status, Charset charset);
+
+enum class Colour { red, green, yellow };
+
+// The text in a colour where the output shows colours, as it is where it does not.
+std::string coloured(const std::string& text, Colour colour, bool showsColours);
 
 // "1:05", "1:00:05"
 std::string timeText(std::chrono::milliseconds time);

@@ -83,7 +83,7 @@ std::string nextLogId(const Value& records) {
 JobFile::JobFile(const std::string& sharedFolder) : path_(sharedFolder + job::kFileName) {}
 
 std::string JobFile::add(const NewJob& job) const {
-  Value all = records();
+  Value all = read();
   std::string logId = job.logId.empty() ? nextLogId(all) : job.logId;
   refuseTaken(all, logId);
   all.append(waitingRecord(logId, job));
@@ -104,7 +104,7 @@ Value JobFile::find(const std::string& logId) const {
   return {};
 }
 
-Value JobFile::records() const {
+Value JobFile::read() const {
   if (!platform::exists(path_)) return Value::array();
   Value all;
   try {

@@ -31,8 +31,11 @@ class JobFile {
   // where there is none or where the file is not there, not readable or damaged. Never raises.
   platform::Value find(const std::string& logId) const;
 
+  // The records; an empty list where the file is not there. Raises Failure where it is damaged or
+  // cannot be read.
+  platform::Value read() const;
+
  private:
-  platform::Value records() const;
   void write(const platform::Value& records) const;
 
   std::string path_;

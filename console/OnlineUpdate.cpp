@@ -56,14 +56,6 @@ Value downloadParameters(const DownloadOptions& options, const std::string& fold
   return all;
 }
 
-void show(const Table& table, const Screen& screen) {
-  if (screen.json) return;
-  for (const std::string& line : table.lines(screen.columns, screen.charset)) {
-    screen.out << line << '\n';
-  }
-  screen.out.flush();
-}
-
 }  // namespace
 
 int query(const QueryOptions& options, const Surroundings& surroundings) {
@@ -77,7 +69,7 @@ int query(const QueryOptions& options, const Surroundings& surroundings) {
     if (!offered.isArray()) {
       throw Failure(kJobFailed, "the update engine left no catalogue");
     }
-    show(offeredPackages(offered), surroundings.screen);
+    if (!surroundings.screen.json) showTable(offeredPackages(offered), surroundings.screen);
     return exitCodeOf(finished);
   });
 }
@@ -87,7 +79,9 @@ int download(const DownloadOptions& options, const Surroundings& surroundings) {
     const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
     const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
     const Value& described = finished.record.get(job::kOutput);
-    if (described.isArray()) show(downloadedPackages(described), surroundings.screen);
+    if (described.isArray() && !surroundings.screen.json) {
+      showTable(downloadedPackages(described), surroundings.screen);
+    }
     return exitCodeOf(finished);
   });
 }

@@ -63,4 +63,14 @@ Table downloadedPackages(const Value& descriptions) {
   return table;
 }
 
+void showPackages(const Value& record, const Screen& screen) {
+  const Value& output = record.get(job::kOutput);
+  const Value& command = record.get(job::kJobId);
+  if (!output.isArray() || record.get(job::kStateId) != Value(job::kFree)) return;
+  if (command == Value(job::kGetOnlineUpdateData)) showTable(offeredPackages(output), screen);
+  if (command == Value(job::kDownloadOnlineUpdateFile)) {
+    showTable(downloadedPackages(output), screen);
+  }
+}
+
 }  // namespace kelvane::console

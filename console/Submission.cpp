@@ -4,7 +4,7 @@
 #include "console/ExitCode.h"
 #include "console/Follower.h"
 #include "console/JobFile.h"
-#include "console/Worker.h"
+#include "console/JobRecord.h"
 
 namespace kelvane::console {
 
@@ -27,40 +27,73 @@ WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
   }
 }
 
+// What to do about a job whose worker is gone.
+std::string adviceFor(const JobStatus& status) {
+  if (status.state == job::kWait) return "it was not begun: submit it again";
+  if (status.command == job::kUpdateFW) {
+    return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
+           "still be going on in a controller, then submit the job again";
+  }
+  return "nobody goes on with it: submit it again";
+}
+
+// Quoted for a shell where it needs to be.
+std::string quoted(const std::string& word) {
+  if (word.find_first_not_of("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                             "/._-+,:@%") == std::string::npos) {
+    return word;
+  }
+  std::string text = "'";
+  for (const char character : word) {
+    text += character == '\'' ? "'\\''" : std::string(1, character);
+  }
+  return text + "'";
+}
+
 // Raises unless the job is finished.
-void requireFinished(const Followed& followed, const WorkerCommand& command, const Worker& worker) {
-  const std::string job = "job " + command.logId;
+void requireFinished(const Followed& followed, const std::string& logId,
+                     const std::string& sharedFolder, const Worker& worker) {
+  const std::string job = "job " + logId;
   const std::string ending = worker.ending().empty() ? "" : " (" + worker.ending() + ")";
+  const JobStatus& status = followed.last.status;
   switch (followed.outcome) {
     case Outcome::finished:
       return;
     case Outcome::workerEnded:
       throw Failure(kWorkerFailed, "the worker ended" + ending + " without finishing " + job +
-                                       " and left it in state " + followed.last.status.state);
+                                       " and left it in state " + status.state + ": " +
+                                       adviceFor(status));
     case Outcome::recordLost:
       throw Failure(kJobFileFailed, "the worker ended" + ending + " and " + job +
                                         " is not to be found in the job file");
     case Outcome::interrupted:
-      throw Failure(kInterrupted, "interrupted: the worker goes on with " + job);
+      throw Failure(kInterrupted, "interrupted: the worker goes on with " + job +
+                                      "; follow it again with: kelvane-console watch --shared " +
+                                      quoted(sharedFolder) + " " + quoted(logId));
   }
 }
 
 }  // namespace
 
-Look runJob(const JobOptions& options, const std::string& jobId, const Value& inputs,
-            const Surroundings& surroundings) {
-  WorkerCommand command;
-  command.executable = workerPath(options);
-  command.sharedFolder = asPrefix(options.sharedFolder);
-  command.showOutput = options.verbose;
-  if (!options.logId.empty()) requireText(options.logId, "the log id");
-  const JobFile file(command.sharedFolder);
-  command.logId = file.add({options.logId, jobId, inputs});
-  WorkerProcess worker = startWorker(command, file);
+Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
+                    const Surroundings& surroundings) {
   const Followed followed =
-      follow(file, command.logId, worker, surroundings.clock, surroundings.view);
-  requireFinished(followed, command, worker);
+      follow(JobFile(sharedFolder), logId, worker, surroundings.clock, surroundings.view);
+  requireFinished(followed, logId, sharedFolder, worker);
   return followed.last;
+}
+
+Look runJob(const JobOptions& options, const std::string& command, const Value& inputs,
+            const Surroundings& surroundings) {
+  WorkerCommand start;
+  start.executable = workerPath(options);
+  start.sharedFolder = asPrefix(options.sharedFolder);
+  start.showOutput = options.verbose;
+  if (!options.logId.empty()) requireText(options.logId, "the log id");
+  const JobFile file(start.sharedFolder);
+  start.logId = file.add({options.logId, command, inputs});
+  WorkerProcess worker = startWorker(start, file);
+  return followToTheEnd(start.logId, start.sharedFolder, worker, surroundings);
 }
 
 int exitCodeOf(const Look& finished) {

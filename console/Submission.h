@@ -8,6 +8,7 @@
 #include "console/Clock.h"
 #include "console/Screen.h"
 #include "console/View.h"
+#include "console/Worker.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -33,6 +34,10 @@ struct Surroundings {
 // died, interrupted. A running worker is never stopped.
 Look runJob(const JobOptions& options, const std::string& command, const platform::Value& inputs,
             const Surroundings& surroundings);
+
+// Follows a job to its end; the finished look. Raises Failure like runJob().
+Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
+                    const Surroundings& surroundings);
 
 // The exit code of a finished job.
 int exitCodeOf(const Look& finished);

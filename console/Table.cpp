@@ -78,4 +78,11 @@ std::vector<std::string> Table::lines(std::size_t columns, Charset charset) cons
   return lines;
 }
 
+void showTable(const Table& table, const Screen& screen) {
+  for (const std::string& line : table.lines(screen.columns, screen.charset)) {
+    screen.out << line << '\n';
+  }
+  screen.out.flush();
+}
+
 }  // namespace kelvane::console

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "console/DisplayText.h"
+#include "console/Screen.h"
 
 namespace kelvane::console {
 
@@ -31,5 +33,8 @@ class Table {
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
 };
+
+// Shows the table on the screen.
+void showTable(const Table& table, const Screen& screen);
 
 }  // namespace kelvane::console

@@ -52,7 +52,8 @@ Screen screenOfStandardOutput(std::ostream& out, bool json) {
 std::unique_ptr<View> viewOn(const Screen& screen) {
   if (screen.json) return std::make_unique<JsonView>(screen.out);
   if (!drawsInPlace()) return std::make_unique<PlainView>(screen.out, screen.charset);
-  return std::make_unique<TerminalView>(screen.out, sizeOfStandardOutput, screen.charset);
+  return std::make_unique<TerminalView>(screen.out, sizeOfStandardOutput, screen.charset,
+                                        screen.colour);
 }
 
 }  // namespace kelvane::console

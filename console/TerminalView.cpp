@@ -17,7 +17,10 @@ void TerminalView::show(const Look& look) {
   if (lines == drawn_) return;
   draw(lines);
   // Below the lines that are drawn again: it may be as long as it likes.
-  if (look.status.isFinished()) out_ << resultLine(look.status, charset_) << '\n';
+  if (look.status.isFinished()) {
+    const Colour colour = look.status.hasSucceeded() ? Colour::green : Colour::red;
+    out_ << coloured(resultLine(look.status, charset_), colour, showsColours_) << '\n';
+  }
   out_.flush();
 }
 

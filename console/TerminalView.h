@@ -16,8 +16,9 @@ namespace kelvane::console {
 class TerminalView : public View {
  public:
   // The stream is not owned and must outlive the view; the size is asked for at every look.
-  TerminalView(std::ostream& out, std::function<TerminalSize()> size, Charset charset)
-      : out_(out), size_(std::move(size)), charset_(charset) {}
+  TerminalView(std::ostream& out, std::function<TerminalSize()> size, Charset charset,
+               bool showsColours = false)
+      : out_(out), size_(std::move(size)), charset_(charset), showsColours_(showsColours) {}
 
   void show(const Look& look) override;
 
@@ -27,6 +28,7 @@ class TerminalView : public View {
   std::ostream& out_;
   std::function<TerminalSize()> size_;
   Charset charset_;
+  bool showsColours_;
   std::vector<std::string> drawn_;
 };
 

@@ -1,6 +1,7 @@
 #include "console/Worker.h"
 
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -8,6 +9,9 @@
 #include <unistd.h>
 
 #include "console/ExitCode.h"
+#include "console/JobRecord.h"
+#include "console/JobStatus.h"
+#include "console/Processes.h"
 
 extern char** environ;  // not every system's headers declare it
 
@@ -55,6 +59,16 @@ class NewSession {
 };
 
 }  // namespace
+
+ForeignWorker::ForeignWorker(std::string logId, const std::string& sharedFolder)
+    : logId_(std::move(logId)), sharedFolder_(sharedFolder), file_(sharedFolder) {}
+
+bool ForeignWorker::hasEnded() {
+  if (workerRuns(logId_, sharedFolder_)) return false;
+  // Read after the look for the process, so that what the worker wrote last is seen.
+  const platform::Value record = file_.find(logId_);
+  return !record.isNothing() && statusOf(record).state == job::kRun;
+}
 
 WorkerProcess::WorkerProcess(const WorkerCommand& command) {
   std::string executable = command.executable;

@@ -5,6 +5,8 @@
 
 #include <sys/types.h>
 
+#include "console/JobFile.h"
+
 namespace kelvane::console {
 
 // What the follower asks of a worker.
@@ -15,6 +17,22 @@ class Worker {
   virtual bool hasEnded() = 0;
   // How it ended: "exit status 0", "signal 9"; empty while it runs or where the system keeps it.
   virtual std::string ending() const = 0;
+};
+
+// The worker of a job that someone else started, seen only from outside. It has ended when no such
+// process runs while the job is in "RUN"; before "RUN" it may still be started.
+class ForeignWorker : public Worker {
+ public:
+  // The shared folder ends with "/".
+  ForeignWorker(std::string logId, const std::string& sharedFolder);
+
+  bool hasEnded() override;
+  std::string ending() const override { return {}; }
+
+ private:
+  std::string logId_;
+  std::string sharedFolder_;
+  JobFile file_;
 };
 
 struct WorkerCommand {

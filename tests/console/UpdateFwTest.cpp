@@ -31,7 +31,20 @@ class UpdateFwTest : public ConsoleWorld {
     EXPECT_FALSE(platform::exists(folder / "shared"));
   }
 
+  // A pipe for a worker that lives until a line comes.
+  std::string makeLine() {
+    const std::string path = folder / "line";
+    EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    line.open(path);
+    return path;
+  }
+  void endWorker() {
+    line << "end" << std::endl;
+    ::wait(nullptr);
+  }
+
   UpdateFwOptions options;
+  std::fstream line;
 };
 
 TEST_F(UpdateFwTest, Result0IsSuccess) {
@@ -68,13 +81,35 @@ TEST_F(UpdateFwTest, WorkerThatDiesInWait) {
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(),
             "kelvane-console: the worker ended (exit status 0) without finishing job 1 and left it "
-            "in state WAIT\n");
+            "in state WAIT: it was not begun: submit it again\n");
 }
 
 TEST_F(UpdateFwTest, WorkerThatDiesInRun) {
   makeWorkerThatLeaves("RUN", "0");
   EXPECT_EQ(run(), kWorkerFailed);
-  EXPECT_NE(messages.str().find("left it in state RUN"), std::string::npos) << messages.str();
+  EXPECT_NE(messages.str().find("left it in state RUN: nobody goes on with it: submit it again\n"),
+            std::string::npos)
+      << messages.str();
+}
+
+TEST_F(UpdateFwTest, WorkerThatDiesWhileAControllerMayBeFlashed) {
+  makeWorkerThatLeaves("RUN", "0", R"(, "job_id": "updateFW")");
+  EXPECT_EQ(run(), kWorkerFailed);
+  EXPECT_NE(messages.str().find(
+                "left it in state RUN: nobody goes on with it. Leave the enclosures powered for "
+                "some minutes, as a flash may still be going on in a controller, then submit the "
+                "job again\n"),
+            std::string::npos)
+      << messages.str();
+}
+
+TEST_F(UpdateFwTest, HowToFollowAgainIsQuotedForAShell) {
+  makeWorker("read word < " + makeLine());
+  interrupt = true;
+  job.logId = "it's 7";
+  EXPECT_EQ(run(), kInterrupted);
+  EXPECT_NE(messages.str().find(" 'it'\\''s 7'\n"), std::string::npos) << messages.str();
+  endWorker();
 }
 
 TEST_F(UpdateFwTest, WorkerThatLosesTheRecord) {
@@ -102,17 +137,15 @@ TEST_F(UpdateFwTest, GivenWorkerIsTakenBeforeTheBundles) {
 }
 
 TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
-  // The worker lives until a line comes.
-  const std::string line = folder / "line";
-  ASSERT_EQ(::mkfifo(line.c_str(), 0600), 0);
-  std::fstream writer(line);
-  makeWorker("read word < " + line);
+  makeWorker("read word < " + makeLine());
   interrupt = true;
   job.logId = "job-7";
   EXPECT_EQ(run(), kInterrupted);
-  EXPECT_EQ(messages.str(), "kelvane-console: interrupted: the worker goes on with job job-7\n");
-  writer << "end" << std::endl;
-  ::wait(nullptr);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: interrupted: the worker goes on with job job-7; follow it again "
+            "with: kelvane-console watch --shared " +
+                (folder / "shared/") + " job-7\n");
+  endWorker();
 }
 
 TEST_F(UpdateFwTest, DamagedJobFileStartsNoWorker) {

@@ -1,0 +1,21 @@
+// The processes that run on this system.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelvane::console {
+
+struct RunningProcess {
+  std::vector<std::string> arguments;  // the first is how it was called
+  std::string currentFolder;           // empty where the system does not tell
+};
+
+// Those of which the system tells the arguments. One source file for each system.
+std::vector<RunningProcess> runningProcesses();
+
+// Whether a worker runs the job: a process called "Kelvane" with this log id and a shared folder
+// that is the same one, however it is written.
+bool workerRuns(const std::string& logId, const std::string& sharedFolder);
+
+}  // namespace kelvane::console
