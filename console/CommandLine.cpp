@@ -6,8 +6,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include "console/Check.h"
 #include "console/Clock.h"
 #include "console/ExitCode.h"
+#include "console/Explain.h"
 #include "console/Jobs.h"
 #include "console/OnlineUpdate.h"
 #include "console/ShowLog.h"
@@ -27,6 +29,8 @@ struct CommandLine::Commands {
   ListOptions list;
   OneJobOptions show;
   ShowLogOptions log;
+  CheckOptions check;
+  ExplainOptions explain;
   bool json = false;
   int exitCode = kSuccess;
 };
@@ -181,6 +185,41 @@ CLI::App& addLog(CLI::App& app, ShowLogOptions& options, bool& json) {
   return command;
 }
 
+CLI::App& addCheck(CLI::App& app, CheckOptions& options, bool& json) {
+  CLI::App& command = *app.add_subcommand(
+      "check", "Examine a shared folder and a bundle as the worker will see them");
+  addSharedOption(command, options.sharedFolder);
+  command.add_option("--bundle", options.bundle, "The application bundle that holds the worker")
+      ->type_name("APP.app")
+      ->envname("KELVANE_BUNDLE");
+  command.add_flag("--json", json, "Show the findings as JSON for machines");
+  command.footer(
+      "Exit status: 0 no findings, 1 findings.\n"
+      "Example:\n"
+      "  kelvane-console check --shared ~/Shared --bundle /Manager/Manager.app");
+  return command;
+}
+
+CLI::App& addExplain(CLI::App& app, ExplainOptions& options, bool& json) {
+  CLI::App& command =
+      *app.add_subcommand("explain", "Say what a result code or a job means, and what to do");
+  command
+      .add_option("--shared", options.sharedFolder,
+                  "The folder shared with the worker, for a log id")
+      ->type_name("FOLDER")
+      ->envname("KELVANE_SHARED");
+  command.add_flag("--json", json, "Show the explanation as JSON for machines");
+  command
+      .add_option("subject", options.subject, "A result code, such as 0x8050, or a job's log id")
+      ->type_name("CODE|LOG_ID")
+      ->required();
+  command.footer(
+      "Examples:\n"
+      "  kelvane-console explain 0x8050\n"
+      "  kelvane-console explain --shared ~/Shared 17");
+  return command;
+}
+
 }  // namespace
 
 CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
@@ -200,6 +239,8 @@ CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
   onCall(addOneJob(all.app, "show", "Show one job whole", all.show, all.json), all.show, all.json,
          all.exitCode, show);
   onCall(addLog(all.app, all.log, all.json), all.log, all.json, all.exitCode, showLog);
+  onCall(addCheck(all.app, all.check, all.json), all.check, all.json, all.exitCode, check);
+  onCall(addExplain(all.app, all.explain, all.json), all.explain, all.json, all.exitCode, explain);
 }
 
 CommandLine::~CommandLine() = default;

@@ -46,6 +46,17 @@ std::uint32_t decoded(std::string_view character) {
   return code;
 }
 
+// The start of the character that stands at this byte, so that none is cut; of the first character
+// its end, as a line has to hold something.
+std::size_t characterStart(const std::string& text, std::size_t byte) {
+  const auto continues = [&text](std::size_t at) {
+    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
+  };
+  std::size_t start = byte;
+  while (start > 0 && continues(start)) --start;
+  return start > 0 ? start : lengthOfFirst(text);
+}
+
 std::string_view shown(std::string_view character, Charset charset) {
   if (charset == Charset::ascii && character.size() > 1) return "?";
   if (!steersTheOutput(decoded(character))) return character;
@@ -147,7 +158,7 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
     std::size_t end = rest.size();
     if (end > columns) {
       const std::size_t blank = rest.rfind(' ', columns);
-      end = blank == std::string::npos || blank == 0 ? columns : blank;
+      end = blank == std::string::npos || blank == 0 ? characterStart(rest, columns) : blank;
     }
     lines.push_back(rest.substr(0, end));
     rest.erase(0, std::min(rest.find_first_not_of(' ', end), rest.size()));

@@ -48,7 +48,8 @@ std::string silenceText(const Look& look);
 // The columns that displayed text takes.
 std::size_t columnsOf(const std::string& text);
 
-// The text in lines of at most `columns` bytes, broken at its blanks; a longer word is cut.
+// The text in lines of at most `columns` bytes, broken at its blanks; a longer word is cut,
+// but no character.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns);
 
 }  // namespace kelvane::console

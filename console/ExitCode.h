@@ -8,6 +8,7 @@ namespace kelvane::console {
 
 inline constexpr int kSuccess = 0;         // the job's result is 0
 inline constexpr int kJobFailed = 1;       // the job ended with another result
+inline constexpr int kFindings = 1;        // of check: there are findings
 inline constexpr int kBadUsage = 2;        // nothing was written, nothing was started
 inline constexpr int kWorkerFailed = 3;    // the worker could not be started or left the job undone
 inline constexpr int kJobFileFailed = 4;   // the job file is damaged or cannot be read or written

@@ -1,0 +1,81 @@
+#include "console/checks/Access.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/Exception.h"
+#include "platform/File.h"
+#include "platform/Json.h"
+#include "platform/Utf8.h"
+
+namespace kelvane::console {
+namespace {
+
+int modeOf(Access access) {
+  if (access == Access::read) return R_OK;
+  return access == Access::write ? W_OK : X_OK;
+}
+
+std::string whyNotJson(const std::string& text) {
+  if (text.empty()) return "it is empty";
+  if (!platform::isUtf8(text)) return "it is not UTF-8";
+  return "no strict JSON with an array or an object at the top, or nested too deep";
+}
+
+std::string nearestFolder(std::string folder) {
+  while (kindOf(folder) == EntryKind::missing && folder.find('/') != std::string::npos &&
+         folder != "/") {
+    folder = platform::withoutLastComponent(folder);
+  }
+  return kindOf(folder) == EntryKind::missing ? "." : folder;
+}
+
+}  // namespace
+
+EntryKind kindOf(const std::string& path) {
+  struct stat entry = {};
+  if (::stat(path.c_str(), &entry) != 0) {
+    return errno == ENOENT || errno == ENOTDIR ? EntryKind::missing : EntryKind::unreachable;
+  }
+  if (S_ISDIR(entry.st_mode)) return EntryKind::folder;
+  return S_ISREG(entry.st_mode) ? EntryKind::file : EntryKind::other;
+}
+
+bool isLink(const std::string& path) {
+  struct stat entry = {};
+  return ::lstat(path.c_str(), &entry) == 0 && S_ISLNK(entry.st_mode);
+}
+
+std::string refusal(const std::string& path, Access access) {
+  if (::faccessat(AT_FDCWD, path.c_str(), modeOf(access), AT_EACCESS) == 0) return {};
+  return std::strerror(errno);
+}
+
+std::string changeRefusal(const std::string& folder) {
+  const std::string nearest = nearestFolder(folder);
+  const EntryKind kind = kindOf(nearest);
+  std::string cause = refusal(nearest, Access::write);
+  if (cause.empty()) cause = refusal(nearest, Access::execute);
+  if (kind != EntryKind::folder && kind != EntryKind::unreachable) cause = std::strerror(ENOTDIR);
+  return cause.empty() ? "" : nearest + ": " + cause;
+}
+
+JsonFile readJsonFile(const std::string& path) {
+  const EntryKind kind = kindOf(path);
+  if (kind == EntryKind::folder) return {{}, path + " is a folder"};
+  if (kind == EntryKind::other) return {{}, path + " is no regular file"};
+  try {
+    const std::string text = platform::readFile(path);
+    platform::Value value = platform::parseJson(text);
+    if (value.isNothing()) return {{}, path + " is not JSON: " + whyNotJson(text)};
+    return {value, ""};
+  } catch (const platform::Exception& unreadable) {
+    return {{}, unreadable.what()};
+  }
+}
+
+}  // namespace kelvane::console

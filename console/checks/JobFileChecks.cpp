@@ -1,0 +1,105 @@
+#include "console/checks/JobFileChecks.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+#include "console/checks/Access.h"
+#include "platform/File.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr char kTemporaryPrefix[] = ".replace-";
+
+std::string placeOf(const std::string& path) {
+  std::error_code untold;
+  const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, untold);
+  return untold ? path : resolved.string();
+}
+
+void findMissing(const std::string& path, Findings& findings) {
+  if (isLink(path)) {
+    findings.push_back({Severity::error, path + " is a link that leads nowhere",
+                        "The worker finds no job file and starts nothing.",
+                        "Remove the link, or put back the file that it leads to."});
+    return;
+  }
+  findings.push_back(
+      {Severity::warning, "open " + path + ": No such file or directory",
+       "No job was ever added here: a worker that is started finds nothing to do.",
+       "Add a job with the application or the console. If there should be jobs, check that this is "
+       "the folder that the application shares with the worker."});
+}
+
+void findDamage(const std::string& path, Findings& findings) {
+  const JsonFile file = readJsonFile(path);
+  if (!file.fault.empty()) {
+    findings.push_back({Severity::error, file.fault,
+                        "The worker finds no job in it and starts nothing. If the file is damaged "
+                        "while a job runs, the next update replaces it by an empty list.",
+                        "Mend the file, or move it away: the application starts a new one."});
+  } else if (!file.value.isArray()) {
+    findings.push_back({Severity::error, path + " is an object, not an array of records",
+                        "The worker finds no job in it and starts nothing.",
+                        "Put the records into an array, or move the file away."});
+  }
+}
+
+void findNotWritable(const std::string& path, Findings& findings) {
+  const std::string cause = refusal(path, Access::write);
+  if (cause.empty()) return;
+  findings.push_back({Severity::warning, path + " cannot be written: " + cause,
+                      "The worker replaces the file all the same, where it may change the folder; "
+                      "an application that writes into the file cannot add a job.",
+                      "Give the user that runs the application the right to write it."});
+}
+
+void findLink(const std::string& path, Findings& findings) {
+  if (!isLink(path)) return;
+  findings.push_back(
+      {Severity::warning, path + " is a link to " + placeOf(path),
+       "The worker replaces the file that the link leads to, in that file's folder. A program that "
+       "replaces the job file itself takes the link away and parts the two.",
+       "Put the file itself in the link's place, unless the link is wanted."});
+}
+
+}  // namespace
+
+Findings jobFileFindings(const std::string& path) {
+  Findings findings;
+  if (kindOf(path) == EntryKind::missing) {
+    findMissing(path, findings);
+  } else {
+    findDamage(path, findings);
+    findNotWritable(path, findings);
+    findLink(path, findings);
+  }
+  const std::string refused = changeRefusal(platform::withoutLastComponent(placeOf(path)));
+  if (!refused.empty()) {
+    findings.push_back({Severity::error, "the job file's folder cannot be changed: " + refused,
+                        "Every update of a job replaces the file by a new one in this folder. None "
+                        "is written, and no one is told: jobs stay as they are.",
+                        "Give the user that runs the worker the right to write in the folder."});
+  }
+  return findings;
+}
+
+Findings leftoverFindings(const std::string& path) {
+  Findings findings;
+  const std::string folder = platform::withoutLastComponent(placeOf(path));
+  std::vector<std::string> names = platform::listFolder(folder);
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) {
+    if (name.rfind(kTemporaryPrefix, 0) != 0) continue;
+    findings.push_back({Severity::warning, folder + "/" + name + " is left over",
+                        "A worker was killed, or the computer went down, while it wrote the job "
+                        "file. The job file itself is whole.",
+                        "Delete it. Look for a job that is still in state RUN."});
+  }
+  return findings;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,16 @@
+// The job file as a file: whether the worker can read it and replace it.
+#pragma once
+
+#include <string>
+
+#include "console/checks/Finding.h"
+
+namespace kelvane::console {
+
+// Of the file at this path: there, readable, JSON with an array at the top, replaceable.
+Findings jobFileFindings(const std::string& path);
+
+// Temporary files that a killed writer left beside the job file.
+Findings leftoverFindings(const std::string& path);
+
+}  // namespace kelvane::console

@@ -1,0 +1,65 @@
+#include "console/checks/LogFileChecks.h"
+
+#include <cstdint>
+
+#include "console/checks/Access.h"
+#include "platform/File.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr std::size_t kPathLimit = 512;            // bytes
+constexpr std::uint64_t kLargeFrom = 104'857'600;  // bytes
+constexpr char kNothingLogged[] =
+    "Nothing is logged, and jobs run all the same: what a job did cannot be told afterwards.";
+
+Finding missing(const std::string& path) {
+  return {Severity::warning, "open " + path + ": No such file or directory",
+          std::string("The worker never makes the log. ") + kNothingLogged,
+          "Make an empty file there."};
+}
+
+Finding notAFile(const std::string& path, EntryKind kind) {
+  if (kind == EntryKind::folder) {
+    return {Severity::warning, path + " is a folder", kNothingLogged,
+            "Put an empty file in its place."};
+  }
+  return {Severity::error, path + " is no regular file",
+          "The worker may wait for ever when it opens it.", "Put an empty file in its place."};
+}
+
+Finding notWritable(const std::string& path, const std::string& cause) {
+  return {Severity::warning, path + " cannot be written: " + cause, kNothingLogged,
+          "Give the user that runs the worker the right to write it."};
+}
+
+Finding large(const std::string& path, std::uint64_t bytes) {
+  return {
+      Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
+      "It has reached 100 MiB and grows without a bound: nothing rotates it. On a full disk jobs "
+      "can stay in state RUN.",
+      "Move it away while no job runs, and put an empty file in its place."};
+}
+
+}  // namespace
+
+Findings logFileFindings(const std::string& path) {
+  if (path.size() >= kPathLimit) {
+    return {
+        {Severity::error,
+         path + ": the path has " + std::to_string(path.size()) + " bytes, and 511 are possible",
+         "The worker ends at once, before it has looked at any job.",
+         "Use a shared folder with a shorter path."}};
+  }
+  const EntryKind kind = kindOf(path);
+  if (kind == EntryKind::missing) return {missing(path)};
+  if (kind == EntryKind::folder || kind == EntryKind::other) return {notAFile(path, kind)};
+  Findings findings;
+  const std::string cause = refusal(path, Access::write);
+  if (!cause.empty()) findings.push_back(notWritable(path, cause));
+  const std::uint64_t bytes = platform::fileSize(path);
+  if (bytes >= kLargeFrom) findings.push_back(large(path, bytes));
+  return findings;
+}
+
+}  // namespace kelvane::console

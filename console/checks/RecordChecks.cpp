@@ -1,0 +1,197 @@
+#include "console/checks/RecordChecks.h"
+
+#include <initializer_list>
+#include <map>
+
+#include "console/JobRecord.h"
+#include "platform/Json.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+constexpr char kNoUpdates[] =
+    "No job of the file can be updated: every one that is started stays as it is.";
+
+std::string inBrackets(std::size_t index) { return "[" + std::to_string(index) + "]"; }
+
+std::string valueText(const Value& value) {
+  return platform::printJsonLine(value).value_or("a value that JSON has no form for");
+}
+
+// --- the parameters of each command
+
+std::string textFault(const Value& object, const std::string& name,
+                      std::initializer_list<const char*> keys) {
+  if (!object.isDictionary()) return name + " is no object";
+  for (const char* key : keys) {
+    if (!object.has(key)) return name + " has no \"" + key + "\"";
+    if (!object.get(key).isString()) return name + " has a \"" + key + "\" that is no text";
+  }
+  return {};
+}
+
+std::string listFault(const Value& inputs) {
+  if (!inputs.isArray()) return "input_parameters is no list";
+  return inputs.count() == 0 ? "input_parameters is an empty list" : "";
+}
+
+std::string productFault(const Value& parameters, const std::string& name) {
+  return textFault(parameters, name, {job::kProductId, job::kVersion, job::kUrl, job::kFolder});
+}
+
+std::string queryFault(const Value& inputs) { return productFault(inputs, job::kInputParameters); }
+
+std::string downloadFault(const Value& inputs) {
+  const std::string fault = listFault(inputs);
+  return fault.empty() ? productFault(inputs.at(0), job::kInputParameters + inBrackets(0)) : fault;
+}
+
+std::string installationFault(const Value& inputs) {
+  return textFault(inputs, job::kInputParameters, {job::kFilePath});
+}
+
+std::string firmwareFault(const Value& inputs) {
+  std::string fault = listFault(inputs);
+  for (std::size_t i = 0; fault.empty() && i < inputs.count(); ++i) {
+    fault =
+        textFault(inputs.at(i), job::kInputParameters + inBrackets(i), {job::kWwn, job::kFilePath});
+  }
+  return fault;
+}
+
+struct Command {
+  const char* name;
+  std::string (*inputFault)(const Value& inputs);
+};
+
+constexpr Command kCommands[] = {{job::kGetOnlineUpdateData, queryFault},
+                                 {job::kDownloadOnlineUpdateFile, downloadFault},
+                                 {job::kUpdateSW, installationFault},
+                                 {job::kUpdateFW, firmwareFault}};
+
+std::string commandFault(const std::string& command, const Value& inputs) {
+  for (const Command& known : kCommands) {
+    if (command == known.name) return known.inputFault(inputs);
+  }
+  return "job_id is \"" + command + "\", which is no command of the worker's";
+}
+
+// --- one record
+
+bool isInState(const Value& record, const char* state) {
+  const Value& found = record.get(job::kStateId);
+  return found.isString() && found.string() == state;
+}
+
+std::string keyFault(const Value& record) {
+  for (const char* key : {job::kJobId, job::kStateId}) {
+    if (!record.has(key)) return std::string("there is no ") + key;
+    if (!record.get(key).isString()) return std::string(key) + " is no text";
+  }
+  return record.has(job::kInputParameters) ? "" : "there is no input_parameters";
+}
+
+class Records {
+ public:
+  Records(const std::string& path, const WorkerRuns& workerRuns)
+      : path_(path), workerRuns_(workerRuns) {}
+
+  void take(const Value& record, std::size_t index) {
+    const std::string place = path_ + ": element " + std::to_string(index + 1);
+    if (!record.isDictionary()) {
+      add(Severity::error, place + " is no object: " + valueText(record), kNoUpdates,
+          "Remove it from the file.");
+      return;
+    }
+    const Value& logId = record.get(job::kLogId);
+    if (logId.isNothing()) {
+      add(Severity::warning, place + " has no log_id",
+          "It is never started, and the progress of firmware jobs before it is lost.",
+          "Give it a log_id, or remove it.");
+    } else if (!logId.isString()) {
+      add(Severity::error, place + " has a log_id that is no text: " + valueText(logId), kNoUpdates,
+          "Write it as a text, such as \"17\".");
+    } else {
+      ++counts_[logId.string()];
+      takeJob(record, path_ + ": job " + logId.string());
+    }
+  }
+
+  Findings findings() {
+    for (const auto& [logId, count] : counts_) {
+      if (count == 1) continue;
+      add(Severity::warning,
+          path_ + ": " + std::to_string(count) + " jobs have the log_id " + logId,
+          "What the worker writes of one goes into all of them: the earlier ones lose their "
+          "command "
+          "and their result.",
+          "Use each log_id once. Remove the records of finished jobs that share it.");
+    }
+    return findings_;
+  }
+
+ private:
+  void takeJob(const Value& record, const std::string& job) {
+    const std::string fault = keyFault(record);
+    if (isInState(record, job::kFree)) {
+      if (!fault.empty()) addNotWhole(job + " is finished, and " + fault);
+    } else if (!fault.empty() || isInState(record, job::kWait)) {
+      if (const std::string why = whyNotStarted(record); !why.empty()) addNotStarted(job, why);
+    } else if (isInState(record, job::kRun)) {
+      takeRunning(record, job);
+    } else {
+      addNotStarted(job, "state_id is \"" + record.get(job::kStateId).string() +
+                             "\", which is none of WAIT, RUN, FREE");
+    }
+  }
+
+  void takeRunning(const Value& record, const std::string& job) {
+    const std::string& logId = record.get(job::kLogId).string();
+    if (workerRuns_(logId)) return;
+    add(Severity::warning, job + " is in state RUN, and no worker for it is seen",
+        "Its worker was killed, or gave up with an error line in the log. Nothing takes the job "
+        "up.",
+        "See \"explain " + logId + "\" for the job; then add it anew under another log_id.");
+  }
+
+  void addNotWhole(const std::string& what) {
+    add(Severity::warning, what, "The record does not tell what the job was.",
+        "Remove the record, if nobody needs it.");
+  }
+
+  void addNotStarted(const std::string& job, const std::string& why) {
+    add(Severity::error, job + " cannot be run: " + why,
+        "The worker leaves the job as it is, or ends it without having done anything.",
+        "Compare the record with the examples of its command, and add it anew.");
+  }
+
+  void add(Severity severity, const std::string& what, const std::string& meaning,
+           const std::string& advice) {
+    findings_.push_back({severity, what, meaning, advice});
+  }
+
+  const std::string& path_;
+  const WorkerRuns& workerRuns_;
+  std::map<std::string, int> counts_;
+  Findings findings_;
+};
+
+}  // namespace
+
+Findings recordFindings(const std::string& path, const Value& records,
+                        const WorkerRuns& workerRuns) {
+  Records all(path, workerRuns);
+  for (std::size_t i = 0; i < records.count(); ++i) all.take(records.at(i), i);
+  return all.findings();
+}
+
+std::string whyNotStarted(const Value& record) {
+  std::string fault = keyFault(record);
+  if (!fault.empty()) return fault;
+  return commandFault(record.get(job::kJobId).string(), record.get(job::kInputParameters));
+}
+
+}  // namespace kelvane::console

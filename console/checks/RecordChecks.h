@@ -1,0 +1,24 @@
+// The job file's records: whether the worker can run them and write their outcome.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "console/checks/Finding.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+// Whether a worker runs the job with this log id.
+using WorkerRuns = std::function<bool(const std::string& logId)>;
+
+// Of each record of the list, in the order of the file, and of all together. `path` is the job
+// file's, for the messages.
+Findings recordFindings(const std::string& path, const platform::Value& records,
+                        const WorkerRuns& workerRuns);
+
+// Why the worker leaves this record alone, or does nothing for it, when it is in state WAIT: its
+// command, a missing key, its parameters. Empty where nothing speaks against it.
+std::string whyNotStarted(const platform::Value& record);
+
+}  // namespace kelvane::console

@@ -1,0 +1,151 @@
+#include "console/checks/SettingsChecks.h"
+
+#include "console/checks/Access.h"
+#include "platform/File.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+constexpr char kAppPath[] = "AppPath";
+constexpr char kEngine[] = "/Contents/Resources/EngineRunner";
+constexpr char kNoEngine[] =
+    "The update engine cannot be started: queries and downloads stay in state RUN, with an error "
+    "line in the log. Firmware jobs and installations are not concerned.";
+constexpr char kNoProduct[] =
+    "All product settings are missing to the worker: an installation replaces nothing, a query "
+    "ends "
+    "without output, a download leaves its packages where they are. Firmware jobs are not "
+    "concerned.";
+constexpr char kUnusable[] =
+    "The worker gives the step up that reads it: an installation is not started, a download ends "
+    "with 259.";
+
+constexpr ProductSetting kProductSettings[] = {
+    {kAppPath, Severity::error,
+     "An installation removes and copies nothing, and ends with 0 all the same."},
+    {"online_update_plist_name", Severity::error,
+     "The catalogue is not found: a query ends without output, and a download takes nothing from "
+     "it."},
+    {"product_id_sw", Severity::warning,
+     "The application counts as firmware: its download goes to tmp/OnlineUpdate/FW, and no system "
+     "version is looked at."},
+    {"app_name", Severity::warning,
+     "The package of the application is not found in its download, unless the catalogue names it."},
+    {"product_id_korfw", Severity::warning,
+     "Downloads of this product go to tmp/OnlineUpdate/FW instead of KORFW."},
+    {"product_id_zentanfw", Severity::warning,
+     "Downloads of this product go to tmp/OnlineUpdate/FW instead of ZENTANAS."},
+    {"product_id_tarsel2fw", Severity::warning,
+     "The package of this product is looked for under the catalogue's name for it, not as "
+     "FW_QRX550.img."},
+    {"product_id_tarsel3fw", Severity::warning,
+     "The package of this product is looked for under the catalogue's name for it, not as "
+     "FW_T3.img."},
+};
+
+// The settings in the file; nothing, and a finding, where there is no object in it.
+Value readSettings(const std::string& path, const char* meaning, Findings& findings) {
+  JsonFile file = readJsonFile(path);
+  if (file.fault.empty() && !file.value.isDictionary()) {
+    file.fault = path + " is a list, not an object";
+  }
+  if (file.fault.empty()) return file.value;
+  findings.push_back({Severity::error, file.fault, meaning,
+                      "Install the application anew, or write the file as the settings' reference "
+                      "page shows it."});
+  return {};
+}
+
+Finding engineFinding(const std::string& what) {
+  return {Severity::error, what, kNoEngine,
+          "Make AppPath the bundle that has the update engine in Contents/Resources."};
+}
+
+void findEngine(const std::string& settings, const std::string& application, Findings& findings) {
+  const std::string engine = application + kEngine;
+  if (kindOf(application) != EntryKind::folder) {
+    findings.push_back(
+        engineFinding(settings + ": AppPath leads to " + application + ", which is no bundle"));
+  } else if (kindOf(engine) == EntryKind::missing) {
+    findings.push_back(engineFinding("the update engine " + engine + " does not exist"));
+  } else if (kindOf(engine) == EntryKind::folder || kindOf(engine) == EntryKind::other) {
+    findings.push_back(engineFinding("the update engine " + engine + " is no file"));
+  } else if (const std::string cause = refusal(engine, Access::execute); !cause.empty()) {
+    findings.push_back({Severity::error,
+                        "the update engine " + engine + " cannot be executed: " + cause, kNoEngine,
+                        "Make it executable for the user that runs the worker."});
+  }
+}
+
+void findKeys(const std::string& path, const Value& settings, Findings& findings) {
+  for (const ProductSetting& setting : kProductSettings) {
+    const Value& value = settings.get(setting.key);
+    if (value.isString()) continue;
+    const std::string name = path + ": \"" + setting.key + "\"";
+    if (value.isNothing()) {
+      findings.push_back({setting.severity, name + " is missing", setting.missing,
+                          "Add the key with the product's value, a text."});
+    } else {
+      findings.push_back({Severity::error, name + " is no text", kUnusable, "Make it a text."});
+    }
+  }
+}
+
+void findApplication(const std::string& path, const std::string& application, Findings& findings) {
+  if (kindOf(application) != EntryKind::folder) {
+    findings.push_back(
+        {Severity::warning,
+         path + ": AppPath leads to " + application + ", where no application stands",
+         "An installation replaces nothing; it only copies the new application "
+         "there, where the folder above it exists.",
+         "Make AppPath the installed application."});
+    return;
+  }
+  const std::string refused = changeRefusal(platform::withoutLastComponent(application));
+  if (refused.empty()) return;
+  findings.push_back({Severity::error, "the application's folder cannot be changed: " + refused,
+                      "An installation can neither remove the application nor copy the new one to "
+                      "its place, and ends with 0 all the same.",
+                      "Give the user that runs the worker the right to write in the folder."});
+}
+
+}  // namespace
+
+std::string sharedSettingsPath(const std::string& sharedFolder) {
+  return sharedFolder + "utility/config/setting.json";
+}
+
+std::string productSettingsPath(const std::string& bundle) {
+  return bundle + "/Contents/Resources/Config/setting.json";
+}
+
+std::span<const ProductSetting> productSettings() { return kProductSettings; }
+
+Findings sharedSettingsFindings(const std::string& path) {
+  Findings findings;
+  const Value settings = readSettings(path, kNoEngine, findings);
+  if (!settings.isDictionary()) return findings;
+  const Value& application = settings.get(kAppPath);
+  if (application.isString()) {
+    findEngine(path, application.string(), findings);
+  } else {
+    findings.push_back(engineFinding(path + ": \"AppPath\" " +
+                                     (application.isNothing() ? "is missing" : "is no text")));
+  }
+  return findings;
+}
+
+Findings productSettingsFindings(const std::string& path) {
+  Findings findings;
+  const Value settings = readSettings(path, kNoProduct, findings);
+  if (!settings.isDictionary()) return findings;
+  findKeys(path, settings, findings);
+  const Value& application = settings.get(kAppPath);
+  if (application.isString()) findApplication(path, application.string(), findings);
+  return findings;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,28 @@
+// The two settings files: their keys, and what these lead to.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "console/checks/Finding.h"
+
+namespace kelvane::console {
+
+std::string sharedSettingsPath(const std::string& sharedFolder);  // which ends with "/"
+std::string productSettingsPath(const std::string& bundle);
+
+// The shared folder's settings, and the update engine that they lead to.
+Findings sharedSettingsFindings(const std::string& path);
+
+// The product's settings, and the application that they lead to.
+Findings productSettingsFindings(const std::string& path);
+
+// A key of the product's settings.
+struct ProductSetting {
+  const char* key;
+  Severity severity;    // of its missing
+  const char* missing;  // what then happens
+};
+std::span<const ProductSetting> productSettings();
+
+}  // namespace kelvane::console

@@ -1,0 +1,77 @@
+#include "console/checks/SharedFolderChecks.h"
+
+#include <algorithm>
+
+#include "console/JobRecord.h"
+#include "console/LogFile.h"
+#include "console/checks/Access.h"
+#include "console/checks/JobFileChecks.h"
+#include "console/checks/LogFileChecks.h"
+#include "console/checks/SettingsChecks.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+Findings folderFindings(const std::string& folder) {
+  constexpr char kMeaning[] = "The worker finds no job and starts nothing.";
+  constexpr char kAdvice[] = "Name the folder that the application shares with the worker.";
+  const EntryKind kind = kindOf(folder);
+  if (kind == EntryKind::missing) {
+    return {
+        {Severity::error, "the shared folder " + folder + " does not exist", kMeaning, kAdvice}};
+  }
+  if (kind != EntryKind::folder && kind != EntryKind::unreachable) {
+    return {{Severity::error, "the shared folder " + folder + " is no folder", kMeaning, kAdvice}};
+  }
+  const std::string cause = refusal(folder, Access::execute);
+  if (cause.empty()) return {};
+  return {{Severity::error, "the shared folder " + folder + " cannot be entered: " + cause,
+           kMeaning, "Give the user that runs the worker the right to enter it."}};
+}
+
+Findings downloadAreaFindings(const std::string& folder) {
+  const std::string refused = changeRefusal(folder + "tmp/OnlineUpdate");
+  if (refused.empty()) return {};
+  return {{Severity::error, "the download area cannot be changed: " + refused,
+           "Downloaded packages cannot be put there, and no one is told: a download ends with 259.",
+           "Give the user that runs the worker the right to write in the folder."}};
+}
+
+bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
+  const auto& all = records.elements();
+  return std::any_of(all.begin(), all.end(), [&](const Value& record) {
+    if (!record.isDictionary()) return false;
+    const Value& logId = record.get(job::kLogId);
+    const Value& state = record.get(job::kStateId);
+    const bool isFinished = state.isString() && state.string() == job::kFree;
+    return !isFinished && logId.isString() && workerRuns(logId.string());
+  });
+}
+
+Findings jobFindings(const std::string& path, const WorkerRuns& workerRuns) {
+  Findings findings = jobFileFindings(path);
+  Value records = readJsonFile(path).value;
+  if (!records.isArray()) records = Value::array();
+  append(findings, recordFindings(path, records, workerRuns));
+  // A worker that runs has such a file for moments.
+  const Findings leftovers = leftoverFindings(path);
+  if (!leftovers.empty() && !hasRunningJob(records, workerRuns)) append(findings, leftovers);
+  return findings;
+}
+
+}  // namespace
+
+Findings sharedFolderFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
+  Findings findings = folderFindings(sharedFolder);
+  if (!findings.empty()) return findings;
+  append(findings, jobFindings(sharedFolder + job::kFileName, workerRuns));
+  append(findings, logFileFindings(logPath(sharedFolder)));
+  append(findings, sharedSettingsFindings(sharedSettingsPath(sharedFolder)));
+  append(findings, downloadAreaFindings(sharedFolder));
+  return findings;
+}
+
+}  // namespace kelvane::console

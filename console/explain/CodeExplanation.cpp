@@ -1,0 +1,66 @@
+#include "console/explain/CodeExplanation.h"
+
+#include <fmt/format.h>
+
+#include "console/JobRecord.h"
+#include "console/ResultCodes.h"
+
+namespace kelvane::console {
+namespace {
+
+// A download's own code, among the framework's statuses.
+constexpr std::int64_t kFileNotFound = 259;
+
+std::string numberText(std::int64_t code) {
+  return fmt::format("result {} (0x{:04X})", code, code);
+}
+
+Explanation known(const ResultCode& code) {
+  Explanation explanation;
+  explanation.subject = fmt::format("{}, {}: {}", numberText(code.code), code.name, code.text);
+  explanation.meaning = code.meaning;
+  explanation.whoActs = code.whoActs;
+  explanation.advice = code.advice;
+  explanation.tryAgain = code.tryAgain ? "yes" : "no";
+  return explanation;
+}
+
+Explanation frameworkStatus(std::int64_t code) {
+  Explanation explanation;
+  explanation.subject = numberText(code) + ": a status of the controller framework's own";
+  explanation.meaning =
+      "It is none of the results that the worker makes or tests. Only a firmware job ends with "
+      "such "
+      "a status: one of the framework's calls gave it, and the controllers after it were not "
+      "started.";
+  explanation.whoActs = "support";
+  explanation.advice =
+      "Read the job's resultStr, which is what the framework says of it, and find the step that "
+      "failed at the end of the job's lines in the log. What the number means is the framework "
+      "maker's to say; of the simulated one the statuses stand in docs/simulators.md.";
+  explanation.tryAgain = "when the cause is known";
+  return explanation;
+}
+
+}  // namespace
+
+bool isKnownCode(std::int64_t code) { return findResultCode(code) != nullptr; }
+
+std::vector<Explanation> explainCode(std::int64_t code) {
+  const ResultCode* found = findResultCode(code);
+  if (found == nullptr) return {frameworkStatus(code)};
+  if (code != kFileNotFound) return {known(*found)};
+  Explanation download = known(*found);
+  download.note = "This is so for downloadOnlineUpdateFile alone.";
+  Explanation firmware = frameworkStatus(code);
+  firmware.note = "This is so for updateFW.";
+  return {download, firmware};
+}
+
+Explanation explainResult(std::int64_t code, const std::string& command) {
+  const ResultCode* found = findResultCode(code);
+  const bool isOfFramework = code == kFileNotFound && command == job::kUpdateFW;
+  return found == nullptr || isOfFramework ? frameworkStatus(code) : known(*found);
+}
+
+}  // namespace kelvane::console

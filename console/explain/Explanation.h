@@ -1,0 +1,21 @@
+// An explanation: what a result or a job means, who acts, and whether to try again.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelvane::console {
+
+// Texts are as the files have them: they may hold control characters. Empty ones are not shown.
+struct Explanation {
+  std::string subject;  // "result 1026 (0x0402), kZorDeviceNotFound: the device was not found"
+  std::string meaning;
+  std::string whoActs;  // "nobody", "user" or "support"
+  std::string advice;
+  std::string tryAgain;                  // "yes", "no", or a condition
+  std::vector<std::string> errors = {};  // of the job's log
+  std::string lastStep = {};             // of the job's log
+  std::string note = {};
+};
+
+}  // namespace kelvane::console

@@ -1,0 +1,153 @@
+#include "console/explain/JobExplanation.h"
+
+#include "console/JobRecord.h"
+#include "console/JobStatus.h"
+#include "console/checks/RecordChecks.h"
+#include "console/explain/CodeExplanation.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+// --- a job that waits or runs
+
+Explanation waiting(const Value& record, const JobCircumstances& circumstances) {
+  if (circumstances.workerRuns) {
+    return {"waiting", "A worker was started for it and is about to take it.", "nobody",
+            "Wait a moment, and ask again.", "no"};
+  }
+  if (const std::string why = whyNotStarted(record); !why.empty()) {
+    return {"waiting", "No worker starts it: " + why + ".", "support",
+            "Compare the record with the examples of its command, and add the job anew.",
+            "not as it is"};
+  }
+  return {"waiting", "No worker has taken it: none was started, or none could be.", "user",
+          "Start the worker with this log_id. If the job stays so, \"kelvane-console check\" tells "
+          "what is in the way.",
+          "yes"};
+}
+
+Explanation underWay(const JobStatus& status) {
+  const bool flashes = status.command == job::kUpdateFW;
+  return {"running", "A worker is at it. The result in the record says nothing yet.", "nobody",
+          flashes ? "Wait. A flash may show no news for minutes; do not unplug." : "Wait.", "no"};
+}
+
+std::string adviceForAbandoned(const JobStatus& status) {
+  if (status.command == job::kUpdateFW) {
+    return "Leave the enclosures powered for some minutes: a flash that was started goes on in the "
+           "controller. Then add the job anew under another log_id.";
+  }
+  if (status.command == job::kUpdateSW) {
+    return "Look whether the application is still there: it is removed before the new one is "
+           "copied. Then add the job anew under another log_id.";
+  }
+  return "Mend what the log's error tells, if it has one; then add the job anew under another "
+         "log_id.";
+}
+
+Explanation abandoned(const JobStatus& status, const JobCircumstances& circumstances) {
+  const bool gaveUp = !circumstances.log.errors.empty();
+  return {"running, and no worker for it is seen",
+          gaveUp
+              ? "Its worker gave up, and the log tells why. Nothing takes the job up."
+              : "Its worker was killed, the computer went down, or the end could not be written. "
+                "Nothing takes the job up.",
+          "user", adviceForAbandoned(status), "yes, under another log_id"};
+}
+
+// --- a finished job
+
+// The controllers whose CPLD was left, "A1 (0%), A2 (50%)".
+std::string unfinishedCplds(const JobStatus& status) {
+  std::string text;
+  for (const ControllerStatus& one : status.controllers) {
+    if (one.cpld == 100) continue;
+    text += (text.empty() ? "" : ", ") + one.wwn + " (" + std::to_string(one.cpld) + "%)";
+  }
+  return text;
+}
+
+Explanation updatedFirmware(const JobStatus& status) {
+  const std::string cplds = unfinishedCplds(status);
+  if (cplds.empty()) return {"", "Every controller has its firmware.", "nobody", "", "no"};
+  return {
+      "",
+      "Every controller has its firmware, but not every CPLD was flashed: " + cplds +
+          ". That is as it should be for controllers that take QVXF images.",
+      "user",
+      "For a controller that takes standard images, look for \"Flash Error\" or \"another flash "
+      "process\" of flashCPLD in the log, and update it again.",
+      "yes, for such a controller"};
+}
+
+Explanation queried(const Value& record) {
+  if (record.get(job::kOutput).isArray()) {
+    return {"", "What the update service offers is the job's output.", "nobody", "", "no"};
+  }
+  return {"", "The update engine left no catalogue that could be read: there is no output.", "user",
+          "Check the network, the service's address, and online_update_plist_name in the product's "
+          "settings.",
+          "yes"};
+}
+
+Explanation succeeded(const Value& record, const JobStatus& status) {
+  if (status.command == job::kUpdateFW) return updatedFirmware(status);
+  if (status.command == job::kGetOnlineUpdateData) return queried(record);
+  if (status.command == job::kUpdateSW) {
+    return {"", "The application was to be replaced. The result is 0 whatever became of that.",
+            "user", "Look whether the new application stands in its place.",
+            "if the application is not there"};
+  }
+  if (status.command == job::kDownloadOnlineUpdateFile) {
+    return {"", "Every package is there; the output has the paths.", "nobody", "", "no"};
+  }
+  return explainResult(0, status.command);
+}
+
+Explanation finished(const Value& record, const JobStatus& status) {
+  const Value& result = record.get(job::kResult);
+  if (!result.isNumber()) {
+    return {"finished without a result", "Not the worker marked it as finished.", "support",
+            "Find out who writes the job file besides the worker.", "yes, under another log_id"};
+  }
+  const std::int64_t code = result.integerValue();
+  Explanation explanation = explainResult(code, status.command);
+  std::string subject = "finished with " + explanation.subject;
+  if (code == 0) explanation = succeeded(record, status);
+  if (!isKnownCode(code)) subject += ", which says \"" + status.resultText + "\"";
+  explanation.subject = subject;
+  return explanation;
+}
+
+Explanation byState(const Value& record, const JobStatus& status,
+                    const JobCircumstances& circumstances) {
+  if (status.state == job::kWait) return waiting(record, circumstances);
+  if (status.state == job::kFree) return finished(record, status);
+  if (status.state == job::kRun) {
+    return circumstances.workerRuns ? underWay(status) : abandoned(status, circumstances);
+  }
+  return {"in state \"" + status.state + "\"",
+          "The worker knows no such state, and never starts it.", "support",
+          "Add the job anew, in state WAIT and under another log_id.", "not as it is"};
+}
+
+}  // namespace
+
+Explanation explainJob(const Value& record, const JobCircumstances& circumstances) {
+  const JobStatus status = statusOf(record);
+  Explanation explanation = byState(record, status, circumstances);
+  const std::string command = status.command.empty() ? "" : " (" + status.command + ")";
+  explanation.subject = "job " + status.logId + command + ": " + explanation.subject;
+  explanation.errors = circumstances.log.errors;
+  explanation.lastStep = circumstances.log.lastStep;
+  explanation.note = circumstances.noLog;
+  if (circumstances.noLog.empty() && !circumstances.log.isFound) {
+    explanation.note = "The log has no lines of this job.";
+  }
+  return explanation;
+}
+
+}  // namespace kelvane::console

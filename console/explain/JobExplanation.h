@@ -1,0 +1,19 @@
+// The explanation of a job by its record and its stretch of the log.
+#pragma once
+
+#include "console/explain/Explanation.h"
+#include "console/explain/LogStretch.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+// What is known of a job besides its record, which is a dictionary with a log id.
+struct JobCircumstances {
+  bool workerRuns = false;
+  LogStretch log;
+  std::string noLog;  // why there is no log to look into; empty where there is
+};
+
+Explanation explainJob(const platform::Value& record, const JobCircumstances& circumstances);
+
+}  // namespace kelvane::console
