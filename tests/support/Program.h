@@ -19,4 +19,9 @@ struct Ended {
 Ended runProgram(const std::vector<std::string>& argv, const std::string& folder,
                  const std::map<std::string, std::string>& variables = {});
 
+// Becomes the program in the folder, with these variables on top of the present environment; for a
+// child process. Where that fails the process ends with the exit status 127.
+[[noreturn]] void becomeProgram(const std::vector<std::string>& argv, const std::string& folder,
+                                const std::map<std::string, std::string>& variables);
+
 }  // namespace kelvane::testing
