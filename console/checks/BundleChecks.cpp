@@ -30,10 +30,11 @@ std::ptrdiff_t depthOf(const fs::path& absolute) {
 
 // The first two levels of the worker's place are what it takes for the bundle.
 std::string takenForTheBundle(const fs::path& bundle) {
-  const fs::path inside = (bundle / "Contents").relative_path();
-  auto level = inside.begin();
-  fs::path taken = "/" / *level;
-  taken /= *++level;
+  fs::path taken = "/";
+  int levels = 0;
+  for (const fs::path& level : (bundle / "Contents").relative_path()) {
+    if (levels++ < 2) taken /= level;
+  }
   return taken.string();
 }
 
@@ -43,7 +44,8 @@ void findDepth(const std::string& bundle, Findings& findings) {
   if (depth == 2) return;
   findings.push_back(
       {Severity::error,
-       real.string() + " stands " + std::to_string(depth) + " levels below the root, not two",
+       real.string() + " stands " + std::to_string(depth) + (depth == 1 ? " level" : " levels") +
+           " below the root, not two",
        "The worker takes " + takenForTheBundle(real) +
            " for its bundle, and looks for the product's settings there. Firmware jobs are not "
            "concerned.",

@@ -57,10 +57,13 @@ std::vector<Explanation> explainCode(std::int64_t code) {
   return {download, firmware};
 }
 
-Explanation explainResult(std::int64_t code, const std::string& command) {
+Explanation explainResult(std::int64_t code, const std::string& command, const std::string& text) {
   const ResultCode* found = findResultCode(code);
   const bool isOfFramework = code == kFileNotFound && command == job::kUpdateFW;
-  return found == nullptr || isOfFramework ? frameworkStatus(code) : known(*found);
+  if (found != nullptr && !isOfFramework) return known(*found);
+  Explanation explanation = frameworkStatus(code);
+  explanation.subject += ", which says \"" + text + "\"";
+  return explanation;
 }
 
 }  // namespace kelvane::console

@@ -104,7 +104,7 @@ Explanation succeeded(const Value& record, const JobStatus& status) {
   if (status.command == job::kDownloadOnlineUpdateFile) {
     return {"", "Every package is there; the output has the paths.", "nobody", "", "no"};
   }
-  return explainResult(0, status.command);
+  return explainResult(0, status.command, status.resultText);
 }
 
 Explanation finished(const Value& record, const JobStatus& status) {
@@ -114,10 +114,9 @@ Explanation finished(const Value& record, const JobStatus& status) {
             "Find out who writes the job file besides the worker.", "yes, under another log_id"};
   }
   const std::int64_t code = result.integerValue();
-  Explanation explanation = explainResult(code, status.command);
-  std::string subject = "finished with " + explanation.subject;
+  Explanation explanation = explainResult(code, status.command, status.resultText);
+  const std::string subject = "finished with " + explanation.subject;
   if (code == 0) explanation = succeeded(record, status);
-  if (!isKnownCode(code)) subject += ", which says \"" + status.resultText + "\"";
   explanation.subject = subject;
   return explanation;
 }
