@@ -1,0 +1,209 @@
+// What explain tells of jobs of the real worker, in every state and with every result.
+
+#include <csignal>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "console/ResultCodes.h"
+#include "end_to_end/SupportInstallation.h"
+#include "platform/Json.h"
+
+namespace kelvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+using console::ResultCode;
+using platform::Value;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::StartsWith;
+
+class Explain : public SupportInstallation {
+ protected:
+  // A firmware job over one standard controller, with these faults of the framework's functions.
+  void flash(const std::string& faults, const std::string& ofController = "") const {
+    writeFleet(R"([{"wwn": "50000000000000A1", "product_id": "0x4301", "firmware": "1.0",
+                    "cpld": "1.0", "usb_bridge": "1.0", "firmware_seconds": 4)" +
+                   ofController + "}]",
+               faults);
+    const std::string image = makeImage("new.img", {"standard", "--product", "0x4301", "--firmware",
+                                                    "2.0", "--cpld", "1.5", "--usb", "3.0"});
+    updateFirmware({{"50000000000000A1", image}});
+  }
+  std::string told(const std::string& key) const { return explained().get(key).string(); }
+  std::vector<std::string> errors() const {
+    std::vector<std::string> found;
+    const Value explanation = explained();
+    for (const Value& error : explanation.get("log_errors").elements()) {
+      found.push_back(error.string());
+    }
+    return found;
+  }
+};
+
+// --- results
+
+TEST_F(Explain, EveryResultOfAFirmwareJob) {
+  for (const ResultCode& code : console::resultCodes()) {
+    if (code.code == 0 || code.code == 259) continue;
+    flash(R"([{"function": "zr_verifyFlashImage", "status": )" + std::to_string(code.code) + "}]");
+    ASSERT_EQ(result(), code.code);
+    const Value explanation = explained();
+    EXPECT_THAT(explanation.get("subject").string(),
+                EndsWith(std::string(", ") + code.name + ": " + code.text));
+    EXPECT_EQ(explanation.get("meaning"), Value(code.meaning));
+    EXPECT_EQ(explanation.get("who_acts"), Value(code.whoActs));
+    EXPECT_EQ(explanation.get("advice"), Value(code.advice));
+    EXPECT_EQ(explanation.get("try_again"), Value(code.tryAgain ? "yes" : "no"));
+    EXPECT_THAT(explanation.get("last_step").string(),
+                EndsWith("updateFW: Image format is invalid."));
+  }
+}
+
+TEST_F(Explain, AFlashThatFailedNamesItsLastStep) {
+  flash("[]", R"(, "faults": [{"flash": "firmware", "do": "fail", "at": 50}])");
+  EXPECT_THAT(told("subject"), HasSubstr("32852 (0x8054), kZorFlashFailed"));
+  EXPECT_THAT(told("last_step"), EndsWith(" updateFW: Flash Error"));
+}
+
+TEST_F(Explain, AControllerThatIsNotThere) {
+  writeFleet("[]");
+  updateFirmware({{"50000000000000A1", "/no.img"}});
+  EXPECT_THAT(told("subject"), HasSubstr("1026 (0x0402), kZorDeviceNotFound"));
+}
+
+TEST_F(Explain, AStatusOfTheFrameworksOwnTellsWhatItSays) {
+  writeFleet(R"([{"wwn": "50000000000000A1", "product_id": "0x4301", "firmware": "1.0",
+                  "cpld": "1.0", "usb_bridge": "1.0"}])");
+  updateFirmware({{"50000000000000A1", "/no.img"}});
+  EXPECT_EQ(told("subject"),
+            "job 17 (updateFW): finished with result 32850 (0x8052): a status of the controller "
+            "framework's own, which says \"the firmware image cannot be read\"");
+  EXPECT_EQ(told("who_acts"), "support");
+}
+
+TEST_F(Explain, The259OfADownloadAndOfAFirmwareJob) {
+  download({"fw3", "fw2"});  // the engine brings the first one's package alone
+  EXPECT_THAT(told("subject"), EndsWith("259 (0x0103), kFileNotFound: file is not found"));
+  flash(R"([{"function": "zr_discover", "status": "0x0103"}])");
+  EXPECT_THAT(told("subject"), HasSubstr("259 (0x0103): a status of the controller framework's"));
+}
+
+TEST_F(Explain, AFirmwareJobWhoseCpldWasLeft) {
+  flash(R"([{"function": "zr_flashCPLDBin", "status": "0x8050"}])");
+  ASSERT_EQ(result(), 0);
+  EXPECT_THAT(told("meaning"), HasSubstr("not every CPLD was flashed: 50000000000000A1 (0%)."));
+}
+
+TEST_F(Explain, JobsThatAreDone) {
+  flash("[]");
+  EXPECT_EQ(told("meaning"), "Every controller has its firmware.");
+  query();
+  EXPECT_EQ(told("meaning"), "What the update service offers is the job's output.");
+  download({"fw3"});
+  EXPECT_EQ(told("meaning"), "Every package is there; the output has the paths.");
+  runJob("updateSW", Value::dictionary({{"file_path", folder / "Manager.app"}}));
+  EXPECT_EQ(told("try_again"), "if the application is not there");
+}
+
+TEST_F(Explain, AQueryWithoutACatalogue) {
+  writeFaults(R"({"catalogue": "none"})");
+  query();
+  EXPECT_THAT(told("meaning"), HasSubstr("there is no output"));
+}
+
+// --- jobs that are not finished
+
+TEST_F(Explain, AJobThatNobodyStarted) {
+  addFirmwareJob();
+  EXPECT_EQ(told("subject"), "job 17 (updateFW): waiting");
+  EXPECT_EQ(told("note"), "The log has no lines of this job.");
+  EXPECT_EQ(told("try_again"), "yes");
+}
+
+TEST_F(Explain, AJobThatTheWorkerDoesNotStart) {
+  runJob("updateHW", Value::dictionary());
+  EXPECT_EQ(told("meaning"),
+            "No worker starts it: job_id is \"updateHW\", which is no command of the worker's.");
+}
+
+TEST_F(Explain, AJobWhoseWorkerGaveUpHasTheLogsError) {
+  ::chmod(engine().c_str(), 0644);
+  query();
+  EXPECT_EQ(told("meaning"),
+            "Its worker gave up, and the log tells why. Nothing takes the job up.");
+  EXPECT_THAT(errors(), ElementsAre(EndsWith(" getOnlineUpdateData: start " + engine() +
+                                             ": Permission denied")));
+}
+
+// A worker at a flash that never ends, until it is killed.
+class StalledWorker {
+ public:
+  StalledWorker(const std::string& program, const std::string& sharedFolder,
+                const std::string& fleet)
+      : process_(::fork()) {
+    if (process_ != 0) return;
+    ::setenv("ZORAPI_FLEET", fleet.c_str(), 1);
+    ::execl(program.c_str(), program.c_str(), "17", sharedFolder.c_str(), nullptr);
+    ::_exit(127);
+  }
+  StalledWorker(const StalledWorker&) = delete;
+  StalledWorker& operator=(const StalledWorker&) = delete;
+  ~StalledWorker() { kill(); }
+
+  void kill() {
+    if (process_ <= 0) return;
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+    process_ = 0;
+  }
+
+ private:
+  pid_t process_;
+};
+
+TEST_F(Explain, AJobThatRunsAndThenTheSameWithItsWorkerKilled) {
+  folder.write("fleet.json", R"({"clock": "wall", "controllers": [
+      {"wwn": "50000000000000A1", "product_id": "0x4801", "firmware": "1.0", "cpld": "1.0",
+       "usb_bridge": "1.0", "firmware_seconds": 1000000}]})");
+  const std::string image = makeImage("new.img", {"qvxf", "--product", "0x48", "--firmware", "2"});
+  writeJobs(R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT", "input_parameters":
+                 [{"wwn": "50000000000000A1", "file_path": ")" +
+            image + "\"}]}]");
+  StalledWorker stalled(worker(), shared(), folder / "fleet.json");
+  while (log().find("fshProg.") == std::string::npos) continue;
+  EXPECT_EQ(told("subject"), "job 17 (updateFW): running");
+  EXPECT_EQ(told("advice"), "Wait. A flash may show no news for minutes; do not unplug.");
+  EXPECT_THAT(findings(), ::testing::IsEmpty());
+  stalled.kill();
+  EXPECT_EQ(told("subject"), "job 17 (updateFW): running, and no worker for it is seen");
+  EXPECT_THAT(told("meaning"), StartsWith("Its worker was killed"));
+  EXPECT_THAT(told("last_step"), EndsWith("fshProg.fp_u8Stage = 1"));
+  EXPECT_THAT(findings(), ElementsAre(HasSubstr("job 17 is in state RUN, and no worker")));
+}
+
+// --- the command itself
+
+TEST_F(Explain, ACodeNeedsNoSharedFolder) {
+  const testing::Ended ended = console({"explain", "0x8050"});
+  EXPECT_EQ(ended.exitStatus, 0);
+  EXPECT_THAT(ended.out, StartsWith("result 32848 (0x8050), kZorFlashProcessRunning: "));
+  EXPECT_EQ(console({"explain", "0x8052"}).exitStatus, 5);
+}
+
+TEST_F(Explain, WhatIsNeitherJobNorCodeIsNotFound) {
+  const testing::Ended ended = console({"explain", "--shared", shared(), "x"});
+  EXPECT_EQ(ended.exitStatus, 5);
+  EXPECT_EQ(ended.err,
+            "kelvane-console: no job x in " + jobFile() + ", and it is no result code\n");
+}
+
+}  // namespace
+}  // namespace kelvane

@@ -1,0 +1,85 @@
+#include "end_to_end/SupportInstallation.h"
+
+#include <filesystem>
+
+#include <sys/stat.h>
+
+#include "platform/Json.h"
+#include "support/OrdinaryUser.h"
+
+namespace kelvane {
+
+using platform::Value;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<std::string> inShort(const std::string& json) {
+  std::vector<std::string> found;
+  const Value all = platform::parseJson(json);
+  for (const Value& finding : all.elements()) {
+    found.push_back(finding.get("severity").string() + ": " + finding.get("what").string());
+  }
+  return found;
+}
+
+}  // namespace
+
+SupportInstallation::SupportInstallation() {
+  install(KELVANE_CONSOLE, "bin/kelvane-console");
+  for (const testing::TempFolder* each : {&bundle, &folder}) ::chmod(each->path().c_str(), 0755);
+  folder.write("Installed.app/Contents/version", "1.0");
+  writeJobs("[]");
+  bundle.write("Contents/Resources/Config/setting.json",
+               R"({"online_update_plist_name": "Offers", "product_id_sw": "sw",
+                   "product_id_tarsel2fw": "fw2", "product_id_tarsel3fw": "fw3",
+                   "product_id_korfw": "kor", "product_id_zentanfw": "zentan",
+                   "app_name": "Manager", "AppPath": ")" +
+                   (folder / "Installed.app") + "\"}");
+}
+
+testing::Ended SupportInstallation::console(const std::vector<std::string>& arguments) const {
+  std::vector<std::string> argv = {bundle / "bin/kelvane-console"};
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  return testing::runProgram(argv, folder.path());
+}
+
+testing::Ended SupportInstallation::check() const {
+  return console({"check", "--shared", shared(), "--bundle", bundle.path()});
+}
+
+std::vector<std::string> SupportInstallation::checkCommand() const {
+  return {"check", "--json", "--shared", shared(), "--bundle", bundle.path()};
+}
+
+std::vector<std::string> SupportInstallation::findings() const {
+  const testing::Ended ended = console(checkCommand());
+  const std::vector<std::string> found = inShort(ended.out);
+  EXPECT_EQ(ended.exitStatus, found.empty() ? 0 : 1) << ended.out << ended.err;
+  EXPECT_EQ(ended.err, "");
+  return found;
+}
+
+std::vector<std::string> SupportInstallation::findingsOfOrdinaryUser() const {
+  return inShort(testing::asOrdinaryUser([this] { return console(checkCommand()).out; }));
+}
+
+Value SupportInstallation::explained() const {
+  const testing::Ended ended = console({"explain", "--json", "--shared", shared(), "17"});
+  EXPECT_EQ(ended.exitStatus, 0) << ended.err;
+  const Value all = platform::parseJson(ended.out);
+  EXPECT_EQ(all.count(), 1U) << ended.out;
+  return all.count() == 1 ? all.at(0) : Value::dictionary();
+}
+
+void SupportInstallation::addFirmwareJob() const {
+  writeJobs(R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
+                 "input_parameters": [{"wwn": "50000000000000A1", "file_path": "/no.img"}]}])");
+}
+
+void SupportInstallation::installFramework(const std::string& library) const {
+  fs::copy_file(library, framework(), fs::copy_options::overwrite_existing);
+}
+
+}  // namespace kelvane
