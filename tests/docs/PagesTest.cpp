@@ -64,7 +64,7 @@ TEST_P(PageNamed, HasLinksThatLeadSomewhere) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Docs, PageNamed,
-                         ::testing::Values("job-file.md", "log.md", "result-codes.md",
+                         ::testing::Values("bundle.md", "job-file.md", "log.md", "result-codes.md",
                                            "settings.md"),
                          [](const auto& test) {
                            std::string name = test.param;

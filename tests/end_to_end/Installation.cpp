@@ -73,7 +73,7 @@ testing::Ended Installation::runWorker(const std::vector<std::string>& arguments
   fs::create_directories(folder / "versions");
   fs::remove(folder / "sleeps");
   fs::remove(folder / "writes");
-  std::vector<std::string> argv = {bundle / "Contents/Resources/Kelvane"};
+  std::vector<std::string> argv = {worker};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   return testing::runProgram(argv, folder.path(), environment);
 }

@@ -31,7 +31,7 @@ class Installation : public ::testing::Test {
 
   void writeJobs(const std::string& json) const;
   platform::Value jobs() const;
-  // Runs the worker; its sleeps and job file versions are kept until the next run.
+  // Runs `worker`; its sleeps and job file versions are kept until the next run.
   testing::Ended runWorker(const std::vector<std::string>& arguments) const;
   // Runs a firmware job with log id "17" over these WWNs and images, alone in the job file.
   void updateFirmware(const std::vector<std::pair<std::string, std::string>>& inputs) const;
@@ -54,6 +54,7 @@ class Installation : public ::testing::Test {
 
   testing::TempFolder bundle{".app"};
   testing::TempFolder folder;
+  std::string worker = bundle / "Contents/Resources/Kelvane";
   std::map<std::string, std::string> environment;
 };
 

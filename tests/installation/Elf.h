@@ -1,0 +1,31 @@
+// What programs and shared libraries say about the libraries that they need.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kelvane::testing {
+
+bool isElf(const std::string& path);
+
+// The names of the libraries that a program or library asks for itself.
+std::vector<std::string> neededLibraries(const std::string& path);
+// The name that a library is asked for by.
+std::string libraryName(const std::string& path);
+// The folders that it has the loader look into, as they are written down.
+std::vector<std::string> runPaths(const std::string& path);
+
+// Where the loader finds each library that the program needs, directly or not: real paths by name,
+// "" where there is none. Nothing of the program is run.
+std::map<std::string, std::string> loadedLibraries(const std::string& program);
+
+// Of the system's C and C++ runtime.
+bool isSystemRuntime(const std::string& library);
+// Of the compiler's runtime for sanitizers, in a build with them. No other build may need it.
+bool isSanitizer(const std::string& library);
+inline bool isRuntime(const std::string& library) {
+  return isSystemRuntime(library) || isSanitizer(library);
+}
+
+}  // namespace kelvane::testing

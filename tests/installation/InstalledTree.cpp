@@ -1,0 +1,40 @@
+#include "installation/InstalledTree.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+
+#include "installation/Elf.h"
+#include "support/Program.h"
+
+namespace kelvane::testing {
+
+namespace fs = std::filesystem;
+
+void installComponent(const std::string& component, const std::string& prefix) {
+  const Ended installed = runProgram(
+      {KELVANE_CMAKE, "--install", KELVANE_BUILD, "--prefix", prefix, "--component", component},
+      "/");
+  if (installed.exitStatus != 0) throw std::runtime_error(installed.err);
+}
+
+std::vector<std::string> filesBelow(const std::string& folder) {
+  std::vector<std::string> found;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_directory() && !entry.is_symlink()) continue;
+    found.push_back(entry.path().lexically_relative(folder).string());
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+std::vector<std::string> binariesBelow(const std::string& folder) {
+  std::vector<std::string> found = filesBelow(folder);
+  std::erase_if(found, [&](const std::string& name) {
+    const std::string path = folder + "/" + name;
+    return fs::is_symlink(path) || !isElf(path);
+  });
+  return found;
+}
+
+}  // namespace kelvane::testing

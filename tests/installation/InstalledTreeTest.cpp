@@ -1,0 +1,140 @@
+// A bundle with every component in it: each program finds what it needs, wherever the bundle is.
+
+#include <filesystem>
+#include <memory>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "installation/Elf.h"
+#include "installation/InstalledTree.h"
+#include "platform/File.h"
+#include "support/TempFolder.h"
+
+namespace kelvane::testing {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+using ::testing::UnorderedElementsAreArray;
+
+namespace fs = std::filesystem;
+
+using Names = std::vector<std::string>;
+
+void installEverything(const std::string& prefix) {
+  for (const char* component : {"worker", "console", "simulators", "documentation"}) {
+    installComponent(component, prefix);
+  }
+}
+
+// Of one bundle, which is made once and only looked at.
+class InstalledTree : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    bundle = std::make_unique<TempFolder>(".app");
+    installEverything(bundle->path());
+  }
+  static void TearDownTestSuite() { bundle.reset(); }
+  static std::string path(const std::string& name) { return *bundle / name; }
+
+  // The paths of the programs and libraries.
+  static Names binaries() {
+    Names found;
+    for (const std::string& name : binariesBelow(bundle->path())) found.push_back(path(name));
+    return found;
+  }
+  static Names programsBelow(const std::string& folder) {
+    Names found = binariesBelow(folder);
+    std::erase_if(found, [](const std::string& name) { return name.find(".so") != name.npos; });
+    return found;
+  }
+  // What it needs beyond the system's runtime.
+  static Names neededBeyondRuntime(const std::string& path) {
+    Names needed = neededLibraries(path);
+    std::erase_if(needed, isRuntime);
+    return needed;
+  }
+  static Names broughtAlong() { return bundle->names("Contents/Frameworks"); }
+
+  static inline std::unique_ptr<TempFolder> bundle;
+};
+
+TEST_F(InstalledTree, TheWorkerNeedsZorapiAndWhatItBringsAlong) {
+  EXPECT_THAT(neededBeyondRuntime(path("Contents/Resources/Kelvane")),
+              UnorderedElementsAreArray(broughtAlong()));
+  EXPECT_THAT(broughtAlong(), Contains("libZORAPI.so"));
+}
+
+TEST_F(InstalledTree, NothingNeedsMoreThanTheRuntimeAndWhatIsBroughtAlong) {
+  for (const std::string& binary : binaries()) {
+    for (const std::string& library : neededBeyondRuntime(binary)) {
+      EXPECT_THAT(broughtAlong(), Contains(library)) << binary;
+    }
+  }
+}
+
+TEST_F(InstalledTree, TheConsoleNeedsTheRuntimeAlone) {
+  EXPECT_THAT(neededBeyondRuntime(path("bin/kelvane-console")), IsEmpty());
+}
+
+TEST_F(InstalledTree, WhatIsBroughtAlongIsAFileUnderTheNameThatIsAskedFor) {
+  for (const std::string& name : broughtAlong()) {
+    const std::string library = path("Contents/Frameworks/" + name);
+    EXPECT_FALSE(fs::is_symlink(library)) << name;
+    EXPECT_EQ(libraryName(library), name);
+  }
+}
+
+TEST_F(InstalledTree, LibrariesAreFoundInTheBundleAlsoWhenItHasMoved) {
+  const TempFolder elsewhere;
+  const fs::path moved = elsewhere / "Moved Manager.app";
+  installEverything(elsewhere / "Manager.app");
+  fs::rename(elsewhere / "Manager.app", moved);
+  const Names programs = programsBelow(moved);
+  EXPECT_THAT(programs, SizeIs(5));
+  for (const std::string& program : programs) {
+    for (const auto& [library, found] : loadedLibraries(moved / program)) {
+      const bool isInBundle = found == moved / "Contents/Frameworks" / library;
+      EXPECT_EQ(isInBundle, !isRuntime(library)) << program << ": " << library << found;
+      EXPECT_NE(found, "") << program << ": " << library;
+    }
+  }
+}
+
+TEST_F(InstalledTree, LibrariesAreLookedForRelativeToTheProgram) {
+  for (const std::string& binary : binaries()) {
+    EXPECT_THAT(runPaths(binary), Each(StartsWith("$ORIGIN/"))) << binary;
+  }
+}
+
+// The checks of the sanitizers name the sources, as the compiler was given them.
+#ifdef __SANITIZE_ADDRESS__
+const Names kPlacesOfTheBuild = {KELVANE_BUILD};
+#else
+const Names kPlacesOfTheBuild = {KELVANE_BUILD, KELVANE_SOURCES};
+#endif
+
+TEST_F(InstalledTree, NothingNamesThePlaceWhereItWasBuilt) {
+  for (const std::string& binary : binaries()) {
+    const std::string bytes = platform::readFile(binary);
+    for (const std::string& place : kPlacesOfTheBuild) {
+      EXPECT_EQ(bytes.find(place), bytes.npos) << binary << ": " << place;
+    }
+  }
+}
+
+TEST_F(InstalledTree, EveryPageIsInTheDocumentation) {
+  const Names installed = filesBelow(path("share/doc/kelvane"));
+  for (const auto& page : fs::directory_iterator(KELVANE_SOURCES "docs")) {
+    if (page.is_directory()) continue;
+    EXPECT_THAT(installed, Contains("docs/" + page.path().filename().string()));
+  }
+  EXPECT_THAT(installed, Contains("README.md"));
+}
+
+}  // namespace
+}  // namespace kelvane::testing
