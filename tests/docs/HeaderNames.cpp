@@ -46,6 +46,19 @@ std::vector<std::string> commandNames() {
   return quotedIn(linesBetween("jobs/JobRunner.cpp", "constexpr Command kCommands[] = {", "};"));
 }
 
+// A declaration begins its line: a type, the name, and a parenthesis.
+std::vector<std::string> frameworkFunctions() {
+  std::vector<std::string> found;
+  for (const std::string& line :
+       linesBetween("zorapi/zorapi.h", "// --- Start and discovery", "}  // extern \"C\"")) {
+    const std::size_t parenthesis = line.find('(');
+    if (parenthesis == std::string::npos || line[0] == ' ' || line[0] == '/') continue;
+    const std::size_t blank = line.rfind(' ', parenthesis);
+    found.push_back(line.substr(blank + 1, parenthesis - blank - 1));
+  }
+  return found;
+}
+
 std::map<std::string, std::int64_t> frameworkStatuses() {
   std::map<std::string, std::int64_t> found;
   for (const std::string& line :

@@ -15,6 +15,9 @@ std::vector<std::string> constantsOf(const std::string& nameSpace);
 // The commands of the job runner's table.
 std::vector<std::string> commandNames();
 
+// The functions that zorapi.h declares, in their order.
+std::vector<std::string> frameworkFunctions();
+
 // The status codes of zorapi.h by their names.
 std::map<std::string, std::int64_t> frameworkStatuses();
 
