@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "console/Clock.h"
+#include "console/Completion.h"
 #include "console/ExitCode.h"
 #include "console/Jobs.h"
 #include "console/OnlineUpdate.h"
@@ -27,6 +28,7 @@ struct CommandLine::Commands {
   ListOptions list;
   OneJobOptions show;
   ShowLogOptions log;
+  std::string completionShell;
   bool json = false;
   int exitCode = kSuccess;
 };
@@ -181,6 +183,18 @@ CLI::App& addLog(CLI::App& app, ShowLogOptions& options, bool& json) {
   return command;
 }
 
+void addCompletion(CLI::App& app, std::string& shell) {
+  CLI::App& command = *app.add_subcommand("completion", "Print what completes the command line");
+  command.add_option("shell", shell, "The shell that is to complete it")
+      ->type_name("SHELL")
+      ->required()
+      ->check(CLI::IsMember(completionShells()));
+  command.footer(
+      "Example, for this bash alone:\n"
+      "  source <(kelvane-console completion bash)");
+  command.callback([&app, &shell] { std::cout << completionScript(shell, shapeOf(app)); });
+}
+
 }  // namespace
 
 CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
@@ -200,6 +214,7 @@ CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
   onCall(addOneJob(all.app, "show", "Show one job whole", all.show, all.json), all.show, all.json,
          all.exitCode, show);
   onCall(addLog(all.app, all.log, all.json), all.log, all.json, all.exitCode, showLog);
+  addCompletion(all.app, all.completionShell);
 }
 
 CommandLine::~CommandLine() = default;
