@@ -8,6 +8,7 @@
 
 #include "console/Check.h"
 #include "console/Clock.h"
+#include "console/Completion.h"
 #include "console/ExitCode.h"
 #include "console/Explain.h"
 #include "console/Jobs.h"
@@ -31,6 +32,7 @@ struct CommandLine::Commands {
   ShowLogOptions log;
   CheckOptions check;
   ExplainOptions explain;
+  std::string completionShell;
   bool json = false;
   int exitCode = kSuccess;
 };
@@ -220,6 +222,18 @@ CLI::App& addExplain(CLI::App& app, ExplainOptions& options, bool& json) {
   return command;
 }
 
+void addCompletion(CLI::App& app, std::string& shell) {
+  CLI::App& command = *app.add_subcommand("completion", "Print what completes the command line");
+  command.add_option("shell", shell, "The shell that is to complete it")
+      ->type_name("SHELL")
+      ->required()
+      ->check(CLI::IsMember(completionShells()));
+  command.footer(
+      "Example, for this bash alone:\n"
+      "  source <(kelvane-console completion bash)");
+  command.callback([&app, &shell] { std::cout << completionScript(shell, shapeOf(app)); });
+}
+
 }  // namespace
 
 CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
@@ -241,6 +255,7 @@ CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
   onCall(addLog(all.app, all.log, all.json), all.log, all.json, all.exitCode, showLog);
   onCall(addCheck(all.app, all.check, all.json), all.check, all.json, all.exitCode, check);
   onCall(addExplain(all.app, all.explain, all.json), all.explain, all.json, all.exitCode, explain);
+  addCompletion(all.app, all.completionShell);
 }
 
 CommandLine::~CommandLine() = default;

@@ -118,12 +118,16 @@ TEST_F(DebianPackage, HoldsConsoleSimulatorsAndDocumentationButNoWorker) {
   const TempFolder folder;
   ask("--extract", {folder.path()});
   const std::vector<std::string> files = filesBelow(folder.path());
-  EXPECT_THAT(files,
-              IsSupersetOf({"usr/bin/kelvane-console", "usr/bin/make-image", "usr/bin/make-service",
-                            "usr/lib/kelvane/bin/make-image", "usr/lib/kelvane/bin/make-service",
-                            "usr/lib/kelvane/Contents/Frameworks/libZORAPI.so",
-                            "usr/lib/kelvane/Contents/Resources/EngineRunner",
-                            "usr/share/doc/kelvane/README.md"}));
+  EXPECT_THAT(files, IsSupersetOf(
+                         {"usr/bin/kelvane-console", "usr/bin/make-image", "usr/bin/make-service",
+                          "usr/lib/kelvane/bin/make-image", "usr/lib/kelvane/bin/make-service",
+                          "usr/lib/kelvane/Contents/Frameworks/libZORAPI.so",
+                          "usr/lib/kelvane/Contents/Resources/EngineRunner",
+                          "usr/share/doc/kelvane/README.md", "usr/share/man/man1/kelvane-console.1",
+                          "usr/share/man/man1/Kelvane.1", "usr/share/man/man5/kelvane-job-file.5",
+                          "usr/share/bash-completion/completions/kelvane-console",
+                          "usr/share/zsh/site-functions/_kelvane-console",
+                          "usr/share/fish/vendor_completions.d/kelvane-console.fish"}));
   EXPECT_THAT(files, Not(Contains(EndsWith("/Kelvane"))));
 }
 

@@ -1,0 +1,108 @@
+// docs/console.svg, the picture in the README: it shows what the console of today would draw.
+
+#include <chrono>
+#include <filesystem>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "console/CommandLine.h"
+#include "console/Layout.h"
+#include "docs/Page.h"
+#include "platform/Json.h"
+#include "support/LogLine.h"
+
+namespace kelvane::docs {
+namespace {
+
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+using Lines = std::vector<std::string>;
+
+constexpr std::size_t kCommandLines = 3;
+
+// The lines of text that the picture shows, from the top.
+Lines shown() {
+  Lines found;
+  for (const std::string& line : testing::splitLines(readSource("docs/console.svg"))) {
+    if (line.rfind("<text ", 0) != 0) continue;
+    const std::size_t start = line.find('>') + 1;
+    found.push_back(line.substr(start, line.rfind("</text>") - start));
+  }
+  return found;
+}
+
+Lines command() {
+  const Lines all = shown();
+  return {all.begin(), all.begin() + kCommandLines};
+}
+
+Lines screen() {
+  const Lines all = shown();
+  return {all.begin() + kCommandLines, all.end()};
+}
+
+// The time at the end of the screen's first line, such as "0:04".
+std::chrono::milliseconds elapsed() {
+  const std::string line = screen().at(0);
+  const std::string time = line.substr(line.rfind(' ') + 1);
+  const std::size_t colon = time.find(':');
+  return std::chrono::minutes(std::stoi(time.substr(0, colon))) +
+         std::chrono::seconds(std::stoi(time.substr(colon + 1)));
+}
+
+// The job that is half way: a controller that is done, one in its firmware's flash, one waiting.
+console::Look halfWay() {
+  console::Look look;
+  look.record = platform::parseJson(R"({"log_id": "1", "job_id": "updateFW", "state_id": "RUN",
+    "output": [
+      {"wwn": "50000000000000A1", "cpld_percentage": 100, "fw_percentage": 100,
+       "total_percentage": 100},
+      {"wwn": "50000000000000B2", "cpld_percentage": 100, "fw_percentage": 50,
+       "total_percentage": 75},
+      {"wwn": "50000000000000C3", "cpld_percentage": 0, "fw_percentage": 0,
+       "total_percentage": 0}]})");
+  look.status = console::statusOf(look.record);
+  look.elapsed = elapsed();
+  return look;
+}
+
+TEST(Picture, ShowsTheScreenThatTheConsoleDraws) {
+  EXPECT_THAT(screen(), ElementsAreArray(statusLines(halfWay(), {80, 24}, console::Charset::utf8)));
+}
+
+TEST(Picture, ShowsACommandThatTheConsoleTakes) {
+  const console::CommandLine commandLine;
+  const CLI::App* updateFw = commandLine.app().get_subcommand("update-fw");
+  std::istringstream words(command().at(0));
+  for (std::string word; words >> word;) {
+    if (word.rfind("--", 0) != 0) continue;
+    EXPECT_NE(updateFw->get_option_no_throw(word), nullptr) << word;
+  }
+  EXPECT_THAT(command().at(0), StartsWith("$ kelvane-console update-fw "));
+}
+
+TEST(Picture, StandsInTheReadme) {
+  EXPECT_THAT(section(readSource("README.md"), "## The console at work"),
+              HasSubstr("](docs/console.svg)"));
+}
+
+// Every room of the map's table is there.
+TEST(Architecture, NamesOnlyRoomsThatExist) {
+  const auto exists = [](const std::string& room) {
+    for (const char* above : {"", "Modules/Mac/FWUpdater/", "simulators/"}) {
+      if (std::filesystem::exists(KELVANE_SOURCES + (above + room))) return true;
+    }
+    return false;
+  };
+  const auto rooms = namesOf(tableRows(section(readSource("ARCHITECTURE.md"), "## The map")));
+  EXPECT_GT(rooms.size(), 8U);
+  for (const std::string& room : rooms) EXPECT_TRUE(exists(room)) << room;
+}
+
+}  // namespace
+}  // namespace kelvane::docs
