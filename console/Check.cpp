@@ -14,6 +14,7 @@
 #include "console/checks/Framework.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/checks/SharedFolderChecks.h"
+#include "platform/File.h"
 #include "platform/Json.h"
 #include "platform/Value.h"
 
@@ -57,7 +58,9 @@ void showSum(const Findings& findings, const Screen& screen) {
 }
 
 std::vector<Paragraph> lookedAt(const std::string& sharedFolder, const std::string& bundle) {
-  std::vector<Paragraph> all = {{"job file", sharedFolder + job::kFileName},
+  const std::string jobFile = sharedFolder + job::kFileName;
+  const char* absence = platform::exists(jobFile) ? "" : " (there is none yet)";
+  std::vector<Paragraph> all = {{"job file", jobFile + absence},
                                 {"log", logPath(sharedFolder)},
                                 {"settings", sharedSettingsPath(sharedFolder)}};
   if (bundle.empty()) {

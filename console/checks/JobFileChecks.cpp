@@ -20,6 +20,7 @@ std::string placeOf(const std::string& path) {
   return untold ? path : resolved.string();
 }
 
+// Before the first job there is no file; whoever adds it makes one.
 void findMissing(const std::string& path, Findings& findings) {
   if (isLink(path)) {
     findings.push_back({Severity::error, path + " is a link that leads nowhere",
@@ -27,11 +28,13 @@ void findMissing(const std::string& path, Findings& findings) {
                         "Remove the link, or put back the file that it leads to."});
     return;
   }
+  const std::string folder = platform::withoutLastComponent(path);
+  if (kindOf(folder) != EntryKind::missing) return;
   findings.push_back(
-      {Severity::warning, "open " + path + ": No such file or directory",
+      {Severity::warning, "the job file's folder " + folder + " does not exist",
        "No job was ever added here: a worker that is started finds nothing to do.",
-       "Add a job with the application or the console. If there should be jobs, check that this is "
-       "the folder that the application shares with the worker."});
+       "Check that this is the folder that the application shares with the worker. The console "
+       "makes what is missing when it adds a job."});
 }
 
 void findDamage(const std::string& path, Findings& findings) {
@@ -94,7 +97,9 @@ Findings leftoverFindings(const std::string& path) {
   std::sort(names.begin(), names.end());
   for (const std::string& name : names) {
     if (name.rfind(kTemporaryPrefix, 0) != 0) continue;
-    findings.push_back({Severity::warning, folder + "/" + name + " is left over",
+    std::string what = folder;
+    what += "/" + name + " is left over";
+    findings.push_back({Severity::warning, what,
                         "A worker was killed, or the computer went down, while it wrote the job "
                         "file. The job file itself is whole.",
                         "Delete it. Look for a job that is still in state RUN."});

@@ -7,7 +7,7 @@
 
 namespace kelvane::console {
 
-// Of the file at this path: there, readable, JSON with an array at the top, replaceable.
+// Of the file at this path: readable, JSON with an array at the top, replaceable.
 Findings jobFileFindings(const std::string& path);
 
 // Temporary files that a killed writer left beside the job file.

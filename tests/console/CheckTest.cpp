@@ -47,6 +47,13 @@ TEST_F(CheckTest, WithoutFindingsItSaysWhatWasLookedAt) {
                 "\n  bundle    none was given, none was looked at\n");
 }
 
+TEST_F(CheckTest, BeforeTheFirstJobItSaysThatThereIsNoJobFileYet) {
+  fs::remove(folder / kTestJobFile);
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_NE(shown.str().find((folder / kTestJobFile) + " (there is none yet)\n"),
+            std::string::npos);
+}
+
 TEST_F(CheckTest, FindingsAreShownWithTheirMeaningAndCounted) {
   fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   folder.write(kTestJobFile, "{}");

@@ -56,11 +56,12 @@ TEST_F(Check, WithoutFindingsItNamesWhatItLookedAt) {
 
 // --- the job file
 
-TEST_F(Check, AMissingJobFileIsOneThatTheWorkerDoesNotFind) {
-  fs::remove(jobFile());
+TEST_F(Check, WithoutTheJobFilesFolderTheWorkerFindsNothing) {
+  fs::remove_all(shared() + "utility/command");
   runWorker({"17", shared()});
   EXPECT_THAT(log(), HasSubstr("[run][error] open " + jobFile() + kNoFile));
-  EXPECT_THAT(findings(), ElementsAre("warning: open " + jobFile() + kNoFile));
+  EXPECT_THAT(findings(), ElementsAre("warning: the job file's folder " + shared() +
+                                      "utility/command does not exist"));
 }
 
 TEST_F(Check, ADamagedJobFileIsLeftAloneByTheWorker) {

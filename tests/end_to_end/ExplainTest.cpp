@@ -1,7 +1,6 @@
 // What explain tells of jobs of the real worker, in every state and with every result.
 
 #include <csignal>
-#include <filesystem>
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -15,14 +14,11 @@
 namespace kelvane {
 namespace {
 
-namespace fs = std::filesystem;
-
 using console::ResultCode;
 using platform::Value;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::MatchesRegex;
 using ::testing::StartsWith;
 
 class Explain : public SupportInstallation {

@@ -55,7 +55,7 @@ std::vector<std::string> SupportInstallation::checkCommand() const {
 
 std::vector<std::string> SupportInstallation::findings() const {
   const testing::Ended ended = console(checkCommand());
-  const std::vector<std::string> found = inShort(ended.out);
+  std::vector<std::string> found = inShort(ended.out);
   EXPECT_EQ(ended.exitStatus, found.empty() ? 0 : 1) << ended.out << ended.err;
   EXPECT_EQ(ended.err, "");
   return found;
