@@ -71,7 +71,7 @@ std::string exclusion(const OptionShape& option) {
 
 // What follows an option's name.
 std::string explanation(const OptionShape& option) {
-  const std::string text = "[" + escaped(option.description) + "]";
+  std::string text = "[" + escaped(option.description) + "]";
   if (kindOf(option) == ValueKind::none) return text;
   return text + ":" + escaped(option.valueName) + ":" + actionFor(option);
 }

@@ -32,7 +32,7 @@ class BashCompletionTest : public ::testing::Test {
     folder.write("other.txt", "");
   }
   // What bash offers for the last of these words, sorted.
-  Words offered(Words words) const {
+  Words offered(const Words& words) const {
     std::string script = scriptFor("bash") + "COMP_WORDS=(kelvane-console";
     for (const std::string& word : words) script += " " + shellQuoted(word);
     script += ")\nCOMP_CWORD=" + std::to_string(words.size()) +
