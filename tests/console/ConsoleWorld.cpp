@@ -14,6 +14,10 @@ ConsoleWorld::ConsoleWorld() {
   job.bundle = folder / "Manager.app";
 }
 
+ConsoleWorld::~ConsoleWorld() {
+  while (::waitpid(-1, nullptr, 0) > 0) continue;
+}
+
 bool ConsoleWorld::wait(std::chrono::milliseconds step) {
   time += step;
   if (interrupt) return false;

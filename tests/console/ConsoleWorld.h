@@ -21,6 +21,8 @@ inline constexpr char kTestJobFile[] = "shared/utility/command/BGPLog.json";
 class ConsoleWorld : public ::testing::Test, public Clock {
  protected:
   ConsoleWorld();
+  // Waits for workers that the console has left behind: a later test would see their ends.
+  ~ConsoleWorld() override;
 
   std::chrono::milliseconds now() override { return time; }
   bool wait(std::chrono::milliseconds step) override;
