@@ -19,6 +19,14 @@ std::string asPrefix(const std::string& folder) {
   return folder.back() == '/' ? folder : folder + "/";
 }
 
+std::string existingShared(const std::string& folder) {
+  std::string prefix = asPrefix(folder);
+  if (!platform::isFolder(prefix)) {
+    throw Failure(kBadUsage, "the shared folder " + folder + " does not exist");
+  }
+  return prefix;
+}
+
 std::string absolutePath(const std::string& path, const std::string& what) {
   requireText(path, "the " + what);
   std::error_code failed;

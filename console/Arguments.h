@@ -12,6 +12,9 @@ void requireText(const std::string& text, const std::string& what);
 // The shared folder as the worker takes it: a plain prefix, with a "/" at its end.
 std::string asPrefix(const std::string& folder);
 
+// The same of a shared folder that has to be there.
+std::string existingShared(const std::string& folder);
+
 // The absolute path of something that may or may not be there.
 std::string absolutePath(const std::string& path, const std::string& what);
 

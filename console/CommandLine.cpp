@@ -9,6 +9,7 @@
 #include "console/Check.h"
 #include "console/Clock.h"
 #include "console/Completion.h"
+#include "console/DisplayText.h"
 #include "console/ExitCode.h"
 #include "console/Explain.h"
 #include "console/Jobs.h"
@@ -40,9 +41,9 @@ struct CommandLine::Commands {
 namespace {
 
 constexpr char kFooter[] =
-    "Exit status: 0 success, 1 the job failed, 2 bad usage, 3 the worker could not be\n"
-    "started or died, 4 the job file is damaged or cannot be read or written, 5 not found,\n"
-    "70 internal error, 130 interrupted (the worker goes on).";
+    "Exit status: 0 success, 1 the job failed or check has findings, 2 bad usage,\n"
+    "3 the worker could not be started or died, 4 the job file is damaged or cannot be read\n"
+    "or written, 5 not found, 70 internal error, 130 interrupted (the worker goes on).";
 
 // Runs a sub-command on the standard streams.
 int runHere(bool json, const std::function<int(const Surroundings&)>& subCommand) {
@@ -60,7 +61,7 @@ void addSharedOption(CLI::App& command, std::string& folder) {
 }
 
 void addJsonFlag(CLI::App& command, bool& json) {
-  command.add_flag("--json", json, "Show JSON for machines, one line per change");
+  command.add_flag("--json", json, "Show JSON for machines");
 }
 
 void addJobOptions(CLI::App& command, JobOptions& options, bool& json) {
@@ -266,6 +267,9 @@ int CommandLine::run(int argc, const char* const* argv) {
   try {
     commands_->app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
+    if (argc > 1 && *argv[1] != '-' && commands_->app.get_subcommands().empty()) {
+      std::cerr << "there is no sub-command " << displayText(argv[1], Charset::ascii) << '\n';
+    }
     return commands_->app.exit(error) == 0 ? kSuccess : kBadUsage;  // asking for help is no error
   }
   return commands_->exitCode;

@@ -27,12 +27,15 @@ namespace {
 
 using Explanations = std::vector<Explanation>;
 
+bool isHexadecimal(const std::string& subject) {
+  return subject.rfind("0x", 0) == 0 || subject.rfind("0X", 0) == 0;
+}
+
 std::optional<std::int64_t> codeOf(const std::string& subject) {
-  const bool isHexadecimal = subject.rfind("0x", 0) == 0 || subject.rfind("0X", 0) == 0;
-  const char* first = subject.data() + (isHexadecimal ? 2 : 0);
+  const char* first = subject.data() + (isHexadecimal(subject) ? 2 : 0);
   const char* end = subject.data() + subject.size();
   std::uint32_t code = 0;
-  const auto [rest, failed] = std::from_chars(first, end, code, isHexadecimal ? 16 : 10);
+  const auto [rest, failed] = std::from_chars(first, end, code, isHexadecimal(subject) ? 16 : 10);
   if (failed != std::errc() || rest != end) return std::nullopt;
   return code;
 }
@@ -48,12 +51,13 @@ JobCircumstances circumstancesOf(const std::string& logId, const std::string& sh
   return circumstances;
 }
 
-// The job with that log id; nothing where no shared folder is given or no record has it. A damaged
-// job file is a failure only where there is nothing but a log id to look for.
+// The job with that log id; nothing where no shared folder is given or no record has it. A job file
+// that cannot be read is a failure, except for what is meant as a code: whether it has the job is
+// not known.
 Value jobNamed(const ExplainOptions& options) {
   if (options.sharedFolder.empty()) return {};
   const JobFile file(asPrefix(options.sharedFolder));
-  if (!codeOf(options.subject)) file.read();
+  if (!isHexadecimal(options.subject)) file.read();
   return file.find(options.subject);
 }
 

@@ -93,6 +93,8 @@ std::string JobFile::add(const NewJob& job) const {
 
 Value JobFile::find(const std::string& logId) const {
   try {
+    std::error_code untold;
+    if (!std::filesystem::is_regular_file(path_, untold)) return {};  // a pipe would block
     const Value all = platform::parseJson(platform::readFile(path_));
     if (!all.isArray()) return {};
     for (std::size_t i = all.count(); i > 0; --i) {
@@ -106,6 +108,9 @@ Value JobFile::find(const std::string& logId) const {
 
 Value JobFile::read() const {
   if (!platform::exists(path_)) return Value::array();
+  if (!std::filesystem::is_regular_file(path_)) {
+    throw Failure(kJobFileFailed, path_ + " is no regular file");
+  }
   Value all;
   try {
     all = platform::parseJson(platform::readFile(path_));

@@ -27,9 +27,14 @@ Value requiredRecord(const JobFile& file, const std::string& logId) {
 Table tableOf(const Value& records) {
   Table table({{"Log id", true}, {"Command"}, {"State"}, {"Result", true}, {"Text"}});
   for (const Value& record : records.elements()) {
-    if (!record.isDictionary()) continue;
+    if (!record.isDictionary()) {
+      table.addRow({"-", "(no record)", "", "", ""});
+      continue;
+    }
     const JobStatus status = statusOf(record);
-    table.addRow({status.logId, status.command, status.state, status.result, status.resultText});
+    const Value& logId = record.get(job::kLogId);
+    table.addRow({logId.isNumber() ? logId.digits() + " (no text)" : status.logId, status.command,
+                  status.state, status.result, status.resultText});
   }
   return table;
 }
@@ -57,7 +62,7 @@ void showAll(const JobStatus& status, const Value& record, const Screen& screen)
 
 int list(const ListOptions& options, const Surroundings& surroundings) {
   return guarded(surroundings, [&] {
-    const Value records = JobFile(asPrefix(options.sharedFolder)).read();
+    const Value records = JobFile(existingShared(options.sharedFolder)).read();
     const Screen& screen = surroundings.screen;
     if (!screen.json) {
       showTable(tableOf(records), screen);
@@ -72,7 +77,8 @@ int list(const ListOptions& options, const Surroundings& surroundings) {
 
 int show(const OneJobOptions& options, const Surroundings& surroundings) {
   return guarded(surroundings, [&] {
-    const Value record = requiredRecord(JobFile(asPrefix(options.sharedFolder)), options.logId);
+    const Value record =
+        requiredRecord(JobFile(existingShared(options.sharedFolder)), options.logId);
     const Screen& screen = surroundings.screen;
     if (!screen.json) showAll(statusOf(record), record, screen);
     const std::string text = platform::printJson(record).value_or("null");
@@ -83,7 +89,7 @@ int show(const OneJobOptions& options, const Surroundings& surroundings) {
 
 int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   return guarded(surroundings, [&] {
-    const std::string sharedFolder = asPrefix(options.sharedFolder);
+    const std::string sharedFolder = existingShared(options.sharedFolder);
     requiredRecord(JobFile(sharedFolder), options.logId);
     ForeignWorker worker(options.logId, sharedFolder);
     const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings);

@@ -12,12 +12,18 @@ namespace {
 
 constexpr char kWorkerName[] = "Kelvane";
 
+// The worker may have any name, also stand behind an interpreter's, where it is called with both
+// arguments; without a folder it works in its current one, and is known by its name alone.
 bool isWorkerOf(const RunningProcess& process, const std::string& logId, const fs::path& folder) {
   const std::vector<std::string>& arguments = process.arguments;
-  if (arguments.size() < 3 || arguments[1] != logId) return false;
-  if (fs::path(arguments[0]).filename() != kWorkerName) return false;
+  const std::size_t count = arguments.size();
   std::error_code unknown;
-  return fs::equivalent(fs::path(process.currentFolder) / arguments[2], folder, unknown);
+  if (count == 2 && arguments[1] == logId) {
+    return fs::path(arguments[0]).filename() == kWorkerName &&
+           fs::equivalent(process.currentFolder, folder, unknown);
+  }
+  return count >= 3 && arguments[count - 2] == logId &&
+         fs::equivalent(fs::path(process.currentFolder) / arguments[count - 1], folder, unknown);
 }
 
 }  // namespace

@@ -14,8 +14,9 @@ struct RunningProcess {
 // Those of which the system tells the arguments. One source file for each system.
 std::vector<RunningProcess> runningProcesses();
 
-// Whether a worker runs the job: a process called "Kelvane" with this log id and a shared folder
-// that is the same one, however it is written.
+// Whether a worker runs the job: a process with this log id and a shared folder that is the same
+// one, however it is written, as its last two arguments; or one called "Kelvane" with the log id
+// alone, in the shared folder.
 bool workerRuns(const std::string& logId, const std::string& sharedFolder);
 
 }  // namespace kelvane::console

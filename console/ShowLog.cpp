@@ -59,7 +59,7 @@ std::string jsonOf(const LogEntry& entry, Charset charset) {
 int showLog(const ShowLogOptions& options, const Surroundings& surroundings) {
   return guarded(surroundings, [&] {
     const Screen& screen = surroundings.screen;
-    for (const LogEntry& entry : parseLog(readLog(asPrefix(options.sharedFolder)))) {
+    for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
       if (!isWanted(entry, options)) continue;
       screen.out << (screen.json ? jsonOf(entry, Charset::utf8)
                                  : lineOf(entry, options.full, screen))

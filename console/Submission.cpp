@@ -29,12 +29,17 @@ WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
 
 // What to do about a job whose worker is gone.
 std::string adviceFor(const JobStatus& status) {
-  if (status.state == job::kWait) return "it was not begun: submit it again";
+  if (status.state == job::kWait) {
+    return "it was not begun. \"kelvane-console check\" tells what may be in the way; then submit "
+           "it "
+           "again";
+  }
   if (status.command == job::kUpdateFW) {
     return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
            "still be going on in a controller, then submit the job again";
   }
-  return "nobody goes on with it: submit it again";
+  return "nobody goes on with it. \"kelvane-console explain\" tells what the log says; then submit "
+         "it again";
 }
 
 // Quoted for a shell where it needs to be.
@@ -54,18 +59,18 @@ std::string quoted(const std::string& word) {
 void requireFinished(const Followed& followed, const std::string& logId,
                      const std::string& sharedFolder, const Worker& worker) {
   const std::string job = "job " + logId;
-  const std::string ending = worker.ending().empty() ? "" : " (" + worker.ending() + ")";
+  // Of a worker that someone else started it is only seen that there is none.
+  const std::string gone = worker.ending().empty() ? "no worker is seen any more"
+                                                   : "the worker ended (" + worker.ending() + ")";
   const JobStatus& status = followed.last.status;
   switch (followed.outcome) {
     case Outcome::finished:
       return;
     case Outcome::workerEnded:
-      throw Failure(kWorkerFailed, "the worker ended" + ending + " without finishing " + job +
-                                       " and left it in state " + status.state + ": " +
-                                       adviceFor(status));
+      throw Failure(kWorkerFailed, gone + ", and left " + job + " unfinished in state " +
+                                       status.state + ": " + adviceFor(status));
     case Outcome::recordLost:
-      throw Failure(kJobFileFailed, "the worker ended" + ending + " and " + job +
-                                        " is not to be found in the job file");
+      throw Failure(kJobFileFailed, gone + ", and " + job + " is not to be found in the job file");
     case Outcome::interrupted:
       throw Failure(kInterrupted, "interrupted: the worker goes on with " + job +
                                       "; follow it again with: kelvane-console watch --shared " +
@@ -87,7 +92,7 @@ Look runJob(const JobOptions& options, const std::string& command, const Value& 
             const Surroundings& surroundings) {
   WorkerCommand start;
   start.executable = workerPath(options);
-  start.sharedFolder = asPrefix(options.sharedFolder);
+  start.sharedFolder = existingShared(options.sharedFolder);
   start.showOutput = options.verbose;
   if (!options.logId.empty()) requireText(options.logId, "the log id");
   const JobFile file(start.sharedFolder);

@@ -67,7 +67,7 @@ bool ForeignWorker::hasEnded() {
   if (workerRuns(logId_, sharedFolder_)) return false;
   // Read after the look for the process, so that what the worker wrote last is seen.
   const platform::Value record = file_.find(logId_);
-  return !record.isNothing() && statusOf(record).state == job::kRun;
+  return record.isNothing() || statusOf(record).state != job::kWait;
 }
 
 WorkerProcess::WorkerProcess(const WorkerCommand& command) {

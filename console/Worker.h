@@ -20,7 +20,7 @@ class Worker {
 };
 
 // The worker of a job that someone else started, seen only from outside. It has ended when no such
-// process runs while the job is in "RUN"; before "RUN" it may still be started.
+// process runs, unless the job is in "WAIT": then it may still be started.
 class ForeignWorker : public Worker {
  public:
   // The shared folder ends with "/".

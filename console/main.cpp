@@ -2,13 +2,17 @@
 
 #include <cstdio>
 #include <exception>
+#include <iostream>
+#include <stdexcept>
 
 #include "console/CommandLine.h"
 #include "console/ExitCode.h"
 
 int main(int argc, char** argv) {
   try {
-    return kelvane::console::CommandLine().run(argc, argv);
+    const int exitCode = kelvane::console::CommandLine().run(argc, argv);
+    if (std::cout.flush()) return exitCode;
+    throw std::runtime_error("standard output cannot be written");
   } catch (const std::exception& unexpected) {
     std::fprintf(stderr, "kelvane-console: %s\n", unexpected.what());
     return kelvane::console::kInternalError;

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -34,6 +35,32 @@ std::string nearestFolder(std::string folder) {
   return kindOf(folder) == EntryKind::missing ? "." : folder;
 }
 
+std::string startOf(const std::string& path) {
+  std::string start(256, '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(start.data(), static_cast<std::streamsize>(start.size()));
+  start.resize(static_cast<std::size_t>(file.gcount()));
+  return start;
+}
+
+// What the systems' own programs and libraries begin with.
+bool isBinary(const std::string& start) {
+  for (const char* magic : {"\x7F"
+                            "ELF",
+                            "\xCF\xFA\xED\xFE", "\xCA\xFE\xBA\xBE"}) {
+    if (start.rfind(magic, 0) == 0) return true;
+  }
+  return false;
+}
+
+// Of "#!/bin/sh -e" the interpreter.
+std::string interpreterOf(const std::string& start) {
+  const std::string line = start.substr(0, start.find('\n'));
+  const std::size_t first = line.find_first_not_of(' ', 2);
+  if (first == std::string::npos) return {};
+  return line.substr(first, line.find(' ', first) - first);
+}
+
 }  // namespace
 
 EntryKind kindOf(const std::string& path) {
@@ -62,6 +89,21 @@ std::string changeRefusal(const std::string& folder) {
   if (cause.empty()) cause = refusal(nearest, Access::execute);
   if (kind != EntryKind::folder && kind != EntryKind::unreachable) cause = std::strerror(ENOTDIR);
   return cause.empty() ? "" : nearest + ": " + cause;
+}
+
+std::string programFault(const std::string& path) {
+  const std::string start = startOf(path);
+  if (start.empty()) return "it is empty";
+  if (isBinary(start)) return {};
+  if (start.rfind("#!", 0) != 0) return "it is no program";
+  const std::string interpreter = interpreterOf(start);
+  return platform::exists(interpreter) ? "" : "its interpreter " + interpreter + " does not exist";
+}
+
+std::string libraryFault(const std::string& path) {
+  const std::string start = startOf(path);
+  if (start.empty()) return "it is empty";
+  return isBinary(start) ? "" : "it is no library";
 }
 
 JsonFile readJsonFile(const std::string& path) {

@@ -26,6 +26,13 @@ std::string refusal(const std::string& path, Access access);
 // could be made. Empty where they can.
 std::string changeRefusal(const std::string& folder);
 
+// Why the file cannot be started though it may be executed: "it is empty", "it is no program";
+// empty where it looks like a program of this system or a script whose interpreter is there.
+std::string programFault(const std::string& path);
+
+// Why the file is no shared library: likewise.
+std::string libraryFault(const std::string& path);
+
 struct JsonFile {
   platform::Value value;
   std::string fault;  // why there is no value: a line with the path and the cause

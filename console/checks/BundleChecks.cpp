@@ -8,6 +8,7 @@
 #include "console/checks/Access.h"
 #include "console/checks/Framework.h"
 #include "console/checks/SettingsChecks.h"
+#include "platform/File.h"
 
 namespace kelvane::console {
 
@@ -74,8 +75,28 @@ void findWorker(const std::string& bundle, Findings& findings) {
   if (const std::string cause = refusal(worker, Access::execute); !cause.empty()) {
     findings.push_back({Severity::error, "the worker " + worker + " cannot be executed: " + cause,
                         kNoWorker, "Make it executable for the user that runs the application."});
+  } else if (const std::string fault = programFault(worker); !fault.empty()) {
+    findings.push_back({Severity::error, "the worker " + worker + " cannot be started: " + fault,
+                        kNoWorker, "Install the worker into the bundle."});
   }
   findElsewhere(bundle, worker, findings);
+}
+
+// The libraries that the bundle brings along, the framework aside.
+void findLibraries(const std::string& bundle, Findings& findings) {
+  const std::string folder = bundle + "/Contents/Frameworks";
+  std::vector<std::string> names = platform::listFolder(folder);
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) {
+    const std::string path = folder + "/" + name;
+    if (name.rfind("lib", 0) != 0 || path == frameworkPath(bundle)) continue;
+    if (kindOf(path) != EntryKind::file) continue;
+    const std::string fault = libraryFault(path);
+    if (fault.empty()) continue;
+    findings.push_back({Severity::error, "the library " + path + " cannot be loaded: " + fault,
+                        "A program that needs it cannot be started: jobs stay in state WAIT.",
+                        "Install the worker into the bundle anew."});
+  }
 }
 
 }  // namespace
@@ -93,6 +114,7 @@ Findings bundleFindings(const std::string& bundle) {
   findWorker(bundle, findings);
   append(findings, productSettingsFindings(productSettingsPath(bundle)));
   append(findings, frameworkFindings(frameworkPath(bundle)));
+  findLibraries(bundle, findings);
   return findings;
 }
 

@@ -43,7 +43,9 @@ void findDamage(const std::string& path, Findings& findings) {
     findings.push_back({Severity::error, file.fault,
                         "The worker finds no job in it and starts nothing. If the file is damaged "
                         "while a job runs, the next update replaces it by an empty list.",
-                        "Mend the file, or move it away: the application starts a new one."});
+                        refusal(path, Access::read).empty()
+                            ? "Mend the file, or move it away: the application starts a new one."
+                            : "Give the user that runs the worker the right to read it."});
   } else if (!file.value.isArray()) {
     findings.push_back({Severity::error, path + " is an object, not an array of records",
                         "The worker finds no job in it and starts nothing.",

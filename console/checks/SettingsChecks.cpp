@@ -77,6 +77,9 @@ void findEngine(const std::string& settings, const std::string& application, Fin
     findings.push_back({Severity::error,
                         "the update engine " + engine + " cannot be executed: " + cause, kNoEngine,
                         "Make it executable for the user that runs the worker."});
+  } else if (const std::string fault = programFault(engine); !fault.empty()) {
+    findings.push_back(
+        engineFinding("the update engine " + engine + " cannot be started: " + fault));
   }
 }
 

@@ -71,6 +71,10 @@ std::string unfinishedCplds(const JobStatus& status) {
 }
 
 Explanation updatedFirmware(const JobStatus& status) {
+  if (status.controllers.empty()) {
+    return {"", "The job names no controller: nothing was flashed.", "support",
+            "Find out what the application put into the job's input_parameters.", "not as it is"};
+  }
   const std::string cplds = unfinishedCplds(status);
   if (cplds.empty()) return {"", "Every controller has its firmware.", "nobody", "", "no"};
   return {

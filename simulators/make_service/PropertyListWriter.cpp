@@ -78,7 +78,8 @@ List arrayOf(const Value& value) {
 List dictionaryOf(const Value& value) {
   List dictionary(::plist_new_dict());
   for (const auto& [key, element] : value.entries()) {
-    ::plist_dict_set_item(dictionary.get(), checkedText(key).c_str(), nodeOf(element).release());
+    const std::string& name = checkedText(key);  // raises before there is a node to lose
+    ::plist_dict_set_item(dictionary.get(), name.c_str(), nodeOf(element).release());
   }
   return dictionary;
 }

@@ -26,7 +26,7 @@ class BundleChecks : public ::testing::Test {
   BundleChecks() { install(bundle); }
 
   static void install(const testing::TempFolder& folder, const std::string& below = "") {
-    ::chmod(folder.write(below + "Contents/Resources/Kelvane", "").c_str(), 0755);
+    ::chmod(folder.write(below + "Contents/Resources/Kelvane", "#!/bin/sh\n").c_str(), 0755);
   }
   std::vector<std::string> found() const { return inShort(bundleFindings(bundle.path())); }
 
@@ -77,6 +77,23 @@ TEST_F(BundleChecks, WorkerHasToBeAnExecutableFile) {
   EXPECT_THAT(found(), Contains("error: the worker " + worker + " does not exist"));
   fs::create_directory(worker);
   EXPECT_THAT(found(), Contains("error: the worker " + worker + " is no regular file"));
+}
+
+TEST_F(BundleChecks, WorkerHasToBeAProgram) {
+  const std::string worker = workerIn(bundle.path());
+  const auto expectFault = [&](const std::string& bytes, const std::string& fault) {
+    bundle.write("Contents/Resources/Kelvane", bytes);
+    EXPECT_THAT(found(), Contains("error: the worker " + worker + " cannot be started: " + fault));
+  };
+  expectFault("", "it is empty");
+  expectFault("text", "it is no program");
+  expectFault("#!/nonexistent/x -e\n", "its interpreter /nonexistent/x does not exist");
+}
+
+TEST_F(BundleChecks, LibrariesThatAreBroughtAlongHaveToBeLibraries) {
+  const std::string library = bundle.write("Contents/Frameworks/libplist-2.0.so.3", "junk");
+  EXPECT_THAT(found(),
+              Contains("error: the library " + library + " cannot be loaded: it is no library"));
 }
 
 TEST_F(BundleChecks, WorkerThatIsALinkIsAnErrorAsItTakesAnotherPlaceForItsOwn) {

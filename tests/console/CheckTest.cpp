@@ -25,7 +25,8 @@ class CheckTest : public ConsoleWorld {
     folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
     folder.write("shared/utility/config/setting.json",
                  R"({"AppPath": ")" + (folder / "Manager.app") + "\"}");
-    const std::string engine = folder.write("Manager.app/Contents/Resources/EngineRunner", "");
+    const std::string engine =
+        folder.write("Manager.app/Contents/Resources/EngineRunner", "#!/bin/sh\n");
     fs::permissions(engine, fs::perms::owner_all);
   }
   int run() { return check(options, surroundings()); }

@@ -10,6 +10,7 @@
 namespace kelvane::console {
 
 ConsoleWorld::ConsoleWorld() {
+  std::filesystem::create_directories(folder / "shared");
   job.sharedFolder = folder / "shared";
   job.bundle = folder / "Manager.app";
 }

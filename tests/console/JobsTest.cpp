@@ -1,5 +1,9 @@
 // The sub-commands list, show and watch.
 
+#include <filesystem>
+
+#include <sys/stat.h>
+
 #include "ConsoleWorld.h"
 #include "console/ExitCode.h"
 #include "console/Jobs.h"
@@ -34,7 +38,8 @@ TEST_F(JobsTest, ListIsATable) {
             "Log id  Command              State  Result  Text\n"
             "     1  updateSW             FREE        0  fine\n"
             "     2  updateFW             RUN         0  fine\n"
-            "     3  getOnlineUpdateData  FREE        0\n");
+            "     3  getOnlineUpdateData  FREE        0\n"
+            "     -  (no record)\n");
 }
 
 TEST_F(JobsTest, ListForMachinesIsARecordALine) {
@@ -44,9 +49,30 @@ TEST_F(JobsTest, ListForMachinesIsARecordALine) {
   EXPECT_EQ(shown.str(), "{\"log_id\":\"1\",\"a\":[1,2]}\n{\"log_id\":\"2\"}\n");
 }
 
+TEST_F(JobsTest, ASharedFolderThatIsNotThereIsBadUsage) {
+  EXPECT_EQ(list({"/nowhere"}, surroundings()), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: the shared folder /nowhere does not exist\n");
+}
+
+TEST_F(JobsTest, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
+  std::filesystem::remove(folder / kTestJobFile);
+  ASSERT_EQ(::mkfifo((folder / kTestJobFile).c_str(), 0600), 0);
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: " + (folder / kTestJobFile) + " is no regular file\n");
+}
+
+TEST_F(JobsTest, ALogIdThatIsNoTextIsShownAsThat) {
+  folder.write(kTestJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
+  EXPECT_EQ(runList(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "     Log id  Command  State  Result  Text\n"
+            "9 (no text)           WAIT\n");
+}
+
 TEST_F(JobsTest, WithoutAJobFileTheListIsEmpty) {
-  job.sharedFolder = folder / "other";
-  EXPECT_EQ(list({folder / "other"}, surroundings()), kSuccess);
+  std::filesystem::remove(folder / kTestJobFile);
+  EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(), "Log id  Command  State  Result  Text\n");
 }
 
@@ -106,7 +132,7 @@ TEST_F(JobsTest, WatchOfAFinishedJobIsItsResult) {
 TEST_F(JobsTest, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
   EXPECT_EQ(runWatch("2"), kWorkerFailed);
   EXPECT_EQ(messages.str(),
-            "kelvane-console: the worker ended without finishing job 2 and left it in state RUN: "
+            "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "
             "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
             "still be going on in a controller, then submit the job again\n");
 }

@@ -75,7 +75,7 @@ TEST_F(QueryTest, FolderThatIsNotEmptyIsRefused) {
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") +
                                 " is not empty: it would be removed with everything in it\n");
-  EXPECT_FALSE(platform::exists(folder / "shared"));
+  EXPECT_FALSE(platform::exists(folder / kTestJobFile));
 }
 
 TEST_F(QueryTest, FileInPlaceOfTheFolderIsRefused) {

@@ -32,7 +32,8 @@ class ProcessesTest : public ::testing::Test {
     process_ = ::fork();
     if (process_ == 0) {
       if (::chdir(folder.path().c_str()) != 0) ::_exit(126);
-      ::execl("/bin/cat", name.c_str(), "18", shared.c_str(), nullptr);
+      const char* last = shared.empty() ? nullptr : shared.c_str();
+      ::execl("/bin/cat", name.c_str(), "18", last, nullptr);
       ::_exit(127);
     }
     line_.open(folder / "18");  // once it is there and reads
@@ -74,9 +75,18 @@ TEST_F(ProcessesTest, TheSharedFolderMayBeWrittenInAnyWay) {
   }
 }
 
-TEST_F(ProcessesTest, AProcessOfAnotherNameIsNoWorker) {
-  start("kelvane-console", folder / "shared/");
+TEST_F(ProcessesTest, UnderAnotherNameItIsTheSameWorker) {
+  start("/any/where/Worker-2", folder / "shared/");
+  EXPECT_TRUE(runs());
+}
+
+TEST_F(ProcessesTest, WithoutAFolderItWorksInItsCurrentOneAndIsKnownByItsName) {
+  start("Kelvane", "");
+  EXPECT_TRUE(workerRuns("18", folder / ""));
   EXPECT_FALSE(runs());
+  end();
+  start("cat", "");
+  EXPECT_FALSE(workerRuns("18", folder / ""));
 }
 
 TEST_F(ProcessesTest, ForeignWorkerHasEndedWhenNoneRunsAndTheJobIsInRun) {
@@ -88,8 +98,13 @@ TEST_F(ProcessesTest, ForeignWorkerHasEndedWhenNoneRunsAndTheJobIsInRun) {
 TEST_F(ProcessesTest, BeforeRunAWorkerMayStillBeStarted) {
   setState("WAIT");
   EXPECT_FALSE(hasEnded());
+}
+
+TEST_F(ProcessesTest, WithoutItsRecordAJobThatNobodyRunsIsOver) {
   folder.write("shared/utility/command/BGPLog.json", "[");
-  EXPECT_FALSE(hasEnded());
+  EXPECT_TRUE(hasEnded());
+  setState("DONE");
+  EXPECT_TRUE(hasEnded());
 }
 
 }  // namespace

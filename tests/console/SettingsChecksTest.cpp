@@ -25,7 +25,8 @@ class SettingsChecks : public ::testing::Test {
  protected:
   SettingsChecks() {
     ::chmod(folder.path().c_str(), 0755);
-    ::chmod(folder.write("Manager.app/Contents/Resources/EngineRunner", "").c_str(), 0755);
+    ::chmod(folder.write("Manager.app/Contents/Resources/EngineRunner", "#!/bin/sh\n").c_str(),
+            0755);
     for (const ProductSetting& setting : productSettings()) product.set(setting.key, "x");
     product.set("AppPath", folder / "Manager.app");
     writeShared(R"({"AppPath": ")" + (folder / "Manager.app") + "\"}");

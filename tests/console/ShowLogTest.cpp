@@ -1,5 +1,7 @@
 // The sub-command log.
 
+#include <filesystem>
+
 #include "ConsoleWorld.h"
 #include "console/ExitCode.h"
 #include "console/ShowLog.h"
@@ -66,7 +68,7 @@ TEST_F(ShowLogTest, ForMachinesALineOfJsonEach) {
 }
 
 TEST_F(ShowLogTest, WithoutALogThereIsNoneToShow) {
-  options.sharedFolder = folder / "other";
+  std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   EXPECT_EQ(run(), kNotFound);
 }
 

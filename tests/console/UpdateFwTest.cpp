@@ -28,7 +28,7 @@ class UpdateFwTest : public ConsoleWorld {
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
     EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
-    EXPECT_FALSE(platform::exists(folder / "shared"));
+    EXPECT_FALSE(platform::exists(folder / kTestJobFile));
   }
 
   // A pipe for a worker that lives until a line comes.
@@ -80,15 +80,19 @@ TEST_F(UpdateFwTest, WorkerThatDiesInWait) {
   makeWorker("exit 0");
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(),
-            "kelvane-console: the worker ended (exit status 0) without finishing job 1 and left it "
-            "in state WAIT: it was not begun: submit it again\n");
+            "kelvane-console: the worker ended (exit status 0), and left job 1 unfinished in state "
+            "WAIT: it was not begun. \"kelvane-console check\" tells what may be in the way; then "
+            "submit it again\n");
 }
 
 TEST_F(UpdateFwTest, WorkerThatDiesInRun) {
   makeWorkerThatLeaves("RUN", "0");
   EXPECT_EQ(run(), kWorkerFailed);
-  EXPECT_NE(messages.str().find("left it in state RUN: nobody goes on with it: submit it again\n"),
-            std::string::npos)
+  EXPECT_NE(
+      messages.str().find(
+          "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain\" tells "
+          "what the log says; then submit it again\n"),
+      std::string::npos)
       << messages.str();
 }
 
@@ -96,7 +100,7 @@ TEST_F(UpdateFwTest, WorkerThatDiesWhileAControllerMayBeFlashed) {
   makeWorkerThatLeaves("RUN", "0", R"(, "job_id": "updateFW")");
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_NE(messages.str().find(
-                "left it in state RUN: nobody goes on with it. Leave the enclosures powered for "
+                "unfinished in state RUN: nobody goes on with it. Leave the enclosures powered for "
                 "some minutes, as a flash may still be going on in a controller, then submit the "
                 "job again\n"),
             std::string::npos)
@@ -115,9 +119,10 @@ TEST_F(UpdateFwTest, HowToFollowAgainIsQuotedForAShell) {
 TEST_F(UpdateFwTest, WorkerThatLosesTheRecord) {
   makeWorker("echo '[]' > \"$2utility/command/BGPLog.json\"");
   EXPECT_EQ(run(), kJobFileFailed);
-  EXPECT_EQ(messages.str(),
-            "kelvane-console: the worker ended (exit status 0) and job 1 is not to be found in the "
-            "job file\n");
+  EXPECT_EQ(
+      messages.str(),
+      "kelvane-console: the worker ended (exit status 0), and job 1 is not to be found in the "
+      "job file\n");
 }
 
 TEST_F(UpdateFwTest, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
@@ -199,6 +204,11 @@ TEST_F(UpdateFwTest, NoBundleAndNoWorkerIsRefused) {
 TEST_F(UpdateFwTest, EmptySharedFolderIsRefused) {
   job.sharedFolder = "";
   expectRefused("the shared folder is missing");
+}
+
+TEST_F(UpdateFwTest, SharedFolderThatIsNotThereIsRefused) {
+  job.sharedFolder = "/nowhere/shared";
+  expectRefused("the shared folder /nowhere/shared does not exist");
 }
 
 TEST_F(UpdateFwTest, TakenLogIdIsRefused) {

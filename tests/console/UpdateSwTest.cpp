@@ -27,7 +27,7 @@ class UpdateSwTest : public ConsoleWorld {
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
     EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
-    EXPECT_FALSE(platform::exists(folder / "shared"));
+    EXPECT_FALSE(platform::exists(folder / kTestJobFile));
   }
 
   UpdateSwOptions options;
@@ -64,7 +64,7 @@ TEST_F(UpdateSwTest, WithoutSettingsTheResultCounts) {
   for (const char* settings : {"", "[]", "{}", R"({"AppPath": 5})"}) {
     folder.write("Manager.app/Contents/Resources/Config/setting.json", settings);
     EXPECT_EQ(run(), kSuccess) << settings;
-    std::filesystem::remove_all(folder / "shared");
+    std::filesystem::remove_all(folder / "shared/utility");
   }
   std::filesystem::remove_all(folder / "Manager.app/Contents/Resources/Config");
   EXPECT_EQ(run(), kSuccess);

@@ -82,7 +82,7 @@ TEST_F(ConsoleScreen, BarsIn40Columns) {
              "  total    ###############--------  68%", "5000A1B2C3D4E5F7  waiting",
              "  cpld     -----------------------   0%", "  firmware -----------------------   0%",
              "  total    -----------------------   0%"}));
-  EXPECT_THAT(joined(ascii, 9), HasSubstr("the worker ended without"));
+  EXPECT_THAT(joined(ascii, 9), HasSubstr("no worker is seen any more"));
   EXPECT_EQ(watched({40, 24, true})[3], "  firmware ████████░░░░░░░░░░░░░░░  37%");
 }
 
@@ -256,7 +256,7 @@ TEST_F(ConsoleJob, JsonIsOneLineForEachVersionAndNothingElse) {
 
 TEST_F(ConsoleJob, BadUsageIsItsOwnExitStatusAndHelpIsNone) {
   for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{}, {"nothing"}, {"query"}, {"log", "--level", "loud"}}) {
+       {std::vector<std::string>{}, {"chek"}, {"query"}, {"log", "--level", "loud"}}) {
     std::vector<std::string> argv = {KELVANE_CONSOLE};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
     EXPECT_EQ(testing::runProgram(argv, folder.path()).exitStatus, 2);
@@ -264,6 +264,18 @@ TEST_F(ConsoleJob, BadUsageIsItsOwnExitStatusAndHelpIsNone) {
   const testing::Ended help = testing::runProgram({KELVANE_CONSOLE, "--help"}, folder.path());
   EXPECT_EQ(help.exitStatus, 0);
   EXPECT_THAT(help.out, HasSubstr("update-fw"));
+}
+
+TEST_F(ConsoleJob, AnUnknownSubCommandIsNamed) {
+  EXPECT_THAT(testing::runProgram({KELVANE_CONSOLE, "chek"}, folder.path()).err,
+              HasSubstr("there is no sub-command chek\n"));
+}
+
+TEST_F(ConsoleJob, OutputThatCannotBeWrittenIsNoSuccess) {
+  const testing::Ended ended = testing::runProgram(
+      {"/bin/sh", "-c", std::string(KELVANE_CONSOLE) + " explain 0 > /dev/full"}, folder.path());
+  EXPECT_EQ(ended.exitStatus, 70);
+  EXPECT_EQ(ended.err, "kelvane-console: standard output cannot be written\n");
 }
 
 }  // namespace
