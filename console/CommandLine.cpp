@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -270,7 +271,12 @@ int CommandLine::run(int argc, const char* const* argv) {
     if (argc > 1 && *argv[1] != '-' && commands_->app.get_subcommands().empty()) {
       std::cerr << "there is no sub-command " << displayText(argv[1], Charset::ascii) << '\n';
     }
-    return commands_->app.exit(error) == 0 ? kSuccess : kBadUsage;  // asking for help is no error
+    std::ostringstream out;
+    std::ostringstream err;
+    const int exitCode = commands_->app.exit(error, out, err);
+    std::cout << fittedLines(out.str(), screenOfStandardOutput(std::cout, false).columns);
+    std::cerr << err.str();
+    return exitCode == 0 ? kSuccess : kBadUsage;  // asking for help is no error
   }
   return commands_->exitCode;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cwchar>
+#include <sstream>
 
 #include <fmt/format.h>
 
@@ -164,6 +165,22 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
     rest.erase(0, std::min(rest.find_first_not_of(' ', end), rest.size()));
   }
   return lines;
+}
+
+std::string fittedLines(const std::string& text, std::size_t columns) {
+  std::istringstream lines(text);
+  std::string fitted;
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t blanks = std::min(line.find_first_not_of(' '), line.size());
+    if (columns == 0 || columnsOf(line) <= columns || blanks >= columns) {
+      fitted += line + '\n';
+      continue;
+    }
+    for (const std::string& part : wrapped(line.substr(blanks), columns - blanks)) {
+      fitted += std::string(blanks, ' ') + part + '\n';
+    }
+  }
+  return fitted;
 }
 
 }  // namespace kelvane::console

@@ -52,4 +52,8 @@ std::size_t columnsOf(const std::string& text);
 // but no character.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns);
 
+// Lines of text, each wrapped where it is wider than `columns` (0: any width will do); what goes on
+// is indented like its line.
+std::string fittedLines(const std::string& text, std::size_t columns);
+
 }  // namespace kelvane::console

@@ -52,7 +52,8 @@ void append(std::vector<LogEntry>& entries, std::string_view line) {
   } else if (entries.empty()) {
     entries.emplace_back().message = line;
   } else {
-    entries.back().message += "\n" + std::string(line);
+    entries.back().message += '\n';
+    entries.back().message += line;
   }
 }
 

@@ -132,6 +132,19 @@ TEST_F(ConsoleScreen, ListIn40And80Columns) {
   EXPECT_EQ(shown({"list", "--shared", "shared"}, {40, 24, true})[1], "Command  updateFW");
 }
 
+TEST_F(ConsoleScreen, HelpFitsTheTerminal) {
+  constexpr unsigned short kWidths[] = {40, 80};
+  for (const unsigned short columns : kWidths) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"query", "--help"}}) {
+      for (const std::string& line : shown(arguments, {columns, 24, false})) {
+        EXPECT_LT(line.size(), columns) << line;
+      }
+      EXPECT_EQ(exitStatus, 0);
+    }
+  }
+}
+
 TEST_F(ConsoleScreen, ColourOnlyWhereItIsWanted) {
   queried({80, 24, true});
   EXPECT_THAT(output, HasSubstr("\x1b[32mresult 0: no error\x1b[0m"));
