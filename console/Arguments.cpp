@@ -37,7 +37,7 @@ std::string absolutePath(const std::string& path, const std::string& what) {
 }
 
 std::string existingPath(const std::string& path, const std::string& what) {
-  const std::string absolute = absolutePath(path, what);
+  std::string absolute = absolutePath(path, what);
   if (!platform::exists(absolute)) {
     throw Failure(kBadUsage, what + " " + path + " does not exist");
   }

@@ -17,7 +17,7 @@ namespace {
 Value requiredRecord(const JobFile& file, const std::string& logId) {
   requireText(logId, "the log id");
   const Value records = file.read();  // raises where it is damaged
-  const Value record = file.find(logId);
+  Value record = file.find(logId);
   if (record.isNothing()) {
     throw Failure(kNotFound, "no job " + logId + " in " + file.path());
   }

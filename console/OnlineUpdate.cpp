@@ -23,7 +23,7 @@ std::string engineFolder(const JobOptions& job, const EngineOptions& engine) {
   if (engine.folder.empty()) {
     return absolutePath(asPrefix(job.sharedFolder) + "tmp/EngineRunner", "shared folder");
   }
-  const std::string folder = absolutePath(engine.folder, "folder");
+  std::string folder = absolutePath(engine.folder, "folder");
   if (platform::exists(folder) && !platform::isFolder(folder)) {
     throw Failure(kBadUsage, "folder " + folder + " is a file");
   }

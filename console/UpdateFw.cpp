@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kMostPathBytes = 255;
 
 std::string absoluteImage(const std::string& path) {
-  const std::string image = existingPath(path, "image");
+  std::string image = existingPath(path, "image");
   if (platform::isFolder(image)) throw Failure(kBadUsage, "image " + path + " is a folder");
   if (image.size() > kMostPathBytes) {
     throw Failure(kBadUsage, "image " + image + ": the path is longer than " +

@@ -32,7 +32,7 @@ std::string installedApplication(const std::string& bundle) {
 }
 
 std::string packagePath(const std::string& path) {
-  const std::string package = existingPath(path, "package");
+  std::string package = existingPath(path, "package");
   if (!platform::isFolder(package)) {
     throw Failure(kBadUsage, "package " + path + " is no application bundle: it is a file");
   }

@@ -82,20 +82,23 @@ void findWorker(const std::string& bundle, Findings& findings) {
   findElsewhere(bundle, worker, findings);
 }
 
+void findLibrary(const std::string& path, Findings& findings) {
+  if (kindOf(path) != EntryKind::file) return;
+  const std::string fault = libraryFault(path);
+  if (fault.empty()) return;
+  findings.push_back({Severity::error, "the library " + path + " cannot be loaded: " + fault,
+                      "A program that needs it cannot be started: jobs stay in state WAIT.",
+                      "Install the worker into the bundle anew."});
+}
+
 // The libraries that the bundle brings along, the framework aside.
 void findLibraries(const std::string& bundle, Findings& findings) {
-  const std::string folder = bundle + "/Contents/Frameworks";
-  std::vector<std::string> names = platform::listFolder(folder);
+  const fs::path folder = bundle + "/Contents/Frameworks";
+  std::vector<std::string> names = platform::listFolder(folder.string());
   std::sort(names.begin(), names.end());
   for (const std::string& name : names) {
-    const std::string path = folder + "/" + name;
-    if (name.rfind("lib", 0) != 0 || path == frameworkPath(bundle)) continue;
-    if (kindOf(path) != EntryKind::file) continue;
-    const std::string fault = libraryFault(path);
-    if (fault.empty()) continue;
-    findings.push_back({Severity::error, "the library " + path + " cannot be loaded: " + fault,
-                        "A program that needs it cannot be started: jobs stay in state WAIT.",
-                        "Install the worker into the bundle anew."});
+    const std::string path = (folder / name).string();
+    if (name.rfind("lib", 0) == 0 && path != frameworkPath(bundle)) findLibrary(path, findings);
   }
 }
 
