@@ -68,7 +68,7 @@ TEST_F(ProcessesTest, AWorkerIsFoundByItsNameJobAndFolder) {
 }
 
 TEST_F(ProcessesTest, TheSharedFolderMayBeWrittenInAnyWay) {
-  for (const char* spelling : {"shared", "./shared/", "shared/../shared/"}) {
+  for (const char* spelling : {"shared", "./shared/", "shared//."}) {
     start("Kelvane", spelling);
     EXPECT_TRUE(runs()) << spelling;
     end();
