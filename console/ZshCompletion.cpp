@@ -39,7 +39,7 @@ else
 fi
 )";
 
-// Signs that mean something in a specification.
+// Signs that mean something in a phrase.
 std::string escaped(const std::string& text) {
   std::string safe;
   for (const char character : text) {
@@ -76,42 +76,41 @@ std::string explanation(const OptionShape& option) {
   return text + ":" + escaped(option.valueName) + ":" + actionFor(option);
 }
 
-// One specification for each of the option's names.
-std::string optionSpecifications(const OptionShape& option, const std::string& indent) {
+// One phrase for each of the option's names.
+std::string optionPhrases(const OptionShape& option, const std::string& indent) {
   const bool takesValue = kindOf(option) != ValueKind::none;
   std::string all;
   for (const std::string& name : option.names) {
-    std::string specification = exclusion(option);
-    specification += name;
-    if (takesValue && name.rfind("--", 0) == 0) specification += "=";
-    specification += explanation(option);
+    std::string phrase = exclusion(option);
+    phrase += name;
+    if (takesValue && name.rfind("--", 0) == 0) phrase += "=";
+    phrase += explanation(option);
     all += indent;
-    all += shellQuoted(specification);
+    all += shellQuoted(phrase);
     all += " \\\n";
   }
   return all;
 }
 
-std::string argumentSpecification(const OptionShape& argument, std::size_t position,
-                                  const std::string& indent) {
+std::string argumentPhrase(const OptionShape& argument, std::size_t position,
+                           const std::string& indent) {
   std::string place = argument.repeated ? "*" : std::to_string(position);
   if (!argument.repeated && !argument.required) place += ":";
-  const std::string specification =
-      place + ":" + escaped(argument.valueName) + ":" + actionFor(argument);
-  return indent + shellQuoted(specification) + " \\\n";
+  const std::string phrase = place + ":" + escaped(argument.valueName) + ":" + actionFor(argument);
+  return indent + shellQuoted(phrase) + " \\\n";
 }
 
 std::string commandCase(const CommandShape& command) {
   const std::string indent(12, ' ');
-  std::string specifications;
+  std::string phrases;
   for (const OptionShape& option : command.options) {
-    specifications += optionSpecifications(option, indent);
+    phrases += optionPhrases(option, indent);
   }
   std::size_t position = 0;
   for (const OptionShape& argument : command.arguments) {
-    specifications += argumentSpecification(argument, ++position, indent);
+    phrases += argumentPhrase(argument, ++position, indent);
   }
-  return "        " + command.name + ")\n          _arguments \\\n" + specifications + indent +
+  return "        " + command.name + ")\n          _arguments \\\n" + phrases + indent +
          "&& return ;;\n";
 }
 
@@ -119,7 +118,7 @@ std::string commandCase(const CommandShape& command) {
 
 std::string zshCompletion(const CommandShape& app) {
   std::string script = kBeginning;
-  for (const OptionShape& option : app.options) script += optionSpecifications(option, "    ");
+  for (const OptionShape& option : app.options) script += optionPhrases(option, "    ");
   script += kCommands;
   for (const CommandShape& command : app.commands) {
     script += "        " + shellQuoted(command.name + ":" + escaped(command.description)) + "\n";
