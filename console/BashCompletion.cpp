@@ -1,6 +1,7 @@
 // The completion script for bash, versions 3.2 and later.
 
 #include "console/Completion.h"
+#include "console/DisplayText.h"
 
 namespace kelvane::console {
 namespace {

@@ -25,15 +25,6 @@ std::string completionScript(const std::string& shell, const CommandShape& app) 
   return scripts().at(shell)(app);
 }
 
-std::string shellQuoted(const std::string& text) {
-  std::string quoted = "'";
-  for (const char character : text) {
-    if (character == '\'') quoted += "'\\'";
-    quoted += character;
-  }
-  return quoted + "'";
-}
-
 std::string joined(const std::vector<std::string>& words, const std::string& separator) {
   std::string all;
   for (const std::string& word : words) all += (all.empty() ? "" : separator) + word;

@@ -20,9 +20,6 @@ std::string bashCompletion(const CommandShape& app);
 std::string zshCompletion(const CommandShape& app);
 std::string fishCompletion(const CommandShape& app);
 
-// The text in single quotes, as all of these shells read it: "it's" is 'it'\''s'.
-std::string shellQuoted(const std::string& text);
-
 // The words with a separator between them.
 std::string joined(const std::vector<std::string>& words, const std::string& separator);
 

@@ -117,6 +117,15 @@ std::string shortened(const std::string& name, std::size_t columns, Charset char
   return text + name.substr(name.size() - tail);
 }
 
+std::string shellQuoted(const std::string& text) {
+  std::string quoted = "'";
+  for (const char character : text) {
+    if (character == '\'') quoted += "'\\'";
+    quoted += character;
+  }
+  return quoted + "'";
+}
+
 std::string jobLine(const JobStatus& status, Charset charset) {
   return "job " + displayText(status.logId, charset) + ": " + stateText(status.state, charset);
 }

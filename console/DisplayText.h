@@ -27,6 +27,9 @@ std::string displayName(std::string_view name);
 // The name, in at most `columns` columns: of a longer one the middle gives way to an ellipsis.
 std::string shortened(const std::string& name, std::size_t columns, Charset charset);
 
+// The text in single quotes, as shells read it: "it's" is 'it'\''s'.
+std::string shellQuoted(const std::string& text);
+
 // "job 18: running"
 std::string jobLine(const JobStatus& status, Charset charset);
 

@@ -1,6 +1,7 @@
 // The completion script for fish.
 
 #include "console/Completion.h"
+#include "console/DisplayText.h"
 
 namespace kelvane::console {
 namespace {

@@ -65,11 +65,10 @@ int query(const QueryOptions& options, const Surroundings& surroundings) {
         productParameters(options.product, options.version.empty() ? kNoVersion : options.version,
                           options.engine.url, folder);
     const Look finished = runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
-    const Value& offered = finished.record.get(job::kOutput);
-    if (!offered.isArray()) {
+    if (!finished.record.get(job::kOutput).isArray()) {
       throw Failure(kJobFailed, "the update engine left no catalogue");
     }
-    if (!surroundings.screen.json) showTable(offeredPackages(offered), surroundings.screen);
+    if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
     return exitCodeOf(finished);
   });
 }
@@ -78,10 +77,7 @@ int download(const DownloadOptions& options, const Surroundings& surroundings) {
   return guarded(surroundings, [&] {
     const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
     const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
-    const Value& described = finished.record.get(job::kOutput);
-    if (described.isArray() && !surroundings.screen.json) {
-      showTable(downloadedPackages(described), surroundings.screen);
-    }
+    if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
     return exitCodeOf(finished);
   });
 }

@@ -5,6 +5,7 @@
 #include "console/Follower.h"
 #include "console/JobFile.h"
 #include "console/JobRecord.h"
+#include "console/checks/BundleChecks.h"
 
 namespace kelvane::console {
 
@@ -15,7 +16,7 @@ namespace {
 std::string workerPath(const JobOptions& options) {
   if (!options.worker.empty()) return options.worker;
   if (options.bundle.empty()) throw Failure(kBadUsage, "neither a bundle nor a worker is given");
-  return options.bundle + "/Contents/Resources/Kelvane";
+  return workerIn(options.bundle);
 }
 
 WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
@@ -30,9 +31,8 @@ WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
 // What to do about a job whose worker is gone.
 std::string adviceFor(const JobStatus& status) {
   if (status.state == job::kWait) {
-    return "it was not begun. \"kelvane-console check\" tells what may be in the way; then submit "
-           "it "
-           "again";
+    return "it was not begun. \"kelvane-console check\" tells what may be in the way; then "
+           "submit it again";
   }
   if (status.command == job::kUpdateFW) {
     return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
@@ -48,11 +48,7 @@ std::string quoted(const std::string& word) {
                              "/._-+,:@%") == std::string::npos) {
     return word;
   }
-  std::string text = "'";
-  for (const char character : word) {
-    text += character == '\'' ? "'\\''" : std::string(1, character);
-  }
-  return text + "'";
+  return shellQuoted(word);
 }
 
 // Raises unless the job is finished.

@@ -6,9 +6,9 @@
 #include "console/Arguments.h"
 #include "console/ExitCode.h"
 #include "console/JobRecord.h"
-#include "platform/Exception.h"
+#include "console/checks/Access.h"
+#include "console/checks/SettingsChecks.h"
 #include "platform/File.h"
-#include "platform/Json.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -20,15 +20,10 @@ namespace {
 // Where the application stands that is replaced, as the worker's settings say; empty where they do
 // not. Asked before the job: the settings go with the application.
 std::string installedApplication(const std::string& bundle) {
-  try {
-    const Value settings =
-        platform::parseJson(platform::readFile(bundle + "/Contents/Resources/Config/setting.json"));
-    if (!settings.isDictionary()) return {};
-    const Value& path = settings.get("AppPath");
-    return path.isString() ? path.string() : "";
-  } catch (const platform::Exception&) {
-    return {};
-  }
+  const Value settings = readJsonFile(productSettingsPath(bundle)).value;
+  if (!settings.isDictionary()) return {};
+  const Value& path = settings.get("AppPath");
+  return path.isString() ? path.string() : "";
 }
 
 std::string packagePath(const std::string& path) {

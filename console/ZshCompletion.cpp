@@ -1,6 +1,7 @@
 // The completion script for zsh.
 
 #include "console/Completion.h"
+#include "console/DisplayText.h"
 
 namespace kelvane::console {
 namespace {
@@ -39,7 +40,7 @@ else
 fi
 )";
 
-// Signs that mean something in a phrase.
+// The signs that part a phrase are text where they stand in one of its pieces.
 std::string escaped(const std::string& text) {
   std::string safe;
   for (const char character : text) {

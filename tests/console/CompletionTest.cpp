@@ -10,6 +10,7 @@
 
 #include "console/CommandLine.h"
 #include "console/Completion.h"
+#include "console/DisplayText.h"
 #include "support/LogLine.h"
 #include "support/Program.h"
 #include "support/TempFolder.h"
@@ -144,11 +145,6 @@ INSTANTIATE_TEST_SUITE_P(EveryShell, CompletionFor, ::testing::ValuesIn(completi
 
 TEST(Completion, KnowsNoOtherShell) {
   EXPECT_THROW(completionScript("dash", CommandShape()), std::out_of_range);
-}
-
-TEST(ShellQuoted, KeepsQuotes) {
-  EXPECT_EQ(shellQuoted("it's"), "'it'\\''s'");
-  EXPECT_EQ(shellQuoted(""), "''");
 }
 
 }  // namespace

@@ -96,6 +96,11 @@ TEST(ResultLine, TellsThatThereIsNoResult) {
   EXPECT_EQ(resultLine({"18", "FREE", {}, "", ""}, Charset::ascii), "result missing: ");
 }
 
+TEST(ShellQuoted, KeepsQuotes) {
+  EXPECT_EQ(shellQuoted("it's"), "'it'\\''s'");
+  EXPECT_EQ(shellQuoted(""), "''");
+}
+
 TEST(FittedLines, WrapsWhatIsTooWideBehindItsIndentation) {
   EXPECT_EQ(fittedLines("ab cd\n  ab cd ef\n\nx\n", 7), "ab cd\n  ab cd\n  ef\n\nx\n");
   EXPECT_EQ(fittedLines("  ab cd ef\n", 0), "  ab cd ef\n");

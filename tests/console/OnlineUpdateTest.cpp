@@ -44,7 +44,7 @@ TEST_F(QueryTest, WithoutAVersionAnyIsNewer) {
 }
 
 TEST_F(QueryTest, OfferedPackagesAreShownAsATable) {
-  makeWorkerThatLeaves("FREE", "0", R"(, "output": [
+  makeWorkerThatLeaves("FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [
     {"ProductID": "manager", "Version": "2.0", "Size": 12345678, "MinimumOSVersion": "10.15.0",
      "Codebase": "https://updates.example/a/Manager.zip"},
     {"ProductID": "t3", "Version": "3.1", "Size": "17"}, 5])");
@@ -57,7 +57,8 @@ TEST_F(QueryTest, OfferedPackagesAreShownAsATable) {
 }
 
 TEST_F(QueryTest, ForMachinesThereIsNoTable) {
-  makeWorkerThatLeaves("FREE", "0", R"(, "output": [{"ProductID": "manager"}])");
+  makeWorkerThatLeaves(
+      "FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [{"ProductID": "manager"}])");
   screen.json = true;
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str().find("Product "), std::string::npos);
@@ -130,7 +131,7 @@ TEST_F(DownloadTest, TheWorkerFindsAListOfParameters) {
 TEST_F(DownloadTest, DownloadsAreShownWithTheirPresence) {
   const std::string image = folder.write("FW_T3.img", "x");
   makeWorkerThatLeaves("FREE", "259",
-                       R"(, "output": [
+                       R"(, "job_id": "downloadOnlineUpdateFile", "output": [
     {"productid": "t3", "version": "3.1", "size": 999, "file_path": ")" +
                            image + R"("},
     {"productid": "manager", "version": "2.0", "size": 2500000000, "file_path": ""}])");
