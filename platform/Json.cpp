@@ -3,46 +3,41 @@
 #include <cctype>
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "platform/Utf8.h"
+#include "platform/ValueBuilder.h"
 
 namespace kelvane::platform {
 namespace {
 
-// Builds a Value from the reader's events, with a stack of the containers still open instead of
-// recursion. Every event returns whether to go on.
-class ValueBuilder : public nlohmann::json_sax<nlohmann::json> {
+// Takes the reader's events; every one returns whether to go on.
+class Events : public nlohmann::json_sax<nlohmann::json> {
  public:
-  Value take() { return std::move(result_); }
+  Value take() { return builder_.take(); }
 
-  bool null() override { return add(Value::null()); }
-  bool boolean(bool truth) override { return add(Value::boolean(truth)); }
+  bool null() override { return builder_.add(Value::null()); }
+  bool boolean(bool truth) override { return builder_.add(Value::boolean(truth)); }
 
   bool number_integer(number_integer_t number) override {
     // Only negative numbers come here, and a zero among them was written "-0".
-    return add(number == 0 ? Value::number("-0") : Value::integer(number));
+    return builder_.add(number == 0 ? Value::number("-0") : Value::integer(number));
   }
   bool number_unsigned(number_unsigned_t number) override {
-    return add(Value::number(std::to_string(number)));
+    return builder_.add(Value::number(std::to_string(number)));
   }
   bool number_float(number_float_t /*number*/, const string_t& digits) override {
-    return add(Value::number(digits));
+    return builder_.add(Value::number(digits));
   }
-  bool string(string_t& text) override { return add(Value(std::move(text))); }
+  bool string(string_t& text) override { return builder_.add(Value(std::move(text))); }
   bool binary(binary_t& /*bytes*/) override { return false; }
 
-  bool start_object(std::size_t /*count*/) override { return open(Value::dictionary()); }
-  bool start_array(std::size_t /*count*/) override { return open(Value::array()); }
-  bool end_object() override { return close(); }
-  bool end_array() override { return close(); }
-
-  bool key(string_t& name) override {
-    open_.back().key = std::move(name);
-    return true;
-  }
+  bool start_object(std::size_t /*count*/) override { return builder_.open(Value::dictionary()); }
+  bool start_array(std::size_t /*count*/) override { return builder_.open(Value::array()); }
+  bool end_object() override { return builder_.close(); }
+  bool end_array() override { return builder_.close(); }
+  bool key(string_t& name) override { return builder_.key(std::move(name)); }
 
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const nlohmann::detail::exception& /*error*/) override {
@@ -50,38 +45,7 @@ class ValueBuilder : public nlohmann::json_sax<nlohmann::json> {
   }
 
  private:
-  struct Open {
-    Value container;
-    std::string key;  // the key that waits for its value
-  };
-
-  bool open(Value container) {
-    if (open_.size() == static_cast<std::size_t>(kJsonDepthLimit)) return false;
-    open_.push_back({std::move(container), {}});
-    return true;
-  }
-
-  bool close() {
-    Value closed = std::move(open_.back().container);
-    open_.pop_back();
-    if (!open_.empty()) return add(std::move(closed));
-    result_ = std::move(closed);
-    return true;
-  }
-
-  bool add(Value value) {
-    if (open_.empty()) return false;  // a top level that is neither array nor object
-    Open& parent = open_.back();
-    if (parent.container.isArray()) {
-      parent.container.append(std::move(value));
-    } else {
-      parent.container.set(parent.key, std::move(value));
-    }
-    return true;
-  }
-
-  std::vector<Open> open_;
-  Value result_;
+  ValueBuilder builder_{kJsonDepthLimit};
 };
 
 enum class Form { lines, oneLine };
@@ -214,9 +178,9 @@ std::optional<std::string> printed(const Value& value, Form form) {
 Value parseJson(std::string_view text) {
   // The reader takes a NUL byte for the end of the text; in JSON it stands nowhere.
   if (text.find('\0') != std::string_view::npos) return {};
-  ValueBuilder builder;
-  const bool whole = nlohmann::json::sax_parse(text.begin(), text.end(), &builder);
-  return whole ? builder.take() : Value();
+  Events events;
+  const bool whole = nlohmann::json::sax_parse(text.begin(), text.end(), &events);
+  return whole ? events.take() : Value();
 }
 
 std::optional<std::string> printJson(const Value& value) { return printed(value, Form::lines); }

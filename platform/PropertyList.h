@@ -3,12 +3,18 @@
 
 #include <string>
 
+#include "platform/Json.h"
 #include "platform/Value.h"
 
 namespace kelvane::platform {
 
+// Containers inside one another, deeper than this, are not read. What is read from a list is stored
+// in JSON one container deeper, so that all that can be read can be written, too.
+inline constexpr int kPropertyListDepthLimit = kJsonDepthLimit - 1;
+
 // The dictionary at the root of the property list in the file; nothing where the file cannot be
-// read, is damaged, or has another root. Never raises.
+// read, has another root, or is damaged: one value that is none damages the whole. Raises
+// std::bad_alloc alone.
 Value readPropertyList(const std::string& path);
 
 }  // namespace kelvane::platform

@@ -1,7 +1,7 @@
 # The Debian packages that the project needs: to build its programs, to build its tests, to check
 # its style. Sourced by run-demo, run-tests and .ci/run.
 build_packages=(cmake ninja-build g++ nlohmann-json3-dev libfmt-dev libcli11-dev zlib1g-dev
-  libplist-dev libpcre2-dev libssl-dev)
+  libplist-dev libexpat1-dev libpcre2-dev libssl-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-base)
 style_packages=(git clang-format clang-tidy)
 clang_packages=(clang-16 libc++-16-dev libc++abi-16-dev)

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/Json.h"
 #include "platform/PropertyList.h"
 #include "support/PropertyLists.h"
 #include "support/TempFolder.h"
@@ -100,11 +101,139 @@ std::string nested(int arrays) {
   return content + "</dict>";
 }
 
-TEST_F(PropertyList, NestingIsReadDownToTheLimitAndNotBelow) {
+// What is read stands one container deeper in a job record.
+TEST_F(PropertyList, NestingIsReadDownToWhatJsonCanHoldAndNotBelow) {
   for (const auto& make : {xmlPropertyList, binaryPropertyList}) {
-    EXPECT_TRUE(read(make(nested(511))).isDictionary());
-    EXPECT_TRUE(read(make(nested(512))).isNothing());
+    const Value deepest = read(make(nested(510)));
+    ASSERT_TRUE(deepest.isDictionary());
+    EXPECT_TRUE(printJson(Value::array({deepest})).has_value());
+    EXPECT_TRUE(read(make(nested(511))).isNothing());
   }
+}
+
+TEST_F(PropertyList, AValueInTheDeepestContainerCountsAsNoContainer) {
+  std::string content = nested(510);
+  content.insert(content.find("</array>"), "<string>x</string>");
+  EXPECT_TRUE(read(xmlPropertyList(content)).isDictionary());
+  EXPECT_TRUE(read(binaryPropertyList(content)).isDictionary());
+}
+
+// Where other readers of tags have been led astray.
+TEST_F(PropertyList, NestingThatIsHiddenFromASimpleScanIsStillNesting) {
+  const std::string deep = nested(30'000);
+  for (const std::string& before :
+       {std::string("<!--> --><plist>"), std::string("<?x > ?><plist>"),
+        std::string("<!DOCTYPE plist [ <!ELEMENT x (#PCDATA)> ]><plist>"),
+        std::string("<plist version=\"/>\">"), std::string("<!----><plist>")}) {
+    EXPECT_TRUE(read("<?xml version=\"1.0\"?>" + before + deep + "</plist>").isNothing()) << before;
+    EXPECT_TRUE(read(before + "<dict><key>a</key><string>x</string></dict></plist>").isDictionary())
+        << before;
+  }
+}
+
+TEST_F(PropertyList, WhatACommentHidesIsNotThere) {
+  EXPECT_EQ(read("<plist><!--><dict><key>a</key><string>x</string></dict>--><dict/></plist>"),
+            Value::dictionary());
+}
+
+TEST_F(PropertyList, EntitiesOfItsOwnAreDamage) {
+  const std::string content = "<plist><dict><key>a</key><string>&e;</string></dict></plist>";
+  EXPECT_TRUE(read("<!DOCTYPE plist [<!ENTITY e \"x\">]>" + content).isNothing());
+  EXPECT_TRUE(read("<!DOCTYPE plist SYSTEM \"elsewhere.dtd\">" + content).isNothing());
+  EXPECT_TRUE(read(content).isNothing());
+}
+
+TEST_F(PropertyList, CharactersByNumberAndMarkedTextsAreRead) {
+  EXPECT_EQ(read("<plist><dict><key>&#97;</key><string>&lt;&#xE9;<![CDATA[<&]]></string></dict>"
+                 "</plist>"),
+            Value::dictionary({{"a", "<\xC3\xA9<&"}}));
+}
+
+TEST_F(PropertyList, BlanksInFrontOfTheFirstTagAreNoDamage) {
+  EXPECT_TRUE(read(" \r\n\t" + xmlPropertyList("<dict/>")).isDictionary());
+}
+
+// One entry "a" with this value.
+std::string entry(const std::string& value) {
+  return "<plist><dict><key>a</key>" + value + "</dict></plist>";
+}
+
+class Damaged : public PropertyList, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(Damaged, ValueDamagesTheWhole) {
+  EXPECT_TRUE(read(entry("<string>x</string><key>b</key>" + std::string(GetParam()))).isNothing());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    InXml, Damaged,
+    ::testing::Values("<integer>12abc</integer>", "<integer></integer>", "<integer>-</integer>",
+                      "<integer/>", "<integer>1 2</integer>", "<integer>0x</integer>",
+                      "<integer>0xG</integer>", "<integer>1.5</integer>",
+                      "<integer>18446744073709551616</integer>",
+                      "<integer>-9223372036854775809</integer>", "<integer>--1</integer>",
+                      "<real>abc</real>", "<real></real>", "<real>1.5x</real>", "<real>0x10</real>",
+                      "<date>yesterday</date>", "<date></date>",
+                      "<date>2026-13-01T00:00:00Z</date>", "<date>2026-01-01</date>",
+                      "<date>2026-01-01T00:00:00</date>", "<date>2026-01-01T00:00:00ZZ</date>",
+                      "<data>AKt</data>", "<data>A=t/</data>", "<data>AK*/</data>",
+                      "<data>====</data>", "<data>A===</data>", "<wrong/>", "<string><b/></string>",
+                      "<string>x</integer>", "text", "<plist/>", "<key>c</key><string/>", ""));
+
+TEST_F(PropertyList, AValueWithoutAKeyIsDamage) {
+  EXPECT_TRUE(read("<plist><dict><string>x</string></dict></plist>").isNothing());
+  EXPECT_TRUE(read("<plist><dict><key>a</key></dict></plist>").isNothing());
+  EXPECT_TRUE(read(entry("<array><key>b</key></array>")).isNothing());
+}
+
+TEST_F(PropertyList, MoreThanOneRootIsDamage) {
+  EXPECT_TRUE(read("<plist><dict/><dict/></plist>").isNothing());
+  EXPECT_TRUE(read("<plist></plist>").isNothing());
+  EXPECT_TRUE(read("<dict/>").isDictionary());
+}
+
+TEST_F(PropertyList, OfAKeyThatStandsTwiceTheLastValueCounts) {
+  EXPECT_EQ(read(entry("<string>x</string><key>a</key><true/>")),
+            Value::dictionary({{"a", Value::boolean(true)}}));
+}
+
+struct Written {
+  const char* element;
+  Value value;
+};
+
+class Sound : public PropertyList, public ::testing::WithParamInterface<Written> {};
+
+TEST_P(Sound, ValueIsReadAsItWasMeant) {
+  EXPECT_EQ(read(entry(GetParam().element)).get("a"), GetParam().value);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    InXml, Sound,
+    ::testing::Values(
+        Written{"<integer> 12\n</integer>", Value::integer(12)},
+        Written{"<integer>+012</integer>", Value::integer(12)},
+        Written{"<integer>-0</integer>", Value::integer(0)},
+        Written{"<integer>0x1F</integer>", Value::integer(31)},
+        Written{"<integer>-0X1f</integer>", Value::integer(-31)},
+        Written{"<real> -1.50 </real>", Value::number("-1.5")},
+        Written{"<real>3</real>", Value::number("3")},
+        Written{"<real>1e30</real>", Value::number("1e+30")},
+        Written{"<real>nan</real>", Value::number("nan")},
+        Written{"<real>-inf</real>", Value::number("-inf")},
+        Written{"<real>+infinity</real>", Value::number("inf")},
+        Written{"<date> 2026-01-31T23:59:59Z </date>", Date{1769903999}},
+        Written{"<data>\n\tAK\n\tt/\n</data>", Value::data(std::string("\x00\xAB\x7F", 3))},
+        Written{"<data>AKs=</data>", Value::data(std::string("\x00\xAB", 2))},
+        Written{"<data>AA==</data>", Value::data(std::string("\x00", 1))},
+        Written{"<data></data>", Value::data("")}, Written{"<data/>", Value::data("")},
+        Written{"<string/>", ""}, Written{"<string> x\n</string>", " x\n"},
+        Written{"<true/>", Value::boolean(true)}, Written{"<array/>", Value::array()}));
+
+TEST_F(PropertyList, AMillionKeysAreReadInOneDictionary) {
+  std::string content = "<dict>";
+  for (int i = 0; i < 1'000'000; ++i) content += "<key>" + std::to_string(i) + "</key><true/>";
+  const Value found = read("<plist>" + content + "</dict></plist>");
+  EXPECT_EQ(found.entries().size(), 1'000'000U);
 }
 
 TEST_F(PropertyList, AMillionContainersInsideOneAnotherNeitherOverflowNorHang) {
@@ -120,20 +249,23 @@ TEST_F(PropertyList, WhatStandsInCommentsAndTextsIsNoNesting) {
   EXPECT_TRUE(read(xmlPropertyList(siblings + "</array></dict>")).isDictionary());
 }
 
+// Eight bytes, the most significant first.
+std::string eight(std::uint64_t value) {
+  std::string bytes;
+  for (int shift = 56; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xFFU);
+  return bytes;
+}
+
 // A binary list of these objects, the first of them the root; references are single bytes.
 std::string binaryOf(const std::vector<std::string>& objects) {
   std::string bytes = "bplist00";
   std::string table;
   for (const std::string& object : objects) {
-    table += {static_cast<char>(bytes.size() >> 8U), static_cast<char>(bytes.size() & 0xFFU)};
+    table += eight(bytes.size());
     bytes += object;
   }
-  const auto position = static_cast<std::uint16_t>(bytes.size());
-  const auto eight = [](std::size_t value) {
-    return std::string(6, '\0') + static_cast<char>(value >> 8U) + static_cast<char>(value & 0xFFU);
-  };
-  return bytes + table + std::string(6, '\0') + "\x02\x01" + eight(objects.size()) + eight(0) +
-         eight(position);
+  return bytes + table + std::string(6, '\0') + "\x08\x01" + eight(objects.size()) + eight(0) +
+         eight(bytes.size());
 }
 
 // A dictionary of one entry: the key is object 1, the value object 2.
@@ -150,6 +282,26 @@ TEST_F(PropertyList, ReferencesThatMultiplyAreNotFollowed) {
   for (char next = 3; next < 63; ++next) objects.push_back('\xAA' + std::string(10, next));
   objects.emplace_back("Qb");
   EXPECT_TRUE(read(binaryOf(objects)).isNothing());
+}
+
+TEST_F(PropertyList, ATextThatManyReferToIsNotCopiedForEach) {
+  // A text of 60,000 bytes and an array of 60,000 references to it: 3.6 GB once it is read.
+  const std::string text = "\x5F\x11\xEA\x60" + std::string(60'000, 'x');
+  const std::string array = "\xAF\x11\xEA\x60" + std::string(60'000, '\x02');
+  EXPECT_TRUE(read(binaryOf({{'\xD1', 1, 3}, "Qa", text, array})).isNothing());
+  const std::string few = "\xAF\x10\x40" + std::string(64, '\x02');
+  EXPECT_EQ(read(binaryOf({{'\xD1', 1, 3}, "Qa", text, few})).get("a").at(63).string().size(),
+            60'000U);
+}
+
+TEST_F(PropertyList, AWholeNumberBeyond64BitsIsDamageInABinaryListToo) {
+  const auto number = [](char ninth) {
+    return "\x14" + std::string(7, '\0') + ninth + "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF";
+  };
+  EXPECT_EQ(read(binaryOf({kOneEntry, "Qa", number(0)})).get("a").digits(), "18446744073709551615");
+  EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", number(1)})).isNothing());
+  EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", "\x15" + std::string(32, '\0')})).isNothing());
+  EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", "\x14"})).isNothing());
 }
 
 TEST_F(PropertyList, ReferencesInACircleAreNotFollowed) {

@@ -1,50 +1,19 @@
-#include "platform/PropertyListLimits.h"
+#include "platform/BinaryPropertyListLimits.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "platform/PropertyList.h"
+
 namespace kelvane::platform {
 namespace {
 
-constexpr std::string_view kBinaryStart = "bplist";
-// A reference takes a byte at the least, so that a list whose containers are used once stays below.
-constexpr std::uint64_t kMostReferencesPerByte = 16;
-
-// Where the piece that starts at `position` ends: behind the next `end`.
-std::size_t behind(std::string_view text, std::string_view end, std::size_t position) {
-  const std::size_t found = text.find(end, position);
-  return found == std::string_view::npos ? text.size() : found + end.size();
-}
-
-bool isContainer(std::string_view name) {
-  return name.substr(0, 4) == "dict" || name.substr(0, 5) == "array";
-}
-
-// By its tags alone; everything else is the library's to judge.
-bool isShallowXml(std::string_view text) {
-  int depth = 0;
-  for (std::size_t position = 0; (position = text.find('<', position)) != std::string_view::npos;) {
-    const std::string_view rest = text.substr(position + 1);
-    if (rest.substr(0, 3) == "!--") {
-      position = behind(text, "-->", position);
-      continue;
-    }
-    if (rest.substr(0, 8) == "![CDATA[") {
-      position = behind(text, "]]>", position);
-      continue;
-    }
-    const std::size_t end = behind(text, ">", position);
-    if (rest.substr(0, 1) == "/") {
-      if (isContainer(rest.substr(1))) --depth;
-    } else if (isContainer(rest) && text.substr(0, end - 1).back() != '/') {
-      if (++depth > kPropertyListDepthLimit) return false;
-    }
-    position = end;
-  }
-  return true;
-}
+// What an object takes once it is read, beside its text: about, and no less than.
+constexpr std::uint64_t kObjectSize = 64;
+// A list whose texts are shared by many takes this much more than one without.
+constexpr std::uint64_t kMostShared = std::uint64_t{64} << 20U;
 
 // The objects of a binary list, as far as they refer to one another.
 class BinaryList {
@@ -61,8 +30,8 @@ class BinaryList {
   struct Object {
     bool isOpen = false;
     bool isDone = false;
-    int height = 1;            // of the containers inside one another, this one included
-    std::uint64_t weight = 1;  // objects there are once it is read
+    int height = 0;            // of the containers inside one another, this one included
+    std::uint64_t weight = 0;  // bytes that it takes once it is read
   };
   // A container on the way down, with what is still to be looked at.
   struct Visit {
@@ -99,18 +68,49 @@ class BinaryList {
     const std::uint64_t position = number(table_ + object * offsetSize_, offsetSize_);
     if (position >= table_) return false;
     const auto marker = static_cast<unsigned>(number(position, 1));
-    const unsigned kind = marker >> 4U;
-    objects_[object].isOpen = true;
-    std::uint64_t references = 0;
     std::uint64_t start = position + 1;
-    if (kind == 0xA || kind == 0xC || kind == 0xD) {
-      if (!readCount(marker & 0xFU, start, references)) return false;
-      if (kind == 0xD) references *= 2;
+    std::uint64_t count = 0;
+    if (isCounted(marker) && !readCount(marker & 0xFU, start, count)) return false;
+    if (!isPlainInteger(marker, start)) return false;
+    const std::uint64_t size = count * elementSize(marker);
+    if (size > table_ - start) return false;
+    const bool refers = isContainer(marker);
+    path_.push_back({object, start, refers ? start + size : start});
+    objects_[object].isOpen = true;
+    objects_[object].height = refers ? 1 : 0;
+    objects_[object].weight = kObjectSize + (refers ? 0 : size);
+    // More than there is are references that several objects claim for theirs.
+    seen_ += refers ? size : 0;
+    return seen_ <= bytes_.size();
+  }
+
+  static bool isContainer(unsigned marker) {
+    const unsigned kind = marker >> 4U;
+    return kind == 0xA || kind == 0xC || kind == 0xD;
+  }
+  // Containers, data and texts.
+  static bool isCounted(unsigned marker) {
+    const unsigned kind = marker >> 4U;
+    return isContainer(marker) || kind == 0x4 || kind == 0x5 || kind == 0x6;
+  }
+  std::uint64_t elementSize(unsigned marker) const {
+    switch (marker >> 4U) {
+      case 0xA:
+      case 0xC:
+        return referenceSize_;
+      case 0xD:
+        return 2 * referenceSize_;
+      case 0x6:
+        return 2;  // UTF-16
+      default:
+        return 1;
     }
-    if (references > (table_ - start) / referenceSize_) return false;
-    seen_ += references;
-    path_.push_back({object, start, start + references * referenceSize_});
-    return seen_ <= limit();
+  }
+
+  // Of a whole number of 16 bytes only those have a value of their own that fit into the lower 8.
+  bool isPlainInteger(unsigned marker, std::uint64_t start) const {
+    if (marker >> 4U != 1 || (marker & 0xFU) < 4) return true;
+    return marker == 0x14 && table_ - start >= 16 && number(start, 8) == 0;
   }
 
   // The number of elements; `start` moves behind it.
@@ -162,7 +162,9 @@ class BinaryList {
     outer.weight = std::min(outer.weight + inner.weight, limit() + 1);
   }
 
-  std::uint64_t limit() const { return bytes_.size() * kMostReferencesPerByte; }
+  // A reference takes a byte at the least, so that a list in which each object is used once stays
+  // below.
+  std::uint64_t limit() const { return kMostShared + bytes_.size() * (kObjectSize + 1); }
 
   std::string_view bytes_;
   std::uint64_t offsetSize_ = 0;
@@ -177,11 +179,6 @@ class BinaryList {
 
 }  // namespace
 
-bool isWithinLimits(std::string_view bytes) {
-  if (bytes.substr(0, kBinaryStart.size()) == kBinaryStart) {
-    return BinaryList(bytes).isWithinLimits();
-  }
-  return isShallowXml(bytes);
-}
+bool isWithinLimits(std::string_view bytes) { return BinaryList(bytes).isWithinLimits(); }
 
 }  // namespace kelvane::platform
