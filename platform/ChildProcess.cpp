@@ -1,5 +1,6 @@
 #include "platform/ChildProcess.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -13,7 +14,9 @@
 #include <unistd.h>
 
 #include "platform/Exception.h"
-#include "platform/Host.h"
+#include "platform/File.h"
+#include "platform/Native.h"
+#include "platform/Restarted.h"
 #include "platform/Utf8.h"
 
 extern char** environ;  // not every system's headers declare it
@@ -49,7 +52,7 @@ struct Pipe {
  private:
   // The same end under a number that no standard stream of the child will take.
   static int aboveStandardStreams(int end) {
-    const int moved = ::fcntl(end, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int moved = restarted([&] { return ::fcntl(end, F_DUPFD_CLOEXEC, STDERR_FILENO + 1); });
     ::close(end);
     return moved;
   }
@@ -86,6 +89,10 @@ class SpawnSettings {
   posix_spawnattr_t attributes_;
 };
 
+void requireNoNul(const std::string& text) {
+  if (!canBePath(text)) throw Exception("start: an argument holds a NUL character: " + text);
+}
+
 [[noreturn]] void refuse(const std::string& path, int cause) {
   throw Exception("start " + path + ": " + std::strerror(cause));
 }
@@ -106,13 +113,39 @@ pid_t spawn(const std::string& path, const Value& arguments, const SpawnSettings
 
 }  // namespace
 
-Value argumentList(std::initializer_list<Value> arguments) {
+Value argumentList(const Value& path, std::initializer_list<Value> arguments) {
+  if (path.isString()) requireNoNul(path.string());
   Value list = Value::array();
   for (const Value& argument : arguments) {
     if (argument.isNothing()) break;
-    list.append(argument.string());
+    requireNoNul(argument.string());
+    list.append(argument);
   }
   return list;
+}
+
+void ChildOutput::append(std::string_view bytes) {
+  if (!isWhole_) return;
+  if (bytes.size() > room_ - size_) {
+    const std::size_t wanted = size_ + std::max(bytes.size(), size_ / 8);
+    auto* grown = static_cast<char*>(std::realloc(bytes_.get(), wanted));
+    isWhole_ = grown != nullptr;
+    if (!isWhole_) {
+      bytes_.reset();
+      return;
+    }
+    static_cast<void>(bytes_.release());  // what it was is in `grown`, or gone
+    bytes_.reset(grown);
+    room_ = wanted;
+  }
+  std::memcpy(bytes_.get() + size_, bytes.data(), bytes.size());
+  size_ += bytes.size();
+}
+
+std::optional<std::string_view> ChildOutput::text() const {
+  const std::string_view bytes(bytes_.get(), isWhole_ ? size_ : 0);
+  if (!isWhole_ || !isUtf8(bytes)) return std::nullopt;
+  return bytes;
 }
 
 ChildProcess::ChildProcess(const Value& path, const Value& arguments) {
@@ -127,23 +160,33 @@ ChildProcess::ChildProcess(const Value& path, const Value& arguments) {
 
 ChildProcess::~ChildProcess() { terminate(); }
 
-Value ChildProcess::readOutput() {
-  std::string bytes;
+template <typename Take>
+void ChildProcess::readToTheEnd(Take take) {
   std::array<char, 65536> block;
   for (;;) {
-    const ssize_t got = ::read(output_, block.data(), block.size());
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) break;
-    bytes.append(block.data(), static_cast<std::size_t>(got));
+    const ssize_t got = restarted([&] { return ::read(output_, block.data(), block.size()); });
+    if (got <= 0) return;
+    take(std::string_view(block.data(), static_cast<std::size_t>(got)));
   }
-  if (!isUtf8(bytes)) return {};
-  return bytes;
+}
+
+ChildOutput ChildProcess::readOutput() {
+  ChildOutput output;
+  readToTheEnd([&output](std::string_view bytes) { output.append(bytes); });
+  return output;
+}
+
+void ChildProcess::discardOutput() {
+  readToTheEnd([](std::string_view /*bytes*/) {});
 }
 
 void ChildProcess::terminate() {
-  if (process_ > 0 && ::waitpid(process_, nullptr, WNOHANG) == 0) {
+  const auto reap = [this] {
+    return restarted([this] { return ::waitpid(process_, nullptr, WNOHANG); });
+  };
+  if (process_ > 0 && reap() == 0) {
     ::kill(process_, SIGTERM);
-    ::waitpid(process_, nullptr, WNOHANG);
+    reap();
   }
   process_ = -1;
   closeFile(input_);

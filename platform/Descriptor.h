@@ -1,6 +1,9 @@
 // An open file's number, closed with its owner.
 #pragma once
 
+#include <cerrno>
+#include <utility>
+
 #include <unistd.h>
 
 namespace kelvane::platform {
@@ -9,18 +12,19 @@ namespace kelvane::platform {
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor() { close(); }
 
   bool isOpen() const { return number_ >= 0; }
   int number() const { return number_; }
-  // Whether the file was closed without an error.
+  // The number, which the caller closes from now on.
+  int release() { return std::exchange(number_, -1); }
+  // Whether the file was closed without an error. An interruption is none: the number is free.
   bool close() {
     if (number_ < 0) return true;
-    const int result = ::close(number_);
-    number_ = -1;
-    return result == 0;
+    return ::close(release()) == 0 || errno == EINTR;
   }
 
  private:

@@ -1,19 +1,24 @@
 #include "platform/File.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include "platform/Descriptor.h"
 #include "platform/Exception.h"
+#include "platform/Native.h"
+#include "platform/Restarted.h"
 
 namespace kelvane::platform {
 namespace {
@@ -23,20 +28,43 @@ namespace {
   throw Exception(std::string(action) + " " + path + ": " + std::strerror(cause));
 }
 
-int openFile(const std::string& path, int flags) {
-  int number = -1;
-  do {
-    number = ::open(path.c_str(), flags | O_CLOEXEC);
-  } while (number < 0 && errno == EINTR);
-  return number;
+// Never waits for whoever is at the other end of a pipe; no terminal becomes the worker's own.
+Descriptor openFile(const std::string& path, int flags) {
+  if (canBePath(path)) {
+    return Descriptor(restarted([&] {
+      return ::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    }));
+  }
+  errno = ENOENT;
+  return Descriptor(-1);
 }
 
 bool writeAll(int file, std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = restarted([&] { return ::write(file, bytes.data(), bytes.size()); });
     if (written < 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// What is left of the pieces behind the bytes that were written.
+void skipWritten(std::vector<iovec>& pieces, std::size_t written) {
+  auto piece = pieces.begin();
+  for (; piece != pieces.end() && written >= piece->iov_len; ++piece) written -= piece->iov_len;
+  pieces.erase(pieces.begin(), piece);
+  if (pieces.empty()) return;
+  pieces.front().iov_base = static_cast<char*>(pieces.front().iov_base) + written;
+  pieces.front().iov_len -= written;
+}
+
+bool writeAll(int file, std::vector<iovec> pieces) {
+  constexpr std::size_t kMostAtOnce = 1024;  // what every system takes
+  while (!pieces.empty()) {
+    const auto count = static_cast<int>(std::min(pieces.size(), kMostAtOnce));
+    const ssize_t written = restarted([&] { return ::writev(file, pieces.data(), count); });
+    if (written < 0) return false;
+    skipWritten(pieces, static_cast<std::size_t>(written));
   }
   return true;
 }
@@ -58,76 +86,87 @@ std::string resolvedLinks(const std::string& path) {
 bool takeDefaultPermissions(int file) {
   const mode_t mask = ::umask(0);
   ::umask(mask);
-  return ::fchmod(file, 0666 & ~mask) == 0;
+  return restarted([&] { return ::fchmod(file, 0666 & ~mask); }) == 0;
 }
 
 // Takes over the old file's owner, where allowed, and its permission bits; a new file gets the
-// default ones.
+// default ones. Nothing that is no file is to be replaced.
 bool takeOverAttributes(int file, const std::string& oldPath) {
   struct stat old = {};
   if (::stat(oldPath.c_str(), &old) != 0) return errno == ENOENT && takeDefaultPermissions(file);
   struct stat fresh = {};
-  if (::fstat(file, &fresh) != 0) return false;
+  if (!S_ISREG(old.st_mode) || ::fstat(file, &fresh) != 0) return false;
   if (old.st_uid != fresh.st_uid || old.st_gid != fresh.st_gid) {
-    [[maybe_unused]] const int allowed = ::fchown(file, old.st_uid, old.st_gid);
+    [[maybe_unused]] const int allowed =
+        restarted([&] { return ::fchown(file, old.st_uid, old.st_gid); });
   }
-  return ::fchmod(file, old.st_mode & 07777) == 0;
+  return restarted([&] { return ::fchmod(file, old.st_mode & 07777); }) == 0;
 }
 
-// Makes the renaming itself last; the new file is whole without it, so its failure is no one's
-// concern.
-void synchroniseFolder(const std::string& folder) {
-  const Descriptor opened(openFile(folder, O_RDONLY | O_DIRECTORY));
-  if (opened.isOpen()) ::fsync(opened.number());
+// A new file beside the replaced one, under a name of its own: one made of the old file's could be
+// longer than names can be. `path` becomes its path.
+Descriptor makeTemporary(const std::string& folder, std::string& path) {
+  return Descriptor(restarted([&] {
+    path = folder + "/.replace-XXXXXX";
+    return ::mkostemp(path.data(), O_CLOEXEC);
+  }));
 }
 
 bool fillTemporary(Descriptor& file, const std::string& replaced, std::string_view bytes) {
   const bool filled = writeAll(file.number(), bytes) &&
-                      takeOverAttributes(file.number(), replaced) && ::fsync(file.number()) == 0;
+                      takeOverAttributes(file.number(), replaced) &&
+                      native::synchronise(file.number());
   return file.close() && filled;
 }
 
 }  // namespace
 
+bool canBePath(std::string_view text) { return text.find('\0') == std::string_view::npos; }
+
 bool exists(const std::string& path) {
   struct stat entry = {};
-  return ::stat(path.c_str(), &entry) == 0;
+  return canBePath(path) && ::stat(path.c_str(), &entry) == 0;
 }
 
 bool isFolder(const std::string& path) {
   struct stat entry = {};
-  return ::stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
+  return canBePath(path) && ::stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
 }
 
 std::uint64_t fileSize(const std::string& path) {
   struct stat entry = {};
-  return ::stat(path.c_str(), &entry) == 0 ? static_cast<std::uint64_t>(entry.st_size) : 0;
+  if (!canBePath(path) || ::stat(path.c_str(), &entry) != 0) return 0;
+  return static_cast<std::uint64_t>(entry.st_size);
+}
+
+bool renamePath(const std::string& from, const std::string& to) {
+  if (!canBePath(from) || !canBePath(to)) return false;
+  return restarted([&] { return ::rename(from.c_str(), to.c_str()); }) == 0;
 }
 
 bool movePath(const std::string& from, const std::string& to) {
-  std::error_code failed;
-  std::filesystem::rename(from, to, failed);
-  if (failed != std::errc::cross_device_link) return !failed;
-  return copyTree(from, to) && removeTree(from);
+  errno = 0;
+  return renamePath(from, to) || (errno == EXDEV && copyTree(from, to) && removeTree(from));
 }
 
 bool createEmptyFile(const std::string& path) {
-  Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC);
   return file.isOpen() && file.close();
 }
 
 std::string readFile(const std::string& path) {
-  const Descriptor file(openFile(path, O_RDONLY));
-  if (!file.isOpen()) raise("open", path);
+  const Descriptor file = openFile(path, O_RDONLY);
   struct stat entry = {};
-  std::string bytes;
-  if (::fstat(file.number(), &entry) == 0 && entry.st_size > 0) {
-    bytes.reserve(static_cast<std::size_t>(entry.st_size));
+  if (!file.isOpen() || ::fstat(file.number(), &entry) != 0) raise("open", path);
+  if (!S_ISREG(entry.st_mode) && !S_ISDIR(entry.st_mode)) {  // a folder's reading tells its cause
+    throw Exception("open " + path + ": not a regular file");
   }
+  std::string bytes;
+  bytes.reserve(static_cast<std::size_t>(entry.st_size));
   std::array<char, 65536> block;
   for (;;) {
-    const ssize_t got = ::read(file.number(), block.data(), block.size());
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got =
+        restarted([&] { return ::read(file.number(), block.data(), block.size()); });
     if (got < 0) raise("read", path);
     if (got == 0) return bytes;
     bytes.append(block.data(), static_cast<std::size_t>(got));
@@ -135,25 +174,41 @@ std::string readFile(const std::string& path) {
 }
 
 bool replaceFile(const std::string& path, std::string_view bytes) {
+  if (!canBePath(path)) return false;
   const std::string replaced = resolvedLinks(path);
   if (replaced.empty()) return false;
-  const std::string folder = std::filesystem::path(replaced).parent_path().string();
-  // A name of its own, not one made of the old file's, which may be as long as names can be.
-  std::string temporary = (folder.empty() ? "." : folder) + "/.replace-XXXXXX";
-  Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+  const std::filesystem::path above = std::filesystem::path(replaced).parent_path();
+  const std::string folder = above.empty() ? "." : above.string();
+  std::string temporary;
+  Descriptor file = makeTemporary(folder, temporary);
   if (!file.isOpen()) return false;
-  if (!fillTemporary(file, replaced, bytes) || ::rename(temporary.c_str(), replaced.c_str()) != 0) {
+  if (!fillTemporary(file, replaced, bytes) || !renamePath(temporary, replaced)) {
     ::unlink(temporary.c_str());
     return false;
   }
-  synchroniseFolder(folder.empty() ? "." : folder);
+  // Makes the renaming itself last; the new file is whole without it.
+  synchroniseFolder(folder);
   return true;
 }
 
-void appendToFile(const std::string& path, std::string_view bytes) {
-  const Descriptor file(openFile(path, O_WRONLY | O_APPEND | O_NOCTTY));
-  if (!file.isOpen()) return;
-  if (!writeAll(file.number(), bytes)) raise("write", path);
+void appendToFile(const std::string& path, const std::vector<std::string_view>& pieces) {
+  const Descriptor file = openFile(path, O_WRONLY | O_APPEND);
+  struct stat entry = {};
+  if (!file.isOpen() || ::fstat(file.number(), &entry) != 0 || !S_ISREG(entry.st_mode)) return;
+  std::vector<iovec> all;
+  for (const std::string_view piece : pieces) {
+    if (!piece.empty()) all.push_back({const_cast<char*>(piece.data()), piece.size()});
+  }
+  if (!writeAll(file.number(), std::move(all))) raise("write", path);
+}
+
+bool synchroniseTree(const std::string& path) {
+  return canBePath(path) && native::synchroniseTree(path);
+}
+
+bool synchroniseFolder(const std::string& path) {
+  const Descriptor folder = openFile(path, O_RDONLY | O_DIRECTORY);
+  return folder.isOpen() && native::synchronise(folder.number());
 }
 
 std::string withoutLastComponent(const std::string& path) {

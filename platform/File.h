@@ -1,12 +1,19 @@
-// Files: existence, whole-file reading, atomic replacement, appending a line.
+// Files: existence, whole-file reading, atomic replacement, appending a line, whole trees.
+//
+// A path that holds a NUL character exists nowhere, and whatever is to be done with it fails: the
+// system would take it for the part before that. No signal makes anything fail.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kelvane::platform {
+
+// Whether the text can be a path at all.
+bool canBePath(std::string_view text);
 
 // Whether a file system entry exists at the path; follows symbolic links, so that a dangling link
 // does not exist. An empty path never exists.
@@ -18,6 +25,10 @@ bool isFolder(const std::string& path);
 // The size in bytes of the file at the path; 0 where it cannot be told.
 std::uint64_t fileSize(const std::string& path);
 
+// Gives the entry another path on the same disk, in one step; what stands there is replaced.
+// Returns whether that was done.
+bool renamePath(const std::string& from, const std::string& to);
+
 // Gives the entry another path, also on another disk. Returns whether that was done; a failure
 // leaves it where it was.
 bool movePath(const std::string& from, const std::string& to);
@@ -28,31 +39,54 @@ bool createEmptyFile(const std::string& path);
 // The names in a folder, hidden ones too, in the system's order; none where it cannot be listed.
 std::vector<std::string> listFolder(const std::string& path);
 
+// Makes the one folder. Returns whether that was done.
+bool makeFolder(const std::string& path);
+
 // Makes a folder, and those above it that are missing. Returns whether it is there.
 bool makeFolders(const std::string& path);
 
-// Removes the entry with all below it; of a symbolic link the link, never what it leads to.
-// Returns whether that was done.
+// Removes the entry with all below it; of a symbolic link the link, never what it leads to. A path
+// that ends in "." or ".." names the folder itself. Returns whether nothing is there any more.
 bool removeTree(const std::string& path);
 
-// Copies the entry with all below it: links as links, with permission bits and modification times.
-// Fails where anything is in the target's place; a failed copy of a folder may leave part of it.
+// The same, but the entry has lost its name before anything below it goes, so that nobody who comes
+// after a kill takes a part of it for the whole.
+bool discardTree(const std::string& path);
+
+// Copies the entry with all below it: links as links, with permission bits and modification times
+// as far as the disk takes them; what is neither file, folder nor link is passed over. Appears
+// whole or not at all, also where it is killed. Fails where anything is in the target's place; a
+// failed copy leaves nothing.
 bool copyTree(const std::string& from, const std::string& to);
 
-// The whole file. Raises, with the path and the cause, where it is not there or cannot be read.
+// The same in two steps, so that many copies can be made to last at once before any of them is
+// seen. stageCopy() makes the copy under a hidden name beside `to`, taking the place of what an
+// earlier attempt left there, and returns that name's path, or nothing where it failed;
+// publishCopy() gives it its own name, or removes it where that is not possible.
+std::optional<std::string> stageCopy(const std::string& from, const std::string& to);
+bool publishCopy(const std::string& staged, const std::string& to);
+
+// Returns once everything at the path and below it, as it now stands, outlasts a power cut; returns
+// whether the disk said so. Of the second, for a folder, only which names it holds.
+bool synchroniseTree(const std::string& path);
+bool synchroniseFolder(const std::string& path);
+
+// The whole file. Raises, with the path and the cause, where it is not there, cannot be read or is
+// no regular file; never waits for whoever is at the other end of a pipe.
 std::string readFile(const std::string& path);
 
 // Replaces the file by one with these bytes, in one step: a reader, and whoever comes after a
 // crash at any point, finds either the old bytes or the new ones. The old file's permission bits
 // are kept, its owner where that is allowed; a symbolic link stays, and what it leads to is
-// replaced. Returns false where that failed; the old file is then as it was, and no temporary
-// file is left.
+// replaced. Returns false where that failed, or something else than a file stands there; that is
+// then as it was, and no temporary file is left.
 bool replaceFile(const std::string& path, std::string_view bytes);
 
-// Appends the bytes at the file's current end. Where the file cannot be opened (it is not there,
-// is a folder, may not be written) nothing happens: a file is never created. Raises where it was
-// opened and the writing failed.
-void appendToFile(const std::string& path, std::string_view bytes);
+// Appends the pieces, one behind the other, at the file's current end: all in one step, as far as
+// the disk has room. Where the file cannot be opened (it is not there, is no regular file, may not
+// be written) nothing happens: a file is never created. Raises where it was opened and the writing
+// failed.
+void appendToFile(const std::string& path, const std::vector<std::string_view>& pieces);
 
 // The path without its last component, "/" at the least; a trailing "/" does not count.
 std::string withoutLastComponent(const std::string& path);

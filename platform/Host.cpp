@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "platform/File.h"
+#include "platform/Native.h"
 #include "platform/Utf8.h"
 
 namespace kelvane::platform {

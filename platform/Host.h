@@ -5,8 +5,6 @@
 #include <ctime>
 #include <string>
 
-#include <spawn.h>
-
 #include "platform/Value.h"
 
 namespace kelvane::platform {
@@ -43,19 +41,5 @@ void ignoreWriteSignals();
 
 // The leading numbers of a version text: "6.1.0-18" gives 6, 1, 0.
 SystemVersion parseVersion(const std::string& text);
-
-// What differs between systems: one source file each.
-namespace native {
-std::string systemVersionText();
-timespec modificationTime(const std::string& path);  // of a symbolic link the link's own
-std::string executablePath();                        // empty where the system does not tell
-// Makes a file with the other's bytes, for its owner alone; holes stay holes where the disk can
-// have them. Returns whether that was done: not where anything is in the target's place. What a
-// failure has begun stays.
-bool copyContents(const std::string& from, const std::string& to);
-// Makes a spawned child have no files but its standard streams; `flags` are the attributes' others.
-void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
-                     short flags);
-}  // namespace native
 
 }  // namespace kelvane::platform

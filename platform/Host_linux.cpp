@@ -5,12 +5,12 @@
 
 #include <fcntl.h>
 #include <sys/sendfile.h>
-#include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
 #include "platform/Descriptor.h"
-#include "platform/Host.h"
+#include "platform/Native.h"
+#include "platform/Restarted.h"
 
 namespace kelvane::platform::native {
 namespace {
@@ -20,8 +20,9 @@ namespace {
 bool copyBytes(int from, int to, off_t count) {
   while (count > 0) {
     const auto wanted = static_cast<std::size_t>(count);
-    ssize_t copied = ::copy_file_range(from, nullptr, to, nullptr, wanted, 0);
-    if (copied < 0) copied = ::sendfile(to, from, nullptr, wanted);
+    ssize_t copied =
+        restarted([&] { return ::copy_file_range(from, nullptr, to, nullptr, wanted, 0); });
+    if (copied < 0) copied = restarted([&] { return ::sendfile(to, from, nullptr, wanted); });
     if (copied <= 0) return false;
     count -= copied;
   }
@@ -50,26 +51,28 @@ std::string executablePath() {
   return std::filesystem::read_symlink("/proc/self/exe", unknown).string();
 }
 
-timespec modificationTime(const std::string& path) {
-  struct stat entry = {};
-  ::lstat(path.c_str(), &entry);
-  return entry.st_mtim;
-}
+timespec modificationTime(const struct stat& entry) { return entry.st_mtim; }
 
-bool copyContents(const std::string& from, const std::string& to) {
-  struct stat entry = {};
-  const Descriptor source(::open(from.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!source.isOpen() || ::fstat(source.number(), &entry) != 0) return false;
-  Descriptor target(::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-  if (!target.isOpen() || ::ftruncate(target.number(), entry.st_size) != 0) return false;
-  for (off_t position = 0; position < entry.st_size;) {
-    const off_t end = nextData(source.number(), position, entry.st_size);
-    if (::lseek(source.number(), position, SEEK_SET) < 0) return false;
-    if (::lseek(target.number(), position, SEEK_SET) < 0) return false;
-    if (!copyBytes(source.number(), target.number(), end - position)) return false;
+bool copyContents(int from, int to, off_t size) {
+  if (restarted([&] { return ::ftruncate(to, size); }) != 0) return false;
+  for (off_t position = 0; position < size;) {
+    const off_t end = nextData(from, position, size);
+    if (::lseek(from, position, SEEK_SET) < 0 || ::lseek(to, position, SEEK_SET) < 0) return false;
+    if (!copyBytes(from, to, end - position)) return false;
     position = end;
   }
-  return target.close();
+  return true;
+}
+
+bool synchronise(int file) {
+  return restarted([&] { return ::fsync(file); }) == 0;
+}
+
+bool synchroniseTree(const std::string& path) {
+  const Descriptor entry(
+      restarted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
+  // The whole disk at once: a tree file by file takes far longer.
+  return entry.isOpen() && restarted([&] { return ::syncfs(entry.number()); }) == 0;
 }
 
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,

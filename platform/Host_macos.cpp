@@ -2,12 +2,15 @@
 #include <cstdint>
 
 #include <copyfile.h>
+#include <fcntl.h>
+#include <fts.h>
 #include <mach-o/dyld.h>
-#include <sys/stat.h>
 #include <sys/sysctl.h>
 #include <unistd.h>
 
-#include "platform/Host.h"
+#include "platform/Descriptor.h"
+#include "platform/Native.h"
+#include "platform/Restarted.h"
 
 namespace kelvane::platform::native {
 
@@ -27,17 +30,34 @@ std::string executablePath() {
   return path.c_str();  // without the terminator and what follows it
 }
 
-timespec modificationTime(const std::string& path) {
-  struct stat entry = {};
-  ::lstat(path.c_str(), &entry);
-  return entry.st_mtimespec;
+timespec modificationTime(const struct stat& entry) { return entry.st_mtimespec; }
+
+bool copyContents(int from, int to, off_t /*size*/) {
+  return restarted([&] { return ::fcopyfile(from, to, nullptr, COPYFILE_DATA); }) == 0;
 }
 
-bool copyContents(const std::string& from, const std::string& to) {
-  if (::copyfile(from.c_str(), to.c_str(), nullptr, COPYFILE_DATA | COPYFILE_EXCL) != 0) {
-    return false;
+// fsync leaves the bytes in the drive's own buffer; disks that cannot empty it have only fsync.
+bool synchronise(int file) {
+  if (restarted([&] { return ::fcntl(file, F_FULLFSYNC); }) != -1) return true;
+  return restarted([&] { return ::fsync(file); }) == 0;
+}
+
+bool synchroniseTree(const std::string& path) {
+  std::string root = path;
+  std::array<char*, 2> roots = {root.data(), nullptr};
+  FTS* walk = ::fts_open(roots.data(), FTS_PHYSICAL | FTS_NOCHDIR, nullptr);
+  if (walk == nullptr) return false;
+  // Every file goes to the drive; the drive's buffer is then emptied once.
+  while (const FTSENT* entry = ::fts_read(walk)) {
+    if (entry->fts_info != FTS_F && entry->fts_info != FTS_DP) continue;
+    const Descriptor file(
+        restarted([&] { return ::open(entry->fts_accpath, O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
+    if (file.isOpen()) restarted([&] { return ::fsync(file.number()); });
   }
-  return ::chmod(to.c_str(), 0600) == 0;
+  ::fts_close(walk);
+  const Descriptor top(
+      restarted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
+  return top.isOpen() && synchronise(top.number());
 }
 
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,

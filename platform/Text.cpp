@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/printf.h>
@@ -152,15 +153,6 @@ std::string cText(const std::string& placeholder, const FormatArgument& argument
   throw Exception("a value stands at the placeholder \"" + placeholder + "\"");
 }
 
-std::string argumentText(const std::string& placeholder, const FormatArgument& argument) {
-  if (placeholder != "%@") return cText(placeholder, argument);
-  if (const auto* value = std::get_if<Value>(&argument)) return describe(*value);
-  if (const auto* text = std::get_if<const char*>(&argument)) {
-    return *text == nullptr ? "(null)" : *text;
-  }
-  throw Exception("a number stands at the placeholder \"%@\"");
-}
-
 // The length of the placeholder at the start of the text: up to and with its conversion letter.
 std::size_t placeholderLength(std::string_view text) {
   const std::size_t end = text.find_first_not_of("0123456789.-+ #lhjzt", 1);
@@ -186,28 +178,62 @@ Value split(std::string_view text, char separator) {
   }
 }
 
-std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments) {
-  std::string out;
+FilledFormat::FilledFormat(std::string_view format, const std::vector<FormatArgument>& arguments) {
   auto next = arguments.begin();
   while (!format.empty()) {
     const std::size_t plain = std::min(format.find('%'), format.size());
-    out += format.substr(0, plain);
+    if (plain > 0) pieces_.push_back(format.substr(0, plain));
     format.remove_prefix(plain);
     if (format.empty()) break;
     const std::string placeholder(format.substr(0, placeholderLength(format)));
     format.remove_prefix(placeholder.size());
     if (placeholder == "%%") {
-      out += '%';
+      pieces_.emplace_back("%");
       continue;
     }
     if (next == arguments.end()) throw Exception("no argument for \"" + placeholder + "\"");
     try {
-      out += argumentText(placeholder, *next++);
+      add(placeholder, *next++);
     } catch (const fmt::format_error& error) {
       throw Exception("\"" + placeholder + "\": " + error.what());
     }
   }
-  return out;
+}
+
+void FilledFormat::add(const std::string& placeholder, const FormatArgument& argument) {
+  if (placeholder != "%@") {
+    addMade(cText(placeholder, argument));
+  } else if (const auto* value = std::get_if<Value>(&argument)) {
+    if (value->isString()) {
+      pieces_.push_back(value->string());
+    } else {
+      addMade(describe(*value));
+    }
+  } else if (const auto* text = std::get_if<std::string_view>(&argument)) {
+    pieces_.push_back(*text);
+  } else if (const auto* cString = std::get_if<const char*>(&argument)) {
+    pieces_.emplace_back(*cString == nullptr ? "(null)" : *cString);
+  } else {
+    throw Exception("a number stands at the placeholder \"%@\"");
+  }
+}
+
+void FilledFormat::addMade(std::string text) {
+  made_.push_back(std::move(text));
+  pieces_.push_back(made_.back());
+}
+
+std::string joined(const std::vector<std::string_view>& pieces) {
+  std::size_t size = 0;
+  for (const std::string_view piece : pieces) size += piece.size();
+  std::string text;
+  text.reserve(size);
+  for (const std::string_view piece : pieces) text += piece;
+  return text;
+}
+
+std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments) {
+  return joined(FilledFormat(format, arguments).pieces());
 }
 
 }  // namespace kelvane::platform

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -19,13 +21,35 @@ std::string describe(const Value& value);
 // The pieces between the separators, empty ones too: a list of one at the least.
 Value split(std::string_view text, char separator);
 
-// One argument of a format: a value for "%@", a C string for "%s" (null shows as "(null)"), a
-// whole number for "%d", "%x", "%ld", "%lu".
-using FormatArgument = std::variant<Value, const char*, std::int64_t, std::uint64_t>;
+// One argument of a format: a value or a text for "%@", a C string for "%s" (null shows as
+// "(null)"), a whole number for "%d", "%x", "%ld", "%lu".
+using FormatArgument =
+    std::variant<Value, std::string_view, const char*, std::int64_t, std::uint64_t>;
 
-// Fills the format's placeholders from the arguments, in order. "%@" is as in describe(), the
-// others are C's. Raises where the format asks for more arguments than there are or for another
-// kind.
+// A format with its placeholders filled from the arguments, in order. "%@" is as in describe(), the
+// others are C's. In pieces, so that what is a text already is not copied; both the format and the
+// arguments must outlive it.
+class FilledFormat {
+ public:
+  // Raises where the format asks for more arguments than there are or for another kind.
+  FilledFormat(std::string_view format, const std::vector<FormatArgument>& arguments);
+  FilledFormat(const FilledFormat&) = delete;
+  FilledFormat& operator=(const FilledFormat&) = delete;
+
+  const std::vector<std::string_view>& pieces() const { return pieces_; }
+
+ private:
+  void add(const std::string& placeholder, const FormatArgument& argument);
+  void addMade(std::string text);
+
+  std::vector<std::string_view> pieces_;
+  std::deque<std::string> made_;  // the texts of pieces that are not someone else's
+};
+
+// The pieces one behind the other.
+std::string joined(const std::vector<std::string_view>& pieces);
+
+// The same as one text.
 std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments);
 
 template <typename T>
@@ -36,6 +60,8 @@ FormatArgument formatArgument(const T& argument) {
     return static_cast<std::uint64_t>(argument);
   } else if constexpr (std::is_convertible_v<T, const char*>) {
     return static_cast<const char*>(argument);
+  } else if constexpr (std::is_same_v<T, std::optional<std::string_view>>) {
+    return argument ? FormatArgument(*argument) : FormatArgument(Value());
   } else {
     return Value(argument);
   }

@@ -246,12 +246,13 @@ bool Value::operator==(const Value& other) const {
 }
 
 bool equalStrings(const Value& left, const Value& right) {
+  if (left.isNothing() || right.isNothing()) return false;
   for (const Value* side : {&left, &right}) {
-    if (!side->isNothing() && !side->isString()) {
+    if (!side->isString()) {
       throw Exception(std::string("compared ") + nameOf(side->kind()) + " as a string");
     }
   }
-  return left.isString() && left == right;
+  return left == right;
 }
 
 namespace {

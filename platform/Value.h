@@ -120,8 +120,8 @@ class Value {
 // values, numbers by value, dates by time; anything else, or two kinds, raises.
 int compare(const Value& left, const Value& right);
 
-// Whether two strings are the same. What is absent never equals anything; a value that is there
-// and is not a string raises.
+// Whether two strings are the same. What is absent never equals anything, whatever the other is; of
+// two values that are there, one that is not a string raises.
 bool equalStrings(const Value& left, const Value& right);
 
 }  // namespace kelvane::platform

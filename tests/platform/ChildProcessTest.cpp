@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <string>
 
 #include <fcntl.h>
@@ -11,6 +14,19 @@
 #include "platform/Exception.h"
 #include "support/TempFolder.h"
 
+namespace {
+bool refuseRealloc = false;
+std::size_t largestRealloc = 0;
+}  // namespace
+
+extern "C" void* __real_realloc(void* memory, std::size_t size);
+extern "C" void* __wrap_realloc(void* memory, std::size_t size);
+
+void* __wrap_realloc(void* memory, std::size_t size) {
+  largestRealloc = std::max(largestRealloc, size);
+  return refuseRealloc ? nullptr : __real_realloc(memory, size);
+}
+
 namespace kelvane::platform {
 namespace {
 
@@ -23,7 +39,11 @@ class ChildProcessTest : public ::testing::Test {
     return path;
   }
   static Value outputOf(const std::string& path, const Value& arguments = Value::array()) {
-    return ChildProcess(path, arguments).readOutput();
+    return valueOf(ChildProcess(path, arguments).readOutput());
+  }
+  static Value valueOf(const ChildOutput& output) {
+    const auto text = output.text();
+    return text ? Value(*text) : Value();
   }
   static std::string reasonOf(const Value& path) {
     try {
@@ -92,7 +112,7 @@ TEST_F(ChildProcessTest, StandardInputEndsWithTheTermination) {
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   ChildProcess child(script("(cat; echo end > " + fifo + ") <&0 >/dev/null & echo started"),
                      Value::array());
-  EXPECT_EQ(child.readOutput(), Value("started\n"));
+  EXPECT_EQ(valueOf(child.readOutput()), Value("started\n"));
   child.terminate();
   EXPECT_EQ(folder.read("fifo"), "end\n");  // blocks until the reader has seen the end
 }
@@ -132,7 +152,7 @@ TEST_F(ChildProcessTest, AChildThatLivesOnIsToldToEnd) {
   ChildProcess child(
       script("trap 'echo ended > " + mark + "; exit' TERM; echo x; exec 1>&-; read -r l < " + fifo),
       Value::array());
-  EXPECT_EQ(child.readOutput(), Value("x\n"));
+  EXPECT_EQ(valueOf(child.readOutput()), Value("x\n"));
   child.terminate();
   while (::waitpid(-1, nullptr, 0) > 0) continue;  // until it has ended
   EXPECT_EQ(folder.read("mark"), "ended\n");
@@ -143,7 +163,7 @@ TEST_F(ChildProcessTest, AChildThatIgnoresTheSignalIsNotWaitedFor) {
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   ChildProcess child(script("trap '' TERM; echo $$; exec 1>&-; read -r l < " + fifo),
                      Value::array());
-  const pid_t process = std::stoi(child.readOutput().string());
+  const pid_t process = std::stoi(valueOf(child.readOutput()).string());
   child.terminate();  // returns
   EXPECT_EQ(::waitpid(process, nullptr, WNOHANG), 0);
   ::kill(process, SIGKILL);
@@ -152,7 +172,7 @@ TEST_F(ChildProcessTest, AChildThatIgnoresTheSignalIsNotWaitedFor) {
 
 TEST_F(ChildProcessTest, AChildThatHasEndedIsReaped) {
   ChildProcess child(script("echo $$"), Value::array());
-  const pid_t process = std::stoi(child.readOutput().string());
+  const pid_t process = std::stoi(valueOf(child.readOutput()).string());
   siginfo_t info = {};
   ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOWAIT), 0);
   child.terminate();
@@ -177,12 +197,60 @@ TEST_F(ChildProcessTest, WhatCannotBeStartedRaisesWithPathAndCause) {
   EXPECT_EQ(reasonOf(plain), "start " + plain + ": Permission denied");
 }
 
+// The child would get the part before it.
+TEST_F(ChildProcessTest, APathOrArgumentThatHoldsANulCharacterRaises) {
+  const std::string text("a\0b", 3);
+  EXPECT_THROW(argumentList("/p", {"a", text}), Exception);
+  EXPECT_THROW(argumentList(text, {"a"}), Exception);
+  EXPECT_EQ(argumentList("/p", {"a", Value(), text}),
+            Value::array({"a"}));  // behind the list's end
+}
+
+TEST_F(ChildProcessTest, DiscardedOutputIsWaitedForToItsEnd) {
+  ChildProcess child(script("head -c 3000000 /dev/zero; : > " + (folder / "mark")), Value::array());
+  child.discardOutput();
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"mark", "script"}));
+}
+
+TEST(ChildOutput, HoldsWhatWasAddedByteForByte) {
+  ChildOutput output;
+  EXPECT_EQ(output.text(), "");
+  std::string all;
+  for (int i = 0; i < 3000; ++i) {
+    const std::string piece(static_cast<std::size_t>(i % 97), static_cast<char>('a' + i % 26));
+    output.append(piece);
+    all += piece;
+  }
+  EXPECT_EQ(output.text(), all);
+}
+
+TEST(ChildOutput, TakesHardlyMoreThanItHolds) {
+  largestRealloc = 0;
+  ChildOutput output;
+  const std::string block(65536, 'x');
+  for (int i = 0; i < 1000; ++i) output.append(block);
+  EXPECT_GT(largestRealloc, 65'536'000U - 65536U);
+  EXPECT_LT(largestRealloc, 65'536'000U * 9 / 8 + 65536U);
+}
+
+TEST(ChildOutput, WithoutMemoryThereIsNone) {
+  ChildOutput output;
+  output.append("before");
+  refuseRealloc = true;
+  output.append(std::string(100, 'x'));
+  refuseRealloc = false;
+  output.append("after");
+  EXPECT_FALSE(output.isWhole());
+  EXPECT_EQ(output.text(), std::nullopt);
+}
+
 TEST_F(ChildProcessTest, AListOfArgumentsEndsAtItsFirstAbsentValue) {
-  EXPECT_EQ(argumentList({"a", "b"}), Value::array({"a", "b"}));
-  EXPECT_EQ(argumentList({"a", Value(), "b"}), Value::array({"a"}));
-  EXPECT_EQ(argumentList({Value()}), Value::array());
-  EXPECT_EQ(argumentList({"a", Value(), Value::integer(1)}), Value::array({"a"}));
-  EXPECT_THROW(argumentList({"a", Value::integer(1)}), Exception);
+  EXPECT_EQ(argumentList("/p", {"a", "b"}), Value::array({"a", "b"}));
+  EXPECT_EQ(argumentList("/p", {"a", Value(), "b"}), Value::array({"a"}));
+  EXPECT_EQ(argumentList("/p", {Value()}), Value::array());
+  EXPECT_EQ(argumentList(Value(), {"a"}), Value::array({"a"}));
+  EXPECT_EQ(argumentList("/p", {"a", Value(), Value::integer(1)}), Value::array({"a"}));
+  EXPECT_THROW(argumentList("/p", {"a", Value::integer(1)}), Exception);
 }
 
 }  // namespace

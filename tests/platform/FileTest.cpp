@@ -1,15 +1,21 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/Exception.h"
 #include "platform/File.h"
+#include "support/FullFile.h"
 #include "support/SystemCallKiller.h"
 #include "support/TempFolder.h"
 
@@ -26,6 +32,25 @@ class FileTest : public ::testing::Test {
     struct stat entry = {};
     EXPECT_EQ(::stat((folder / name).c_str(), &entry), 0);
     return entry.st_mode & 07777;
+  }
+
+  template <typename Action>
+  static std::string reasonOf(Action action) {
+    try {
+      action();
+    } catch (const Exception& raised) {
+      return raised.what();
+    }
+    return "nothing was raised";
+  }
+
+  void makeSocket(const std::string& name) const {
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    (folder / name).copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ::close(socket);
   }
 };
 
@@ -48,15 +73,84 @@ TEST_F(FileTest, ReadsAWholeFileOfAnyBytes) {
 }
 
 TEST_F(FileTest, ReadingWhatIsNotThereTellsPathAndCause) {
-  try {
-    readFile(folder / "missing");
-    FAIL() << "nothing was raised";
-  } catch (const Exception& raised) {
-    EXPECT_EQ(raised.what(), "open " + (folder / "missing") + ": No such file or directory");
-  }
+  EXPECT_EQ(reasonOf([&] { readFile(folder / "missing"); }),
+            "open " + (folder / "missing") + ": No such file or directory");
 }
 
-TEST_F(FileTest, ReadingAFolderRaises) { EXPECT_THROW(readFile(folder.path()), Exception); }
+TEST_F(FileTest, ReadingAFolderTellsPathAndCause) {
+  EXPECT_EQ(reasonOf([&] { readFile(folder.path()); }),
+            "read " + folder.path() + ": Is a directory");
+}
+
+// Each is at once what it is: nobody waits for the other end of a pipe.
+TEST_F(FileTest, OnlyARegularFileIsRead) {
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  std::filesystem::create_symlink("fifo", folder / "link");
+  for (const std::string& path : {folder / "fifo", folder / "link", std::string("/dev/zero")}) {
+    EXPECT_EQ(reasonOf([&] { readFile(path); }), "open " + path + ": not a regular file");
+  }
+  makeSocket("socket");
+  EXPECT_EQ(reasonOf([&] { readFile(folder / "socket"); }),
+            "open " + (folder / "socket") + ": No such device or address");
+}
+
+TEST_F(FileTest, ARegularFileIsReadThroughLinks) {
+  folder.write("real/file", "x");
+  std::filesystem::create_symlink("real/file", folder / "link");
+  std::filesystem::create_symlink("link", folder / "link2");
+  EXPECT_EQ(readFile(folder / "link2"), "x");
+}
+
+TEST_F(FileTest, WhatIsNoRegularFileIsNeverReplaced) {
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  makeSocket("socket");
+  for (const char* name : {"fifo", "socket"}) {
+    EXPECT_FALSE(replaceFile(folder / name, "new")) << name;
+    EXPECT_FALSE(std::filesystem::is_regular_file(folder / name)) << name;
+  }
+  EXPECT_EQ(folder.names(), (Names{"fifo", "socket"}));
+}
+
+// The system would take each of these paths for the part before the NUL character.
+TEST_F(FileTest, APathThatHoldsANulCharacterExistsNowhere) {
+  folder.write("file", "x");
+  folder.write("folder/inside", "x");
+  const std::string file = (folder / "file") + std::string("\0y", 2);
+  const std::string inside = (folder / "folder") + std::string("\0", 1);
+  const std::string fresh = (folder / "fresh") + std::string("\0", 1);
+  EXPECT_FALSE(canBePath(file));
+  EXPECT_TRUE(canBePath(folder / "file"));
+  EXPECT_FALSE(exists(file));
+  EXPECT_FALSE(isFolder(inside));
+  EXPECT_EQ(fileSize(file), 0U);
+  EXPECT_TRUE(listFolder(inside).empty());
+  EXPECT_EQ(reasonOf([&] { readFile(file); }).rfind("open ", 0), 0U);
+  EXPECT_FALSE(replaceFile(file, "new"));
+  appendToFile(file, {"more"});
+  EXPECT_FALSE(makeFolder(fresh));
+  EXPECT_FALSE(makeFolders(fresh));
+  EXPECT_FALSE(createEmptyFile(file));
+  EXPECT_FALSE(renamePath(file, folder / "b"));
+  EXPECT_FALSE(movePath(folder / "file", fresh));
+  EXPECT_FALSE(copyTree(file, folder / "b"));
+  EXPECT_FALSE(copyTree(folder / "file", fresh));
+  EXPECT_FALSE(removeTree(inside));
+  EXPECT_FALSE(discardTree(inside));
+  EXPECT_FALSE(synchroniseTree(inside));
+  EXPECT_FALSE(synchroniseFolder(inside));
+  EXPECT_EQ(folder.names(), (Names{"file", "folder"}));
+  EXPECT_EQ(folder.names("folder"), Names{"inside"});
+  EXPECT_EQ(folder.read("file"), "x");
+}
+
+TEST_F(FileTest, WhatIsThereCanBeMadeToLast) {
+  folder.write("folder/inside", "x");
+  EXPECT_TRUE(synchroniseTree(folder / "folder"));
+  EXPECT_TRUE(synchroniseTree(folder / "folder/inside"));
+  EXPECT_TRUE(synchroniseFolder(folder / "folder"));
+  EXPECT_FALSE(synchroniseTree(folder / "missing"));
+  EXPECT_FALSE(synchroniseFolder(folder / "folder/inside"));
+}
 
 TEST_F(FileTest, ReplacesAndLeavesNothingBeside) {
   folder.write("file", "old");
@@ -198,23 +292,51 @@ TEST_F(FileTest, ACrashAtAnySystemCallLeavesTheOldFileOrTheNewOne) {
 
 TEST_F(FileTest, AppendsAtTheEnd) {
   folder.write("file", "one\n");
-  appendToFile(folder / "file", "two\n");
+  appendToFile(folder / "file", {"two", "", "\n"});
   EXPECT_EQ(folder.read("file"), "one\ntwo\n");
 }
 
 TEST_F(FileTest, AppendingNeverMakesAFile) {
-  appendToFile(folder / "missing", "x");
-  appendToFile(folder.path(), "x");
+  appendToFile(folder / "missing", {"x"});
+  appendToFile(folder.path(), {"x"});
   EXPECT_TRUE(folder.names().empty());
 }
 
-TEST_F(FileTest, AFailingAppendTellsPathAndCause) {
-  try {
-    appendToFile("/dev/full", "x");
-    FAIL() << "nothing was raised";
-  } catch (const Exception& raised) {
-    EXPECT_STREQ(raised.what(), "write /dev/full: No space left on device");
+TEST_F(FileTest, AppendsMorePiecesThanTheSystemTakesAtOnce) {
+  folder.write("file", "");
+  std::vector<std::string_view> pieces;
+  std::string all;
+  for (int i = 0; i < 3000; ++i) {
+    pieces.emplace_back(i % 3 == 0 ? "" : "ab");
+    all += pieces.back();
   }
+  appendToFile(folder / "file", pieces);
+  EXPECT_EQ(folder.read("file"), all);
+}
+
+TEST_F(FileTest, AppendsAsMuchAsThereIsRoomForAndThenRaises) {
+  const kelvane::testing::FullFile full;
+  std::filesystem::resize_file(full.path(), std::filesystem::file_size(full.path()) - 7);
+  EXPECT_THROW(appendToFile(full.path(), {"one", "two", "three"}), Exception);
+  const std::string bytes = readFile(full.path());
+  EXPECT_EQ(bytes.substr(bytes.size() - 7), "onetwot");
+}
+
+TEST_F(FileTest, OnlyARegularFileIsAppendedTo) {
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  appendToFile(folder / "fifo", {"nobody listens"});
+  const int reader = ::open((folder / "fifo").c_str(), O_RDONLY | O_NONBLOCK);
+  appendToFile(folder / "fifo", {"x"});
+  char byte = 0;
+  EXPECT_LE(::read(reader, &byte, 1), 0);
+  ::close(reader);
+  EXPECT_NO_THROW(appendToFile("/dev/full", {"x"}));
+}
+
+TEST_F(FileTest, AFailingAppendTellsPathAndCause) {
+  const kelvane::testing::FullFile full;
+  EXPECT_EQ(reasonOf([&] { appendToFile(full.path(), {"x"}); }),
+            "write " + full.path() + ": File too large");
 }
 
 TEST_F(FileTest, KnowsFoldersAndSizes) {

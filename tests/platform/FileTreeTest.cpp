@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 
 #include "platform/File.h"
+#include "support/FullFile.h"
+#include "support/SystemCallKiller.h"
 #include "support/TempFolder.h"
 
 namespace kelvane::platform {
@@ -174,6 +176,144 @@ TEST_F(FileTree, CopyingNeverReplacesAnything) {
   }
   EXPECT_EQ(folder.read("file"), "old");
   EXPECT_FALSE(exists(folder / "missing"));
+}
+
+TEST_F(FileTree, WhatIsNeitherFileFolderNorLinkIsPassedOverInAFolder) {
+  folder.write("from/a", "a");
+  folder.write("from/z", "z");
+  ASSERT_EQ(::mkfifo((folder / "from/fifo").c_str(), 0600), 0);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.names("to"), (Names{"a", "z"}));
+}
+
+TEST_F(FileTree, AFailedCopyOfAFolderLeavesNothing) {
+  folder.write("from/readonly/inside", "x");
+  fs::resize_file(folder.write("from/large", "x"), 2 << 20);
+  folder.write("from/zlast/inside", "x");
+  ::chmod((folder / "from/readonly").c_str(), 0555);
+  {
+    const kelvane::testing::FullFile full;  // so that a file of this size cannot be made
+    EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
+  }
+  EXPECT_EQ(folder.names(), Names{"from"});
+  ::chmod((folder / "from/readonly").c_str(), 0755);
+}
+
+TEST_F(FileTree, WhatAnEarlierAttemptLeftGivesWay) {
+  folder.write("from/file", "new");
+  folder.write(".incoming-to/part", "old");
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.names(), (Names{"from", "to"}));
+  EXPECT_EQ(folder.names("to"), Names{"file"});
+}
+
+TEST_F(FileTree, ANameAsLongAsNamesCanBeIsCopied) {
+  std::string name;
+  while (name.size() < 254) name += "\xC3\xA9";  // cut anywhere, half of the bytes end no character
+  folder.write("from/" + name, "x");
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(copyTree(folder / ("from/" + name), folder / ("to/b" + name.substr(2))));
+  EXPECT_TRUE(discardTree(folder / ("to/" + name)));
+  EXPECT_EQ(folder.names("to"), Names{"b" + name.substr(2)});
+}
+
+TEST_F(FileTree, AStagedCopyIsSeenOnceItIsPublished) {
+  folder.write("from", "x");
+  const auto staged = stageCopy(folder / "from", folder / "to");
+  ASSERT_TRUE(staged);
+  EXPECT_FALSE(exists(folder / "to"));
+  EXPECT_TRUE(publishCopy(*staged, folder / "to"));
+  EXPECT_EQ(folder.read("to"), "x");
+  EXPECT_EQ(folder.names(), (Names{"from", "to"}));
+}
+
+TEST_F(FileTree, AStagedCopyWhosePlaceIsTakenGoes) {
+  folder.write("from", "x");
+  const auto staged = stageCopy(folder / "from", folder / "to");
+  ASSERT_TRUE(staged);
+  folder.write("to", "someone else's");
+  EXPECT_FALSE(publishCopy(*staged, folder / "to"));
+  EXPECT_EQ(folder.read("to"), "someone else's");
+  EXPECT_EQ(folder.names(), (Names{"from", "to"}));
+}
+
+TEST_F(FileTree, AFolderIsNotCopiedIntoItself) {
+  folder.write("from/inside/file", "x");
+  EXPECT_FALSE(copyTree(folder / "from", folder / "from/inside/to"));
+  EXPECT_EQ(folder.names("from/inside"), Names{"file"});
+}
+
+TEST_F(FileTree, ADeepTreeIsCopiedAndRemoved) {
+  std::string path = folder / "from";
+  for (int i = 0; i < 700; ++i) path += "/d";
+  fs::create_directories(path);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(exists((folder / "to") + path.substr((folder / "from").size())));
+  EXPECT_TRUE(removeTree(folder / "from"));
+  EXPECT_EQ(folder.names(), Names{"to"});
+}
+
+// Every file of the tree, its text and whether it may be executed.
+std::string described(const std::string& root) {
+  std::string text;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    if (entry.is_regular_file()) text += std::to_string(entry.file_size()) + ' ';
+  }
+  return text + std::to_string(static_cast<int>(fs::status(root).permissions()));
+}
+
+TEST_F(FileTree, KilledAnywhereACopyIsThereWholeOrNotAtAll) {
+  folder.write("from/a", "12345");
+  folder.write("from/deep/b", "1234567");
+  ::chmod((folder / "from").c_str(), 0750);
+  const std::string whole = described(folder / "from");
+  bool sawNone = false;
+  bool killed = true;
+  for (int n = 1; killed; ++n) {
+    fs::remove_all(folder / "to");
+    killed = kelvane::testing::killedBeforeSystemCall(
+        n, [&] { copyTree(folder / "from", folder / "to"); });
+    if (exists(folder / "to")) {
+      ASSERT_EQ(described(folder / "to"), whole) << "killed before system call " << n;
+    } else {
+      sawNone = true;
+    }
+    ASSERT_FALSE(killed && n > 500);
+  }
+  EXPECT_TRUE(sawNone);
+  EXPECT_EQ(folder.names(), (Names{"from", "to"}));  // nothing of the kills is left either
+}
+
+TEST_F(FileTree, KilledAnywhereWhatIsDiscardedIsThereWholeOrNotAtAll) {
+  bool sawWhole = false;
+  bool killed = true;
+  for (int n = 1; killed; ++n) {
+    folder.write("to/a", "12345");
+    folder.write("to/deep/b", "1234567");
+    const std::string whole = described(folder / "to");
+    killed = kelvane::testing::killedBeforeSystemCall(n, [&] { discardTree(folder / "to"); });
+    if (exists(folder / "to")) {
+      ASSERT_EQ(described(folder / "to"), whole) << "killed before system call " << n;
+      sawWhole = true;
+    }
+    ASSERT_FALSE(killed && n > 500);
+  }
+  EXPECT_TRUE(sawWhole);
+  EXPECT_TRUE(folder.names().empty());
+}
+
+TEST_F(FileTree, AFolderMayBeNamedFromInside) {
+  for (const char* spelling : {"gone/.", "gone/./", "gone/sub/..", "gone/sub/../.", "gone//"}) {
+    folder.write("gone/sub/inside", "x");
+    EXPECT_TRUE(removeTree(folder / spelling)) << spelling;
+    EXPECT_TRUE(folder.names().empty()) << spelling;
+  }
+}
+
+TEST_F(FileTree, WhatIsNotThereIsRemovedAlready) {
+  EXPECT_TRUE(removeTree(folder / "missing"));
+  EXPECT_TRUE(removeTree(folder / "missing/.."));
+  EXPECT_TRUE(discardTree(folder / "missing"));
 }
 
 TEST_F(FileTree, WhatIsNotThereOrNeitherFileNorFolderIsNotCopied) {

@@ -8,6 +8,7 @@
 
 #include "log/iLog.h"
 #include "platform/Json.h"
+#include "support/FullFile.h"
 #include "support/WorkerWorld.h"
 
 namespace kelvane {
@@ -320,15 +321,17 @@ TEST_F(CpldFlash, AVanishedJobFileCostsAnErrorLinePerPublishAndTheFlashGoesOn) {
 
 TEST_F(CpldFlash, AnExceptionLeavesTheProcessOpenAndGivesTheStatusHeld) {
   framework.answer("zr_flashCPLDBin", 1, 0x8050);
-  framework.onCall = [this] {
-    if (framework.count("zr_initializeCPLDProcess") == 1) setLogPath("/dev/full");
+  const testing::FullFile full;
+  framework.onCall = [&] {
+    if (framework.count("zr_initializeCPLDProcess") == 1) setLogPath(full.path().c_str());
   };
   EXPECT_EQ(run(), 0x8050U);
   EXPECT_EQ(framework.count("zr_finalizeCPLDProcess"), 0);
 }
 
 TEST_F(CpldFlash, AnExceptionBeforeAnyCallGivesZero) {
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   EXPECT_EQ(run(), 0U);
   EXPECT_TRUE(framework.calls.empty());
 }

@@ -1,13 +1,19 @@
+#include <algorithm>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "log/iLog.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
+#include "support/FullFile.h"
+#include "support/SystemCallKiller.h"
 #include "support/WorkerWorld.h"
 
 namespace kelvane {
@@ -46,6 +52,21 @@ class DownloadArea : public testing::WorkerWorld {
 };
 
 // --- createTmpFolder
+
+TEST_F(DownloadArea, APathThatHoldsANulCharacterHasNothingMadeOfIt) {
+  worker.createTmpFolder(folder / "a/b" + std::string("\0/c", 3));
+  EXPECT_FALSE(fs::exists(folder / "a"));
+  EXPECT_TRUE(log().empty());
+}
+
+TEST_F(DownloadArea, APathTooLongForTheSystemIsMadeAsFarAsItReaches) {
+  std::string path = folder / "top";
+  for (int i = 0; i < 20'000; ++i) path += "/d";
+  worker.createTmpFolder(path);
+  const std::string reached = path.substr(0, 4000);
+  EXPECT_TRUE(fs::is_directory(reached.substr(0, reached.rfind('/'))));
+  EXPECT_TRUE(log().empty());
+}
 
 TEST_F(DownloadArea, EveryLevelOfAPathIsMade) {
   worker.createTmpFolder(folder.path() + "//a/b//c/");
@@ -248,6 +269,111 @@ TEST_F(DownloadArea, WrongKindsAreLoggedOnce) {
     EXPECT_THAT(log(), ElementsAre(StartsWith("syncDownloadFiles: syncDownloadFiles start"),
                                    StartsWith("syncDownloadFiles error: ")));
   }
+}
+
+// --- what could be lost
+
+TEST_F(DownloadArea, TheFolderIsGoneHoweverItIsSpelled) {
+  for (const char* spelling : {"engine/.", "engine/sub/..", "engine/sub/.././", "engine//"}) {
+    makeDownload();
+    folder.write("engine/sub/inside", "x");
+    Value job = record("kor");
+    job.set("input_parameters",
+            Value::dictionary({{"productid", "kor"}, {"folder", folder / spelling}}));
+    EXPECT_EQ(worker.syncDownloadFiles(job), Value(area("KORFW"))) << spelling;
+    EXPECT_FALSE(fs::exists(folder / "engine")) << spelling;
+    EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/KORFW"),
+              (Names{"Catalogue.plist", "package.img", "sub"}));
+  }
+}
+
+TEST_F(DownloadArea, AFolderWhoseNameHoldsANulCharacterIsNotThere) {
+  makeDownload();
+  Value job = record("kor");
+  job.set("input_parameters",
+          Value::dictionary(
+              {{"productid", "kor"}, {"folder", (folder / "engine") + std::string("\0x", 2)}}));
+  EXPECT_TRUE(worker.syncDownloadFiles(job).isNothing());
+  EXPECT_EQ(folder.names("engine"), (Names{"Catalogue.plist", "package.img"}));
+  EXPECT_FALSE(fs::exists(area("KORFW")));
+}
+
+TEST_F(DownloadArea, APackageThatCannotBeCopiedWholeIsNotThereAndTheOthersAre) {
+  makeDownload();
+  folder.write("engine/Manager.app/a", "a");
+  fs::resize_file(folder.write("engine/Manager.app/large", "x"), 2 << 20);
+  folder.write("shared/tmp/OnlineUpdate/SW/Manager.app/old", "old");
+  {
+    const testing::FullFile full;  // so that a file of this size cannot be made
+    worker.syncDownloadFiles(record("sw"));
+  }
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW"), (Names{"Catalogue.plist", "package.img"}));
+  EXPECT_FALSE(fs::exists(folder / "engine"));
+}
+
+TEST_F(DownloadArea, OfAPackageThatHoldsAPipeTheOtherEntriesArrive) {
+  makeDownload();
+  folder.write("engine/Manager.app/a", "a");
+  ASSERT_EQ(::mkfifo((folder / "engine/Manager.app/pipe").c_str(), 0600), 0);
+  ASSERT_EQ(::mkfifo((folder / "engine/pipe").c_str(), 0600), 0);
+  folder.write("engine/Manager.app/z", "z");
+  worker.syncDownloadFiles(record("sw"));
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW"),
+            (Names{"Catalogue.plist", "Manager.app", "package.img"}));
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW/Manager.app"), (Names{"a", "z"}));
+}
+
+TEST_F(DownloadArea, WhatWasCopiedBeforeTheLogFailedArrives) {
+  makeDownload();
+  fs::create_directories(area("SW"));
+  const testing::FullFile full;
+  fs::resize_file(full.path(), fs::file_size(full.path()) - 100);  // room for one line
+  setLogPath(full.path().c_str());
+  worker.syncFiles(folder / "engine", area("SW"));
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW").size(), 1U);
+}
+
+// Every file of the package, by its size; empty where there is none.
+std::string described(const std::string& package) {
+  std::vector<std::string> files;
+  if (fs::exists(package)) {
+    for (const auto& entry : fs::recursive_directory_iterator(package)) {
+      if (entry.is_regular_file()) {
+        files.push_back(entry.path().filename().string() + " " + std::to_string(entry.file_size()));
+      }
+    }
+  }
+  std::sort(files.begin(), files.end());
+  std::string text;
+  for (const std::string& file : files) text += file + "\n";
+  return text;
+}
+
+TEST_F(DownloadArea, KilledAnywhereNoPackageIsThereInPart) {
+  const std::string package = area("SW") + "/Manager.app";
+  std::set<std::string> seen;
+  bool killed = true;
+  for (int n = 1; killed; ++n) {
+    fs::remove_all(folder / "engine");
+    fs::remove_all(area("SW"));
+    makeDownload();
+    folder.write("engine/Manager.app/a", "new");
+    folder.write("engine/Manager.app/deep/b", "new too");
+    folder.write("shared/tmp/OnlineUpdate/SW/Manager.app/a", "old one");
+    folder.write("shared/tmp/OnlineUpdate/SW/Manager.app/deep/b", "old");
+    killed = testing::killedBeforeSystemCall(n, [&] { worker.syncDownloadFiles(record("sw")); });
+    const std::string left = described(package);
+    ASSERT_THAT(left, ::testing::AnyOf("", "a 3\nb 7\n", "a 7\nb 3\n"))
+        << "killed before system call " << n;
+    // The engine's own is given up for a copy that is in its place.
+    const std::string source = described(folder / "engine/Manager.app");
+    ASSERT_TRUE(source == "a 3\nb 7\n" || left == "a 3\nb 7\n") << n;
+    seen.insert(left);
+    ASSERT_LT(n, 2000);
+  }
+  EXPECT_EQ(seen.size(), 3U);
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW"),
+            (Names{"Catalogue.plist", "Manager.app", "package.img"}));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "log/iLog.h"
 #include "platform/Exception.h"
 #include "platform/Json.h"
+#include "support/FullFile.h"
 #include "support/WorkerWorld.h"
 
 namespace kelvane {
@@ -124,7 +125,8 @@ TEST_F(JobFile, WhatJsonHasNoFormForWritesNothingButTheLogLines) {
 
 TEST_F(JobFile, WritingLogsBeforeItWrites) {
   writeJobs(kThree);
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   EXPECT_THROW(worker.writeJSONFile(Value::array()), Exception);
   EXPECT_EQ(jobText(), kThree);
 }
@@ -227,7 +229,8 @@ TEST_F(JobFile, AnUpdateOfATopLevelObjectRaisesAfterTheArrayLine) {
 
 TEST_F(JobFile, AnUpdateWhoseLogFailsRaisesAndWritesNothing) {
   writeJobs(kThree);
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   EXPECT_THROW(worker.updateJSONFile(query("1")), Exception);
   EXPECT_EQ(jobText(), kThree);
 }

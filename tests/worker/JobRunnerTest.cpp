@@ -2,12 +2,16 @@
 #include <filesystem>
 #include <string>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "log/iLog.h"
 #include "platform/Json.h"
+#include "support/FullFile.h"
 #include "support/WorkerWorld.h"
 
 namespace kelvane {
@@ -403,7 +407,8 @@ TEST_F(JobRunner, ATopLevelObjectOrARecordThatIsNoneIsAnErrorAfterTheArrayLine) 
 TEST_F(JobRunner, ALogThatCannotBeWrittenEndsTheRunQuietly) {
   const std::string text = "[" + job("17", "WAIT") + "]";
   writeJobs(text);
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   worker.run("17");
   EXPECT_EQ(jobText(), text);
 }
@@ -414,6 +419,43 @@ TEST_F(JobRunner, ALogFileThatIsAbsentDoesNotKeepTheJobFromRunning) {
   worker.run("17");
   EXPECT_EQ(state(0), "FREE");
   EXPECT_FALSE(std::filesystem::exists(shared() + "utility/logs/TarselVistrelUtility.txt"));
+}
+
+// --- what is no regular file: at once as if it could not be read, or as if there were no log
+
+TEST_F(JobRunner, AJobFileThatIsAPipeCannotBeRead) {
+  const std::string path = shared() + "utility/command/BGPLog.json";
+  std::filesystem::remove(path);
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  worker.run("17");
+  EXPECT_THAT(log(), ElementsAre("run error: open " + path + ": not a regular file"));
+  EXPECT_TRUE(std::filesystem::is_fifo(path));
+}
+
+TEST_F(JobRunner, SettingsThatArePipesCannotBeRead) {
+  const std::string engineSettings = shared() + "utility/config/setting.json";
+  const std::string productSettings = folder / "Contents/Resources/Config/setting.json";
+  std::filesystem::remove(productSettings);
+  std::filesystem::create_directories(shared() + "utility/config");
+  ASSERT_EQ(::mkfifo(engineSettings.c_str(), 0600), 0);
+  ASSERT_EQ(::mkfifo(productSettings.c_str(), 0600), 0);
+  worker.init(shared());
+  EXPECT_TRUE(worker.EngineRunnerPath().isNothing());
+  EXPECT_THAT(log(),
+              ::testing::Contains("init error: open " + productSettings + ": not a regular file"));
+}
+
+TEST_F(JobRunner, ALogThatIsAPipeIsNoLogAndTheJobRuns) {
+  const std::string path = shared() + "utility/logs/TarselVistrelUtility.txt";
+  std::filesystem::remove(path);
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  const int reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+  writeJobs("[" + job("17", "WAIT") + "]");
+  worker.run("17");
+  EXPECT_EQ(state(0), "FREE");
+  char byte = 0;
+  EXPECT_LE(::read(reader, &byte, 1), 0);
+  ::close(reader);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "log/iLog.h"
 #include "platform/Exception.h"
 #include "support/FakeHost.h"
+#include "support/FullFile.h"
 #include "support/TempFolder.h"
 
 namespace kelvane {
@@ -160,14 +161,16 @@ TEST_F(LogTest, BytesThatAreNoTextAreReplaced) {
 }
 
 TEST_F(LogTest, AFailingWriteRaises) {
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   EXPECT_THROW(tell(0), platform::Exception);
 }
 
 TEST_F(LogTest, TellingACaughtExceptionNeverRaises) {
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("the reason, 100 % %@"));
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][error] the reason, 100 % %@\n");
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("reason"));
 }
 

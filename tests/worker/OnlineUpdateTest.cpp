@@ -399,5 +399,75 @@ TEST_F(OnlineUpdate, TheCheckPassesWhatIsThere) {
   }
 }
 
+// --- what the engine could do harm with
+
+// The engine would get the part before it.
+TEST_F(OnlineUpdate, AParameterThatHoldsANulCharacterStartsNothing) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
+    for (const char* key : {"productid", "version", "url", "folder"}) {
+      engine();
+      folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+      Value inputs = parameters();
+      inputs.set(key, inputs.get(key).string() + std::string("\0x", 2));
+      const bool isList = std::string(command) == "downloadOnlineUpdateFile";
+      runJob(command, isList ? Value::array({inputs}) : inputs);
+      EXPECT_EQ(job().get("state_id"), Value("WAIT")) << command << key;
+      EXPECT_FALSE(fs::exists(folder / "arguments")) << command << key;
+      EXPECT_THAT(errors(), ElementsAre(StartsWith(std::string(command) +
+                                                   " error: start: an argument holds a NUL")));
+    }
+  }
+}
+
+TEST_F(OnlineUpdate, AnEnginePathThatHoldsANulCharacterStartsNothing) {
+  engine();
+  worker.setEngineRunnerPath((folder / "EngineRunner") + std::string("\0x", 2));
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("WAIT"));
+  EXPECT_FALSE(fs::exists(folder / "arguments"));
+  EXPECT_THAT(errors(), ElementsAre(StartsWith("getOnlineUpdateData error: start: ")));
+}
+
+TEST_F(OnlineUpdate, ADescriptionWhosePathHoldsANulCharacterIsNotFound) {
+  const Value check = worker.checkDownloadFilePath(
+      Value::array({Value::dictionary({{"file_path", std::string("/tmp\0nothing", 12)}})}));
+  EXPECT_EQ(check.get("result").integerValue(), 259);
+}
+
+// Containers inside one another in the rule, the list's own two and the rule included.
+std::string nestedRule(int containers) {
+  std::string arrays;
+  for (int i = 3; i < containers; ++i) arrays += "<array>";
+  std::string ends;
+  for (int i = 3; i < containers; ++i) ends += "</array>";
+  return testing::xmlPropertyList("<dict><key>Rules</key><array><dict><key>x</key>" + arrays +
+                                  ends + "</dict></array></dict>");
+}
+
+TEST_F(OnlineUpdate, ACatalogueAsDeepAsCanBeReadCanBeWritten) {
+  engine();
+  folder.write("catalogue", nestedRule(511));
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_EQ(job().get("output").count(), 1U);
+}
+
+TEST_F(OnlineUpdate, ADeeperCatalogueIsNoneAndTheJobEnds) {
+  for (const int containers : {512, 513, 600}) {
+    engine();
+    folder.write("catalogue", nestedRule(containers));
+    query(parameters());
+    EXPECT_EQ(job().get("state_id"), Value("FREE")) << containers;
+    EXPECT_FALSE(job().has("output")) << containers;
+  }
+}
+
+TEST_F(OnlineUpdate, ACatalogueThatIsAPipeIsNoneAndTheJobEnds) {
+  engine("mkfifo \"$9/Offers.plist\"");
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_FALSE(job().has("output"));
+}
+
 }  // namespace
 }  // namespace kelvane

@@ -1,15 +1,24 @@
-// The controller information buffer that cannot be had: malloc is replaced for the whole program,
-// and fails for a buffer of that size while a test wants it to.
+// Memory that cannot be had: malloc is replaced for the whole program, and fails for a buffer of
+// the controller information's size while a test wants it to; so is operator new, which fails when
+// a test's count of its calls has run out.
 
+#include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <string>
 
 #include <gtest/gtest.h>
 
+#include "log/iLog.h"
+#include "support/TempFolder.h"
 #include "worker/FirmwareWorld.h"
 
 namespace {
 bool refuseInfoBuffer = false;
-}
+int newCallsLeft = -1;  // negative: no end
+}  // namespace
 
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __wrap_malloc(std::size_t size);
@@ -17,6 +26,15 @@ extern "C" void* __wrap_malloc(std::size_t size);
 void* __wrap_malloc(std::size_t size) {
   if (refuseInfoBuffer && size == ZOR_CONTROLLER_INFO_SIZE) return nullptr;
   return __real_malloc(size);
+}
+
+extern "C" void* __real__Znwm(std::size_t size);
+extern "C" void* __wrap__Znwm(std::size_t size);
+
+void* __wrap__Znwm(std::size_t size) {
+  if (newCallsLeft == 0) throw std::bad_alloc();
+  if (newCallsLeft > 0) --newCallsLeft;
+  return __real__Znwm(size);
 }
 
 namespace kelvane {
@@ -43,6 +61,32 @@ TEST_F(OutOfMemory, AnEarlierFailureStaysTheResult) {
   framework.answer("zr_discover", 1, 0x77);
   updateAll({"W0"});
   EXPECT_EQ(result(), 0x77);
+}
+
+// Where no name for a generation can be built, the file is neither moved nor emptied.
+TEST(OutOfMemoryRotation, NeverLosesTheLog) {
+  const testing::TempFolder folder;
+  const std::string path = folder / "a log file whose name needs memory of its own.txt";
+  const std::string generation = folder / "a log file whose name needs memory of its own(1).txt";
+  constexpr std::uintmax_t kSize = 104'857'600;
+  bool isRotated = false;
+  for (int calls = 0; !isRotated; ++calls) {
+    std::filesystem::remove(generation);
+    std::ofstream(path).close();
+    std::filesystem::resize_file(path, kSize);
+    const platform::Value log(path);
+    newCallsLeft = calls;
+    try {
+      renameFile(log);
+    } catch (const std::bad_alloc&) {
+      newCallsLeft = -1;
+    }
+    newCallsLeft = -1;
+    isRotated = std::filesystem::exists(generation);
+    ASSERT_EQ(std::filesystem::file_size(isRotated ? generation : path), kSize) << calls;
+    ASSERT_LT(calls, 10'000);
+  }
+  EXPECT_EQ(std::filesystem::file_size(path), 0U);
 }
 
 }  // namespace

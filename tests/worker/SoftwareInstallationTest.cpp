@@ -163,5 +163,28 @@ TEST_F(SoftwareInstallation, SettingsThatAreNoDictionaryAreLoggedOnce) {
   EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: ")));
 }
 
+// The tools would get the part before it.
+TEST_F(SoftwareInstallation, APathThatHoldsANulCharacterStartsNothing) {
+  const auto escaped = [](const std::string& path) { return path + "\\u0000junk"; };
+  const std::string text = job(R"({"file_path":")" + escaped(folder / "downloads/New.app") + "\"}");
+  writeJobs(text);
+  worker.run("17");
+  EXPECT_EQ(jobText(), text);
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+  EXPECT_THAT(logWithoutStore(),
+              ElementsAre(StartsWith("run: currentJobArray"), StartsWith("run: logId"),
+                          StartsWith("updateSW error: start: an argument holds a NUL character")));
+}
+
+TEST_F(SoftwareInstallation, AnInstalledPathThatHoldsANulCharacterIsLeftAlone) {
+  worker.setSettingDict(
+      Value::dictionary({{"AppPath", (folder / "Installed.app") + std::string("\0x", 2)}}));
+  writeJobs(job(package()));
+  const std::string text = jobText();
+  worker.run("17");
+  EXPECT_EQ(jobText(), text);
+  EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
+}
+
 }  // namespace
 }  // namespace kelvane

@@ -204,11 +204,12 @@ TEST_F(StatusReporting, WrongKindsAreLoggedOnceAndChangeNothing) {
   }
 }
 
-TEST_F(StatusReporting, ALogIdThatIsNoStringIsLoggedAlsoWhereNoneIsGiven) {
-  writeJobs(R"([{"log_id":5,"output":[{"wwn":"A"}]}])");
+TEST_F(StatusReporting, WithoutALogIdEveryRecordThatHasOneIsAnothers) {
+  writeJobs(R"([{"log_id":5,"output":[{"wwn":"A"}]},{"log_id":"5","output":[{"wwn":"A"}]}])");
+  const std::string text = jobText();
   update(R"({"wwn":"A"})", Value());
-  EXPECT_THAT(log(), ElementsAre("updateFWUpdateStatus: currentJobArray = (",
-                                 StartsWith("updateFWUpdateStatus error: ")));
+  EXPECT_EQ(jobText(), text);
+  EXPECT_THAT(log(), ElementsAre("updateFWUpdateStatus: currentJobArray = ("));
 }
 
 TEST_F(StatusReporting, ADamagedJobFileHasNoRecordsAndIsNotWritten) {

@@ -7,6 +7,7 @@
 #include "log/iLog.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
+#include "support/FullFile.h"
 #include "worker/FirmwareWorld.h"
 
 namespace kelvane {
@@ -836,7 +837,8 @@ TEST_F(UpdateSequence, ALogThatFailsEndsTheJobWithoutAnUpdate) {
   controllers({0x4801});
   writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[]}])");
   const std::string text = jobText();
-  setLogPath("/dev/full");
+  const testing::FullFile full;
+  setLogPath(full.path().c_str());
   EXPECT_TRUE(worker.updateFW(jobs().at(0)).isNothing());
   EXPECT_EQ(jobText(), text);
   EXPECT_THAT(framework.calls, IsEmpty());

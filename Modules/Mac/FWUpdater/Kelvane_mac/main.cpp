@@ -6,19 +6,30 @@
 #include "Kelvane.h"
 #include "platform/Host.h"
 #include "platform/Utf8.h"
-#include "platform/Value.h"
+
+namespace {
+
+// The shared folder is null where none is given.
+void runJob(const char* logId, const char* sharedFolder) {
+  using kelvane::platform::decodedUtf8;
+  kelvane::platform::SystemHost host;
+  kelvane::Kelvane worker(host);
+  worker.init(decodedUtf8(sharedFolder));
+  worker.run(decodedUtf8(logId));
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   if (argc <= 1) {
     std::fputs("Fail: Kelvane params <= 1\n", stderr);
     return 0;
   }
-  using kelvane::platform::decodedUtf8;
-  using kelvane::platform::Value;
   kelvane::platform::ignoreWriteSignals();
-  kelvane::platform::SystemHost host;
-  kelvane::Kelvane worker(host);
-  worker.init(argc == 2 ? Value("") : decodedUtf8(argv[2]));
-  worker.run(decodedUtf8(argv[1]));
+  try {
+    runJob(argv[1], argc == 2 ? nullptr : argv[2]);
+  } catch (...) {  // no memory, not even for the log line that would tell it
+    return 0;
+  }
   return 0;
 }

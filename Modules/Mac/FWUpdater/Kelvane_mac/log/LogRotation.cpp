@@ -56,7 +56,8 @@ void renameFile(const Value& path) {
   if (platform::fileSize(file) < kRotatedFrom) return;
   for (unsigned long n = 1; n <= kGenerations; ++n) {
     const std::string generation = fileRename(path, n).string();
-    if (platform::exists(generation)) continue;
+    // Where no name could be built there is none to move to, and emptying the file would lose it.
+    if (generation.empty() || platform::exists(generation)) continue;
     platform::movePath(file, generation);
     platform::createEmptyFile(file);
     return;

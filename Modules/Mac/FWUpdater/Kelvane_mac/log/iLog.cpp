@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "platform/File.h"
 #include "platform/Utf8.h"
@@ -27,6 +28,24 @@ std::string timeText() {
   return text;
 }
 
+// The line takes its message as a C string: of one that holds a NUL character, the part before it.
+void addUpToNul(std::vector<std::string_view>& text, const std::vector<std::string_view>& message) {
+  for (const std::string_view piece : message) {
+    const std::size_t end = piece.find('\0');
+    text.push_back(piece.substr(0, end));
+    if (end != std::string_view::npos) return;
+  }
+}
+
+// What is not UTF-8 is mended, in a copy that no other line needs.
+void appendText(const std::string& path, const std::vector<std::string_view>& text) {
+  if (std::all_of(text.begin(), text.end(), platform::isUtf8)) {
+    platform::appendToFile(path, text);
+  } else {
+    platform::appendToFile(path, {platform::repairedUtf8(platform::joined(text))});
+  }
+}
+
 }  // namespace
 
 void setLogPath(const char* path) {
@@ -43,13 +62,15 @@ void iLog_tellList(int level, const char* file, std::int32_t line, const char* f
   if (!platform::exists(path)) return;
   const std::string time = timeText();
   if (_check_level(level) == 0) return;
-  const std::string message = platform::formatList(format, arguments);
+  const platform::FilledFormat message(format, arguments);
   std::string cut;
   _base_function_name(function, cut);
-  const std::string text =
-      platform::format("[%@] [%s][%d][%s][%s] %s\n", time, _base_file_name(file), line, cut.c_str(),
-                       _base_level_name(level), message.c_str());
-  platform::appendToFile(path, platform::repairedUtf8(text));
+  const std::string fields = platform::format("[%@] [%s][%d][%s][%s] ", time, _base_file_name(file),
+                                              line, cut.c_str(), _base_level_name(level));
+  std::vector<std::string_view> text = {fields};
+  addUpToNul(text, message.pieces());
+  text.emplace_back("\n");
+  appendText(path, text);
 }
 
 void iLog_tellCaught(const char* file, std::int32_t line, const char* function,

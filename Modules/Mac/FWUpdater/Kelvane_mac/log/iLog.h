@@ -41,9 +41,9 @@ void setLogPath(const char* path);
 
 // Writes "[HH:mm:ss] [file][line][function][level] message" and a line feed to the end of the log
 // file. The file is the base name of `file`, the function is cut out of a name of the form
-// "-[Kelvane run:]". Nothing is written, and nothing raised, where no path is set or the log file
-// is not there: it is never created. Raises platform::Exception where the file was opened and the
-// writing failed.
+// "-[Kelvane run:]". Nothing is written, and nothing raised, where no path is set or no file
+// is there: it is never created, and nothing but a regular file is written to. Raises
+// platform::Exception where the file was opened and the writing failed.
 void iLog_tellList(int level, const char* file, std::int32_t line, const char* function,
                    const char* format, const std::vector<platform::FormatArgument>& arguments);
 

@@ -34,14 +34,14 @@ Value Kelvane::downloadOnlineUpdateFile(const Value& record) {
 void Kelvane::download(const Value& record, const Value& primary, Value& result) {
   const Value& inputs = record.get(job::kInputParameters);
   createTmpFolder(primary.get(job::kFolder));
-  const Value arguments =
-      engineArguments("run", primary, record.get(job::kLogId), _BGPPath, _GroupContainerPath);
+  const Value arguments = engineArguments(_EngineRunnerPath, "run", primary,
+                                          record.get(job::kLogId), _BGPPath, _GroupContainerPath);
   result.set(job::kStateId, job::kRun);
   result.set(job::kOutput, inputs);
   updateJSONFile(result);
 
   ChildProcess engine(_EngineRunnerPath, arguments);
-  engine.readOutput();
+  engine.discardOutput();
   const Value folder = syncDownloadFiles(record);
   const Value descriptions = getDownloadFileData(inputs, folder);
   result.set(job::kOutput, descriptions);

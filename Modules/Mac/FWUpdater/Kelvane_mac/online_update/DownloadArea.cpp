@@ -2,6 +2,7 @@
 // engine's results are moved. What the file system refuses is passed over in silence.
 
 #include <string>
+#include <vector>
 
 #include "Kelvane.h"
 #include "log/iLog.h"
@@ -36,16 +37,51 @@ const char* folderFormat(const Value& productId, const Value& productSettings) {
   return kOtherProducts;
 }
 
+// A whole copy, still under a hidden name.
+struct Copy {
+  std::string staged;
+  std::string path;
+};
+
+// The copies that could be made. What stood in their places is gone, also where the copy failed.
+std::vector<Copy> stageEntries(const Value& source, const Value& target) {
+  std::vector<Copy> copies;
+  try {
+    int index = 0;
+    for (const std::string& name : platform::listFolder(source.string())) {
+      KELVANE_LOG("syncFiles:withTarget:", "dirs %d = %@", index++, name);
+      if (name.rfind('.', 0) == 0) continue;
+      const std::string to = target.string() + "/" + name;
+      if (platform::exists(to)) platform::discardTree(to);
+      const auto staged = platform::stageCopy(source.string() + "/" + name, to);
+      if (staged) copies.push_back({*staged, to});
+    }
+  } catch (const std::exception& caught) {
+    KELVANE_LOG_CAUGHT("syncFiles:withTarget:", caught);
+  }
+  return copies;
+}
+
+// Everything lasts before any of it is seen, and is seen to last before the source may go.
+void publish(const std::vector<Copy>& copies, const Value& folder) {
+  if (copies.empty()) return;
+  platform::synchroniseTree(folder.string());
+  for (const Copy& copy : copies) platform::publishCopy(copy.staged, copy.path);
+  platform::synchroniseFolder(folder.string());
+}
+
 }  // namespace
 
 void Kelvane::createTmpFolder(const Value& path) {
   try {
+    if (!platform::canBePath(path.string())) return;
     std::string prefix;  // always from the root, also for a relative path: meant so
     const Value components = platform::split(path.string(), '/');
     for (const Value& component : components.elements()) {
       if (component.string().empty()) continue;
       prefix += "/" + component.string();
-      if (!platform::exists(prefix)) platform::makeFolders(prefix);
+      // Where one level cannot be made, none below it can.
+      if (!platform::exists(prefix) && !platform::makeFolder(prefix)) return;
     }
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("createTmpFolder:", caught);
@@ -54,15 +90,7 @@ void Kelvane::createTmpFolder(const Value& path) {
 
 void Kelvane::syncFiles(const Value& source, const Value& target) {
   try {
-    int index = 0;
-    for (const std::string& name : platform::listFolder(source.string())) {
-      KELVANE_LOG("syncFiles:withTarget:", "dirs %d = %@", index++, name);
-      if (name.rfind('.', 0) == 0) continue;
-      const std::string from = source.string() + "/" + name;
-      const std::string to = target.string() + "/" + name;
-      if (platform::exists(to)) platform::removeTree(to);
-      platform::copyTree(from, to);
-    }
+    publish(stageEntries(source, target), target);
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("syncFiles:withTarget:", caught);
   }

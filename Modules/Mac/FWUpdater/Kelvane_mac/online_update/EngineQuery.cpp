@@ -28,15 +28,15 @@ Value Kelvane::getOnlineUpdateData(const Value& record) {
 
 void Kelvane::query(const Value& record, const Value& parameters, Value& result) {
   createTmpFolder(parameters.get(job::kFolder));
-  const Value arguments =
-      engineArguments("dryrun", parameters, record.get(job::kLogId), _BGPPath, _GroupContainerPath);
+  const Value arguments = engineArguments(_EngineRunnerPath, "dryrun", parameters,
+                                          record.get(job::kLogId), _BGPPath, _GroupContainerPath);
   KELVANE_LOG("getOnlineUpdateData:", "arguments = %@", arguments);
   result.set(job::kStateId, job::kRun);
   updateJSONFile(result);
 
   ChildProcess engine(_EngineRunnerPath, arguments);
-  const Value output = engine.readOutput();
-  KELVANE_LOG("getOnlineUpdateData:", "execute EngineRunner result = %@", output);
+  KELVANE_LOG("getOnlineUpdateData:", "execute EngineRunner result = %@",
+              engine.readOutput().text());
   const Value rules = getUpdateEngineData(record);  // before the folder is moved away
   syncDownloadFiles(record);
 

@@ -20,14 +20,15 @@ bool areComplete(const Value& parameters) {
   return true;
 }
 
-Value engineArguments(const char* verb, const Value& parameters, const Value& logId,
-                      const Value& jobFile, const Value& sharedFolder) {
+Value engineArguments(const Value& engine, const char* verb, const Value& parameters,
+                      const Value& logId, const Value& jobFile, const Value& sharedFolder) {
   // A slash of its own after the shared folder, which has one already: meant so.
   const std::string logFolder = platform::format("%@/utility/logs/", sharedFolder);
-  return platform::argumentList({verb, "-productid", parameters.get(job::kProductId), "-version",
-                                 parameters.get(job::kVersion), "-url", parameters.get(job::kUrl),
-                                 "-folder", parameters.get(job::kFolder), "-logId", logId,
-                                 "-logPath", jobFile, "-log", logFolder});
+  return platform::argumentList(
+      engine,
+      {verb, "-productid", parameters.get(job::kProductId), "-version",
+       parameters.get(job::kVersion), "-url", parameters.get(job::kUrl), "-folder",
+       parameters.get(job::kFolder), "-logId", logId, "-logPath", jobFile, "-log", logFolder});
 }
 
 }  // namespace kelvane

@@ -13,9 +13,11 @@ platform::Value firstParameters(const platform::Value& inputs);
 // "folder".
 bool areComplete(const platform::Value& parameters);
 
-// The update engine's arguments, a list that ends at its first absent value.
-platform::Value engineArguments(const char* verb, const platform::Value& parameters,
-                                const platform::Value& logId, const platform::Value& jobFile,
+// The arguments for the update engine at the path, a list that ends at its first absent value.
+// Raises as platform::argumentList().
+platform::Value engineArguments(const platform::Value& engine, const char* verb,
+                                const platform::Value& parameters, const platform::Value& logId,
+                                const platform::Value& jobFile,
                                 const platform::Value& sharedFolder);
 
 }  // namespace kelvane

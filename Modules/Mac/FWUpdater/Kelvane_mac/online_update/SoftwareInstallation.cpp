@@ -4,11 +4,19 @@
 #include "Kelvane.h"
 #include "log/iLog.h"
 #include "platform/ChildProcess.h"
+#include "platform/File.h"
 
 namespace kelvane {
 
 using platform::ChildProcess;
 using platform::Value;
+
+namespace {
+
+constexpr char kRemover[] = "/bin/rm";
+constexpr char kCopier[] = "/bin/cp";
+
+}  // namespace
 
 Value Kelvane::updateSW(const Value& record) {
   Value answer = record;
@@ -17,17 +25,19 @@ Value Kelvane::updateSW(const Value& record) {
     const Value& package = inputs.get(job::kFilePath);
     if (package.isNothing()) return answer;
     const Value& installed = _settingDict.get(settings::kAppPath);
-    const Value removal = platform::argumentList({"-Rf", installed});
-    const Value copy = platform::argumentList({"-Rf", package, installed});
+    const Value removal = platform::argumentList(kRemover, {"-Rf", installed});
+    const Value copy = platform::argumentList(kCopier, {"-Rf", package, installed});
     answer.set(job::kOutput, inputs);
     answer.set(job::kStateId, job::kRun);
     updateJSONFile(answer);
 
-    ChildProcess remover("/bin/rm", removal);
-    KELVANE_LOG("updateSW:", "result = %@", remover.readOutput());
+    ChildProcess remover(kRemover, removal);
+    KELVANE_LOG("updateSW:", "result = %@", remover.readOutput().text());
     remover.terminate();
-    ChildProcess copier("/bin/cp", copy);
-    KELVANE_LOG("updateSW:", "result = %@", copier.readOutput());
+    ChildProcess copier(kCopier, copy);
+    KELVANE_LOG("updateSW:", "result = %@", copier.readOutput().text());
+    // Before "FREE": after that nobody would copy it again.
+    if (installed.isString()) platform::synchroniseTree(installed.string());
 
     Value stored = readJSONFileDict(record).asDictionary();
     stored.set(job::kStateId, job::kFree);
