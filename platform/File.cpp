@@ -31,9 +31,8 @@ namespace {
 // Never waits for whoever is at the other end of a pipe; no terminal becomes the worker's own.
 Descriptor openFile(const std::string& path, int flags) {
   if (canBePath(path)) {
-    return Descriptor(restarted([&] {
-      return ::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
-    }));
+    return Descriptor(restarted(
+        [&] { return ::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666); }));
   }
   errno = ENOENT;
   return Descriptor(-1);

@@ -39,9 +39,6 @@ bool createEmptyFile(const std::string& path);
 // The names in a folder, hidden ones too, in the system's order; none where it cannot be listed.
 std::vector<std::string> listFolder(const std::string& path);
 
-// Makes the one folder. Returns whether that was done.
-bool makeFolder(const std::string& path);
-
 // Makes a folder, and those above it that are missing. Returns whether it is there.
 bool makeFolders(const std::string& path);
 

@@ -1,5 +1,6 @@
 // Folders and whole trees of files.
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -66,6 +67,15 @@ Descriptor openFolder(int above, const char* name) {
   return Descriptor(restarted([&] {
     return ::openat(above, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
   }));
+}
+
+Descriptor openForSearch(int above, const char* name) {
+  return Descriptor(restarted(
+      [&] { return ::openat(above, name, native::kForSearch | O_DIRECTORY | O_CLOEXEC); }));
+}
+
+bool makeFolder(int above, const char* name) {
+  return restarted([&] { return ::mkdirat(above, name, 0777); }) == 0;
 }
 
 struct CloseFolder {
@@ -220,7 +230,7 @@ class TreeCopy {
     const Descriptor source = openFolder(AT_FDCWD, from.c_str());
     struct stat original = {};
     if (!source.isOpen() || ::fstat(source.number(), &original) != 0) return false;
-    if (isTheCopyItself(original) || !makeFolder(to)) return false;
+    if (isTheCopyItself(original) || !makeFolder(AT_FDCWD, to.c_str())) return false;
     folders_.push_back({to, original});
     const Descriptor target = openFolder(AT_FDCWD, to.c_str());
     if (!target.isOpen()) return false;
@@ -280,17 +290,21 @@ std::vector<std::string> listFolder(const std::string& path) {
   return names;
 }
 
-bool makeFolder(const std::string& path) {
-  return canBePath(path) && restarted([&] { return ::mkdir(path.c_str(), 0777); }) == 0;
-}
-
 bool makeFolders(const std::string& path) {
-  if (!canBePath(path)) return false;
-  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-    const std::string level = path.substr(0, end);
-    if (!isFolder(level) && !makeFolder(level) && !isFolder(level)) return false;
-    if (end == std::string::npos) return true;
+  if (!canBePath(path) || path.empty()) return false;
+  Descriptor folder = openForSearch(AT_FDCWD, path.front() == '/' ? "/" : ".");
+  // From level to level, as the whole path would have to be walked anew for each of them.
+  for (std::size_t start = 0; start < path.size();) {
+    const std::size_t end = std::min(path.find('/', start), path.size());
+    if (end >= PATH_MAX) return false;
+    if (end > start) {
+      const std::string level = path.substr(start, end - start);
+      makeFolder(folder.number(), level.c_str());
+      folder = openForSearch(folder.number(), level.c_str());
+    }
+    start = end + 1;
   }
+  return folder.isOpen();
 }
 
 bool removeTree(const std::string& path) {

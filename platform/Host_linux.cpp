@@ -51,6 +51,8 @@ std::string executablePath() {
   return std::filesystem::read_symlink("/proc/self/exe", unknown).string();
 }
 
+const int kForSearch = O_PATH;
+
 timespec modificationTime(const struct stat& entry) { return entry.st_mtim; }
 
 bool copyContents(int from, int to, off_t size) {

@@ -30,6 +30,8 @@ std::string executablePath() {
   return path.c_str();  // without the terminator and what follows it
 }
 
+const int kForSearch = O_SEARCH;
+
 timespec modificationTime(const struct stat& entry) { return entry.st_mtimespec; }
 
 bool copyContents(int from, int to, off_t /*size*/) {

@@ -11,6 +11,9 @@ namespace kelvane::platform::native {
 std::string systemVersionText();
 std::string executablePath();  // empty where the system does not tell
 
+// How to open a folder for what is below it alone: it need not be readable.
+extern const int kForSearch;
+
 timespec modificationTime(const struct stat& entry);
 
 // Writes the bytes of one open file, which has this size, into another, which is empty; holes stay

@@ -127,7 +127,6 @@ TEST_F(FileTest, APathThatHoldsANulCharacterExistsNowhere) {
   EXPECT_EQ(reasonOf([&] { readFile(file); }).rfind("open ", 0), 0U);
   EXPECT_FALSE(replaceFile(file, "new"));
   appendToFile(file, {"more"});
-  EXPECT_FALSE(makeFolder(fresh));
   EXPECT_FALSE(makeFolders(fresh));
   EXPECT_FALSE(createEmptyFile(file));
   EXPECT_FALSE(renamePath(file, folder / "b"));

@@ -46,6 +46,26 @@ TEST_F(FileTree, MakesAllLevels) {
   EXPECT_TRUE(isFolder(folder / "a/b/c"));
   folder.write("file", "");
   EXPECT_FALSE(makeFolders(folder / "file/below"));
+  EXPECT_FALSE(makeFolders(folder / "file"));
+  EXPECT_FALSE(makeFolders(""));
+}
+
+TEST_F(FileTree, MakesLevelsBelowLinksAndUpwards) {
+  fs::create_directory(folder / "real");
+  fs::create_directory_symlink("real", folder / "link");
+  fs::create_symlink("missing", folder / "dangling");
+  EXPECT_TRUE(makeFolders(folder / "link//a/../b/./"));
+  EXPECT_EQ(folder.names("real"), (Names{"a", "b"}));
+  EXPECT_FALSE(makeFolders(folder / "dangling/a"));
+  EXPECT_FALSE(fs::exists(folder / "missing"));
+}
+
+TEST_F(FileTree, MakesLevelsInTheCurrentFolder) {
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.path());
+  EXPECT_TRUE(makeFolders("a/b"));
+  fs::current_path(before);
+  EXPECT_TRUE(isFolder(folder / "a/b"));
 }
 
 TEST_F(FileTree, RemovesAllBelowButNeverWhatALinkLeadsTo) {

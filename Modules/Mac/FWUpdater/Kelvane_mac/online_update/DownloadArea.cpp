@@ -74,15 +74,8 @@ void publish(const std::vector<Copy>& copies, const Value& folder) {
 
 void Kelvane::createTmpFolder(const Value& path) {
   try {
-    if (!platform::canBePath(path.string())) return;
-    std::string prefix;  // always from the root, also for a relative path: meant so
-    const Value components = platform::split(path.string(), '/');
-    for (const Value& component : components.elements()) {
-      if (component.string().empty()) continue;
-      prefix += "/" + component.string();
-      // Where one level cannot be made, none below it can.
-      if (!platform::exists(prefix) && !platform::makeFolder(prefix)) return;
-    }
+    // Always from the root, also for a relative path: meant so.
+    platform::makeFolders("/" + path.string());
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("createTmpFolder:", caught);
   }
