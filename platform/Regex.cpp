@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 #include <pcre2.h>
 
@@ -29,11 +30,13 @@ PCRE2_SPTR units(const std::string& text) { return reinterpret_cast<PCRE2_SPTR>(
 Code compile(const std::string& pattern) {
   const std::unique_ptr<pcre2_compile_context, FreeContext> context(
       ::pcre2_compile_context_create(nullptr));
+  if (context == nullptr) throw std::bad_alloc();
   ::pcre2_set_newline(context.get(), PCRE2_NEWLINE_ANY);
   int error = 0;
   PCRE2_SIZE at = 0;
   Code code(::pcre2_compile(units(pattern), pattern.size(), PCRE2_UTF | PCRE2_UCP, &error, &at,
                             context.get()));
+  if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
   if (code == nullptr) throw Exception("not a regular expression: " + pattern);
   return code;
 }
@@ -44,8 +47,10 @@ std::optional<std::vector<std::string>> firstMatch(const std::string& pattern,
                                                    const std::string& text) {
   const Code code = compile(pattern);
   const Match match(::pcre2_match_data_create_from_pattern(code.get(), nullptr));
+  if (match == nullptr) throw std::bad_alloc();
   const int groups =
       ::pcre2_match(code.get(), units(text), text.size(), 0, 0, match.get(), nullptr);
+  if (groups == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
   if (groups <= 0) return std::nullopt;
   const PCRE2_SIZE* bounds = ::pcre2_get_ovector_pointer(match.get());
   std::vector<std::string> found;

@@ -8,12 +8,15 @@
 #include <unistd.h>
 
 #include "platform/Json.h"
+#include "platform/Restarted.h"
 
 namespace kelvane::simulator {
 
 FileJournal::FileJournal(const std::string& path) {
   if (path.empty()) return;
-  file_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  file_ = platform::restarted([&] {
+    return ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  });
   if (file_ < 0) {
     std::cerr << "ZORAPI simulator: journal " << path << ": " << std::strerror(errno) << '\n';
   }
@@ -26,10 +29,8 @@ FileJournal::~FileJournal() {
 void FileJournal::write(const platform::Value& record) {
   if (file_ < 0) return;
   const std::string line = jsonLine(record) + "\n";
-  ssize_t written = -1;
-  do {
-    written = ::write(file_, line.data(), line.size());
-  } while (written < 0 && errno == EINTR);
+  const ssize_t written =
+      platform::restarted([&] { return ::write(file_, line.data(), line.size()); });
   if (written != static_cast<ssize_t>(line.size())) {
     std::cerr << "ZORAPI simulator: a journal line could not be written\n";
   }

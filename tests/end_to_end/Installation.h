@@ -42,7 +42,7 @@ class Installation : public ::testing::Test {
   // The same in short: "RUN 50/100/0", state and total/CPLD/firmware percentage per controller.
   std::vector<std::string> progress() const;
   std::vector<std::string> sleeps() const;
-  // "fsync PATH" and "rename FROM TO", in their order.
+  // "fsync PATH", "syncfs PATH", "rename FROM TO" and "rmdir PATH", in their order.
   std::vector<std::string> writes() const;
   std::string log() const { return folder.read("shared/utility/logs/TarselVistrelUtility.txt"); }
   // What the simulated framework found wrong with the worker's calls.

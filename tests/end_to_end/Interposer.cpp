@@ -1,15 +1,18 @@
 // Loaded before the worker's libraries: its sleeps end at once and are written down, and every
 // version of the job file that takes the place of an earlier one is kept.
 //   KELVANE_TEST_SLEEPS    file that gets a line of seconds for each sleep
-//   KELVANE_TEST_WRITES    file that gets a line for each fsync and each rename, with their paths
+//   KELVANE_TEST_WRITES    file that gets a line for each fsync, syncfs, rename and removal of a
+//                          folder, with their paths
 //   KELVANE_TEST_VERSIONS  folder that gets the versions, as 0001.json and so on
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -19,6 +22,8 @@ extern "C" {
 unsigned int sleep(unsigned int seconds);
 int rename(const char* from, const char* to) noexcept;
 int fsync(int file);
+int syncfs(int file) noexcept;
+int unlinkat(int folder, const char* path, int flags) noexcept;
 }
 
 namespace {
@@ -32,9 +37,17 @@ Function* real(const char* name) {
 void note(const char* variable, const std::string& line) {
   const char* path = std::getenv(variable);
   if (path == nullptr) return;
-  const int file = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  int file = -1;
+  do {  // another library may have the call interrupted
+    file = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  } while (file < 0 && errno == EINTR);
   ::dprintf(file, "%s\n", line.c_str());
   ::close(file);
+}
+
+std::string pathOf(int file) {
+  std::error_code unknown;
+  return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file), unknown).string();
 }
 
 bool isJobFile(const char* path) {
@@ -49,7 +62,10 @@ void keepVersion(const char* path) {
   std::array<char, 32> name = {};
   std::snprintf(name.data(), name.size(), "%04d.json", ++number);
   std::error_code failed;
-  std::filesystem::copy_file(path, std::filesystem::path(folder) / name.data(), failed);
+  do {
+    std::filesystem::copy_file(path, std::filesystem::path(folder) / name.data(),
+                               std::filesystem::copy_options::overwrite_existing, failed);
+  } while (failed == std::errc::interrupted);
   if (failed) std::abort();
 }
 
@@ -60,11 +76,23 @@ unsigned int sleep(unsigned int seconds) {
   return 0;
 }
 
+int syncfs(int file) noexcept {
+  note("KELVANE_TEST_WRITES", "syncfs " + pathOf(file));
+  static const auto next = real<int(int)>("syncfs");
+  return next(file);
+}
+
+int unlinkat(int folder, const char* path, int flags) noexcept {
+  if (flags == AT_REMOVEDIR) {
+    const std::string above = folder == AT_FDCWD ? "" : pathOf(folder) + "/";
+    note("KELVANE_TEST_WRITES", "rmdir " + above + path);
+  }
+  static const auto next = real<int(int, const char*, int)>("unlinkat");
+  return next(folder, path, flags);
+}
+
 int fsync(int file) {
-  std::error_code unknown;
-  const std::filesystem::path path =
-      std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file), unknown);
-  note("KELVANE_TEST_WRITES", "fsync " + path.string());
+  note("KELVANE_TEST_WRITES", "fsync " + pathOf(file));
   static const auto next = real<int(int)>("fsync");
   return next(file);
 }

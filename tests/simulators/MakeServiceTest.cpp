@@ -4,10 +4,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "platform/Json.h"
 #include "platform/PropertyList.h"
+#include "support/FullFile.h"
 #include "support/Program.h"
 #include "support/TempFolder.h"
 
@@ -194,7 +194,8 @@ TEST_F(MakeService, AFolderThatIsNoServiceIsLeftAlone) {
 
 TEST_F(MakeService, AFailureLeavesTheServiceMadeBefore) {
   rules("");
-  ASSERT_EQ(::mkfifo((folder / "Manager.app/pipe").c_str(), 0600), 0);
+  fs::resize_file(folder.write("Manager.app/large", ""), 2 << 20);
+  const FullFile full;  // so that a file of this size cannot be made
   const Ended ended =
       make(R"({"packages": [{"product": "fw", "version": "1", "files": {"x": "Manager.app"}}]})");
   EXPECT_EQ(ended.exitStatus, 1);

@@ -12,12 +12,14 @@
 #include <gtest/gtest.h>
 
 #include "log/iLog.h"
+#include "platform/Regex.h"
 #include "support/TempFolder.h"
 #include "worker/FirmwareWorld.h"
 
 namespace {
 bool refuseInfoBuffer = false;
-int newCallsLeft = -1;  // negative: no end
+int mallocCallsLeft = -1;  // negative: no end
+int newCallsLeft = -1;
 }  // namespace
 
 extern "C" void* __real_malloc(std::size_t size);
@@ -25,6 +27,8 @@ extern "C" void* __wrap_malloc(std::size_t size);
 
 void* __wrap_malloc(std::size_t size) {
   if (refuseInfoBuffer && size == ZOR_CONTROLLER_INFO_SIZE) return nullptr;
+  if (mallocCallsLeft == 0) return nullptr;
+  if (mallocCallsLeft > 0) --mallocCallsLeft;
   return __real_malloc(size);
 }
 
@@ -61,6 +65,22 @@ TEST_F(OutOfMemory, AnEarlierFailureStaysTheResult) {
   framework.answer("zr_discover", 1, 0x77);
   updateAll({"W0"});
   EXPECT_EQ(result(), 0x77);
+}
+
+TEST(OutOfMemoryRegex, RaisesOrAnswers) {
+  bool answered = false;
+  int refused = 0;
+  for (int calls = 0; !answered; ++calls) {
+    mallocCallsLeft = calls;
+    try {
+      answered = platform::firstMatch("(\\w+).(\\w+)", "a.b").has_value();
+    } catch (const std::bad_alloc&) {
+      ++refused;
+    }
+    mallocCallsLeft = -1;
+    ASSERT_LT(calls, 1000);
+  }
+  EXPECT_GT(refused, 2);
 }
 
 // Where no name for a generation can be built, the file is neither moved nor emptied.
