@@ -68,7 +68,7 @@ TEST_F(DownloadArea, APlainFileInTheWayStaysAndStopsTheRestInSilence) {
 
 TEST_F(DownloadArea, AFolderThatIsNoTextIsLoggedOnce) {
   worker.createTmpFolder(Value::integer(5));
-  EXPECT_THAT(log(), ElementsAre(StartsWith("createTmpFolder error: ")));
+  EXPECT_THAT(log(), ElementsAre("createTmpFolder error: asked a number for its text"));
 }
 
 // --- syncFiles
@@ -124,6 +124,17 @@ TEST_F(DownloadArea, ADanglingLinkInTheTargetsPlaceMakesThatCopyFail) {
   worker.syncFiles(folder / "from", folder / "to");
   EXPECT_TRUE(fs::is_symlink(folder / "to/file"));
   EXPECT_EQ(folder.names("to"), Names{"file"});
+}
+
+TEST_F(DownloadArea, ASourceOrTargetThatIsNoTextIsLoggedOnceAndCopiesNothing) {
+  worker.syncFiles(Value::integer(5), folder / "to");
+  EXPECT_THAT(log(), ElementsAre("syncFiles error: asked a number for its text"));
+  folder.write("from/file", "new");
+  worker.syncFiles(folder / "from", Value());
+  EXPECT_THAT(
+      log(), ElementsAre("syncFiles error: asked a number for its text", "syncFiles: dirs 0 = file",
+                         "syncFiles error: asked nothing for its text"));
+  EXPECT_EQ(folder.names("from"), Names{"file"});
 }
 
 // --- syncDownloadFiles
@@ -237,6 +248,21 @@ TEST_F(DownloadArea, MissingKeysEndItBeforeAnythingIsTouched) {
   EXPECT_THAT(
       log(),
       Contains(StartsWith("syncDownloadFiles: syncDownloadFiles start, inputDict = ")).Times(5));
+}
+
+TEST_F(DownloadArea, ARecordWithoutACommandIsNotSynchronised) {
+  makeDownload();
+  const Value job = Value::dictionary(
+      {{"log_id", "17"}, {"input_parameters", record("sw").get("input_parameters")}});
+  EXPECT_TRUE(worker.syncDownloadFiles(job).isNothing());
+  EXPECT_EQ(folder.names("engine"), (Names{"Catalogue.plist", "package.img"}));
+  EXPECT_FALSE(fs::exists(shared() + "tmp"));
+  EXPECT_THAT(log(), ElementsAre(StartsWith("syncDownloadFiles: syncDownloadFiles start")));
+}
+
+TEST_F(DownloadArea, ParametersThatAreNoneAreLoggedToTheCharacter) {
+  worker.syncDownloadFiles(Value::dictionary({{"job_id", "x"}, {"input_parameters", "text"}}));
+  EXPECT_EQ(log().back(), "syncDownloadFiles error: asked a string for its elements");
 }
 
 TEST_F(DownloadArea, WrongKindsAreLoggedOnce) {
