@@ -1,11 +1,17 @@
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,6 +35,9 @@ void* __wrap_realloc(void* memory, std::size_t size) {
 
 namespace kelvane::platform {
 namespace {
+
+// Shell that goes on until a signal comes; without one it ends by itself, late.
+constexpr char kUntilASignal[] = "until [ $((i+=1)) -gt 20000000 ]; do :; done";
 
 class ChildProcessTest : public ::testing::Test {
  protected:
@@ -54,7 +63,43 @@ class ChildProcessTest : public ::testing::Test {
     return "nothing was raised";
   }
 
+  // The signals that a child finds ignored, as bits from 1 on.
+  unsigned long long ignoredByAChild() const {
+    const std::string line = outputOf(script("grep SigIgn /proc/$$/status")).string();
+    return std::stoull(line.substr(line.find('\t')), nullptr, 16);
+  }
+  static unsigned long long bit(int signal) { return 1ULL << (signal - 1); }
+  static std::ptrdiff_t openFiles() {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+  }
+  // What the action, which may close or limit what it likes, returns in a process of its own.
+  static int exitStatusOf(const std::function<int()>& action) {
+    const pid_t process = ::fork();
+    if (process == 0) ::_exit(action());
+    int status = -1;
+    ::waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  // A script that closes its output after its first line, which is its process, and then lives on
+  // as long as this test keeps the fifo open.
+  std::string lastingScript() {
+    ::mkfifo((folder / "fifo").c_str(), 0600);
+    fifo_ = ::open((folder / "fifo").c_str(), O_RDWR);
+    return script("echo $$; exec cat <" + (folder / "fifo") + " >/dev/null");
+  }
+  // Whether the signal to terminate has ended that script; without one it ends by itself here.
+  bool wasTerminated(pid_t process) const {
+    ::close(fifo_);
+    int status = 0;
+    if (::waitpid(process, &status, 0) != process) return errno == ECHILD;  // reaped already
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM;
+  }
+
   kelvane::testing::TempFolder folder;
+
+ private:
+  int fifo_ = -1;
 };
 
 TEST_F(ChildProcessTest, GivesTheWholeOutput) {
@@ -100,8 +145,10 @@ TEST_F(ChildProcessTest, AReadInterruptedBySignalsGoesOn) {
   action.sa_handler = [](int) {};  // without SA_RESTART: a blocked read returns
   struct sigaction before = {};
   ::sigaction(SIGUSR1, &action, &before);
+  // Each signal is sent once the reader is seen asleep, and so in the middle of a read.
   const Value output = outputOf(
-      script("i=0; while [ $i -lt 300 ]; do kill -USR1 $PPID; i=$((i+1)); done; echo after"));
+      script("for i in 1 2 3; do until grep -q '^State:.S' /proc/$PPID/status; do :; done\n"
+             "kill -USR1 $PPID; done; echo after"));
   ::sigaction(SIGUSR1, &before, nullptr);
   EXPECT_EQ(output, Value("after\n"));
 }
@@ -136,26 +183,78 @@ TEST_F(ChildProcessTest, ItHasTheEnvironmentAndTheCurrentFolder) {
 }
 
 TEST_F(ChildProcessTest, SignalsThatTheWorkerIgnoresAreItsOwnAffair) {
-  ::signal(SIGPIPE, SIG_IGN);
-  const Value output = outputOf(script("grep SigIgn /proc/$$/status"));
-  ::signal(SIGPIPE, SIG_DFL);
-  const unsigned long long ignored =
-      std::stoull(output.string().substr(output.string().find('\t')), nullptr, 16);
-  EXPECT_EQ(ignored & (1ULL << (SIGPIPE - 1)), 0U) << output.string();
+  for (const int signal : {SIGPIPE, SIGXFSZ}) {
+    ::signal(signal, SIG_IGN);
+    const unsigned long long ignored = ignoredByAChild();
+    ::signal(signal, SIG_DFL);
+    EXPECT_EQ(ignored & bit(signal), 0U) << signal;
+  }
+}
+
+TEST_F(ChildProcessTest, SignalsThatSomeoneElseIgnoresStayIgnored) {
+  ::signal(SIGUSR2, SIG_IGN);
+  const unsigned long long ignored = ignoredByAChild();
+  ::signal(SIGUSR2, SIG_DFL);
+  EXPECT_NE(ignored & bit(SIGUSR2), 0U);
 }
 
 TEST_F(ChildProcessTest, AChildThatLivesOnIsToldToEnd) {
   const std::string mark = folder / "mark";
-  const std::string fifo = folder / "fifo";
-  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-  // It closes its output, then blocks in a system call until the signal comes.
+  // It closes its output, then goes on until the signal comes.
   ChildProcess child(
-      script("trap 'echo ended > " + mark + "; exit' TERM; echo x; exec 1>&-; read -r l < " + fifo),
+      script("trap 'echo ended > " + mark + "; exit' TERM; echo x; exec 1>&-; " + kUntilASignal),
       Value::array());
   EXPECT_EQ(valueOf(child.readOutput()), Value("x\n"));
   child.terminate();
   while (::waitpid(-1, nullptr, 0) > 0) continue;  // until it has ended
   EXPECT_EQ(folder.read("mark"), "ended\n");
+}
+
+TEST_F(ChildProcessTest, AChildThatLivesOnEndsByTheSignal) {
+  ChildProcess child(lastingScript(), Value::array());
+  const pid_t process = std::stoi(valueOf(child.readOutput()).string());
+  child.terminate();
+  EXPECT_TRUE(wasTerminated(process));
+}
+
+TEST_F(ChildProcessTest, AChildIsTerminatedWithItsOwner) {
+  pid_t process = -1;
+  {
+    ChildProcess child(lastingScript(), Value::array());
+    process = std::stoi(valueOf(child.readOutput()).string());
+  }
+  EXPECT_TRUE(wasTerminated(process));
+}
+
+TEST_F(ChildProcessTest, ASecondTerminationTouchesNothing) {
+  ChildProcess child("/bin/true", Value::array());
+  child.discardOutput();
+  child.terminate();
+  std::vector<int> others(4);  // they take the numbers that the child's pipes had
+  for (int& other : others) other = ::open("/dev/null", O_RDONLY);
+  child.terminate();
+  for (const int other : others) EXPECT_EQ(::close(other), 0);
+}
+
+TEST_F(ChildProcessTest, ASecondTerminationSendsNoSecondSignal) {
+  // The child takes the first signal, tells so, and would be killed by a second one.
+  for (const char* name : {"taken", "go"}) ASSERT_EQ(::mkfifo((folder / name).c_str(), 0600), 0);
+  const int go = ::open((folder / "go").c_str(), O_RDWR);
+  ChildProcess child(script("trap 'trap - TERM; echo taken > " + (folder / "taken") +
+                            "; read -r l < " + (folder / "go") +
+                            "; exit 5' TERM\n"
+                            "echo $$; exec 1>&-; " +
+                            kUntilASignal + "; echo none > " + (folder / "taken")),
+                     Value::array());
+  const pid_t process = std::stoi(valueOf(child.readOutput()).string());
+  child.terminate();
+  EXPECT_EQ(folder.read("taken"), "taken\n");
+  child.terminate();
+  EXPECT_EQ(::write(go, "now\n", 4), 4);
+  int status = 0;
+  EXPECT_EQ(::waitpid(process, &status, 0), process);
+  ::close(go);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 5) << status;
 }
 
 TEST_F(ChildProcessTest, AChildThatIgnoresTheSignalIsNotWaitedFor) {
@@ -186,6 +285,74 @@ TEST_F(ChildProcessTest, NoFileStaysOpen) {
   const int after = ::open("/dev/null", O_RDONLY);
   ::close(after);
   EXPECT_EQ(after, before);
+}
+
+TEST_F(ChildProcessTest, TheWorkerHoldsOneEndOfEachPipeUntilTheTermination) {
+  const auto before = openFiles();
+  ChildProcess child("/bin/true", Value::array());
+  EXPECT_EQ(openFiles(), before + 2);
+  child.discardOutput();
+  EXPECT_EQ(openFiles(), before + 2);
+  child.terminate();
+  EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(ChildProcessTest, AFailedStartLeavesNoFileOpen) {
+  const auto before = openFiles();
+  reasonOf(folder / "missing");
+  EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(ChildProcessTest, StandardStreamsThatTheWorkerHasClosedAreTheChildsAllTheSame) {
+  const std::string path = script("test -p /dev/stdin && test -p /dev/stdout && echo pipes");
+  for (int closed = 0; closed < 8; ++closed) {
+    const int status = exitStatusOf([&] {
+      for (int stream = 0; stream < 3; ++stream) {
+        if ((closed & (1 << stream)) != 0) ::close(stream);
+      }
+      return outputOf(path) == Value("pipes\n") ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0) << "closed: " << closed;
+  }
+}
+
+TEST_F(ChildProcessTest, ItsPipesNeverTakeThePlaceOfTheWorkersStandardStreams) {
+  const int taken = exitStatusOf([] {
+    for (int stream = 0; stream < 3; ++stream) ::close(stream);
+    const ChildProcess child("/bin/true", Value::array());
+    int open = 0;
+    for (int stream = 0; stream < 3; ++stream) open += ::fcntl(stream, F_GETFD) == -1 ? 0 : 1;
+    return open;
+  });
+  EXPECT_EQ(taken, 0);
+}
+
+TEST_F(ChildProcessTest, AStandardErrorThatTheWorkerHasClosedIsTheChildsNeither) {
+  const int status = exitStatusOf([] {
+    ::close(STDERR_FILENO);
+    // 2 is the folder that it lists.
+    return outputOf("/bin/ls", Value::array({"/proc/self/fd"})) == Value("0\n1\n2\n") ? 0 : 1;
+  });
+  EXPECT_EQ(status, 0);
+}
+
+TEST_F(ChildProcessTest, WhereNoPipeCanBeMadeTheCauseIsTold) {
+  const int status = exitStatusOf([] {
+    for (int file = STDERR_FILENO + 1; file < 1000; ++file) ::close(file);
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    // One file after the other is allowed, until both pipes find room.
+    for (limit.rlim_cur = STDERR_FILENO + 2; limit.rlim_cur < 20; ++limit.rlim_cur) {
+      ::setrlimit(RLIMIT_NOFILE, &limit);
+      try {
+        return outputOf("/bin/echo", Value::array({"x"})) == Value("x\n") ? 0 : 1;
+      } catch (const Exception& raised) {
+        if (raised.what() != std::string("start /bin/echo: Too many open files")) return 2;
+      }
+    }
+    return 3;
+  });
+  EXPECT_EQ(status, 0);
 }
 
 TEST_F(ChildProcessTest, WhatCannotBeStartedRaisesWithPathAndCause) {

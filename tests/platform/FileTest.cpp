@@ -28,6 +28,10 @@ class FileTest : public ::testing::Test {
  protected:
   kelvane::testing::TempFolder folder;
 
+  static std::string secondDisk() {
+    return std::filesystem::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
+  }
+
   mode_t permissions(const std::string& name) const {
     struct stat entry = {};
     EXPECT_EQ(::stat((folder / name).c_str(), &entry), 0);
@@ -353,6 +357,42 @@ TEST_F(FileTest, MovesAFile) {
   EXPECT_EQ(folder.names(), Names{"b"});
   EXPECT_FALSE(movePath(folder / "missing", folder / "c"));
   EXPECT_EQ(folder.names(), Names{"b"});
+}
+
+TEST_F(FileTest, AMoveReplacesAFile) {
+  folder.write("a", "new");
+  folder.write("b", "old");
+  EXPECT_TRUE(movePath(folder / "a", folder / "b"));
+  EXPECT_EQ(folder.names(), Names{"b"});
+  EXPECT_EQ(folder.read("b"), "new");
+}
+
+TEST_F(FileTest, AMoveThatFailsLeavesBothWhereTheyWere) {
+  folder.write("file", "x");
+  folder.write("full/inside", "y");
+  EXPECT_FALSE(movePath(folder / "file", folder / "full"));
+  EXPECT_FALSE(movePath(folder / "file", folder / "no/file"));
+  EXPECT_EQ(folder.read("file"), "x");
+  EXPECT_EQ(folder.read("full/inside"), "y");
+}
+
+// Where there is no second disk these are moves like any other.
+TEST_F(FileTest, MovesAWholeFolderToAnotherDisk) {
+  const kelvane::testing::TempFolder other("", secondDisk());
+  other.write("from/deep/file", "x");
+  EXPECT_TRUE(movePath(other / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to/deep/file"), "x");
+  EXPECT_TRUE(other.names().empty());
+}
+
+TEST_F(FileTest, AMoveToAnotherDiskThatFailsLeavesTheFileWhereItWas) {
+  const kelvane::testing::TempFolder other("", secondDisk());
+  other.write("from", "x");
+  folder.write("full/inside", "y");
+  EXPECT_FALSE(movePath(other / "from", folder / "full"));
+  EXPECT_FALSE(movePath(other / "from", folder / "no/file"));
+  EXPECT_EQ(other.read("from"), "x");
+  EXPECT_EQ(folder.read("full/inside"), "y");
 }
 
 TEST_F(FileTest, MakesOrEmptiesAFile) {

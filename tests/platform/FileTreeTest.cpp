@@ -2,7 +2,9 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -21,8 +23,34 @@ namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
 
+constexpr off_t kHole = off_t{1} << 18U;
+
 class FileTree : public ::testing::Test {
  protected:
+  // Makes a file of so many bytes with these texts at these places, and holes between them.
+  static void makeWithHoles(const std::string& path, off_t size,
+                            const std::map<off_t, std::string>& texts) {
+    std::ofstream(path) << "";
+    fs::resize_file(path, static_cast<std::uintmax_t>(size));
+    std::fstream file(path);
+    for (const auto& [position, text] : texts) {
+      file.seekp(position);
+      file << text;
+    }
+  }
+  static off_t bytesOnDisk(const std::string& path) {
+    struct stat entry = {};
+    EXPECT_EQ(::stat(path.c_str(), &entry), 0);
+    return entry.st_blocks * 512;
+  }
+  // Bytes that are not the same anywhere.
+  static std::string numbered(std::size_t size) {
+    std::string bytes;
+    for (int i = 0; bytes.size() < size; ++i) bytes += std::to_string(i) + " ";
+    bytes.resize(size);
+    return bytes;
+  }
+
   kelvane::testing::TempFolder folder;
 };
 
@@ -175,6 +203,76 @@ TEST_F(FileTree, AHoleAtTheEndStaysOne) {
   fs::resize_file(folder.write("from", "start"), 1 << 20);
   EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
   EXPECT_EQ(fs::file_size(folder / "to"), 1U << 20U);
+}
+
+TEST_F(FileTree, AHoleAtTheStartStaysOne) {
+  makeWithHoles(folder / "from", kHole + 3, {{kHole, "end"}});
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to"), folder.read("from"));
+  EXPECT_EQ(folder.read("to").substr(kHole), "end");
+  EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
+}
+
+TEST_F(FileTree, DataOnBothSidesOfAHoleStaysInItsPlace) {
+  makeWithHoles(folder / "from", 3 * kHole,
+                {{0, numbered(5000)}, {3 * kHole - 5000, numbered(5000)}});
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to"), folder.read("from"));
+  EXPECT_EQ(folder.read("to").substr(3 * kHole - 5000), numbered(5000));
+  EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
+}
+
+TEST_F(FileTree, ManyHolesStayWhereTheyAre) {
+  std::map<off_t, std::string> texts;
+  for (int i = 0; i < 8; ++i) {
+    texts[i * kHole + i * off_t{777}] = numbered(i % 3 == 0 ? 1000 : 9000);
+  }
+  makeWithHoles(folder / "from", 8 * kHole + 12345, texts);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to"), folder.read("from"));
+  EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
+}
+
+TEST_F(FileTree, AFileThatIsNothingButAHoleIsCopied) {
+  makeWithHoles(folder / "from", kHole + 1, {});
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to"), std::string(kHole + 1, '\0'));
+  EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
+}
+
+TEST_F(FileTree, FilesOfEverySizeAreCopiedWhole) {
+  const std::vector<std::size_t> sizes = {0,    1,     511,   4095,  4096,
+                                          4097, 65535, 65536, 65537, 1'000'003};
+  for (const std::size_t size : sizes) {
+    folder.write("from", numbered(size));
+    EXPECT_TRUE(copyTree(folder / "from", folder / "to")) << size;
+    EXPECT_EQ(folder.read("to"), numbered(size)) << size;
+    fs::remove(folder / "to");
+  }
+}
+
+TEST_F(FileTree, AnEmptyFileIsCopied) {
+  folder.write("from", "");
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.names(), (Names{"from", "to"}));
+  EXPECT_EQ(fs::file_size(folder / "to"), 0U);
+}
+
+TEST_F(FileTree, HolesStayWhereTheyAreBetweenTwoDisks) {
+  // Where there is no second disk this is a copy like any other.
+  const std::string root = fs::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
+  const kelvane::testing::TempFolder other("", root);
+  makeWithHoles(other / "from", 3 * kHole + 1, {{10, "start"}, {kHole + 7, numbered(100'001)}});
+  EXPECT_TRUE(copyTree(other / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to"), other.read("from"));
+  EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
+}
+
+TEST_F(FileTree, ATargetWhoseFolderIsMissingIsNotMade) {
+  folder.write("from/file", "x");
+  EXPECT_FALSE(copyTree(folder / "from", folder / "no/to"));
+  EXPECT_FALSE(copyTree(folder / "from/file", folder / "no/to"));
+  EXPECT_EQ(folder.names(), Names{"from"});
 }
 
 TEST_F(FileTree, CopiesBetweenTwoDisks) {

@@ -1,6 +1,11 @@
+// What the system is asked is put in its place for single tests: the linker leads calls of sleep()
+// and of native::executablePath() here.
+
 #include <csignal>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
@@ -11,6 +16,53 @@
 namespace kelvane::platform {
 namespace {
 
+std::vector<unsigned> slept;       // the seconds asked for, call by call
+std::vector<unsigned> remainders;  // what the calls are still to answer, the last one first
+std::optional<std::string> otherExecutable;
+
+}  // namespace
+
+std::string realExecutablePath() __asm__(
+    "__real__ZN7kelvane8platform6native14executablePathB5cxx11Ev");
+std::string wrappedExecutablePath() __asm__(
+    "__wrap__ZN7kelvane8platform6native14executablePathB5cxx11Ev");
+std::string wrappedExecutablePath() { return otherExecutable.value_or(realExecutablePath()); }
+
+extern "C" unsigned __wrap_sleep(unsigned seconds);
+unsigned __wrap_sleep(unsigned seconds) {
+  slept.push_back(seconds);
+  if (remainders.empty()) return 0;
+  const unsigned remainder = remainders.back();
+  remainders.pop_back();
+  return remainder;
+}
+
+namespace {
+
+std::vector<unsigned> sleeps(unsigned seconds, std::vector<unsigned> answers) {
+  slept.clear();
+  remainders = std::move(answers);
+  SystemHost().sleep(seconds);
+  return slept;
+}
+
+Value folderOf(const std::string& executable) {
+  otherExecutable = executable;
+  Value folder = SystemHost().executableFolder();
+  otherExecutable.reset();
+  return folder;
+}
+
+TEST(SystemHost, SleepsOnceWhereNoSignalComes) {
+  EXPECT_EQ(sleeps(3, {}), std::vector<unsigned>{3});
+}
+
+TEST(SystemHost, ASleepThatSignalsShortenGoesOnForTheRest) {
+  EXPECT_EQ(sleeps(10, {1, 7}), (std::vector<unsigned>{10, 7, 1}));
+}
+
+TEST(SystemHost, ASleepOfNoSecondsIsNone) { EXPECT_TRUE(sleeps(0, {}).empty()); }
+
 TEST(ParseVersion, TakesTheLeadingNumbers) {
   EXPECT_EQ(parseVersion("6.1.0-18-amd64"), (SystemVersion{6, 1, 0}));
   EXPECT_EQ(parseVersion("14.2"), (SystemVersion{14, 2, 0}));
@@ -19,6 +71,44 @@ TEST(ParseVersion, TakesTheLeadingNumbers) {
   EXPECT_EQ(parseVersion("1.2.3.4"), (SystemVersion{1, 2, 3}));
   EXPECT_EQ(parseVersion(""), (SystemVersion{0, 0, 0}));
   EXPECT_EQ(parseVersion("x.1"), (SystemVersion{0, 0, 0}));
+}
+
+TEST(ParseVersion, ANumberThatIsMissingEndsIt) {
+  EXPECT_EQ(parseVersion("6."), (SystemVersion{6, 0, 0}));
+  EXPECT_EQ(parseVersion("6..1"), (SystemVersion{6, 0, 0}));
+  EXPECT_EQ(parseVersion(".6.1"), (SystemVersion{0, 0, 0}));
+  EXPECT_EQ(parseVersion("6.x.1"), (SystemVersion{6, 0, 0}));
+  EXPECT_EQ(parseVersion("6.1.x"), (SystemVersion{6, 1, 0}));
+}
+
+TEST(ParseVersion, OnlyADotLeadsToTheNextNumber) {
+  EXPECT_EQ(parseVersion("6-1.2"), (SystemVersion{6, 0, 0}));
+  EXPECT_EQ(parseVersion("6.1 2"), (SystemVersion{6, 1, 0}));
+}
+
+TEST(ParseVersion, SignsAndBlanksAreNoPartOfANumber) {
+  EXPECT_EQ(parseVersion("-6.1"), (SystemVersion{0, 0, 0}));
+  EXPECT_EQ(parseVersion("+6.1"), (SystemVersion{0, 0, 0}));
+  EXPECT_EQ(parseVersion(" 6.1"), (SystemVersion{0, 0, 0}));
+  EXPECT_EQ(parseVersion("6.-1.2"), (SystemVersion{6, 0, 0}));
+  EXPECT_EQ(parseVersion("6. 1.2"), (SystemVersion{6, 0, 0}));
+}
+
+TEST(ParseVersion, NumbersAreDecimal) {
+  EXPECT_EQ(parseVersion("010.08.0x1"), (SystemVersion{10, 8, 0}));
+}
+
+TEST(SystemHost, AnExecutableThatTheSystemDoesNotTellHasNoFolder) {
+  EXPECT_TRUE(folderOf("").isNothing());
+}
+
+TEST(SystemHost, AFolderWhoseNameIsNoTextIsNothing) {
+  EXPECT_TRUE(folderOf("/opt/caf\xE9/Kelvane").isNothing());
+  EXPECT_EQ(folderOf("/opt/caf\xC3\xA9/Kelvane"), Value("/opt/caf\xC3\xA9"));
+}
+
+TEST(SystemHost, AnExecutableAtTheRootStandsInTheRoot) {
+  EXPECT_EQ(folderOf("/Kelvane"), Value("/"));
 }
 
 TEST(SystemHost, KnowsTheFolderOfTheExecutable) {

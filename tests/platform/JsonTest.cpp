@@ -12,6 +12,17 @@ std::string nested(int depth) {
          std::string(static_cast<std::size_t>(depth), ']');
 }
 
+// Arrays and objects in turn, an even number of them.
+std::string nestedInTurn(int depth) {
+  std::string opening;
+  std::string closing;
+  for (int i = 0; i < depth; i += 2) {
+    opening += "[{\"a\":";
+    closing += "}]";
+  }
+  return opening + "0" + closing;
+}
+
 std::string reprinted(std::string_view text) {
   return printJson(parseJson(text)).value_or("not printable");
 }
@@ -35,8 +46,31 @@ TEST(Json, NumbersComeOutAsTheyWereWritten) {
   }
 }
 
+TEST(Json, SmallWholeNumbersComeOutAsTheyWereWritten) {
+  for (const char* digits : {"0", "-0", "1", "-1", "-10", "9223372036854775807"}) {
+    const Value read = parseJson(std::string("{\"a\": ") + digits + "}").get("a");
+    EXPECT_TRUE(read.isNumber()) << digits;
+    EXPECT_EQ(read.digits(), digits);
+  }
+}
+
 TEST(Json, KeysKeepTheirOrderAndTheLastOfTwoCounts) {
   EXPECT_EQ(reprinted(R"({"z": 1, "a": 2, "z": 3})"), "{\n  \"z\": 3,\n  \"a\": 2\n}");
+}
+
+TEST(Json, OfAKeyThatStandsTwiceOnlyTheLastValueIsLeft) {
+  EXPECT_EQ(reprinted(R"({"a": {"b": 1}, "a": null})"), "{\n  \"a\": null\n}");
+  EXPECT_EQ(reprinted(R"([{"a": 1, "b": 2, "a": [3], "b": {}}])"),
+            "[\n  {\n    \"a\": [\n      3\n    ],\n    \"b\": {}\n  }\n]");
+}
+
+TEST(Json, KeysOfInnerObjectsAreNotThoseOfOuterOnes) {
+  EXPECT_EQ(parseJson(R"({"a": {"b": 1, "c": [{"a": 2}]}, "d": 3})"),
+            Value::dictionary(
+                {{"a", Value::dictionary(
+                           {{"b", Value::integer(1)},
+                            {"c", Value::array({Value::dictionary({{"a", Value::integer(2)}})})}})},
+                 {"d", Value::integer(3)}}));
 }
 
 TEST(Json, AByteOrderMarkIsPassedOver) { EXPECT_EQ(parseJson("\xEF\xBB\xBF[1]").count(), 1U); }
@@ -94,6 +128,17 @@ TEST(Json, NestingIsReadDownToTheLimitAndNotBelow) {
   EXPECT_TRUE(parseJson(nested(1'000'000)).isNothing());
 }
 
+TEST(Json, ObjectsAndArraysCountTogetherTowardsTheLimit) {
+  EXPECT_TRUE(parseJson(nestedInTurn(512)).isArray());
+  EXPECT_TRUE(parseJson(nestedInTurn(514)).isNothing());
+  EXPECT_TRUE(parseJson("[" + nestedInTurn(512) + "]").isNothing());
+}
+
+TEST(Json, NestingThatHasEndedDoesNotCount) {
+  const Value read = parseJson("[" + nested(511) + "," + nested(511) + "]");
+  EXPECT_EQ(read.count(), 2U);
+}
+
 TEST(Json, AMillionOpenBracketsNeitherOverflowNorHang) {
   EXPECT_TRUE(parseJson(std::string(1'000'000, '[')).isNothing());
 }
@@ -142,6 +187,39 @@ TEST(Json, EscapesOnlyWhatMustBeEscaped) {
             "[\n  \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\x7F\xC3\xA9\xF0\x9F\x98\x80\"\n]");
 }
 
+TEST(Json, EveryControlCharacterIsEscapedAndReadAgain) {
+  const std::string escapes[] = {
+      "\\u0000", "\\u0001", "\\u0002", "\\u0003", "\\u0004", "\\u0005", "\\u0006", "\\u0007",
+      "\\b",     "\\t",     "\\n",     "\\u000b", "\\f",     "\\r",     "\\u000e", "\\u000f",
+      "\\u0010", "\\u0011", "\\u0012", "\\u0013", "\\u0014", "\\u0015", "\\u0016", "\\u0017",
+      "\\u0018", "\\u0019", "\\u001a", "\\u001b", "\\u001c", "\\u001d", "\\u001e", "\\u001f"};
+  char character = 0;
+  for (const std::string& escape : escapes) {
+    const Value text = Value::array({std::string(1, character++)});
+    const std::string line = "[\"" + escape + "\"]";
+    EXPECT_EQ(printJsonLine(text), line);
+    EXPECT_EQ(parseJson(line), text) << escape;
+  }
+}
+
+TEST(Json, EveryOtherAsciiCharacterStandsAsItIs) {
+  for (char character = 0x20; character > 0; ++character) {
+    if (character == '"' || character == '\\') continue;
+    const std::string line = std::string("[\"") + character + "\"]";
+    EXPECT_EQ(printJsonLine(Value::array({std::string(1, character)})), line);
+    if (character == 0x7F) break;
+  }
+}
+
+TEST(Json, KeysAreEscapedAsStringsAre) {
+  EXPECT_EQ(printJsonLine(Value::dictionary({{"a\"\n", "b"}})), R"({"a\"\n":"b"})");
+}
+
+TEST(Json, PrintsEveryKind) {
+  EXPECT_EQ(reprinted(R"([null,true,false,-1.50e3,"x"])"),
+            "[\n  null,\n  true,\n  false,\n  -1.50e3,\n  \"x\"\n]");
+}
+
 TEST(Json, ANulCharacterInsideAStringSurvives) {
   EXPECT_EQ(reprinted(R"(["a\u0000b"])"), "[\n  \"a\\u0000b\"\n]");
 }
@@ -152,6 +230,25 @@ TEST(Json, WhatJsonHasNoFormForIsNotPrinted) {
   EXPECT_FALSE(printJson(Value::array({Value::number("nan")})));
   EXPECT_FALSE(printJson(Value::array({Value::number("-inf")})));
   EXPECT_FALSE(printJson(Value()));
+}
+
+TEST(Json, ANumberWithoutDigitsIsNotPrinted) {
+  EXPECT_FALSE(printJson(Value::array({Value::number("")})));
+}
+
+TEST(Json, WhatIsNotPrintedIsNotPrintedOnOneLineEither) {
+  EXPECT_FALSE(printJsonLine(Value()));
+  EXPECT_FALSE(printJsonLine(Value::dictionary({{"a", Value::array({Value::data("x")})}})));
+  EXPECT_FALSE(printJsonLine(Value::array({"a", "\xFF", "b"})));
+}
+
+TEST(Json, ObjectsArePrintedDownToTheLimitAndNotBelow) {
+  Value deep = Value::dictionary();
+  for (int i = 1; i < 512; ++i) deep = Value::dictionary({{"a", deep}});
+  EXPECT_TRUE(printJson(deep));
+  EXPECT_TRUE(printJsonLine(deep));
+  EXPECT_FALSE(printJson(Value::dictionary({{"a", deep}})));
+  EXPECT_FALSE(printJsonLine(Value::array({deep})));
 }
 
 TEST(Json, WhatCouldNotBeReadAgainIsNotPrinted) {

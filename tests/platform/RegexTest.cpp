@@ -26,6 +26,29 @@ TEST(FirstMatch, GivesNothingWithoutOne) {
   EXPECT_FALSE(firstMatch(kVersion, "a\rb\rc"));
 }
 
+TEST(FirstMatch, ADotIsNoneOfTheLineEnds) {
+  for (const char* lineEnd :
+       {"\n", "\r", "\x0B", "\x0C", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"}) {
+    EXPECT_FALSE(firstMatch("a.b", std::string("a") + lineEnd + "b")) << lineEnd;
+  }
+  EXPECT_TRUE(firstMatch("a.b", "a\tb"));
+}
+
+TEST(FirstMatch, ADotIsOneWholeCharacter) {
+  EXPECT_EQ(firstMatch("^.$", "\xC3\xA9"), Groups{"\xC3\xA9"});
+  EXPECT_EQ(firstMatch("^(.)(.)$", "\xF0\x9F\x98\x80z"),
+            (Groups{"\xF0\x9F\x98\x80z", "\xF0\x9F\x98\x80", "z"}));
+}
+
+TEST(FirstMatch, AGroupThatTookNoPartIsEmpty) {
+  EXPECT_EQ(firstMatch("(a)?(b)", "b"), (Groups{"b", "", "b"}));
+  EXPECT_EQ(firstMatch("(a*)(b)", "xb"), (Groups{"b", "", "b"}));
+}
+
+TEST(FirstMatch, AMatchMayBeEmpty) { EXPECT_EQ(firstMatch("a*", "b"), Groups{""}); }
+
+TEST(FirstMatch, BytesThatAreNoTextDoNotMatch) { EXPECT_FALSE(firstMatch("a", "a\xFF")); }
+
 TEST(FirstMatch, WordCharactersAreThoseOfUnicode) {
   EXPECT_EQ(firstMatch(kVersion, "\xC3\xA9.\xD0\x96.\xE6\x97\xA5"),
             (Groups{"\xC3\xA9.\xD0\x96.\xE6\x97\xA5", "\xC3\xA9", "\xD0\x96", "\xE6\x97\xA5"}));
@@ -36,7 +59,36 @@ TEST(FirstMatch, ALongTextNeitherOverflowsNorHangs) {
   EXPECT_FALSE(firstMatch(kVersion, std::string(1'000'000, '-')));
 }
 
-TEST(FirstMatch, WhatIsNoExpressionRaises) { EXPECT_THROW(firstMatch("(", "a"), Exception); }
+TEST(FirstMatch, WhatIsNoExpressionRaisesAndIsNamed) {
+  for (const std::string pattern : {"(", "*", "[a", "\xFF"}) {
+    try {
+      firstMatch(pattern, "a");
+      ADD_FAILURE() << "nothing was raised for " << pattern;
+    } catch (const Exception& raised) {
+      EXPECT_EQ(raised.what(), "not a regular expression: " + pattern);
+    }
+  }
+}
+
+TEST(LeadingInteger, IsDecimalWhateverItLooksLike) {
+  EXPECT_EQ(leadingInteger("010"), 10);
+  EXPECT_EQ(leadingInteger("0x10"), 0);
+  EXPECT_EQ(leadingInteger("1e3"), 1);
+}
+
+TEST(LeadingInteger, TakesOneSignRightBeforeTheDigits) {
+  EXPECT_EQ(leadingInteger("\t-7"), -7);
+  EXPECT_EQ(leadingInteger("--7"), 0);
+  EXPECT_EQ(leadingInteger("+-7"), 0);
+  EXPECT_EQ(leadingInteger("- 7"), 0);
+}
+
+TEST(LeadingInteger, IsExactUpToTheLimitsAndHeldAtThem) {
+  EXPECT_EQ(leadingInteger("9223372036854775806"), std::numeric_limits<std::int64_t>::max() - 1);
+  EXPECT_EQ(leadingInteger("9223372036854775808"), std::numeric_limits<std::int64_t>::max());
+  EXPECT_EQ(leadingInteger("-9223372036854775807"), std::numeric_limits<std::int64_t>::min() + 1);
+  EXPECT_EQ(leadingInteger("-9223372036854775809"), std::numeric_limits<std::int64_t>::min());
+}
 
 TEST(LeadingInteger, TakesDigitsAsFarAsTheyGo) {
   EXPECT_EQ(leadingInteger("10"), 10);

@@ -1,3 +1,8 @@
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "platform/Exception.h"
@@ -6,6 +11,23 @@
 
 namespace kelvane::platform {
 namespace {
+
+// What the action raises, to the character.
+std::string reasonOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Exception& raised) {
+    return raised.what();
+  }
+  return "nothing was raised";
+}
+
+// The bytes, also where a NUL character is among them.
+std::string bytes(std::initializer_list<int> values) {
+  std::string made;
+  for (const int value : values) made += static_cast<char>(value);
+  return made;
+}
 
 TEST(Describe, TextsOfPlainValues) {
   EXPECT_EQ(describe(Value()), "(null)");
@@ -18,6 +40,17 @@ TEST(Describe, TextsOfPlainValues) {
   EXPECT_EQ(describe(Value::data("")), "<>");
   EXPECT_EQ(describe(Date{1769903999}), "2026-01-31 23:59:59 +0000");
   EXPECT_EQ(describe(Date{-1}), "1969-12-31 23:59:59 +0000");
+}
+
+TEST(Describe, EveryFieldOfADateIsPadded) {
+  EXPECT_EQ(describe(Date{0}), "1970-01-01 00:00:00 +0000");
+  EXPECT_EQ(describe(Date{951'782'400}), "2000-02-29 00:00:00 +0000");
+  EXPECT_EQ(describe(Date{1'136'171'045}), "2006-01-02 03:04:05 +0000");
+  EXPECT_EQ(describe(Date{-62'135'596'800}), "0001-01-01 00:00:00 +0000");
+}
+
+TEST(Describe, EveryByteOfDataIsTwoDigits) {
+  EXPECT_EQ(describe(Value::data(bytes({0x00, 0x01, 0x0F, 0x10, 0x80, 0xFF}))), "<00010f1080ff>");
 }
 
 TEST(Describe, EmptyContainers) {
@@ -90,9 +123,81 @@ TEST(Describe, InsideAContainerOnlyLettersAndDigitsStandBare) {
             ")");
 }
 
+TEST(Describe, DatesDataAndTruthInsideADictionary) {
+  EXPECT_EQ(describe(Value::dictionary({{"when", Date{0}},
+                                        {"what", Value::data("\x01")},
+                                        {"yes", Value::boolean(true)},
+                                        {"no", Value::boolean(false)},
+                                        {"null", Value::null()}})),
+            "{\n"
+            "    no = 0;\n"
+            "    null = \"<null>\";\n"
+            "    what = \"<01>\";\n"
+            "    when = \"1970-01-01 00:00:00 +0000\";\n"
+            "    yes = 1;\n"
+            "}");
+}
+
+TEST(Describe, EveryLevelIsFourBlanksDeeper) {
+  EXPECT_EQ(describe(Value::array({Value::array({Value::array({"x"}), "y"})})),
+            "(\n"
+            "        (\n"
+            "                (\n"
+            "            x\n"
+            "        ),\n"
+            "        y\n"
+            "    )\n"
+            ")");
+}
+
+TEST(Describe, OnlyTheLettersAndDigitsOfAsciiStandBare) {
+  for (int code = 1; code < 128; ++code) {
+    const std::string text(1, static_cast<char>(code));
+    const bool isBare = (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') ||
+                        (code >= 'a' && code <= 'z');
+    const std::string described = describe(Value::array({text}));
+    EXPECT_EQ(described == "(\n    " + text + "\n)", isBare) << code;
+    EXPECT_EQ(described.find('"') == std::string::npos, isBare) << code;
+  }
+}
+
+TEST(Describe, KeysAreQuotedAsTextsAre) {
+  EXPECT_EQ(describe(Value::dictionary({{"", "a"}, {"a\tb", "b"}, {"a\"\\", "c"}})),
+            "{\n    \"\" = a;\n    \"a\\tb\" = b;\n    \"a\\\"\\\\\" = c;\n}");
+}
+
 TEST(Format, FillsPlaceholdersInOrder) {
   EXPECT_EQ(format("[%@] [%s][%d] %x %ld %lu|%4d|", Value("t"), "f", -5, 0x4027U, 7L, 8UL, 42),
             "[t] [f][-5] 4027 7 8|  42|");
+}
+
+TEST(Format, NumbersOfEverySizeAreWhole) {
+  EXPECT_EQ(format("%ld", std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
+  EXPECT_EQ(format("%lu", std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
+  EXPECT_EQ(format("%x", std::uint32_t{0xFFFFFFFF}), "ffffffff");
+  EXPECT_EQ(format("%d %d", std::uint8_t{255}, -1), "255 -1");
+}
+
+TEST(Format, WidthsAndFlagsAreTakenAsInC) {
+  EXPECT_EQ(format("%4d|%-4d|%04d|%+d|%#x|%08lx|%5s|%-5s|%.2s", 42, 42, 42, 42, 42U, 0xABUL, "ab",
+                   "ab", "abc"),
+            "  42|42  |0042|+42|0x2a|000000ab|   ab|ab   |ab");
+}
+
+TEST(Format, TextAroundPlaceholdersStays) {
+  EXPECT_EQ(format(""), "");
+  EXPECT_EQ(format("plain"), "plain");
+  EXPECT_EQ(format("%@%@", "a", "b"), "ab");
+  EXPECT_EQ(format(" %@ - %d. ", "a", 1), " a - 1. ");
+  EXPECT_EQ(format("100 %%"), "100 %");
+}
+
+TEST(Format, ATextOfTheLanguageStandsForAValue) {
+  EXPECT_EQ(format("%@ %@", "text", static_cast<const char*>(nullptr)), "text (null)");
+}
+
+TEST(Format, ArgumentsThatNoPlaceholderAsksForAreLeftOut) {
+  EXPECT_EQ(format("%d", 1, 2, "three"), "1");
 }
 
 TEST(Format, AnAbsentValueAndANullTextShowAsNull) {
@@ -112,6 +217,17 @@ TEST(Format, AMissingOrMisfittingArgumentRaises) {
   EXPECT_THROW(format("%d", "a"), Exception);
 }
 
+TEST(Format, AReasonNamesThePlaceholder) {
+  EXPECT_EQ(reasonOf([] { format("a %@ %4d", Value("x")); }), "no argument for \"%4d\"");
+  EXPECT_EQ(reasonOf([] { format("%@"); }), "no argument for \"%@\"");
+  EXPECT_EQ(reasonOf([] { format("100 %"); }), "no argument for \"%\"");
+  EXPECT_EQ(reasonOf([] { format("%-5"); }), "no argument for \"%-5\"");
+  EXPECT_EQ(reasonOf([] { format("%s", Value("x")); }), "a value stands at the placeholder \"%s\"");
+  EXPECT_EQ(reasonOf([] { format("%@", 5); }), "a number stands at the placeholder \"%@\"");
+  EXPECT_EQ(reasonOf([] { format("%@", 5U); }), "a number stands at the placeholder \"%@\"");
+  EXPECT_EQ(reasonOf([] { format("%ld", "x"); }).rfind("\"%ld\": ", 0), 0U);
+}
+
 TEST(Split, KeepsEmptyPieces) {
   EXPECT_EQ(split("/a//b/", '/'), Value::array({"", "a", "", "b", ""}));
   EXPECT_EQ(split("a", '/'), Value::array({"a"}));
@@ -123,6 +239,58 @@ TEST(Utf8, KnowsWellFormedText) {
                            "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
     EXPECT_TRUE(isUtf8(text)) << text;
   }
+}
+
+TEST(Utf8, EveryRangeReachesFromItsFirstCharacterToItsLast) {
+  for (const char* text : {"\x01",
+                           "\x7F",
+                           "\xC2\xBF",
+                           "\xDF\x80",
+                           "\xE0\xA0\xBF",
+                           "\xE0\xBF\x80",
+                           "\xE0\xBF\xBF",
+                           "\xE1\x80\x80",
+                           "\xEC\xBF\xBF",
+                           "\xED\x80\x80",
+                           "\xEE\xBF\xBF",
+                           "\xEF\x80\x80",
+                           "\xEF\xBF\xBF",
+                           "\xF0\x90\xBF\xBF",
+                           "\xF0\xBF\x80\x80",
+                           "\xF0\xBF\xBF\xBF",
+                           "\xF1\x80\x80\x80",
+                           "\xF3\xBF\xBF\xBF",
+                           "\xF4\x80\x80\x80",
+                           "\xF4\x80\xBF\xBF"}) {
+    EXPECT_TRUE(isUtf8(text)) << text;
+  }
+}
+
+TEST(Utf8, OneBeyondARangeIsNotText) {
+  for (const char* bytes :
+       {"\xC2\x7F",         "\xC2\xC0",         "\xDF\x7F",         "\xDF\xC0",
+        "\xE0\xC0\x80",     "\xE1\x7F\x80",     "\xE1\xC0\x80",     "\xE1\x80\x7F",
+        "\xE1\x80\xC0",     "\xEC\xC0\x80",     "\xED\x7F\x80",     "\xED\xBF\xBF",
+        "\xEE\x7F\x80",     "\xEF\xC0\x80",     "\xEF\xBF\xC0",     "\xF0\xC0\x80\x80",
+        "\xF0\x90\x7F\x80", "\xF0\x90\xC0\x80", "\xF0\x90\x80\x7F", "\xF0\x90\x80\xC0",
+        "\xF1\x7F\x80\x80", "\xF3\xC0\x80\x80", "\xF4\x7F\x80\x80", "\xF4\x8F\xBF\xC0",
+        "\xF8\x88\x80\x80"}) {
+    EXPECT_FALSE(isUtf8(bytes)) << bytes;
+    EXPECT_EQ(repairedUtf8(bytes).rfind("\xEF\xBF\xBD", 0), 0U) << bytes;
+  }
+}
+
+TEST(Utf8, ASequenceEndsWithTheBytesAndNotBehindThem) {
+  const std::string_view text = "\xF0\x9F\x98\x80";
+  for (std::size_t length = 1; length < text.size(); ++length) {
+    EXPECT_FALSE(isUtf8(text.substr(0, length))) << length;
+  }
+  EXPECT_TRUE(isUtf8(text));
+}
+
+TEST(Utf8, ANulCharacterIsText) {
+  EXPECT_TRUE(isUtf8(std::string_view("a\0b", 3)));
+  EXPECT_EQ(repairedUtf8(std::string_view("\0\xFF\0", 3)), bytes({0, 0xEF, 0xBF, 0xBD, 0}));
 }
 
 TEST(Utf8, KnowsWhatIsNotText) {
@@ -141,6 +309,13 @@ TEST(Utf8, RepairsByteByByte) {
             "a\xEF\xBF\xBD"
             "b\xEF\xBF\xBD");
   EXPECT_EQ(repairedUtf8("\xE1\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(Utf8, WhatFollowsARepairedByteIsReadAfresh) {
+  EXPECT_EQ(repairedUtf8("\xE1\xC3\xA9"), "\xEF\xBF\xBD\xC3\xA9");
+  EXPECT_EQ(repairedUtf8("\xFF\xFF"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(repairedUtf8("\xC3\xA9\xA9x"), "\xC3\xA9\xEF\xBF\xBDx");
+  EXPECT_EQ(repairedUtf8(""), "");
 }
 
 TEST(Utf8, DecodesToNothingWhatIsNotText) {

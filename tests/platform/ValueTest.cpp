@@ -1,4 +1,7 @@
+#include <functional>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -7,6 +10,28 @@
 
 namespace kelvane::platform {
 namespace {
+
+constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
+
+// What the action raises, to the character.
+std::string reasonOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Exception& raised) {
+    return raised.what();
+  }
+  return "nothing was raised";
+}
+
+std::int64_t whole(const char* digits) { return Value::number(digits).integerValue(); }
+
+// How two numbers are ordered, and whether that turns round with them.
+int order(const char* left, const char* right) {
+  const int forward = compare(Value::number(left), Value::number(right));
+  EXPECT_EQ(compare(Value::number(right), Value::number(left)), -forward) << left << " " << right;
+  return forward;
+}
 
 Value record() { return Value::dictionary({{"a", "1"}, {"b", Value::array({"x", "y"})}}); }
 
@@ -47,6 +72,61 @@ TEST(Value, AskingForWhatTheKindHasNotRaises) {
   EXPECT_THROW(Value().asDictionary(), Exception);
 }
 
+TEST(Value, AReasonNamesTheKindThatWasAsked) {
+  const auto keyOf = [](const Value& value) { return reasonOf([&] { value.get("wwn"); }); };
+  EXPECT_EQ(keyOf(Value::null()), "asked null for the key \"wwn\"");
+  EXPECT_EQ(keyOf(Value::boolean(true)), "asked a boolean for the key \"wwn\"");
+  EXPECT_EQ(keyOf(Value::integer(1)), "asked a number for the key \"wwn\"");
+  EXPECT_EQ(keyOf("text"), "asked a string for the key \"wwn\"");
+  EXPECT_EQ(keyOf(Value::data("x")), "asked data for the key \"wwn\"");
+  EXPECT_EQ(keyOf(Date{1}), "asked a date for the key \"wwn\"");
+  EXPECT_EQ(keyOf(Value::array()), "asked an array for the key \"wwn\"");
+  EXPECT_EQ(reasonOf([] { Value().string(); }), "asked nothing for its text");
+  EXPECT_EQ(reasonOf([] { Value::dictionary().string(); }), "asked a dictionary for its text");
+}
+
+TEST(Value, AReasonNamesWhatWasAskedFor) {
+  const Value null = Value::null();
+  EXPECT_EQ(reasonOf([&] { null.truth(); }), "asked null for its truth");
+  EXPECT_EQ(reasonOf([&] { null.string(); }), "asked null for its text");
+  EXPECT_EQ(reasonOf([&] { null.bytes(); }), "asked null for its bytes");
+  EXPECT_EQ(reasonOf([&] { null.digits(); }), "asked null for its number");
+  EXPECT_EQ(reasonOf([&] { null.integerValue(); }), "asked null for its number");
+  EXPECT_EQ(reasonOf([&] { null.date(); }), "asked null for its date");
+  EXPECT_EQ(reasonOf([&] { null.elements(); }), "asked null for its elements");
+  EXPECT_EQ(reasonOf([&] { null.count(); }), "asked null for its elements");
+  EXPECT_EQ(reasonOf([&] { null.at(0); }), "asked null for its elements");
+  EXPECT_EQ(reasonOf([&] { null.entries(); }), "asked null for its entries");
+  EXPECT_EQ(reasonOf([&] { null.asDictionary(); }), "asked null for its entries");
+}
+
+TEST(Value, OnlyAnArrayTakesElementsAndOnlyADictionaryKeys) {
+  Value nothing;
+  Value text = "text";
+  EXPECT_EQ(reasonOf([&] { nothing.append("x"); }), "asked nothing for its elements");
+  EXPECT_EQ(reasonOf([&] { text.append("x"); }), "asked a string for its elements");
+  EXPECT_EQ(reasonOf([&] { nothing.set("a", "x"); }), "asked nothing for its entries");
+  EXPECT_EQ(reasonOf([&] { text.set("a", "x"); }), "asked a string for its entries");
+  EXPECT_EQ(reasonOf([&] { text.setAll(record()); }), "asked a string for its entries");
+  EXPECT_EQ(nothing, Value());
+  EXPECT_EQ(text, Value("text"));
+}
+
+TEST(Value, AReasonTellsThePlaceInAnArray) {
+  EXPECT_EQ(reasonOf([] { Value::array({"x"}).at(1); }), "asked for element 1 of an array of 1");
+  EXPECT_EQ(reasonOf([] { Value::array().at(7); }), "asked for element 7 of an array of 0");
+}
+
+TEST(Value, AReasonTellsWhereNothingWasToBeStored) {
+  EXPECT_EQ(reasonOf([] { Value::array().append(Value()); }), "appended nothing to an array");
+  EXPECT_EQ(reasonOf([] { Value::dictionary().set("a b", Value()); }),
+            "stored nothing under the key \"a b\"");
+  EXPECT_EQ(reasonOf([] {
+              Value::dictionary({{"a", "1"}, {"c", Value()}});
+            }),
+            "stored nothing under the key \"c\"");
+}
+
 TEST(Value, AnElementPastTheEndRaises) {
   EXPECT_EQ(Value::array({"x"}).at(0).string(), "x");
   EXPECT_THROW(Value::array({"x"}).at(1), Exception);
@@ -73,6 +153,20 @@ TEST(Value, AChangeToACopyNeverShowsInTheOriginal) {
   EXPECT_EQ(original, record());
   EXPECT_EQ(copy.get("b").count(), 2U);
   EXPECT_EQ(list.count(), 3U);
+}
+
+TEST(Value, AnElementAppendedToACopyNeverShowsInTheOriginal) {
+  const Value original = Value::array({"x"});
+  Value copy = original;
+  copy.append("y");
+  EXPECT_EQ(original, Value::array({"x"}));
+  EXPECT_EQ(copy, Value::array({"x", "y"}));
+}
+
+TEST(Value, ElementsAppendedOneByOneAllStay) {
+  Value list = Value::array();
+  for (int i = 0; i < 3; ++i) list.append(Value::integer(i));
+  EXPECT_EQ(list, Value::array({Value::integer(0), Value::integer(1), Value::integer(2)}));
 }
 
 TEST(Value, AChangeToTheOriginalNeverShowsInACopy) {
@@ -105,6 +199,38 @@ TEST(Value, ManyKeysAreFoundAndKeepTheirOrder) {
   EXPECT_FALSE(large.has("key100"));
 }
 
+TEST(Value, KeysAreFoundAndReplacedAtEverySize) {
+  Value growing = Value::dictionary();
+  for (int size = 1; size <= 20; ++size) {
+    growing.set("key" + std::to_string(size), "first");
+    for (int i = 1; i <= size; ++i) growing.set("key" + std::to_string(i), Value::integer(size));
+    ASSERT_EQ(growing.entries().size(), static_cast<std::size_t>(size));
+    for (int i = 1; i <= size; ++i) {
+      EXPECT_EQ(growing.get("key" + std::to_string(i)), Value::integer(size)) << size;
+    }
+    EXPECT_FALSE(growing.has("key0")) << size;
+    EXPECT_FALSE(growing.has("key" + std::to_string(size + 1))) << size;
+  }
+}
+
+TEST(Value, AChangeToACopyOfManyKeysNeverShowsInTheOriginal) {
+  Value original = Value::dictionary();
+  for (int i = 0; i < 30; ++i) original.set("key" + std::to_string(i), "old");
+  Value copy = original;
+  copy.set("key3", "new");
+  copy.set("more", "new");
+  EXPECT_EQ(original.get("key3"), Value("old"));
+  EXPECT_EQ(copy.get("key3"), Value("new"));
+  EXPECT_EQ(copy.get("key29"), Value("old"));
+  EXPECT_FALSE(original.has("more"));
+}
+
+TEST(Value, SettingAllOfNothingChangesNothing) {
+  Value changed = record();
+  changed.setAll(Value());
+  EXPECT_EQ(changed, record());
+}
+
 TEST(Value, SetAllReplacesAndAddsButRemovesNothing) {
   Value changed = record();
   changed.setAll(Value::dictionary({{"b", "new"}, {"c", "added"}}));
@@ -115,6 +241,20 @@ TEST(Value, EqualityDoesNotDependOnTheOrderOfKeys) {
   EXPECT_EQ(Value::dictionary({{"a", "1"}, {"b", "2"}}),
             Value::dictionary({{"b", "2"}, {"a", "1"}}));
   EXPECT_FALSE(Value::dictionary({{"a", "1"}}) == Value::dictionary({{"b", "1"}}));
+}
+
+TEST(Value, DictionariesAreEqualOnlyWithTheSameKeysAndValues) {
+  EXPECT_FALSE(record() == Value::dictionary({{"a", "1"}}));
+  EXPECT_FALSE(Value::dictionary({{"a", "1"}}) == record());
+  EXPECT_FALSE(Value::dictionary({{"a", "1"}}) == Value::dictionary({{"a", "2"}}));
+  EXPECT_FALSE(Value::dictionary({{"a", Value::null()}}) ==
+               Value::dictionary({{"b", Value::null()}}));
+  EXPECT_TRUE(Value::dictionary() == Value::dictionary());
+}
+
+TEST(Value, NumbersAreEqualByTheirDigits) {
+  EXPECT_TRUE(Value::number("1") == Value::integer(1));
+  EXPECT_FALSE(Value::number("1") == Value::number("1.0"));
 }
 
 TEST(Value, EveryKindEqualsItselfAndNoOther) {
@@ -152,6 +292,38 @@ TEST(Value, TheWholeNumberOfANumber) {
   EXPECT_EQ(Value::number("nan").integerValue(), 0);
 }
 
+TEST(Value, AWholeNumberIsExactUpToTheLimitsAndHeldAtThem) {
+  EXPECT_EQ(whole("9223372036854775806"), kMost - 1);
+  EXPECT_EQ(whole("9223372036854775807"), kMost);
+  EXPECT_EQ(whole("9223372036854775808"), kMost);
+  EXPECT_EQ(whole("-9223372036854775807"), kLeast + 1);
+  EXPECT_EQ(whole("-9223372036854775808"), kLeast);
+  EXPECT_EQ(whole("-9223372036854775809"), kLeast);
+}
+
+TEST(Value, ARealIsHeldAtTheLimits) {
+  EXPECT_EQ(whole("9223372036854774784.0"), 9223372036854774784);  // the last double below 2^63
+  EXPECT_EQ(whole("9223372036854775808.0"), kMost);
+  EXPECT_EQ(whole("-9223372036854774784.0"), -9223372036854774784);
+  EXPECT_EQ(whole("-9223372036854775808.0"), kLeast);
+  EXPECT_EQ(whole("-9223372036854777856.0"), kLeast);
+  EXPECT_EQ(whole("1e18"), 1'000'000'000'000'000'000);
+  EXPECT_EQ(whole("1e19"), kMost);
+  EXPECT_EQ(whole("-1e19"), kLeast);
+  EXPECT_EQ(whole("inf"), kMost);
+  EXPECT_EQ(whole("-inf"), kLeast);
+}
+
+TEST(Value, FractionsAreCutOffTowardsZero) {
+  EXPECT_EQ(whole("0.9"), 0);
+  EXPECT_EQ(whole("-0.9"), 0);
+  EXPECT_EQ(whole("-2.9"), -2);
+  EXPECT_EQ(whole("25e-1"), 2);
+  EXPECT_EQ(whole("1.5E1"), 15);
+  EXPECT_EQ(whole("-0"), 0);
+  EXPECT_EQ(whole("-nan"), 0);
+}
+
 TEST(Compare, OrdersStringsByCharactersNumbersByValueAndDatesByTime) {
   EXPECT_GT(compare("9.0.0", "10.15.0"), 0);
   EXPECT_LT(compare("a", "\xC3\xA9"), 0);
@@ -162,9 +334,6 @@ TEST(Compare, OrdersStringsByCharactersNumbersByValueAndDatesByTime) {
 }
 
 TEST(Compare, WholeNumbersAreOrderedToTheLastDigit) {
-  const auto order = [](const char* left, const char* right) {
-    return compare(Value::number(left), Value::number(right));
-  };
   EXPECT_LT(order("20240115123045001", "20240115123045002"), 0);
   EXPECT_GT(order("20240115123045002", "20240115123045001"), 0);
   EXPECT_EQ(order("20240115123045002", "20240115123045002"), 0);
@@ -173,6 +342,66 @@ TEST(Compare, WholeNumbersAreOrderedToTheLastDigit) {
   EXPECT_LT(order("-12", "-11"), 0);
   EXPECT_LT(order("-1", "0"), 0);
   EXPECT_GT(order("1", "-20"), 0);
+}
+
+TEST(Compare, WholeNumbersOfTwoLengthsAreOrderedByValue) {
+  EXPECT_EQ(order("99", "100"), -1);
+  EXPECT_EQ(order("-99", "-100"), 1);
+  EXPECT_EQ(order("9", "-10"), 1);
+  EXPECT_EQ(order("-9", "10"), -1);
+  EXPECT_EQ(order("0", "1"), -1);
+  EXPECT_EQ(order("9", "12345678901234567890123"), -1);
+  EXPECT_EQ(order("-9", "-12345678901234567890123"), 1);
+}
+
+TEST(Compare, WholeNumbersOfOneLengthAreOrderedByTheirDigits) {
+  EXPECT_EQ(order("12345678901234567890123", "12345678901234567890124"), -1);
+  EXPECT_EQ(order("-12345678901234567890123", "-12345678901234567890124"), 1);
+  EXPECT_EQ(order("-7", "-7"), 0);
+  EXPECT_EQ(order("0", "0"), 0);
+  EXPECT_EQ(order("7", "-7"), 1);
+}
+
+TEST(Compare, RealsAreOrderedByValueAlsoAmongWholeNumbers) {
+  EXPECT_EQ(order("1.5", "1.50"), 0);
+  EXPECT_EQ(order("1.5", "1.25"), 1);
+  EXPECT_EQ(order("-1.5", "-1.25"), -1);
+  EXPECT_EQ(order("-0.0", "0.0"), 0);
+  EXPECT_EQ(order("10", "9.5"), 1);
+  EXPECT_EQ(order("10.0", "9"), 1);
+  EXPECT_EQ(order("-10", "-9.5"), -1);
+  EXPECT_EQ(order("1e2", "100"), 0);
+  EXPECT_EQ(order("1e-2", "1e-1"), -1);
+}
+
+TEST(Compare, StringsAreOrderedCharacterByCharacter) {
+  EXPECT_EQ(compare("a", "b"), -1);
+  EXPECT_EQ(compare("b", "a"), 1);
+  EXPECT_EQ(compare("a", "aa"), -1);
+  EXPECT_EQ(compare("", "a"), -1);
+  EXPECT_EQ(compare("Z", "a"), -1);
+}
+
+TEST(Compare, DatesAreOrderedByTimeBeforeTheEpochToo) {
+  EXPECT_EQ(compare(Date{1}, Date{2}), -1);
+  EXPECT_EQ(compare(Date{-2}, Date{-1}), -1);
+  EXPECT_EQ(compare(Date{-1}, Date{-2}), 1);
+  EXPECT_EQ(compare(Date{5}, Date{5}), 0);
+}
+
+TEST(Compare, AReasonNamesBothKinds) {
+  const auto reason = [](const Value& left, const Value& right) {
+    return reasonOf([&] { compare(left, right); });
+  };
+  EXPECT_EQ(reason("1", Value::integer(1)), "cannot order a string and a number");
+  EXPECT_EQ(reason(Value::integer(1), "1"), "cannot order a number and a string");
+  EXPECT_EQ(reason(Date{1}, Value::integer(1)), "cannot order a date and a number");
+  EXPECT_EQ(reason(Value::integer(1), Date{1}), "cannot order a number and a date");
+  EXPECT_EQ(reason(Value(), Value::null()), "cannot order nothing and null");
+  EXPECT_EQ(reason(Value::data("x"), Value::data("x")), "cannot order data and data");
+  EXPECT_EQ(reason(Value::boolean(true), Value::boolean(true)),
+            "cannot order a boolean and a boolean");
+  EXPECT_EQ(reason(Value::array(), Value::dictionary()), "cannot order an array and a dictionary");
 }
 
 TEST(Compare, TwoKindsOrOneWithoutAnOrderRaise) {
@@ -186,10 +415,12 @@ TEST(EqualStrings, ComparesExactly) {
   EXPECT_FALSE(equalStrings("WAIT", "wait"));
 }
 
-TEST(EqualStrings, WhatIsAbsentNeverEqualsAnything) {
-  EXPECT_FALSE(equalStrings(Value(), "a"));
-  EXPECT_FALSE(equalStrings("a", Value()));
-  EXPECT_FALSE(equalStrings(Value(), Value()));
+TEST(EqualStrings, AReasonNamesTheKind) {
+  EXPECT_EQ(reasonOf([] { equalStrings("a", Value::integer(1)); }),
+            "compared a number as a string");
+  EXPECT_EQ(reasonOf([] { equalStrings(Value::null(), Value::integer(1)); }),
+            "compared null as a string");
+  EXPECT_EQ(reasonOf([] { equalStrings("a", Value::array()); }), "compared an array as a string");
 }
 
 TEST(EqualStrings, WhatIsThereAndIsNoStringRaises) {

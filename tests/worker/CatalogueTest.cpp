@@ -71,6 +71,13 @@ TEST_F(Catalogue, ItsPathIsMadeOfTheFolderAndTheSetting) {
   EXPECT_EQ(worker.getPlistPath("/x"), Value("/x/(null).plist"));
 }
 
+TEST_F(Catalogue, SettingsThatAreNoDictionaryGiveNoPath) {
+  worker.setSettingDict(Value::array());
+  EXPECT_TRUE(worker.getPlistPath("/x").isNothing());
+  EXPECT_THAT(log(), ElementsAre("getPlistPath error: asked an array for the key "
+                                 "\"online_update_plist_name\""));
+}
+
 // --- the whole list of rules
 
 TEST_F(Catalogue, AllRulesAreGivenAsTheyStand) {
@@ -99,6 +106,25 @@ TEST_F(Catalogue, WithoutWhatItNeedsThereAreNoRules) {
     EXPECT_TRUE(worker.getUpdateEngineData(platform::parseJson(json)).isNothing()) << json;
   }
   EXPECT_THAT(log(), IsEmpty());
+}
+
+TEST_F(Catalogue, ARecordWithoutACommandHasNoRules) {
+  writeRules(rule("a", "1"));
+  const Value record = Value::dictionary({{"log_id", "17"}, {"input_parameters", parameters("a")}});
+  EXPECT_TRUE(worker.getUpdateEngineData(record).isNothing());
+  EXPECT_THAT(log(), IsEmpty());
+}
+
+TEST_F(Catalogue, ParametersOfAWrongKindHaveNoRulesAndAreLoggedOnce) {
+  const Value record = Value::dictionary({{"job_id", "x"}, {"input_parameters", "text"}});
+  EXPECT_TRUE(worker.getUpdateEngineData(record).isNothing());
+  EXPECT_THAT(log(), ElementsAre("getUpdateEngineData error: asked a string for its elements"));
+}
+
+TEST_F(Catalogue, ARecordThatIsNoneHasNoRulesAndIsLoggedOnce) {
+  EXPECT_TRUE(worker.getUpdateEngineData(Value::array()).isNothing());
+  EXPECT_THAT(log(), ElementsAre("getUpdateEngineData error: asked an array for the key "
+                                 "\"input_parameters\""));
 }
 
 // --- the selection
@@ -204,6 +230,16 @@ TEST_F(Catalogue, RulesOfAWrongKindAreLoggedOnce) {
     EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("fw")), Value::dictionary());
     EXPECT_THAT(log(), ElementsAre(StartsWith("getUpdateEngineDataInDownloadFolder error: ")));
   }
+}
+
+TEST_F(Catalogue, AProductThatIsNoTextIsLoggedOnceAndNoRuleIsChosen) {
+  writeRules(rule("fw", "1"));
+  Value wrong = parameters("fw");
+  wrong.set("productid", Value::integer(1));
+  EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(wrong), Value::dictionary());
+  EXPECT_THAT(
+      log(),
+      ElementsAre("getUpdateEngineDataInDownloadFolder error: compared a number as a string"));
 }
 
 // --- the descriptions
@@ -326,7 +362,16 @@ TEST_F(Catalogue, ElementsWithoutAProductAreDescribedByNothing) {
 
 TEST_F(Catalogue, AListOfAWrongKindIsLoggedOnce) {
   EXPECT_EQ(worker.getDownloadFileData(Value::dictionary(), Value()), Value::array());
-  EXPECT_THAT(log(), ElementsAre(StartsWith("getDownloadFileData error: ")));
+  EXPECT_THAT(log(), ElementsAre("getDownloadFileData error: asked a dictionary for its elements"));
+}
+
+TEST_F(Catalogue, AnElementOfAWrongKindEndsTheDescriptionsAndIsLoggedOnce) {
+  Value described = parameters("fw2");
+  described.set("file_path", "");
+  EXPECT_EQ(worker.getDownloadFileData(Value::array({parameters("fw2"), "text", parameters("fw3")}),
+                                       Value()),
+            Value::array({described}));
+  EXPECT_THAT(log(), ElementsAre("getDownloadFileData error: asked a string for its entries"));
 }
 
 }  // namespace

@@ -89,7 +89,7 @@ TEST_F(DownloadArea, APlainFileInTheWayStaysAndStopsTheRestInSilence) {
 
 TEST_F(DownloadArea, AFolderThatIsNoTextIsLoggedOnce) {
   worker.createTmpFolder(Value::integer(5));
-  EXPECT_THAT(log(), ElementsAre(StartsWith("createTmpFolder error: ")));
+  EXPECT_THAT(log(), ElementsAre("createTmpFolder error: asked a number for its text"));
 }
 
 // --- syncFiles
@@ -145,6 +145,17 @@ TEST_F(DownloadArea, ADanglingLinkInTheTargetsPlaceMakesThatCopyFail) {
   worker.syncFiles(folder / "from", folder / "to");
   EXPECT_TRUE(fs::is_symlink(folder / "to/file"));
   EXPECT_EQ(folder.names("to"), Names{"file"});
+}
+
+TEST_F(DownloadArea, ASourceOrTargetThatIsNoTextIsLoggedOnceAndCopiesNothing) {
+  worker.syncFiles(Value::integer(5), folder / "to");
+  EXPECT_THAT(log(), ElementsAre("syncFiles error: asked a number for its text"));
+  folder.write("from/file", "new");
+  worker.syncFiles(folder / "from", Value());
+  EXPECT_THAT(
+      log(), ElementsAre("syncFiles error: asked a number for its text", "syncFiles: dirs 0 = file",
+                         "syncFiles error: asked nothing for its text"));
+  EXPECT_EQ(folder.names("from"), Names{"file"});
 }
 
 // --- syncDownloadFiles
@@ -260,6 +271,21 @@ TEST_F(DownloadArea, MissingKeysEndItBeforeAnythingIsTouched) {
       Contains(StartsWith("syncDownloadFiles: syncDownloadFiles start, inputDict = ")).Times(5));
 }
 
+TEST_F(DownloadArea, ARecordWithoutACommandIsNotSynchronised) {
+  makeDownload();
+  const Value job = Value::dictionary(
+      {{"log_id", "17"}, {"input_parameters", record("sw").get("input_parameters")}});
+  EXPECT_TRUE(worker.syncDownloadFiles(job).isNothing());
+  EXPECT_EQ(folder.names("engine"), (Names{"Catalogue.plist", "package.img"}));
+  EXPECT_FALSE(fs::exists(shared() + "tmp"));
+  EXPECT_THAT(log(), ElementsAre(StartsWith("syncDownloadFiles: syncDownloadFiles start")));
+}
+
+TEST_F(DownloadArea, ParametersThatAreNoneAreLoggedToTheCharacter) {
+  worker.syncDownloadFiles(Value::dictionary({{"job_id", "x"}, {"input_parameters", "text"}}));
+  EXPECT_EQ(log().back(), "syncDownloadFiles error: asked a string for its elements");
+}
+
 TEST_F(DownloadArea, WrongKindsAreLoggedOnce) {
   makeDownload();
   for (const char* json : {R"({"job_id":"x","input_parameters":"text"})",
@@ -352,6 +378,7 @@ std::string described(const std::string& package) {
 TEST_F(DownloadArea, KilledAnywhereNoPackageIsThereInPart) {
   const std::string package = area("SW") + "/Manager.app";
   std::set<std::string> seen;
+  setLogPath("");  // its calls are not what this is about
   bool killed = true;
   for (int n = 1; killed; ++n) {
     fs::remove_all(folder / "engine");

@@ -1,3 +1,5 @@
+#include <array>
+#include <cstdint>
 #include <ctime>
 #include <filesystem>
 #include <iterator>
@@ -15,6 +17,11 @@
 
 namespace kelvane {
 namespace {
+
+// As they were before anyone set them.
+const std::array<std::uint8_t, 5> kFirstSwitches = {iLog_enable_debug, iLog_enable_info,
+                                                    iLog_enable_warning, iLog_enable_error,
+                                                    iLog_enable_critical};
 
 class LogTest : public ::testing::Test {
  protected:
@@ -111,6 +118,28 @@ TEST_F(LogTest, OnlyTheValueOneSwitchesALevelOn) {
   iLog_enable_error = 2;
   tell(3);
   EXPECT_EQ(written(), "");
+}
+
+TEST_F(LogTest, EverySwitchIsOnBeforeAnyoneSetsIt) {
+  EXPECT_EQ(kFirstSwitches, (std::array<std::uint8_t, 5>{1, 1, 1, 1, 1}));
+}
+
+TEST_F(LogTest, EverySwitchIsOnAtOneAndAtNothingElse) {
+  std::uint8_t* switches[] = {&iLog_enable_debug, &iLog_enable_info, &iLog_enable_warning,
+                              &iLog_enable_error, &iLog_enable_critical};
+  for (int level = 0; level < 5; ++level) {
+    for (int value = 0; value < 256; ++value) {
+      *switches[level] = static_cast<std::uint8_t>(value);
+      EXPECT_EQ(_check_level(level), value == 1 ? 1 : 0) << level << " " << value;
+    }
+    *switches[level] = 1;
+  }
+}
+
+TEST_F(LogTest, ASwitchThatIsOffSilencesItsLevelAlone) {
+  iLog_enable_warning = 0;
+  for (int level = 1; level <= 3; ++level) tell(level);
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][info] text\n[14:03:07] [f][1][run][error] text\n");
 }
 
 TEST_F(LogTest, EachLevelGoesByItsOwnSwitch) {

@@ -1,8 +1,11 @@
 // The query and the download, with a shell script in the update engine's place.
 
+#include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -22,6 +25,9 @@ using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 namespace fs = std::filesystem;
+
+// Shell that goes on until a signal comes; without one it ends by itself, late.
+constexpr char kUntilASignal[] = "until [ $((i+=1)) -gt 20000000 ]; do :; done";
 
 class OnlineUpdate : public testing::WorkerWorld {
  protected:
@@ -63,6 +69,18 @@ class OnlineUpdate : public testing::WorkerWorld {
   void download(const Value& inputs) { runJob("downloadOnlineUpdateFile", inputs); }
   Value job() const { return jobs().at(0); }
   Value during() const { return platform::parseJson(folder.read("during")).at(0); }
+  // An engine that is sure to have ended when its output ends: a process of its own, which holds
+  // the output, waits for that.
+  void engineThatHasEnded() {
+    engine(
+        "cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"\n"
+        "(until grep -q '^State:.Z' /proc/$$/status; do :; done) &");
+  }
+  static std::ptrdiff_t openFiles() {
+    const fs::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+  }
+  static bool hasNoChildren() { return ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD; }
   std::vector<std::string> errors() const {
     std::vector<std::string> found;
     for (const std::string& line : log()) {
@@ -186,15 +204,13 @@ TEST_F(OnlineUpdate, AQueryWithoutParametersLogsItsStartAndEndAndNothingElse) {
 
 TEST_F(OnlineUpdate, AnEngineThatLivesOnIsToldToEndAfterTheLastSave) {
   // It closes its output, and looks at the job file when the signal comes.
-  const std::string fifo = folder / "fifo";
-  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   engine(
       "cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"\n"
       "trap 'cp \"" +
       shared() +
       "utility/command/BGPLog.json\" \"$SOURCE/after\"; exit' TERM\n"
-      "exec 1>&- 2>/dev/null; read -r l < " +
-      fifo);
+      "exec 1>&- 2>/dev/null\n" +
+      kUntilASignal);
   const auto stateAfter = [this] {
     while (::waitpid(-1, nullptr, 0) > 0) continue;  // until the engine has ended
     return platform::parseJson(folder.read("after")).at(0).get("state_id");
@@ -203,6 +219,39 @@ TEST_F(OnlineUpdate, AnEngineThatLivesOnIsToldToEndAfterTheLastSave) {
   EXPECT_EQ(stateAfter(), Value("FREE"));
   download(Value::array({parameters()}));
   EXPECT_EQ(stateAfter(), Value("FREE"));
+}
+
+TEST_F(OnlineUpdate, AnEngineThatHasEndedIsReaped) {
+  engineThatHasEnded();
+  query(parameters());
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_TRUE(hasNoChildren());
+  download(Value::array({parameters()}));
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+  EXPECT_TRUE(hasNoChildren());
+}
+
+TEST_F(OnlineUpdate, AnEngineThatLivesOnIsEndedByTheSignal) {
+  // It closes its output and lives on for as long as the fifo is open here.
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  engine("exec cat <\"$SOURCE/fifo\" >/dev/null");
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
+    const int fifo = ::open((folder / "fifo").c_str(), O_RDWR);
+    const bool isQuery = std::string(command) == "getOnlineUpdateData";
+    runJob(command, isQuery ? parameters() : Value::array({parameters()}));
+    ::close(fifo);
+    int status = 0;
+    if (::waitpid(-1, &status, 0) == -1) continue;  // it was quick to end and is reaped already
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << command;
+  }
+}
+
+TEST_F(OnlineUpdate, NoFileStaysOpen) {
+  engine();
+  const auto before = openFiles();
+  query(parameters());
+  download(Value::array({parameters()}));
+  EXPECT_EQ(openFiles(), before);
 }
 
 TEST_F(OnlineUpdate, TheEnginesStandardErrorIsTheWorkersOwn) {
@@ -397,6 +446,19 @@ TEST_F(OnlineUpdate, TheCheckPassesWhatIsThere) {
                                Value::dictionary({{"file_path", folder / "no"}})}) {
     EXPECT_EQ(worker.checkDownloadFilePath(Value::array({there, missing})), notFound);
   }
+  EXPECT_THAT(log(), IsEmpty());
+}
+
+TEST_F(OnlineUpdate, ACheckOfAWrongKindFindsNothingMissingAndIsLoggedOnce) {
+  EXPECT_EQ(worker.checkDownloadFilePath("text"), Value::dictionary());
+  EXPECT_THAT(log(), ElementsAre("checkDownloadFilePath error: asked a string for its elements"));
+}
+
+TEST_F(OnlineUpdate, ADescribedPathThatIsNoTextIsLoggedOnce) {
+  EXPECT_EQ(worker.checkDownloadFilePath(
+                Value::array({Value::dictionary({{"file_path", Value::integer(1)}})})),
+            Value::dictionary());
+  EXPECT_THAT(log(), ElementsAre("checkDownloadFilePath error: asked a number for its text"));
 }
 
 // --- what the engine could do harm with

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -71,6 +72,17 @@ TEST_F(SoftwareInstallation, LogsTheOutputOfBothToolsAndNothingElse) {
   writeJobs(job(package()));
   worker.updateSW(handedOver());
   EXPECT_THAT(logWithoutStore(), ElementsAre("updateSW: result = ", "updateSW: result = "));
+}
+
+TEST_F(SoftwareInstallation, NoFileStaysOpen) {
+  const auto openFiles = [] {
+    const fs::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+  };
+  writeJobs(job(package()));
+  const auto before = openFiles();
+  worker.updateSW(handedOver());
+  EXPECT_EQ(openFiles(), before);
 }
 
 TEST_F(SoftwareInstallation, WithoutAPackageNothingIsTouched) {
