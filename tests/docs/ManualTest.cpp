@@ -163,7 +163,7 @@ std::string sourcesWithPaths() {
   return readSource(std::string(kWorkerSources) + "jobs/JobRunner.cpp") +
          readSource(std::string(kWorkerSources) + "online_update/DownloadArea.cpp") +
          readSource(std::string(kWorkerSources) + "CMakeLists.txt") +
-         readSource("console/Submission.cpp") + console::job::kFileName;
+         readSource("console/checks/BundleChecks.cpp") + console::job::kFileName;
 }
 
 TEST(WorkerManual, NamesNoFileThatTheProgramsDoNot) {
