@@ -5,8 +5,8 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "console/CommandLine.h"
-#include "console/ExitCode.h"
+#include "console/command_line/CommandLine.h"
+#include "console/job/ExitCode.h"
 
 int main(int argc, char** argv) {
   try {

@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <map>
 
-#include "console/JobRecord.h"
+#include "console/job/JobRecord.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {

@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "console/JobRecord.h"
-#include "console/ResultCodes.h"
+#include "console/explain/ResultCodes.h"
+#include "console/job/JobRecord.h"
 
 namespace kelvane::console {
 namespace {

@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "console/PlainView.h"
-#include "console/Submission.h"
+#include "console/commands/Submission.h"
+#include "console/display/PlainView.h"
 #include "platform/Value.h"
 #include "support/TempFolder.h"
 

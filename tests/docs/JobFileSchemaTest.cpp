@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/JobFile.h"
+#include "console/job/JobFile.h"
 #include "platform/Json.h"
 #include "support/JobFileSchema.h"
 #include "support/TempFolder.h"

@@ -7,9 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/CommandLine.h"
-#include "console/Completion.h"
-#include "console/JobRecord.h"
+#include "console/command_line/CommandLine.h"
+#include "console/command_line/completion/Completion.h"
+#include "console/job/JobRecord.h"
 #include "console/manual/ManualPage.h"
 #include "docs/HeaderNames.h"
 #include "docs/Page.h"
@@ -72,7 +72,7 @@ Names numbersIn(const std::string& text) {
 // The values of the exit codes in the console's header.
 Names exitCodes() {
   Names found;
-  for (const std::string& line : splitLines(readSource("console/ExitCode.h"))) {
+  for (const std::string& line : splitLines(readSource("console/job/ExitCode.h"))) {
     const std::size_t sign = line.find(" = ");
     if (line.rfind("inline constexpr int k", 0) != 0 || sign == std::string::npos) continue;
     found.insert(line.substr(sign + 3, line.find(';') - sign - 3));

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/CommandLine.h"
-#include "console/Layout.h"
+#include "console/command_line/CommandLine.h"
+#include "console/display/Layout.h"
 #include "docs/Page.h"
 #include "platform/Json.h"
 #include "support/LogLine.h"

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "Status.h"
-#include "console/ResultCodes.h"
+#include "console/explain/ResultCodes.h"
 #include "docs/HeaderNames.h"
 #include "docs/Page.h"
 #include "docs/PageWorld.h"

@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "console/ResultCodes.h"
+#include "console/explain/ResultCodes.h"
 #include "end_to_end/SupportInstallation.h"
 #include "platform/Json.h"
 
