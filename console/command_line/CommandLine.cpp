@@ -17,6 +17,7 @@
 #include "console/commands/UpdateSw.h"
 #include "console/display/DisplayText.h"
 #include "console/display/Terminal.h"
+#include "console/display/Wrapping.h"
 #include "console/job/Clock.h"
 #include "console/job/ExitCode.h"
 

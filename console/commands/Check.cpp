@@ -9,6 +9,7 @@
 #include "console/checks/SettingsChecks.h"
 #include "console/checks/SharedFolderChecks.h"
 #include "console/commands/Arguments.h"
+#include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobRecord.h"

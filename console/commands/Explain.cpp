@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "console/commands/Arguments.h"
+#include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/explain/CodeExplanation.h"
 #include "console/explain/JobExplanation.h"

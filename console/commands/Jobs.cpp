@@ -1,6 +1,7 @@
 #include "console/commands/Jobs.h"
 
 #include "console/commands/Arguments.h"
+#include "console/display/JobText.h"
 #include "console/display/Packages.h"
 #include "console/display/Table.h"
 #include "console/job/ExitCode.h"

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "console/commands/Arguments.h"
+#include "console/display/Colour.h"
 #include "console/job/ExitCode.h"
 #include "console/job/LogFile.h"
 #include "platform/Json.h"

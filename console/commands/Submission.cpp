@@ -2,6 +2,7 @@
 
 #include "console/checks/BundleChecks.h"
 #include "console/commands/Arguments.h"
+#include "console/display/ShellQuoting.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
 #include "console/job/JobFile.h"

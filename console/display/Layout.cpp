@@ -4,6 +4,9 @@
 #include <iterator>
 #include <string_view>
 
+#include "console/display/JobText.h"
+#include "console/display/Wrapping.h"
+
 namespace kelvane::console {
 namespace {
 

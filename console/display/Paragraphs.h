@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "console/display/Colour.h"
 #include "console/display/Screen.h"
 
 namespace kelvane::console {

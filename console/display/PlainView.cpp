@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "console/display/JobText.h"
+
 namespace kelvane::console {
 namespace {
 

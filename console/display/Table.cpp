@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "console/display/Wrapping.h"
+
 namespace kelvane::console {
 namespace {
 

@@ -1,5 +1,8 @@
 #include "console/display/TerminalView.h"
 
+#include "console/display/Colour.h"
+#include "console/display/JobText.h"
+
 namespace kelvane::console {
 namespace {
 

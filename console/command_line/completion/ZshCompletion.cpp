@@ -1,7 +1,7 @@
 // The completion script for zsh.
 
 #include "console/command_line/completion/Completion.h"
-#include "console/display/DisplayText.h"
+#include "console/display/ShellQuoting.h"
 
 namespace kelvane::console {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "console/display/JobText.h"
 #include "console/display/Layout.h"
 
 namespace kelvane::console {

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
+#include "console/display/Wrapping.h"
 #include "support/LogLine.h"
 
 namespace kelvane::console {

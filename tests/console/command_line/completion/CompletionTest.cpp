@@ -10,7 +10,7 @@
 
 #include "console/command_line/CommandLine.h"
 #include "console/command_line/completion/Completion.h"
-#include "console/display/DisplayText.h"
+#include "console/display/ShellQuoting.h"
 #include "support/LogLine.h"
 #include "support/Program.h"
 #include "support/TempFolder.h"
