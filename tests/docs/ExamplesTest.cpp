@@ -47,7 +47,8 @@ constexpr NotRun kNotRun[] = {
     {"CONTRIBUTING.md", "./run-tests                 everything, in build/default", Instead::lookUp,
      "builds everything and runs this test"},
     {"CONTRIBUTING.md",
-     "LD_LIBRARY_PATH=build/default/simulators/zorapi build/default/benchmarks/worker_benchmark",
+     "LD_LIBRARY_PATH=build/default/simulators/controllers "
+     "build/default/benchmarks/worker_benchmark",
      Instead::lookUp, "measures for a minute"},
     {"CONTRIBUTING.md",
      "cpack --config build/default/CPackConfig.cmake -B packages     tar.gz and Debian package",
