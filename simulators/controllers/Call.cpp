@@ -1,4 +1,4 @@
-#include "Call.h"
+#include "simulators/controllers/Call.h"
 
 #include <utility>
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "Journal.h"
-#include "Status.h"
 #include "platform/Value.h"
+#include "simulators/controllers/Journal.h"
+#include "simulators/controllers/Status.h"
 
 namespace kelvane::simulator {
 

@@ -1,4 +1,4 @@
-#include "Clock.h"
+#include "simulators/controllers/Clock.h"
 
 #include <chrono>
 

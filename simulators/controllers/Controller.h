@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "Fleet.h"
-#include "Timeline.h"
+#include "simulators/controllers/Fleet.h"
+#include "simulators/controllers/Timeline.h"
 
 namespace kelvane::simulator {
 

@@ -1,7 +1,7 @@
 // The CPLD: one flash process, in which the CPLD is transferred and then programmed.
 
-#include "Framework.h"
-#include "Records.h"
+#include "simulators/controllers/Framework.h"
+#include "simulators/controllers/Records.h"
 
 namespace kelvane::simulator {
 

@@ -5,10 +5,10 @@
 #include <cstring>
 #include <iostream>
 
-#include "Framework.h"
-#include "Number.h"
-#include "Records.h"
 #include "platform/Utf8.h"
+#include "simulators/controllers/Framework.h"
+#include "simulators/controllers/Records.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 

@@ -11,8 +11,8 @@
 
 #include <dlfcn.h>
 
-#include "Framework.h"
 #include "platform/File.h"
+#include "simulators/controllers/Framework.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "Fleet.h"
+#include "simulators/controllers/Fleet.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "Functions.h"
-#include "Image.h"
-#include "Number.h"
-#include "ObjectReader.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
+#include "simulators/controllers/Functions.h"
+#include "simulators/controllers/Image.h"
+#include "simulators/support/Number.h"
+#include "simulators/support/ObjectReader.h"
 #include "zorapi/zorapi.h"
 
 namespace kelvane::simulator {

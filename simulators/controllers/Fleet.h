@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Timeline.h"
 #include "platform/Value.h"
+#include "simulators/controllers/Timeline.h"
 
 namespace kelvane::simulator {
 

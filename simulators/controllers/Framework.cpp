@@ -1,12 +1,12 @@
-#include "Framework.h"
+#include "simulators/controllers/Framework.h"
 
 #include <algorithm>
 #include <iostream>
 #include <utility>
 
-#include "Functions.h"
-#include "Records.h"
 #include "platform/Exception.h"
+#include "simulators/controllers/Functions.h"
+#include "simulators/controllers/Records.h"
 
 namespace kelvane::simulator {
 

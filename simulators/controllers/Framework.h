@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
-#include "Call.h"
-#include "Clock.h"
-#include "Controller.h"
-#include "Fleet.h"
-#include "Image.h"
-#include "Journal.h"
+#include "simulators/controllers/Call.h"
+#include "simulators/controllers/Clock.h"
+#include "simulators/controllers/Controller.h"
+#include "simulators/controllers/Fleet.h"
+#include "simulators/controllers/Image.h"
+#include "simulators/controllers/Journal.h"
 #include "zorapi/zorapi.h"
 
 namespace kelvane::simulator {

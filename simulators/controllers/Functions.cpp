@@ -1,4 +1,4 @@
-#include "Functions.h"
+#include "simulators/controllers/Functions.h"
 
 #include <algorithm>
 #include <iterator>

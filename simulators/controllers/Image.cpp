@@ -1,15 +1,15 @@
-#include "Image.h"
+#include "simulators/controllers/Image.h"
 
 #include <algorithm>
 
 #include <sys/stat.h>
 #include <zlib.h>
 
-#include "Number.h"
-#include "Status.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
+#include "simulators/controllers/Status.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 

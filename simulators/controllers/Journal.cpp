@@ -1,4 +1,4 @@
-#include "Journal.h"
+#include "simulators/controllers/Journal.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,12 +1,12 @@
-#include "Records.h"
+#include "simulators/controllers/Records.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
 
-#include "Number.h"
 #include "platform/Utf8.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "Framework.h"
-#include "Records.h"
+#include "simulators/controllers/Framework.h"
+#include "simulators/controllers/Records.h"
 
 namespace kelvane::simulator {
 

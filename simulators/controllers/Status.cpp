@@ -1,4 +1,4 @@
-#include "Status.h"
+#include "simulators/controllers/Status.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "Timeline.h"
+#include "simulators/controllers/Timeline.h"
 
 #include <algorithm>
 #include <cmath>

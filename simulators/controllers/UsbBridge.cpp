@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Framework.h"
-#include "Number.h"
-#include "Records.h"
+#include "simulators/controllers/Framework.h"
+#include "simulators/controllers/Records.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 namespace {

@@ -11,7 +11,7 @@
 #include "console/commands/Submission.h"
 #include "console/display/PlainView.h"
 #include "platform/Value.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 

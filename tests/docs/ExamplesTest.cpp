@@ -11,10 +11,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "docs/CommandBlocks.h"
-#include "docs/Page.h"
-#include "end_to_end/Installation.h"
-#include "support/LogLine.h"
+#include "tests/docs/CommandBlocks.h"
+#include "tests/docs/Page.h"
+#include "tests/end_to_end/Installation.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "console/job/JobFile.h"
 #include "platform/Json.h"
-#include "support/JobFileSchema.h"
-#include "support/TempFolder.h"
+#include "tests/support/JobFileSchema.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::docs {
 namespace {

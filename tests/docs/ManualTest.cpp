@@ -11,14 +11,14 @@
 #include "console/command_line/completion/Completion.h"
 #include "console/job/JobRecord.h"
 #include "console/manual/ManualPage.h"
-#include "docs/HeaderNames.h"
-#include "docs/Page.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "support/JobFileSchema.h"
-#include "support/LogLine.h"
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/docs/HeaderNames.h"
+#include "tests/docs/Page.h"
+#include "tests/support/JobFileSchema.h"
+#include "tests/support/LogLine.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::docs {
 namespace {

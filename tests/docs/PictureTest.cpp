@@ -10,9 +10,9 @@
 
 #include "console/command_line/CommandLine.h"
 #include "console/display/Layout.h"
-#include "docs/Page.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
+#include "tests/docs/Page.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

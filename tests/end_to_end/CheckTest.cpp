@@ -9,10 +9,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "end_to_end/SupportInstallation.h"
 #include "platform/Json.h"
-#include "support/OrdinaryUser.h"
-#include "support/SystemCallKiller.h"
+#include "tests/end_to_end/SupportInstallation.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/SystemCallKiller.h"
 
 namespace kelvane {
 namespace {

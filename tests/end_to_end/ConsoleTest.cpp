@@ -7,10 +7,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "end_to_end/OnlineInstallation.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "support/PseudoTerminal.h"
+#include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/PseudoTerminal.h"
 
 namespace kelvane {
 namespace {

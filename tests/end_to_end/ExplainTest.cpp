@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include "console/explain/ResultCodes.h"
-#include "end_to_end/SupportInstallation.h"
 #include "platform/Json.h"
+#include "tests/end_to_end/SupportInstallation.h"
 
 namespace kelvane {
 namespace {

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 
 #include "platform/File.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::platform {
 namespace {

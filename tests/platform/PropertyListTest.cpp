@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/PropertyList.h"
-#include "support/PropertyLists.h"
-#include "support/TempFolder.h"
+#include "tests/support/PropertyLists.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::platform {
 namespace {

@@ -8,8 +8,8 @@
 
 #include "platform/Json.h"
 #include "platform/PropertyList.h"
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/PseudoTerminal.h"
+#include "tests/support/PseudoTerminal.h"
 
 #include <array>
 #include <cstdlib>
@@ -8,7 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "support/Program.h"
+#include "tests/support/Program.h"
 
 namespace kelvane::testing {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "log/iLog.h"
 #include "platform/Json.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

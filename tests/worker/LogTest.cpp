@@ -9,8 +9,8 @@
 
 #include "log/iLog.h"
 #include "platform/Exception.h"
-#include "support/FakeHost.h"
-#include "support/TempFolder.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane {
 namespace {

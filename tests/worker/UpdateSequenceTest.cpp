@@ -7,7 +7,7 @@
 #include "log/iLog.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "worker/FirmwareWorld.h"
+#include "tests/worker/FirmwareWorld.h"
 
 namespace kelvane {
 namespace {

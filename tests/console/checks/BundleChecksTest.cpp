@@ -8,8 +8,8 @@
 
 #include "console/checks/BundleChecks.h"
 #include "console/checks/Framework.h"
-#include "support/TempFolder.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

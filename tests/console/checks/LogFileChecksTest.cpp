@@ -7,9 +7,9 @@
 #include <sys/stat.h>
 
 #include "console/checks/LogFileChecks.h"
-#include "support/OrdinaryUser.h"
-#include "support/TempFolder.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

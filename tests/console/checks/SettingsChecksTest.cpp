@@ -8,9 +8,9 @@
 
 #include "console/checks/SettingsChecks.h"
 #include "platform/Json.h"
-#include "support/OrdinaryUser.h"
-#include "support/TempFolder.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

@@ -5,9 +5,9 @@
 #include "console/commands/Check.h"
 #include "console/job/ExitCode.h"
 #include "platform/Json.h"
-#include "support/OrdinaryUser.h"
 #include "tests/console/ConsoleWorld.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/support/OrdinaryUser.h"
 
 namespace kelvane::console {
 namespace {

@@ -7,7 +7,7 @@
 #include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/Wrapping.h"
-#include "support/LogLine.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::console {
 namespace {

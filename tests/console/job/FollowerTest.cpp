@@ -11,7 +11,7 @@
 
 #include "console/display/PlainView.h"
 #include "console/job/Follower.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

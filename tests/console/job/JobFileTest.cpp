@@ -8,7 +8,7 @@
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
 #include "platform/Json.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

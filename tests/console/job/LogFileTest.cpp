@@ -4,7 +4,7 @@
 
 #include "console/job/ExitCode.h"
 #include "console/job/LogFile.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

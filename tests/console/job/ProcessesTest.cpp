@@ -11,7 +11,7 @@
 
 #include "console/job/Processes.h"
 #include "console/job/Worker.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "console/job/ExitCode.h"
 #include "console/job/Worker.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {

@@ -11,9 +11,9 @@
 #include "console/command_line/CommandLine.h"
 #include "console/command_line/completion/Completion.h"
 #include "console/display/ShellQuoting.h"
-#include "support/LogLine.h"
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/support/LogLine.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {
