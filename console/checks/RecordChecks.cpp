@@ -126,8 +126,7 @@ class Records {
       add(Severity::warning,
           path_ + ": " + std::to_string(count) + " jobs have the log_id " + logId,
           "What the worker writes of one goes into all of them: the earlier ones lose their "
-          "command "
-          "and their result.",
+          "command and their result.",
           "Use each log_id once. Remove the records of finished jobs that share it.");
     }
     return findings_;

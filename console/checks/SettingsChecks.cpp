@@ -16,8 +16,7 @@ constexpr char kNoEngine[] =
     "line in the log. Firmware jobs and installations are not concerned.";
 constexpr char kNoProduct[] =
     "All product settings are missing to the worker: an installation replaces nothing, a query "
-    "ends "
-    "without output, a download leaves its packages where they are. Firmware jobs are not "
+    "ends without output, a download leaves its packages where they are. Firmware jobs are not "
     "concerned.";
 constexpr char kUnusable[] =
     "The worker gives the step up that reads it: an installation is not started, a download ends "
@@ -102,8 +101,8 @@ void findApplication(const std::string& path, const std::string& application, Fi
     findings.push_back(
         {Severity::warning,
          path + ": AppPath leads to " + application + ", where no application stands",
-         "An installation replaces nothing; it only copies the new application "
-         "there, where the folder above it exists.",
+         "An installation replaces nothing; it only copies the new application there, where the "
+         "folder above it exists.",
          "Make AppPath the installed application."});
     return;
   }

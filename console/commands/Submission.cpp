@@ -32,8 +32,8 @@ WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
 // What to do about a job whose worker is gone.
 std::string adviceFor(const JobStatus& status) {
   if (status.state == job::kWait) {
-    return "it was not begun. \"kelvane-console check\" tells what may be in the way; then "
-           "submit it again";
+    return "it was not begun. \"kelvane-console check\" tells what may be in the way; then submit "
+           "it again";
   }
   if (status.command == job::kUpdateFW) {
     return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "

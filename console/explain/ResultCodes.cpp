@@ -10,26 +10,22 @@ constexpr ResultCode kResultCodes[] = {
     {0x0000, "kZorSuccess", "no error",
      "The job is done. updateSW and getOnlineUpdateData end so in any case.", "nobody",
      "After updateSW look whether the application is there, after getOnlineUpdateData whether "
-     "there "
-     "is an output, after updateFW with a standard image whether cpld_percentage is 100.",
+     "there is an output, after updateFW with a standard image whether cpld_percentage is 100.",
      false},
     {0x0101, "kZorOutOfMemory", "out of memory",
      "There was no memory to read a controller's information, or the framework lacked it in "
-     "another "
-     "step.",
+     "another step.",
      "user", "Close other programs or restart the computer.", true},
     {0x0103, "kFileNotFound", "file is not found",
      "After a download a package is not where it belongs: the update engine did not bring it, or "
      "under another name.",
      "user",
      "Check the network, the service's address and the free space. If it stays, send the log and "
-     "the "
-     "job file to support.",
+     "the job file to support.",
      true},
     {0x0105, "kZorUsbNothingToDo", "nothing to do",
      "A step had nothing to do. The USB bridge's flash takes this for success, so that as a result "
-     "it "
-     "comes from another step.",
+     "it comes from another step.",
      "support", "Find the job's last step in the log.", false},
     {0x0402, "kZorDeviceNotFound", "the device was not found",
      "No controller has the WWN of an entry, or the job had no input parameters. The controllers "
@@ -51,8 +47,7 @@ constexpr ResultCode kResultCodes[] = {
      true},
     {0x8055, "kZorUnsupportedProduct", "the product is not supported",
      "The worker knows no way to update the firmware of this controller's product. Its CPLD may "
-     "have "
-     "been flashed.",
+     "have been flashed.",
      "support", "Find the product identifier in the log, after ci_ProductID.", false},
     {0x8058, "kZorCpldFlashAccepted", "the CPLD flash was accepted",
      "The start of a CPLD flash takes this for success, so that as a result it comes from another "
