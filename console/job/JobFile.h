@@ -23,8 +23,8 @@ class JobFile {
 
   // Adds the job as a waiting record behind the others, which stay as they are, and returns its log
   // id; the file and its folders are made where they are missing. Raises Failure, and leaves the
-  // file as it was, where the file is damaged or cannot be read or written, or where a job with
-  // this log id waits or runs.
+  // file as it was, where the file is damaged or cannot be read or written, or where it has a job
+  // with this log id already, in whatever state.
   std::string add(const NewJob& job) const;
 
   // The record with this log id; of several the last one, which is the one added last. Nothing
