@@ -49,7 +49,7 @@ constexpr ProductSetting kProductSettings[] = {
 Value readSettings(const std::string& path, const char* meaning, Findings& findings) {
   JsonFile file = readJsonFile(path);
   if (file.fault.empty() && !file.value.isDictionary()) {
-    file.fault = path + " is a list, not an object";
+    file.fault = path + " is an array, not an object";
   }
   if (file.fault.empty()) return file.value;
   findings.push_back({Severity::error, file.fault, meaning,
@@ -89,9 +89,9 @@ void findKeys(const std::string& path, const Value& settings, Findings& findings
     const std::string name = path + ": \"" + setting.key + "\"";
     if (value.isNothing()) {
       findings.push_back({setting.severity, name + " is missing", setting.missing,
-                          "Add the key with the product's value, a text."});
+                          "Add the key with the product's value, a string."});
     } else {
-      findings.push_back({Severity::error, name + " is no text", kUnusable, "Make it a text."});
+      findings.push_back({Severity::error, name + " is no string", kUnusable, "Make it a string."});
     }
   }
 }
@@ -135,7 +135,7 @@ Findings sharedSettingsFindings(const std::string& path) {
     findEngine(path, application.string(), findings);
   } else {
     findings.push_back(engineFinding(path + ": \"AppPath\" " +
-                                     (application.isNothing() ? "is missing" : "is no text")));
+                                     (application.isNothing() ? "is missing" : "is no string")));
   }
   return findings;
 }

@@ -34,7 +34,7 @@ Table tableOf(const Value& records) {
     }
     const JobStatus status = statusOf(record);
     const Value& logId = record.get(job::kLogId);
-    table.addRow({logId.isNumber() ? logId.digits() + " (no text)" : status.logId, status.command,
+    table.addRow({logId.isNumber() ? logId.digits() + " (no string)" : status.logId, status.command,
                   status.state, status.result, status.resultText});
   }
   return table;

@@ -46,9 +46,9 @@ TEST(RecordChecks, ParametersOfEveryCommandAreExamined) {
   EXPECT_EQ(fault("getOnlineUpdateData", R"({"productid": "p"})"),
             "input_parameters has no \"version\"");
   EXPECT_EQ(fault("getOnlineUpdateData", R"({"productid": 5})"),
-            "input_parameters has a \"productid\" that is no text");
-  EXPECT_EQ(fault("downloadOnlineUpdateFile", kProduct), "input_parameters is no list");
-  EXPECT_EQ(fault("downloadOnlineUpdateFile", "[]"), "input_parameters is an empty list");
+            "input_parameters has a \"productid\" that is no string");
+  EXPECT_EQ(fault("downloadOnlineUpdateFile", kProduct), "input_parameters is no array");
+  EXPECT_EQ(fault("downloadOnlineUpdateFile", "[]"), "input_parameters is an empty array");
   EXPECT_EQ(fault("downloadOnlineUpdateFile", "[{}]"), "input_parameters[0] has no \"productid\"");
   EXPECT_EQ(fault("updateSW", "{}"), "input_parameters has no \"file_path\"");
   EXPECT_EQ(fault("updateFW", R"([{"wwn": "A", "file_path": "/a"}, {"wwn": "B"}])"),
@@ -74,8 +74,8 @@ TEST(RecordChecks, ElementThatIsNoObjectIsAnError) {
 
 TEST(RecordChecks, LogIdHasToBeAText) {
   EXPECT_THAT(found(R"([{"log_id": 17}, {"log_id": null}, {}])"),
-              ElementsAre("error: F: element 1 has a log_id that is no text: 17",
-                          "error: F: element 2 has a log_id that is no text: null",
+              ElementsAre("error: F: element 1 has a log_id that is no string: 17",
+                          "error: F: element 2 has a log_id that is no string: null",
                           "warning: F: element 3 has no log_id"));
 }
 
@@ -89,8 +89,8 @@ TEST(RecordChecks, RequiredKeysAreExamined) {
               ElementsAre("error: F: job 1 cannot be run: there is no job_id",
                           "error: F: job 2 cannot be run: there is no state_id",
                           "error: F: job 3 cannot be run: there is no input_parameters",
-                          "error: F: job 4 cannot be run: job_id is no text",
-                          "error: F: job 5 cannot be run: state_id is no text"));
+                          "error: F: job 4 cannot be run: job_id is no string",
+                          "error: F: job 5 cannot be run: state_id is no string"));
 }
 
 TEST(RecordChecks, FinishedJobThatIsNotWholeIsAWarning) {

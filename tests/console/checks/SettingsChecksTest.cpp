@@ -75,7 +75,7 @@ TEST_F(SettingsChecks, DamagedSharedSettingsAreAnError) {
               ElementsAre("error: " + (folder / "shared.json") + " is not JSON: it is empty"));
   writeShared("[]");
   EXPECT_THAT(foundInShared(),
-              ElementsAre("error: " + (folder / "shared.json") + " is a list, not an object"));
+              ElementsAre("error: " + (folder / "shared.json") + " is an array, not an object"));
 }
 
 TEST_F(SettingsChecks, AppPathHasToBeAText) {
@@ -84,7 +84,7 @@ TEST_F(SettingsChecks, AppPathHasToBeAText) {
               ElementsAre("error: " + (folder / "shared.json") + ": \"AppPath\" is missing"));
   writeShared(R"({"AppPath": 5})");
   EXPECT_THAT(foundInShared(),
-              ElementsAre("error: " + (folder / "shared.json") + ": \"AppPath\" is no text"));
+              ElementsAre("error: " + (folder / "shared.json") + ": \"AppPath\" is no string"));
 }
 
 TEST_F(SettingsChecks, AppPathHasToLeadToABundleWithAnEngine) {
@@ -126,10 +126,10 @@ TEST_F(SettingsChecks, EveryMissingProductKeyIsToldWithWhatThenHappens) {
   }
 }
 
-TEST_F(SettingsChecks, ProductKeyThatIsNoTextIsAnError) {
+TEST_F(SettingsChecks, ProductKeyThatIsNoStringIsAnError) {
   product.set("product_id_sw", Value::integer(5));
   EXPECT_THAT(foundInProduct(),
-              ElementsAre("error: " + productKey("product_id_sw") + " is no text"));
+              ElementsAre("error: " + productKey("product_id_sw") + " is no string"));
 }
 
 TEST_F(SettingsChecks, MissingProductSettingsAreOneError) {

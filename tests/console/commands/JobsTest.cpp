@@ -62,12 +62,12 @@ TEST_F(JobsTest, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
             "kelvane-console: " + (folder / kTestJobFile) + " is no regular file\n");
 }
 
-TEST_F(JobsTest, ALogIdThatIsNoTextIsShownAsThat) {
+TEST_F(JobsTest, ALogIdThatIsNoStringIsShownAsThat) {
   folder.write(kTestJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(),
-            "     Log id  Command  State  Result  Text\n"
-            "9 (no text)           WAIT\n");
+            "       Log id  Command  State  Result  Text\n"
+            "9 (no string)           WAIT\n");
 }
 
 TEST_F(JobsTest, WithoutAJobFileTheListIsEmpty) {
