@@ -1,6 +1,5 @@
 #include "console/command_line/CommandLine.h"
 
-#include <functional>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -47,12 +46,19 @@ constexpr char kFooter[] =
     "3 the worker could not be started or died, 4 the job file is damaged or cannot be read\n"
     "or written, 5 not found, 70 internal error, 130 interrupted (the worker goes on).";
 
-// Runs a sub-command on the standard streams.
-int runHere(bool json, const std::function<int(const Surroundings&)>& subCommand) {
-  Screen screen = screenOfStandardOutput(std::cout, json);
+template <typename Options>
+int runHere(const Options& options, bool json, int (*subCommand)(const Options&, const Screen&)) {
+  return subCommand(options, screenOfStandardOutput(std::cout, json));
+}
+
+// A sub-command that follows a job has the clock, which takes the first interrupt for itself.
+template <typename Options>
+int runHere(const Options& options, bool json,
+            int (*subCommand)(const Options&, const Surroundings&)) {
+  const Screen screen = screenOfStandardOutput(std::cout, json);
   const std::unique_ptr<View> view = viewOn(screen);
   SystemClock clock;
-  return subCommand({clock, *view, screen, std::cerr});
+  return subCommand(options, {clock, *view, screen});
 }
 
 void addSharedOption(CLI::App& command, std::string& folder) {
@@ -88,13 +94,12 @@ void addEngineOptions(CLI::App& command, EngineOptions& options) {
       ->type_name("FOLDER");
 }
 
-template <typename Options>
+// Runs the sub-command on standard output when it is called.
+template <typename Options, typename Stage>
 void onCall(CLI::App& command, const Options& options, bool& json, int& exitCode,
-            int (*subCommand)(const Options&, const Surroundings&)) {
-  command.callback([&options, &json, &exitCode, subCommand] {
-    exitCode = runHere(
-        json, [&](const Surroundings& surroundings) { return subCommand(options, surroundings); });
-  });
+            int (*subCommand)(const Options&, const Stage&)) {
+  command.callback(
+      [&options, &json, &exitCode, subCommand] { exitCode = runHere(options, json, subCommand); });
 }
 
 CLI::App& addQuery(CLI::App& app, QueryOptions& options, bool& json) {

@@ -20,7 +20,7 @@ class CommandLine {
   const CLI::App& app() const;
 
   // Runs the sub-command that the arguments ask for; the exit code. Bad usage and help are told on
-  // standard error and standard output.
+  // standard error and standard output. Raises what the sub-command raises.
   int run(int argc, const char* const* argv);
 
  private:

@@ -90,24 +90,21 @@ Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
   return findings;
 }
 
-int check(const CheckOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const Screen& screen = surroundings.screen;
-    const std::string sharedFolder = asPrefix(options.sharedFolder);
-    const std::string bundle = trimmed(options.bundle);
-    const Findings findings = findingsOf(
-        sharedFolder, bundle,
-        [&sharedFolder](const std::string& logId) { return workerRuns(logId, sharedFolder); });
-    if (screen.json) {
-      showJson(findings, screen);
-    } else if (findings.empty()) {
-      showParagraphs({"no findings", Colour::green}, lookedAt(sharedFolder, bundle), screen);
-    } else {
-      for (const Finding& finding : findings) show(finding, screen);
-      showSum(findings, screen);
-    }
-    return findings.empty() ? kSuccess : kFindings;
-  });
+int check(const CheckOptions& options, const Screen& screen) {
+  const std::string sharedFolder = asPrefix(options.sharedFolder);
+  const std::string bundle = trimmed(options.bundle);
+  const Findings findings = findingsOf(
+      sharedFolder, bundle,
+      [&sharedFolder](const std::string& logId) { return workerRuns(logId, sharedFolder); });
+  if (screen.json) {
+    showJson(findings, screen);
+  } else if (findings.empty()) {
+    showParagraphs({"no findings", Colour::green}, lookedAt(sharedFolder, bundle), screen);
+  } else {
+    for (const Finding& finding : findings) show(finding, screen);
+    showSum(findings, screen);
+  }
+  return findings.empty() ? kSuccess : kFindings;
 }
 
 }  // namespace kelvane::console

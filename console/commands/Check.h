@@ -5,7 +5,7 @@
 
 #include "console/checks/Finding.h"
 #include "console/checks/RecordChecks.h"
-#include "console/commands/Submission.h"
+#include "console/display/Screen.h"
 
 namespace kelvane::console {
 
@@ -20,7 +20,7 @@ Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
                     const WorkerRuns& workerRuns);
 
 // Shows the findings, for machines as one list; where there are none, what was looked at. Returns
-// the exit code.
-int check(const CheckOptions& options, const Surroundings& surroundings);
+// the exit code. Raises Failure for a folder that cannot be meant.
+int check(const CheckOptions& options, const Screen& screen);
 
 }  // namespace kelvane::console

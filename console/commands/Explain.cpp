@@ -136,19 +136,17 @@ void showAll(const Explanations& explanations, const Screen& screen) {
 
 }  // namespace
 
-int explain(const ExplainOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    requireText(options.subject, "the code or log id");
-    const Value record = jobNamed(options);
-    if (!record.isNothing()) {
-      showAll({jobExplanation(record, options)}, surroundings.screen);
-      return kSuccess;
-    }
-    const std::optional<std::int64_t> code = codeOf(options.subject);
-    if (!code) refuse(options);
-    showAll(codeExplanations(*code, options), surroundings.screen);
-    return isKnownCode(*code) ? kSuccess : kNotFound;
-  });
+int explain(const ExplainOptions& options, const Screen& screen) {
+  requireText(options.subject, "the code or log id");
+  const Value record = jobNamed(options);
+  if (!record.isNothing()) {
+    showAll({jobExplanation(record, options)}, screen);
+    return kSuccess;
+  }
+  const std::optional<std::int64_t> code = codeOf(options.subject);
+  if (!code) refuse(options);
+  showAll(codeExplanations(*code, options), screen);
+  return isKnownCode(*code) ? kSuccess : kNotFound;
 }
 
 }  // namespace kelvane::console

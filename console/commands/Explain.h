@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "console/commands/Submission.h"
+#include "console/display/Screen.h"
 
 namespace kelvane::console {
 
@@ -13,8 +13,8 @@ struct ExplainOptions {
 };
 
 // Shows the explanations, for machines as one list. What is a log id of the job file is one; what
-// else is a number is a code. Returns the exit code: not found for what is neither, and for a
-// number that is no known result.
-int explain(const ExplainOptions& options, const Surroundings& surroundings);
+// else is a number is a code. Returns the exit code: not found for a number that is no known
+// result. Raises Failure for what is neither, and where the job file cannot be read.
+int explain(const ExplainOptions& options, const Screen& screen);
 
 }  // namespace kelvane::console

@@ -61,42 +61,33 @@ void showAll(const JobStatus& status, const Value& record, const Screen& screen)
 
 }  // namespace
 
-int list(const ListOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const Value records = JobFile(existingShared(options.sharedFolder)).read();
-    const Screen& screen = surroundings.screen;
-    if (!screen.json) {
-      showTable(tableOf(records), screen);
-      return kSuccess;
-    }
-    for (const Value& record : records.elements()) {
-      screen.out << platform::printJsonLine(record).value_or("null") << '\n';
-    }
+int list(const ListOptions& options, const Screen& screen) {
+  const Value records = JobFile(existingShared(options.sharedFolder)).read();
+  if (!screen.json) {
+    showTable(tableOf(records), screen);
     return kSuccess;
-  });
+  }
+  for (const Value& record : records.elements()) {
+    screen.out << platform::printJsonLine(record).value_or("null") << '\n';
+  }
+  return kSuccess;
 }
 
-int show(const OneJobOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const Value record =
-        requiredRecord(JobFile(existingShared(options.sharedFolder)), options.logId);
-    const Screen& screen = surroundings.screen;
-    if (!screen.json) showAll(statusOf(record), record, screen);
-    const std::string text = platform::printJson(record).value_or("null");
-    screen.out << (screen.json ? text : displayLines(text, screen.charset)) << std::endl;
-    return kSuccess;
-  });
+int show(const OneJobOptions& options, const Screen& screen) {
+  const Value record = requiredRecord(JobFile(existingShared(options.sharedFolder)), options.logId);
+  if (!screen.json) showAll(statusOf(record), record, screen);
+  const std::string text = platform::printJson(record).value_or("null");
+  screen.out << (screen.json ? text : displayLines(text, screen.charset)) << std::endl;
+  return kSuccess;
 }
 
 int watch(const OneJobOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const std::string sharedFolder = existingShared(options.sharedFolder);
-    requiredRecord(JobFile(sharedFolder), options.logId);
-    ForeignWorker worker(options.logId, sharedFolder);
-    const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings);
-    if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
-    return exitCodeOf(finished);
-  });
+  const std::string sharedFolder = existingShared(options.sharedFolder);
+  requiredRecord(JobFile(sharedFolder), options.logId);
+  ForeignWorker worker(options.logId, sharedFolder);
+  const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings);
+  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
+  return exitCodeOf(finished);
 }
 
 }  // namespace kelvane::console

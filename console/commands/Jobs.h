@@ -4,6 +4,7 @@
 #include <string>
 
 #include "console/commands/Submission.h"
+#include "console/display/Screen.h"
 
 namespace kelvane::console {
 
@@ -16,13 +17,13 @@ struct OneJobOptions {
   std::string logId;
 };
 
-// All three return the exit code; what is not there or not readable is told in the messages.
+// All three return the exit code, and raise Failure where something is not there or not readable.
 
 // The jobs as a table, in the order of the file; for machines a line of JSON each.
-int list(const ListOptions& options, const Surroundings& surroundings);
+int list(const ListOptions& options, const Screen& screen);
 
 // One job: its state, its result, what came out, and the whole record.
-int show(const OneJobOptions& options, const Surroundings& surroundings);
+int show(const OneJobOptions& options, const Screen& screen);
 
 // Follows a job that someone else started, like the sub-commands that submit one, and shows what
 // came out.

@@ -59,27 +59,23 @@ Value downloadParameters(const DownloadOptions& options, const std::string& fold
 }  // namespace
 
 int query(const QueryOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const std::string folder = engineFolder(options.job, options.engine);
-    const Value inputs =
-        productParameters(options.product, options.version.empty() ? kNoVersion : options.version,
-                          options.engine.url, folder);
-    const Look finished = runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
-    if (!finished.record.get(job::kOutput).isArray()) {
-      throw Failure(kJobFailed, "the update engine left no catalogue");
-    }
-    if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
-    return exitCodeOf(finished);
-  });
+  const std::string folder = engineFolder(options.job, options.engine);
+  const Value inputs =
+      productParameters(options.product, options.version.empty() ? kNoVersion : options.version,
+                        options.engine.url, folder);
+  const Look finished = runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
+  if (!finished.record.get(job::kOutput).isArray()) {
+    throw Failure(kJobFailed, "the update engine left no catalogue");
+  }
+  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
+  return exitCodeOf(finished);
 }
 
 int download(const DownloadOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
-    const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
-    if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
-    return exitCodeOf(finished);
-  });
+  const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
+  const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
+  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
+  return exitCodeOf(finished);
 }
 
 }  // namespace kelvane::console

@@ -28,7 +28,7 @@ struct DownloadOptions {
 };
 
 // Both run the job from its submission to its end, show the packages as a table and return the exit
-// code: not success where a query found no catalogue.
+// code. They raise Failure like runJob(), and where a query found no catalogue.
 int query(const QueryOptions& options, const Surroundings& surroundings);
 int download(const DownloadOptions& options, const Surroundings& surroundings);
 

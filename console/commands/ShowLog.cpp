@@ -57,18 +57,14 @@ std::string jsonOf(const LogEntry& entry, Charset charset) {
 
 }  // namespace
 
-int showLog(const ShowLogOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const Screen& screen = surroundings.screen;
-    for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
-      if (!isWanted(entry, options)) continue;
-      screen.out << (screen.json ? jsonOf(entry, Charset::utf8)
-                                 : lineOf(entry, options.full, screen))
-                 << '\n';
-    }
-    screen.out.flush();
-    return kSuccess;
-  });
+int showLog(const ShowLogOptions& options, const Screen& screen) {
+  for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
+    if (!isWanted(entry, options)) continue;
+    screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
+               << '\n';
+  }
+  screen.out.flush();
+  return kSuccess;
 }
 
 }  // namespace kelvane::console

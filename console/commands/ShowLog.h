@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "console/commands/Submission.h"
+#include "console/display/Screen.h"
 
 namespace kelvane::console {
 
@@ -18,7 +18,7 @@ struct ShowLogOptions {
 inline constexpr const char* kLogLevels[] = {"debug", "info", "warning", "error", "critical"};
 
 // Shows the log's entries, one line each, objects folded; for machines a line of JSON each. Returns
-// the exit code.
-int showLog(const ShowLogOptions& options, const Surroundings& surroundings);
+// the exit code. Raises Failure where there is no log to be read.
+int showLog(const ShowLogOptions& options, const Screen& screen);
 
 }  // namespace kelvane::console

@@ -102,14 +102,4 @@ int exitCodeOf(const Look& finished) {
   return finished.status.hasSucceeded() ? kSuccess : kJobFailed;
 }
 
-int guarded(const Surroundings& surroundings, const std::function<int()>& subCommand) {
-  try {
-    return subCommand();
-  } catch (const Failure& failure) {
-    surroundings.messages << "kelvane-console: "
-                          << displayText(failure.what(), surroundings.screen.charset) << std::endl;
-    return failure.exitCode();
-  }
-}
-
 }  // namespace kelvane::console

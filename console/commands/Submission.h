@@ -1,8 +1,6 @@
 // Submitting a job: what all sub-commands that run one have in common.
 #pragma once
 
-#include <functional>
-#include <ostream>
 #include <string>
 
 #include "console/display/Screen.h"
@@ -21,12 +19,11 @@ struct JobOptions {
   bool verbose = false;
 };
 
-// What a sub-command works with; not owned.
+// What a sub-command that follows a job works with; not owned.
 struct Surroundings {
   Clock& clock;
-  View& view;  // of a job that is followed
-  Screen& screen;
-  std::ostream& messages;
+  View& view;
+  const Screen& screen;
 };
 
 // Adds the job to the job file, starts the worker and follows the job to its end; the finished
@@ -41,9 +38,5 @@ Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, W
 
 // The exit code of a finished job.
 int exitCodeOf(const Look& finished);
-
-// Runs the sub-command; where that raises Failure, tells it in the messages and returns its exit
-// code.
-int guarded(const Surroundings& surroundings, const std::function<int()>& subCommand);
 
 }  // namespace kelvane::console

@@ -46,10 +46,8 @@ Value inputParameters(const std::vector<std::string>& updates) {
 }  // namespace
 
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const Value inputs = inputParameters(options.updates);
-    return exitCodeOf(runJob(options.job, job::kUpdateFW, inputs, surroundings));
-  });
+  const Value inputs = inputParameters(options.updates);
+  return exitCodeOf(runJob(options.job, job::kUpdateFW, inputs, surroundings));
 }
 
 }  // namespace kelvane::console

@@ -13,7 +13,8 @@ struct UpdateFwOptions {
   std::vector<std::string> updates;  // "WWN=IMAGE" each
 };
 
-// Runs the job from its submission to its end and returns the exit code.
+// Runs the job from its submission to its end and returns the exit code. Raises Failure like
+// runJob().
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings);
 
 }  // namespace kelvane::console

@@ -48,22 +48,20 @@ void refuseOwnPackage(const std::string& package, const std::string& installed) 
 }  // namespace
 
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
-  return guarded(surroundings, [&] {
-    const std::string package = packagePath(options.package);
-    const std::string installed = installedApplication(options.job.bundle);
-    refuseOwnPackage(package, installed);
-    const Value inputs = Value::dictionary({{job::kFilePath, package}});
-    const Look finished = runJob(options.job, job::kUpdateSW, inputs, surroundings);
-    if (!installed.empty() && !platform::exists(installed)) {
-      throw Failure(kJobFailed, "no application stands at " + installed +
-                                    ": it was removed, and the new one was not copied");
-    }
-    if (!installed.empty() && !surroundings.screen.json) {
-      surroundings.screen.out << "installed at "
-                              << displayText(installed, surroundings.screen.charset) << std::endl;
-    }
-    return exitCodeOf(finished);
-  });
+  const std::string package = packagePath(options.package);
+  const std::string installed = installedApplication(options.job.bundle);
+  refuseOwnPackage(package, installed);
+  const Value inputs = Value::dictionary({{job::kFilePath, package}});
+  const Look finished = runJob(options.job, job::kUpdateSW, inputs, surroundings);
+  if (!installed.empty() && !platform::exists(installed)) {
+    throw Failure(kJobFailed, "no application stands at " + installed +
+                                  ": it was removed, and the new one was not copied");
+  }
+  if (!installed.empty() && !surroundings.screen.json) {
+    surroundings.screen.out << "installed at "
+                            << displayText(installed, surroundings.screen.charset) << std::endl;
+  }
+  return exitCodeOf(finished);
 }
 
 }  // namespace kelvane::console

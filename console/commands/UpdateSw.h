@@ -12,9 +12,9 @@ struct UpdateSwOptions {
   std::string package;  // the new application bundle
 };
 
-// Runs the job from its submission to its end and returns the exit code. The worker judges nothing;
-// the console looks whether an application stands in the place, and it is no success where none
-// does.
+// Runs the job from its submission to its end and returns the exit code. Raises Failure like
+// runJob(). The worker judges nothing; the console looks whether an application stands in the
+// place, and raises Failure where none does.
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings);
 
 }  // namespace kelvane::console

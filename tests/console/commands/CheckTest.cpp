@@ -29,7 +29,7 @@ class CheckTest : public ConsoleWorld {
         folder.write("Manager.app/Contents/Resources/EngineRunner", "#!/bin/sh\n");
     fs::permissions(engine, fs::perms::owner_all);
   }
-  int run() { return check(options, surroundings()); }
+  int run() { return runHere(check, options); }
   std::string found() const {
     return asLines(findingsOf(folder / "shared/", "", [](const std::string&) { return false; }));
   }

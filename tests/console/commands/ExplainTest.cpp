@@ -17,7 +17,7 @@ class ExplainTest : public ConsoleWorld {
  protected:
   int run(const std::string& subject) {
     options.subject = subject;
-    return explain(options, surroundings());
+    return runHere(explain, options);
   }
   // A finished download with this log id in a shared folder.
   void addJob(const std::string& logId) {

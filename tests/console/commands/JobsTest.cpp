@@ -25,11 +25,9 @@ class JobsTest : public ConsoleWorld {
       5])");
   }
 
-  int runList() { return list({folder / "shared"}, surroundings()); }
-  int runShow(const std::string& logId) { return show({folder / "shared", logId}, surroundings()); }
-  int runWatch(const std::string& logId) {
-    return watch({folder / "shared", logId}, surroundings());
-  }
+  int runList() { return runHere(list, {folder / "shared"}); }
+  int runShow(const std::string& logId) { return runHere(show, {folder / "shared", logId}); }
+  int runWatch(const std::string& logId) { return runHere(watch, {folder / "shared", logId}); }
 };
 
 TEST_F(JobsTest, ListIsATable) {
@@ -50,7 +48,7 @@ TEST_F(JobsTest, ListForMachinesIsARecordALine) {
 }
 
 TEST_F(JobsTest, ASharedFolderThatIsNotThereIsBadUsage) {
-  EXPECT_EQ(list({"/nowhere"}, surroundings()), kBadUsage);
+  EXPECT_EQ(runHere(list, {"/nowhere"}), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: the shared folder /nowhere does not exist\n");
 }
 

@@ -18,7 +18,7 @@ class QueryTest : public ConsoleWorld {
 
   int run() {
     options.job = job;
-    return query(options, surroundings());
+    return runHere(query, options);
   }
 
   QueryOptions options;
@@ -105,7 +105,7 @@ class DownloadTest : public ConsoleWorld {
 
   int run() {
     options.job = job;
-    return download(options, surroundings());
+    return runHere(download, options);
   }
 
   DownloadOptions options;

@@ -19,7 +19,7 @@ class ShowLogTest : public ConsoleWorld {
                  "[14:03:09] [a.cpp][3][run][debug] two\nlines\n");
   }
 
-  int run() { return showLog(options, surroundings()); }
+  int run() { return runHere(showLog, options); }
 
   ShowLogOptions options;
 };

@@ -22,7 +22,7 @@ class UpdateFwTest : public ConsoleWorld {
 
   int run() {
     options.job = job;
-    return updateFw(options, surroundings());
+    return runHere(updateFw, options);
   }
   // Expects that the options are refused with this message and that nothing was written.
   void expectRefused(const std::string& message) {

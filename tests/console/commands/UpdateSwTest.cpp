@@ -22,7 +22,7 @@ class UpdateSwTest : public ConsoleWorld {
 
   int run() {
     options.job = job;
-    return updateSw(options, surroundings());
+    return runHere(updateSw, options);
   }
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
