@@ -14,8 +14,8 @@
 #include "platform/File.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "support/FakeHost.h"
-#include "support/TempFolder.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 

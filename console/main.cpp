@@ -1,20 +1,19 @@
 // kelvane-console: submits jobs to the worker and follows them.
 
-#include <cstdio>
-#include <exception>
 #include <iostream>
-#include <stdexcept>
 
-#include "console/CommandLine.h"
-#include "console/ExitCode.h"
+#include "console/command_line/CommandLine.h"
+#include "console/commands/Guard.h"
+#include "console/display/Terminal.h"
+#include "console/job/ExitCode.h"
 
 int main(int argc, char** argv) {
-  try {
-    const int exitCode = kelvane::console::CommandLine().run(argc, argv);
+  namespace console = kelvane::console;
+  const console::Charset charset = console::charsetOfLocale();
+  const int exitCode =
+      console::guarded(std::cerr, charset, [&] { return console::CommandLine().run(argc, argv); });
+  return console::guarded(std::cerr, charset, [exitCode] {
     if (std::cout.flush()) return exitCode;
-    throw std::runtime_error("standard output cannot be written");
-  } catch (const std::exception& unexpected) {
-    std::fprintf(stderr, "kelvane-console: %s\n", unexpected.what());
-    return kelvane::console::kInternalError;
-  }
+    throw console::Failure(console::kInternalError, "standard output cannot be written");
+  });
 }

@@ -20,12 +20,6 @@ namespace {
 constexpr unsigned kLongestLoading = 10;  // seconds
 constexpr char kLoaded[] = "+";           // the first line of a trial that has loaded the library
 
-#ifdef __APPLE__
-constexpr const char* kLibraries[] = {"libZORAPI.dylib", "ZORAPI.framework/ZORAPI"};
-#else
-constexpr const char* kLibraries[] = {"libZORAPI.so"};
-#endif
-
 constexpr char kNoWorker[] =
     "The worker cannot be started at all: every job stays in state WAIT, and nothing is logged.";
 constexpr char kPutBack[] =
@@ -123,10 +117,10 @@ LibraryTrial tryLibrary(const std::string& path) {
 
 std::string frameworkPath(const std::string& bundle) {
   const std::string folder = bundle + "/Contents/Frameworks/";
-  for (const char* name : kLibraries) {
+  for (const char* name : frameworkLibraries()) {
     if (kindOf(folder + name) != EntryKind::missing) return folder + name;
   }
-  return folder + kLibraries[0];
+  return folder + frameworkLibraries().front();
 }
 
 Findings frameworkFindings(const std::string& path) {

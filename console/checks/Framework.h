@@ -1,6 +1,7 @@
 // ZORAPI, the controller framework, as a library in the bundle.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,10 @@ struct LibraryTrial {
   std::vector<std::string> missing;  // the functions that it has not
 };
 LibraryTrial tryLibrary(const std::string& path);
+
+// The names that the framework may have in the bundle's folder for it, the usual one first. One
+// source file for each system.
+std::span<const char* const> frameworkLibraries();
 
 // The framework's path in the bundle; where none is there the one that it should have.
 std::string frameworkPath(const std::string& bundle);

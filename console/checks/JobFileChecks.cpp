@@ -42,7 +42,7 @@ void findDamage(const std::string& path, Findings& findings) {
   if (!file.fault.empty()) {
     findings.push_back({Severity::error, file.fault,
                         "The worker finds no job in it and starts nothing. If the file is damaged "
-                        "while a job runs, the next update replaces it by an empty list.",
+                        "while a job runs, the next update replaces it by an empty array.",
                         refusal(path, Access::read).empty()
                             ? "Mend the file, or move it away: the application starts a new one."
                             : "Give the user that runs the worker the right to read it."});

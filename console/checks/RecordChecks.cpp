@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <map>
 
-#include "console/JobRecord.h"
+#include "console/job/JobRecord.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {
@@ -23,41 +23,41 @@ std::string valueText(const Value& value) {
 
 // --- the parameters of each command
 
-std::string textFault(const Value& object, const std::string& name,
-                      std::initializer_list<const char*> keys) {
+std::string stringFault(const Value& object, const std::string& name,
+                        std::initializer_list<const char*> keys) {
   if (!object.isDictionary()) return name + " is no object";
   for (const char* key : keys) {
     if (!object.has(key)) return name + " has no \"" + key + "\"";
-    if (!object.get(key).isString()) return name + " has a \"" + key + "\" that is no text";
+    if (!object.get(key).isString()) return name + " has a \"" + key + "\" that is no string";
   }
   return {};
 }
 
-std::string listFault(const Value& inputs) {
-  if (!inputs.isArray()) return "input_parameters is no list";
-  return inputs.count() == 0 ? "input_parameters is an empty list" : "";
+std::string arrayFault(const Value& inputs) {
+  if (!inputs.isArray()) return "input_parameters is no array";
+  return inputs.count() == 0 ? "input_parameters is an empty array" : "";
 }
 
 std::string productFault(const Value& parameters, const std::string& name) {
-  return textFault(parameters, name, {job::kProductId, job::kVersion, job::kUrl, job::kFolder});
+  return stringFault(parameters, name, {job::kProductId, job::kVersion, job::kUrl, job::kFolder});
 }
 
 std::string queryFault(const Value& inputs) { return productFault(inputs, job::kInputParameters); }
 
 std::string downloadFault(const Value& inputs) {
-  const std::string fault = listFault(inputs);
+  const std::string fault = arrayFault(inputs);
   return fault.empty() ? productFault(inputs.at(0), job::kInputParameters + inBrackets(0)) : fault;
 }
 
 std::string installationFault(const Value& inputs) {
-  return textFault(inputs, job::kInputParameters, {job::kFilePath});
+  return stringFault(inputs, job::kInputParameters, {job::kFilePath});
 }
 
 std::string firmwareFault(const Value& inputs) {
-  std::string fault = listFault(inputs);
+  std::string fault = arrayFault(inputs);
   for (std::size_t i = 0; fault.empty() && i < inputs.count(); ++i) {
-    fault =
-        textFault(inputs.at(i), job::kInputParameters + inBrackets(i), {job::kWwn, job::kFilePath});
+    fault = stringFault(inputs.at(i), job::kInputParameters + inBrackets(i),
+                        {job::kWwn, job::kFilePath});
   }
   return fault;
 }
@@ -89,7 +89,7 @@ bool isInState(const Value& record, const char* state) {
 std::string keyFault(const Value& record) {
   for (const char* key : {job::kJobId, job::kStateId}) {
     if (!record.has(key)) return std::string("there is no ") + key;
-    if (!record.get(key).isString()) return std::string(key) + " is no text";
+    if (!record.get(key).isString()) return std::string(key) + " is no string";
   }
   return record.has(job::kInputParameters) ? "" : "there is no input_parameters";
 }
@@ -112,8 +112,8 @@ class Records {
           "It is never started, and the progress of firmware jobs before it is lost.",
           "Give it a log_id, or remove it.");
     } else if (!logId.isString()) {
-      add(Severity::error, place + " has a log_id that is no text: " + valueText(logId), kNoUpdates,
-          "Write it as a text, such as \"17\".");
+      add(Severity::error, place + " has a log_id that is no string: " + valueText(logId),
+          kNoUpdates, "Write it as a string, such as \"17\".");
     } else {
       ++counts_[logId.string()];
       takeJob(record, path_ + ": job " + logId.string());
@@ -126,8 +126,7 @@ class Records {
       add(Severity::warning,
           path_ + ": " + std::to_string(count) + " jobs have the log_id " + logId,
           "What the worker writes of one goes into all of them: the earlier ones lose their "
-          "command "
-          "and their result.",
+          "command and their result.",
           "Use each log_id once. Remove the records of finished jobs that share it.");
     }
     return findings_;

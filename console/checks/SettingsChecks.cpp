@@ -16,8 +16,7 @@ constexpr char kNoEngine[] =
     "line in the log. Firmware jobs and installations are not concerned.";
 constexpr char kNoProduct[] =
     "All product settings are missing to the worker: an installation replaces nothing, a query "
-    "ends "
-    "without output, a download leaves its packages where they are. Firmware jobs are not "
+    "ends without output, a download leaves its packages where they are. Firmware jobs are not "
     "concerned.";
 constexpr char kUnusable[] =
     "The worker gives the step up that reads it: an installation is not started, a download ends "
@@ -50,7 +49,7 @@ constexpr ProductSetting kProductSettings[] = {
 Value readSettings(const std::string& path, const char* meaning, Findings& findings) {
   JsonFile file = readJsonFile(path);
   if (file.fault.empty() && !file.value.isDictionary()) {
-    file.fault = path + " is a list, not an object";
+    file.fault = path + " is an array, not an object";
   }
   if (file.fault.empty()) return file.value;
   findings.push_back({Severity::error, file.fault, meaning,
@@ -90,9 +89,9 @@ void findKeys(const std::string& path, const Value& settings, Findings& findings
     const std::string name = path + ": \"" + setting.key + "\"";
     if (value.isNothing()) {
       findings.push_back({setting.severity, name + " is missing", setting.missing,
-                          "Add the key with the product's value, a text."});
+                          "Add the key with the product's value, a string."});
     } else {
-      findings.push_back({Severity::error, name + " is no text", kUnusable, "Make it a text."});
+      findings.push_back({Severity::error, name + " is no string", kUnusable, "Make it a string."});
     }
   }
 }
@@ -102,8 +101,8 @@ void findApplication(const std::string& path, const std::string& application, Fi
     findings.push_back(
         {Severity::warning,
          path + ": AppPath leads to " + application + ", where no application stands",
-         "An installation replaces nothing; it only copies the new application "
-         "there, where the folder above it exists.",
+         "An installation replaces nothing; it only copies the new application there, where the "
+         "folder above it exists.",
          "Make AppPath the installed application."});
     return;
   }
@@ -136,7 +135,7 @@ Findings sharedSettingsFindings(const std::string& path) {
     findEngine(path, application.string(), findings);
   } else {
     findings.push_back(engineFinding(path + ": \"AppPath\" " +
-                                     (application.isNothing() ? "is missing" : "is no text")));
+                                     (application.isNothing() ? "is missing" : "is no string")));
   }
   return findings;
 }

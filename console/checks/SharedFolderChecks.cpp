@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "console/JobRecord.h"
-#include "console/LogFile.h"
 #include "console/checks/Access.h"
 #include "console/checks/JobFileChecks.h"
 #include "console/checks/LogFileChecks.h"
 #include "console/checks/SettingsChecks.h"
+#include "console/job/JobRecord.h"
+#include "console/job/LogFile.h"
 
 namespace kelvane::console {
 

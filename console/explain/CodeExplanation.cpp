@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "console/JobRecord.h"
-#include "console/ResultCodes.h"
+#include "console/explain/ResultCodes.h"
+#include "console/job/JobRecord.h"
 
 namespace kelvane::console {
 namespace {
@@ -30,8 +30,7 @@ Explanation frameworkStatus(std::int64_t code) {
   explanation.subject = numberText(code) + ": a status of the controller framework's own";
   explanation.meaning =
       "It is none of the results that the worker makes or tests. Only a firmware job ends with "
-      "such "
-      "a status: one of the framework's calls gave it, and the controllers after it were not "
+      "such a status: one of the framework's calls gave it, and the controllers after it were not "
       "started.";
   explanation.whoActs = "support";
   explanation.advice =

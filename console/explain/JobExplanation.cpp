@@ -1,9 +1,9 @@
 #include "console/explain/JobExplanation.h"
 
-#include "console/JobRecord.h"
-#include "console/JobStatus.h"
 #include "console/checks/RecordChecks.h"
 #include "console/explain/CodeExplanation.h"
+#include "console/job/JobRecord.h"
+#include "console/job/JobStatus.h"
 
 namespace kelvane::console {
 

@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "console/JobRecord.h"
+#include "console/job/JobRecord.h"
 
 namespace kelvane::console {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "console/LogFile.h"
+#include "console/job/LogFile.h"
 
 namespace kelvane::console {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "console/CommandShape.h"
+#include "console/command_line/CommandShape.h"
 
 namespace kelvane::console {
 

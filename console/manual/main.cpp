@@ -3,7 +3,7 @@
 #include <exception>
 #include <iostream>
 
-#include "console/CommandLine.h"
+#include "console/command_line/CommandLine.h"
 #include "console/manual/ManualPage.h"
 #include "platform/Exception.h"
 #include "platform/File.h"

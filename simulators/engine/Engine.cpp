@@ -1,4 +1,4 @@
-#include "Engine.h"
+#include "simulators/engine/Engine.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,15 +11,15 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "Files.h"
-#include "Items.h"
-#include "ObjectReader.h"
-#include "Progress.h"
-#include "Service.h"
-#include "ServiceFaults.h"
-#include "TargetFolder.h"
 #include "platform/Exception.h"
 #include "platform/PropertyList.h"
+#include "simulators/engine/Items.h"
+#include "simulators/engine/Progress.h"
+#include "simulators/engine/Service.h"
+#include "simulators/engine/ServiceFaults.h"
+#include "simulators/engine/TargetFolder.h"
+#include "simulators/support/Files.h"
+#include "simulators/support/ObjectReader.h"
 
 namespace kelvane::simulator {
 

@@ -1,8 +1,8 @@
 // The update engine: fetches from a service folder what the worker asked for.
 #pragma once
 
-#include "EngineArguments.h"
 #include "platform/Host.h"
+#include "simulators/engine/EngineArguments.h"
 
 namespace kelvane::simulator {
 

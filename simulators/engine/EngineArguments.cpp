@@ -1,10 +1,10 @@
-#include "EngineArguments.h"
+#include "simulators/engine/EngineArguments.h"
 
 #include <algorithm>
 #include <iterator>
 #include <map>
 
-#include "Files.h"
+#include "simulators/support/Files.h"
 
 namespace kelvane::simulator {
 namespace {

@@ -1,14 +1,14 @@
-#include "Items.h"
+#include "simulators/engine/Items.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
 
-#include "Files.h"
-#include "Service.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
+#include "simulators/engine/Service.h"
+#include "simulators/support/Files.h"
 
 namespace kelvane::simulator {
 

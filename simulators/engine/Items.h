@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "EngineArguments.h"
-#include "ServiceFaults.h"
+#include "simulators/engine/EngineArguments.h"
+#include "simulators/engine/ServiceFaults.h"
 
 namespace kelvane::simulator {
 

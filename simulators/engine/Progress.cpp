@@ -1,4 +1,4 @@
-#include "Progress.h"
+#include "simulators/engine/Progress.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "ServiceFaults.h"
 #include "platform/Host.h"
+#include "simulators/engine/ServiceFaults.h"
 
 namespace kelvane::simulator {
 

@@ -1,4 +1,4 @@
-#include "Service.h"
+#include "simulators/engine/Service.h"
 
 #include <algorithm>
 #include <cctype>
@@ -7,9 +7,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "Number.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 

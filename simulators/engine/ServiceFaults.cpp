@@ -1,11 +1,11 @@
-#include "ServiceFaults.h"
+#include "simulators/engine/ServiceFaults.h"
 
-#include "Files.h"
-#include "Number.h"
-#include "ObjectReader.h"
-#include "Service.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
+#include "simulators/engine/Service.h"
+#include "simulators/support/Files.h"
+#include "simulators/support/Number.h"
+#include "simulators/support/ObjectReader.h"
 
 namespace kelvane::simulator {
 

@@ -1,4 +1,4 @@
-#include "TargetFolder.h"
+#include "simulators/engine/TargetFolder.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -8,9 +8,9 @@
 
 #include <unistd.h>
 
-#include "Files.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
+#include "simulators/support/Files.h"
 
 namespace kelvane::simulator {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "Engine.h"
-#include "EngineArguments.h"
 #include "platform/Host.h"
+#include "simulators/engine/Engine.h"
+#include "simulators/engine/EngineArguments.h"
 
 namespace {
 

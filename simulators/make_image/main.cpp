@@ -8,9 +8,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "Image.h"
-#include "Status.h"
 #include "platform/File.h"
+#include "simulators/controllers/Image.h"
+#include "simulators/controllers/Status.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
-#include "Description.h"
+#include "simulators/make_service/Description.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
 
-#include "Digest.h"
-#include "Files.h"
-#include "ObjectReader.h"
-#include "ServiceFaults.h"
 #include "platform/Exception.h"
+#include "simulators/engine/ServiceFaults.h"
+#include "simulators/make_service/Digest.h"
+#include "simulators/support/Files.h"
+#include "simulators/support/ObjectReader.h"
 
 namespace kelvane::simulator {
 

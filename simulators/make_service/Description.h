@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "PropertyListWriter.h"
 #include "platform/Value.h"
+#include "simulators/make_service/PropertyListWriter.h"
 
 namespace kelvane::simulator {
 

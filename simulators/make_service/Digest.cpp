@@ -1,4 +1,4 @@
-#include "Digest.h"
+#include "simulators/make_service/Digest.h"
 
 #include <array>
 #include <cerrno>
@@ -8,9 +8,9 @@
 
 #include <openssl/evp.h>
 
-#include "Files.h"
-#include "Number.h"
 #include "platform/Exception.h"
+#include "simulators/support/Files.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 

@@ -1,4 +1,4 @@
-#include "PropertyListWriter.h"
+#include "simulators/make_service/PropertyListWriter.h"
 
 #include <charconv>
 #include <cstdint>

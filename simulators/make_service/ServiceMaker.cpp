@@ -1,15 +1,15 @@
-#include "ServiceMaker.h"
+#include "simulators/make_service/ServiceMaker.h"
 
 #include <filesystem>
 #include <system_error>
 
 #include <unistd.h>
 
-#include "Files.h"
-#include "Service.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
+#include "simulators/engine/Service.h"
+#include "simulators/support/Files.h"
 
 namespace kelvane::simulator {
 

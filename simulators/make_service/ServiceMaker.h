@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "Description.h"
+#include "simulators/make_service/Description.h"
 
 namespace kelvane::simulator {
 

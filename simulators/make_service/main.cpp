@@ -5,8 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "Description.h"
-#include "ServiceMaker.h"
+#include "simulators/make_service/Description.h"
+#include "simulators/make_service/ServiceMaker.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "Files.h"
+#include "simulators/support/Files.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "Number.h"
+#include "simulators/support/Number.h"
 
 #include <charconv>
 #include <locale>

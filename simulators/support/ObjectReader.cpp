@@ -1,11 +1,11 @@
-#include "ObjectReader.h"
+#include "simulators/support/ObjectReader.h"
 
 #include <algorithm>
 
-#include "Number.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
+#include "simulators/support/Number.h"
 
 namespace kelvane::simulator {
 

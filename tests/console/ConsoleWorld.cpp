@@ -1,4 +1,4 @@
-#include "ConsoleWorld.h"
+#include "tests/console/ConsoleWorld.h"
 
 #include <algorithm>
 #include <filesystem>

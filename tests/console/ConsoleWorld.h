@@ -8,10 +8,11 @@
 
 #include <gtest/gtest.h>
 
-#include "console/PlainView.h"
-#include "console/Submission.h"
+#include "console/commands/Guard.h"
+#include "console/commands/Submission.h"
+#include "console/display/PlainView.h"
 #include "platform/Value.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 
@@ -27,7 +28,17 @@ class ConsoleWorld : public ::testing::Test, public Clock {
   std::chrono::milliseconds now() override { return time; }
   bool wait(std::chrono::milliseconds step) override;
 
-  Surroundings surroundings() { return {*this, view, screen, messages}; }
+  // Runs a sub-command as the program does; its exit code.
+  template <typename Options>
+  int runHere(int (*subCommand)(const Options&, const Screen&), const Options& options) {
+    return guarded(messages, screen.charset, [&] { return subCommand(options, screen); });
+  }
+  template <typename Options>
+  int runHere(int (*subCommand)(const Options&, const Surroundings&), const Options& options) {
+    return guarded(messages, screen.charset, [&] {
+      return subCommand(options, {*this, view, screen});
+    });
+  }
 
   // A worker in the bundle; the shell script sees the log id as $1, the shared folder as $2.
   void makeWorker(const std::string& script);

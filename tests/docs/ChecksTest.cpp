@@ -9,8 +9,8 @@
 #include "console/checks/Framework.h"
 #include "console/checks/RecordChecks.h"
 #include "console/checks/SettingsChecks.h"
-#include "docs/HeaderNames.h"
 #include "platform/Value.h"
+#include "tests/docs/HeaderNames.h"
 
 namespace kelvane::docs {
 namespace {

@@ -1,6 +1,6 @@
-#include "docs/CommandBlocks.h"
+#include "tests/docs/CommandBlocks.h"
 
-#include "support/LogLine.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

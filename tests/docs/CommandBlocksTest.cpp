@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "docs/CommandBlocks.h"
+#include "tests/docs/CommandBlocks.h"
 
 namespace kelvane::docs {
 namespace {

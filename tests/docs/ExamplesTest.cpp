@@ -11,10 +11,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "docs/CommandBlocks.h"
-#include "docs/Page.h"
-#include "end_to_end/Installation.h"
-#include "support/LogLine.h"
+#include "tests/docs/CommandBlocks.h"
+#include "tests/docs/Page.h"
+#include "tests/end_to_end/Installation.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {
@@ -47,7 +47,8 @@ constexpr NotRun kNotRun[] = {
     {"CONTRIBUTING.md", "./run-tests                 everything, in build/default", Instead::lookUp,
      "builds everything and runs this test"},
     {"CONTRIBUTING.md",
-     "LD_LIBRARY_PATH=build/default/simulators/zorapi build/default/benchmarks/worker_benchmark",
+     "LD_LIBRARY_PATH=build/default/simulators/controllers "
+     "build/default/benchmarks/worker_benchmark",
      Instead::lookUp, "measures for a minute"},
     {"CONTRIBUTING.md",
      "cpack --config build/default/CPackConfig.cmake -B packages     tar.gz and Debian package",

@@ -1,9 +1,9 @@
-#include "docs/HeaderNames.h"
+#include "tests/docs/HeaderNames.h"
 
 #include <stdexcept>
 
-#include "docs/Page.h"
-#include "support/LogLine.h"
+#include "tests/docs/Page.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

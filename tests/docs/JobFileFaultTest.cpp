@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "docs/PageWorld.h"
-#include "support/JobFileSchema.h"
+#include "tests/docs/PageWorld.h"
+#include "tests/support/JobFileSchema.h"
 
 namespace kelvane::docs {
 namespace {

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "docs/HeaderNames.h"
-#include "docs/Page.h"
+#include "tests/docs/HeaderNames.h"
+#include "tests/docs/Page.h"
 
 namespace kelvane::docs {
 namespace {

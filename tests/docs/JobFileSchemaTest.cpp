@@ -5,10 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/JobFile.h"
+#include "console/job/JobFile.h"
 #include "platform/Json.h"
-#include "support/JobFileSchema.h"
-#include "support/TempFolder.h"
+#include "tests/support/JobFileSchema.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::docs {
 namespace {

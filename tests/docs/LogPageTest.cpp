@@ -5,13 +5,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "docs/Page.h"
-#include "docs/PageWorld.h"
 #include "log/iLog.h"
 #include "platform/File.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "support/LogLine.h"
+#include "tests/docs/Page.h"
+#include "tests/docs/PageWorld.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

@@ -7,18 +7,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/CommandLine.h"
-#include "console/Completion.h"
-#include "console/JobRecord.h"
+#include "console/command_line/CommandLine.h"
+#include "console/command_line/completion/Completion.h"
+#include "console/job/JobRecord.h"
 #include "console/manual/ManualPage.h"
-#include "docs/HeaderNames.h"
-#include "docs/Page.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "support/JobFileSchema.h"
-#include "support/LogLine.h"
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/docs/HeaderNames.h"
+#include "tests/docs/Page.h"
+#include "tests/support/JobFileSchema.h"
+#include "tests/support/LogLine.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::docs {
 namespace {
@@ -72,7 +72,7 @@ Names numbersIn(const std::string& text) {
 // The values of the exit codes in the console's header.
 Names exitCodes() {
   Names found;
-  for (const std::string& line : splitLines(readSource("console/ExitCode.h"))) {
+  for (const std::string& line : splitLines(readSource("console/job/ExitCode.h"))) {
     const std::size_t sign = line.find(" = ");
     if (line.rfind("inline constexpr int k", 0) != 0 || sign == std::string::npos) continue;
     found.insert(line.substr(sign + 3, line.find(';') - sign - 3));
@@ -163,7 +163,7 @@ std::string sourcesWithPaths() {
   return readSource(std::string(kWorkerSources) + "jobs/JobRunner.cpp") +
          readSource(std::string(kWorkerSources) + "online_update/DownloadArea.cpp") +
          readSource(std::string(kWorkerSources) + "CMakeLists.txt") +
-         readSource("console/Submission.cpp") + console::job::kFileName;
+         readSource("console/checks/BundleChecks.cpp") + console::job::kFileName;
 }
 
 TEST(WorkerManual, NamesNoFileThatTheProgramsDoNot) {

@@ -1,11 +1,11 @@
-#include "docs/Page.h"
+#include "tests/docs/Page.h"
 
 #include <stdexcept>
 
 #include "platform/File.h"
 #include "platform/Text.h"
 #include "platform/Value.h"
-#include "support/LogLine.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 

@@ -1,14 +1,14 @@
-#include "docs/PageWorld.h"
+#include "tests/docs/PageWorld.h"
 
 #include <filesystem>
 #include <stdexcept>
 
 #include <sys/stat.h>
 
-#include "docs/Page.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
-#include "support/PropertyLists.h"
+#include "tests/docs/Page.h"
+#include "tests/support/LogLine.h"
+#include "tests/support/PropertyLists.h"
 
 namespace kelvane::docs {
 

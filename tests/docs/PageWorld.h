@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "end_to_end/Installation.h"
+#include "tests/end_to_end/Installation.h"
 
 namespace kelvane::docs {
 

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "docs/Page.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
+#include "tests/docs/Page.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

@@ -8,11 +8,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/CommandLine.h"
-#include "console/Layout.h"
-#include "docs/Page.h"
+#include "console/command_line/CommandLine.h"
+#include "console/display/Layout.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
+#include "tests/docs/Page.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
 namespace {

@@ -8,12 +8,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Status.h"
-#include "console/ResultCodes.h"
-#include "docs/HeaderNames.h"
-#include "docs/Page.h"
-#include "docs/PageWorld.h"
+#include "console/explain/ResultCodes.h"
 #include "platform/Json.h"
+#include "simulators/controllers/Status.h"
+#include "tests/docs/HeaderNames.h"
+#include "tests/docs/Page.h"
+#include "tests/docs/PageWorld.h"
 
 namespace kelvane::docs {
 namespace {

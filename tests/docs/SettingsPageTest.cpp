@@ -7,10 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "docs/HeaderNames.h"
-#include "docs/Page.h"
-#include "docs/PageWorld.h"
 #include "platform/Json.h"
+#include "tests/docs/HeaderNames.h"
+#include "tests/docs/Page.h"
+#include "tests/docs/PageWorld.h"
 
 namespace kelvane::docs {
 namespace {

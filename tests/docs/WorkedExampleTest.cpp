@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "docs/HeaderNames.h"
-#include "docs/Page.h"
-#include "docs/PageWorld.h"
 #include "platform/Json.h"
-#include "support/JobFileSchema.h"
+#include "tests/docs/HeaderNames.h"
+#include "tests/docs/Page.h"
+#include "tests/docs/PageWorld.h"
+#include "tests/support/JobFileSchema.h"
 
 namespace kelvane::docs {
 namespace {

@@ -9,10 +9,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "end_to_end/SupportInstallation.h"
 #include "platform/Json.h"
-#include "support/OrdinaryUser.h"
-#include "support/SystemCallKiller.h"
+#include "tests/end_to_end/SupportInstallation.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/SystemCallKiller.h"
 
 namespace kelvane {
 namespace {
@@ -74,13 +74,13 @@ TEST_F(Check, ADamagedJobFileIsLeftAloneByTheWorker) {
   EXPECT_THAT(findings(), ElementsAre(StartsWith("error: " + jobFile() + " is not JSON: ")));
 }
 
-TEST_F(Check, ALogIdThatIsNoTextKeepsEveryJobFromEnding) {
+TEST_F(Check, ALogIdThatIsNoStringKeepsEveryJobFromEnding) {
   writeJobs(R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
                  "input_parameters": {"file_path": "/no.app"}}, {"log_id": 5}])");
   runWorker({"17", shared()});
   EXPECT_EQ(state(), "WAIT");
   EXPECT_THAT(findings(),
-              ElementsAre("error: " + jobFile() + ": element 2 has a log_id that is no text: 5"));
+              ElementsAre("error: " + jobFile() + ": element 2 has a log_id that is no string: 5"));
 }
 
 TEST_F(Check, AnElementThatIsNoObjectKeepsEveryJobFromEnding) {
@@ -246,7 +246,7 @@ TEST_F(Check, WithDamagedSharedSettingsAQueryStaysRunning) {
   for (const auto& [text, fault] : std::vector<std::pair<std::string, std::string>>{
            {"{", " is not JSON: "},
            {"{}", ": \"AppPath\" is missing"},
-           {R"({"AppPath": 5})", ": \"AppPath\" is no text"},
+           {R"({"AppPath": 5})", ": \"AppPath\" is no string"},
            {R"({"AppPath": "/no.app"})", ": AppPath leads to /no.app, which is no bundle"}}) {
     folder.write("shared/utility/config/setting.json", text);
     query();
@@ -279,11 +279,11 @@ TEST_F(Check, WithoutTheCataloguesNameAQueryHasNoOutput) {
   EXPECT_THAT(found, Contains("warning: " + productSettings() + ": \"app_name\" is missing"));
 }
 
-TEST_F(Check, ASettingThatIsNoTextKeepsAnInstallationFromStarting) {
+TEST_F(Check, ASettingThatIsNoStringKeepsAnInstallationFromStarting) {
   bundle.write("Contents/Resources/Config/setting.json", R"({"AppPath": 5})");
   runJob("updateSW", Value::dictionary({{"file_path", folder / "Manager.app"}}));
   EXPECT_EQ(state(), "WAIT");
-  EXPECT_THAT(findings(), Contains("error: " + productSettings() + ": \"AppPath\" is no text"));
+  EXPECT_THAT(findings(), Contains("error: " + productSettings() + ": \"AppPath\" is no string"));
 }
 
 TEST_F(Check, WithoutProductSettingsAnInstallationReplacesNothing) {

@@ -7,10 +7,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "end_to_end/OnlineInstallation.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "support/PseudoTerminal.h"
+#include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/PseudoTerminal.h"
 
 namespace kelvane {
 namespace {
@@ -185,6 +185,31 @@ TEST_F(ConsoleScreen, AnInterruptLeavesTheWorkerAlive) {
   while (folder.read("pid").empty()) continue;  // it may only just have been started
   EXPECT_EQ(::kill(std::stoi(folder.read("pid")), 0), 0);
   line << "end" << std::endl;
+}
+
+// Nothing goes on that could be followed again. Each shows more than the terminal takes in at once.
+TEST_F(ConsoleScreen, AnInterruptEndsWhatFollowsNoJobAtOnce) {
+  const std::string much(200'000, 'x');
+  std::string jobs = R"([{"log_id": "1", "job_id": ")" + much + R"(", "state_id": "WAIT",
+                          "input_parameters": []})";
+  std::string log;
+  for (int i = 2; i < 5000; ++i) {
+    jobs += R"(, {"log_id": ")" + std::to_string(i) + R"(", "job_id": "updateFW",
+                  "state_id": "FREE", "input_parameters": []})";
+    log += "[14:03:07] [JobRunner.cpp][100][run][debug] logId = " + std::to_string(i) + "\n";
+  }
+  folder.write("shared/utility/command/BGPLog.json", jobs + "]");
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", log);
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"list"}, {"show", "1"}, {"log"}, {"check"}, {"explain", "1"}}) {
+    std::vector<std::string> argv = {KELVANE_CONSOLE};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    argv.insert(argv.end(), {"--shared", "shared"});
+    PseudoTerminal terminal(argv, folder.path(), {80, 24, true});
+    ASSERT_TRUE(terminal.waitFor("\n")) << arguments[0];
+    terminal.type("\x03");
+    EXPECT_EQ(terminal.end(), -1) << arguments[0];
+  }
 }
 
 // --- with the real worker

@@ -6,9 +6,9 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include "end_to_end/Installation.h"
 #include "platform/Json.h"
-#include "support/SystemCallKiller.h"
+#include "tests/end_to_end/Installation.h"
+#include "tests/support/SystemCallKiller.h"
 
 namespace kelvane {
 namespace {

@@ -7,9 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "console/ResultCodes.h"
-#include "end_to_end/SupportInstallation.h"
+#include "console/explain/ResultCodes.h"
 #include "platform/Json.h"
+#include "tests/end_to_end/SupportInstallation.h"
 
 namespace kelvane {
 namespace {

@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "end_to_end/OnlineInstallation.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
+#include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane {
 namespace {

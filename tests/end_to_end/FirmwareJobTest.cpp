@@ -6,9 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "end_to_end/Installation.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
+#include "tests/end_to_end/Installation.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane {
 namespace {

@@ -1,10 +1,10 @@
-#include "end_to_end/Installation.h"
+#include "tests/end_to_end/Installation.h"
 
 #include <filesystem>
 
 #include "platform/Json.h"
-#include "support/JobFileSchema.h"
-#include "support/LogLine.h"
+#include "tests/support/JobFileSchema.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane {
 

@@ -1,4 +1,4 @@
-#include "end_to_end/OnlineInstallation.h"
+#include "tests/end_to_end/OnlineInstallation.h"
 
 #include "platform/Json.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/Installation.h"
+#include "tests/end_to_end/Installation.h"
 
 namespace kelvane {
 

@@ -6,8 +6,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "end_to_end/OnlineInstallation.h"
 #include "platform/File.h"
+#include "tests/end_to_end/OnlineInstallation.h"
 
 namespace kelvane {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "end_to_end/OnlineInstallation.h"
 #include "platform/Json.h"
+#include "tests/end_to_end/OnlineInstallation.h"
 
 namespace kelvane {
 namespace {

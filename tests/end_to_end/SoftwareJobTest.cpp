@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "end_to_end/Installation.h"
+#include "tests/end_to_end/Installation.h"
 
 namespace kelvane {
 namespace {

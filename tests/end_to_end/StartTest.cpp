@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "end_to_end/Installation.h"
+#include "tests/end_to_end/Installation.h"
 
 namespace kelvane {
 namespace {

@@ -1,11 +1,11 @@
-#include "end_to_end/SupportInstallation.h"
+#include "tests/end_to_end/SupportInstallation.h"
 
 #include <filesystem>
 
 #include <sys/stat.h>
 
 #include "platform/Json.h"
-#include "support/OrdinaryUser.h"
+#include "tests/support/OrdinaryUser.h"
 
 namespace kelvane {
 

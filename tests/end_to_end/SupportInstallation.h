@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/OnlineInstallation.h"
+#include "tests/end_to_end/OnlineInstallation.h"
 
 namespace kelvane {
 

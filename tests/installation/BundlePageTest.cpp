@@ -7,10 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "docs/Page.h"
-#include "installation/InstalledTree.h"
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/docs/Page.h"
+#include "tests/installation/InstalledTree.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::docs {
 namespace {

@@ -1,12 +1,12 @@
-#include "installation/Elf.h"
+#include "tests/installation/Elf.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
-#include "support/LogLine.h"
-#include "support/Program.h"
+#include "tests/support/LogLine.h"
+#include "tests/support/Program.h"
 
 namespace kelvane::testing {
 namespace {

@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "end_to_end/OnlineInstallation.h"
-#include "installation/InstalledTree.h"
 #include "platform/Json.h"
+#include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/installation/InstalledTree.h"
 
 namespace kelvane {
 namespace {

@@ -1,11 +1,11 @@
-#include "installation/InstalledTree.h"
+#include "tests/installation/InstalledTree.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
-#include "installation/Elf.h"
-#include "support/Program.h"
+#include "tests/installation/Elf.h"
+#include "tests/support/Program.h"
 
 namespace kelvane::testing {
 

@@ -6,10 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "installation/Elf.h"
-#include "installation/InstalledTree.h"
 #include "platform/File.h"
-#include "support/TempFolder.h"
+#include "tests/installation/Elf.h"
+#include "tests/installation/InstalledTree.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "installation/Package.h"
+#include "tests/installation/Package.h"
 
 #include <filesystem>
 #include <stdexcept>

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 

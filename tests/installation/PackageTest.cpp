@@ -6,11 +6,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "installation/Elf.h"
-#include "installation/InstalledTree.h"
-#include "installation/Package.h"
 #include "platform/File.h"
-#include "support/LogLine.h"
+#include "tests/installation/Elf.h"
+#include "tests/installation/InstalledTree.h"
+#include "tests/installation/Package.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::testing {
 namespace {

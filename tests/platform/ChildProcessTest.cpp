@@ -18,7 +18,7 @@
 
 #include "platform/ChildProcess.h"
 #include "platform/Exception.h"
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 bool refuseRealloc = false;

@@ -12,9 +12,9 @@
 #include <sys/stat.h>
 
 #include "platform/File.h"
-#include "support/FullFile.h"
-#include "support/SystemCallKiller.h"
-#include "support/TempFolder.h"
+#include "tests/support/FullFile.h"
+#include "tests/support/SystemCallKiller.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::platform {
 namespace {

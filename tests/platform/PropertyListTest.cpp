@@ -6,8 +6,8 @@
 
 #include "platform/Json.h"
 #include "platform/PropertyList.h"
-#include "support/PropertyLists.h"
-#include "support/TempFolder.h"
+#include "tests/support/PropertyLists.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::platform {
 namespace {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "simulators/SimulatedWorld.h"
+#include "tests/simulators/SimulatedWorld.h"
 
 namespace kelvane::testing {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "simulators/Breach.h"
+#include "tests/simulators/Breach.h"
 
 namespace kelvane::testing {
 namespace {

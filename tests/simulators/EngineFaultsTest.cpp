@@ -7,13 +7,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "ServiceFaults.h"
 #include "platform/Exception.h"
 #include "platform/Json.h"
 #include "platform/PropertyList.h"
 #include "platform/Utf8.h"
-#include "simulators/EngineWorld.h"
-#include "support/LogLine.h"
+#include "simulators/engine/ServiceFaults.h"
+#include "tests/simulators/EngineWorld.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::testing {
 namespace {

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "simulators/EngineWorld.h"
-#include "support/PropertyLists.h"
+#include "tests/simulators/EngineWorld.h"
+#include "tests/support/PropertyLists.h"
 
 namespace kelvane::testing {
 namespace {

@@ -1,9 +1,9 @@
-#include "simulators/EngineWorld.h"
+#include "tests/simulators/EngineWorld.h"
 
 #include <algorithm>
 #include <filesystem>
 
-#include "support/PropertyLists.h"
+#include "tests/support/PropertyLists.h"
 
 namespace kelvane::testing {
 

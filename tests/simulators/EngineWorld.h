@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 

@@ -1,6 +1,6 @@
 // The framework's contract while flashing: every breach is journaled and refused.
 
-#include "simulators/Breach.h"
+#include "tests/simulators/Breach.h"
 
 namespace kelvane::testing {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "Fleet.h"
 #include "platform/Exception.h"
 #include "platform/Json.h"
-#include "support/TempFolder.h"
+#include "simulators/controllers/Fleet.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::simulator {
 namespace {

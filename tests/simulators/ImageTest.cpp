@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "Image.h"
-#include "Status.h"
 #include "platform/File.h"
-#include "support/TempFolder.h"
+#include "simulators/controllers/Image.h"
+#include "simulators/controllers/Status.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::simulator {
 namespace {

@@ -6,10 +6,10 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include "Journal.h"
 #include "platform/Json.h"
-#include "simulators/SimulatedWorld.h"
-#include "support/TempFolder.h"
+#include "simulators/controllers/Journal.h"
+#include "tests/simulators/SimulatedWorld.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 namespace {

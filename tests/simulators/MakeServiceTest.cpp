@@ -7,9 +7,9 @@
 
 #include "platform/Json.h"
 #include "platform/PropertyList.h"
-#include "support/FullFile.h"
-#include "support/Program.h"
-#include "support/TempFolder.h"
+#include "tests/support/FullFile.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "PropertyListWriter.h"
 #include "platform/Exception.h"
 #include "platform/PropertyList.h"
-#include "support/TempFolder.h"
+#include "simulators/make_service/PropertyListWriter.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::simulator {
 namespace {

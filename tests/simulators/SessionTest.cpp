@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Status.h"
-#include "simulators/SimulatedWorld.h"
+#include "simulators/controllers/Status.h"
+#include "tests/simulators/SimulatedWorld.h"
 
 namespace kelvane::testing {
 namespace {

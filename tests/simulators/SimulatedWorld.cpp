@@ -1,4 +1,4 @@
-#include "simulators/SimulatedWorld.h"
+#include "tests/simulators/SimulatedWorld.h"
 
 #include <cstring>
 

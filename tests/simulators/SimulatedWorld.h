@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "Framework.h"
-#include "Image.h"
-#include "Journal.h"
 #include "platform/Value.h"
-#include "support/TempFolder.h"
+#include "simulators/controllers/Framework.h"
+#include "simulators/controllers/Image.h"
+#include "simulators/controllers/Journal.h"
+#include "tests/support/TempFolder.h"
 #include "zorapi/zorapi.h"
 
 namespace kelvane::testing {

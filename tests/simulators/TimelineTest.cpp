@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Timeline.h"
+#include "simulators/controllers/Timeline.h"
 
 namespace kelvane::simulator {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/FakeFramework.h"
+#include "tests/support/FakeFramework.h"
 
 #include <algorithm>
 #include <cstring>

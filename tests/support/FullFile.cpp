@@ -1,4 +1,4 @@
-#include "support/FullFile.h"
+#include "tests/support/FullFile.h"
 
 #include <csignal>
 #include <filesystem>

@@ -5,7 +5,7 @@
 
 #include <sys/resource.h>
 
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 

@@ -1,4 +1,4 @@
-#include "support/JobFileSchema.h"
+#include "tests/support/JobFileSchema.h"
 
 #include <fstream>
 #include <memory>

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/JobFileSchema.h"
+#include "tests/support/JobFileSchema.h"
 
 extern "C" int __real_rename(const char* from, const char* to);
 extern "C" int __wrap_rename(const char* from, const char* to);

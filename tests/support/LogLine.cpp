@@ -1,4 +1,4 @@
-#include "support/LogLine.h"
+#include "tests/support/LogLine.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "support/Program.h"
+#include "tests/support/Program.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -8,7 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 namespace {

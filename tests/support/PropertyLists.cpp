@@ -1,4 +1,4 @@
-#include "support/PropertyLists.h"
+#include "tests/support/PropertyLists.h"
 
 #include <cstdint>
 #include <cstdlib>

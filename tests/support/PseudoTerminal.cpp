@@ -1,6 +1,7 @@
-#include "support/PseudoTerminal.h"
+#include "tests/support/PseudoTerminal.h"
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -8,7 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "support/Program.h"
+#include "tests/support/Program.h"
 
 namespace kelvane::testing {
 namespace {
@@ -108,6 +109,7 @@ PseudoTerminal::PseudoTerminal(const std::vector<std::string>& argv, const std::
   program_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
   if (program_ < 0) throw std::runtime_error("no terminal for the program");
   if (program_ != 0) return;
+  std::signal(SIGINT, SIG_DFL);  // what runs the tests may ignore it
   ::setenv("TERM", "xterm", 1);
   ::setenv("LC_ALL", form.utf8 ? "C.UTF-8" : "C", 1);
   becomeProgram(argv, folder, variables);

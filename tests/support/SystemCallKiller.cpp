@@ -1,4 +1,4 @@
-#include "support/SystemCallKiller.h"
+#include "tests/support/SystemCallKiller.h"
 
 #include <csignal>
 #include <stdexcept>

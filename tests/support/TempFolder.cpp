@@ -1,4 +1,4 @@
-#include "support/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,8 +1,8 @@
-#include "support/WorkerWorld.h"
+#include "tests/support/WorkerWorld.h"
 
 #include "log/iLog.h"
 #include "platform/Json.h"
-#include "support/LogLine.h"
+#include "tests/support/LogLine.h"
 
 namespace kelvane::testing {
 namespace {

@@ -9,9 +9,9 @@
 
 #include "Kelvane.h"
 #include "platform/Value.h"
-#include "support/FakeFramework.h"
-#include "support/FakeHost.h"
-#include "support/TempFolder.h"
+#include "tests/support/FakeFramework.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/Json.h"
-#include "support/PropertyLists.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/PropertyLists.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

@@ -12,9 +12,9 @@
 #include "log/iLog.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "support/FullFile.h"
-#include "support/SystemCallKiller.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/FullFile.h"
+#include "tests/support/SystemCallKiller.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

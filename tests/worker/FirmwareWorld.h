@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "support/WorkerWorld.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 

@@ -7,8 +7,8 @@
 #include "log/iLog.h"
 #include "platform/Exception.h"
 #include "platform/Json.h"
-#include "support/FullFile.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/FullFile.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

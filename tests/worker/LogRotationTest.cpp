@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 
 #include "log/iLog.h"
-#include "support/FakeHost.h"
-#include "support/TempFolder.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane {
 namespace {

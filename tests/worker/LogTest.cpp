@@ -11,9 +11,9 @@
 
 #include "log/iLog.h"
 #include "platform/Exception.h"
-#include "support/FakeHost.h"
-#include "support/FullFile.h"
-#include "support/TempFolder.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/FullFile.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane {
 namespace {

@@ -12,8 +12,8 @@
 #include <sys/wait.h>
 
 #include "platform/Json.h"
-#include "support/PropertyLists.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/PropertyLists.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

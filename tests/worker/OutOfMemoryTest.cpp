@@ -13,8 +13,8 @@
 
 #include "log/iLog.h"
 #include "platform/Regex.h"
-#include "support/TempFolder.h"
-#include "worker/FirmwareWorld.h"
+#include "tests/support/TempFolder.h"
+#include "tests/worker/FirmwareWorld.h"
 
 namespace {
 bool refuseInfoBuffer = false;

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Json.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

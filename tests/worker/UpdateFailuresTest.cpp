@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "worker/FirmwareWorld.h"
+#include "tests/worker/FirmwareWorld.h"
 
 namespace kelvane {
 namespace {

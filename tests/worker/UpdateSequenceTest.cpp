@@ -7,8 +7,8 @@
 #include "log/iLog.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "support/FullFile.h"
-#include "worker/FirmwareWorld.h"
+#include "tests/support/FullFile.h"
+#include "tests/worker/FirmwareWorld.h"
 
 namespace kelvane {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "firmware/UsbBridge.h"
-#include "support/WorkerWorld.h"
+#include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
 namespace {

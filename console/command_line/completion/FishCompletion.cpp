@@ -1,0 +1,85 @@
+// The completion script for fish.
+
+#include "console/command_line/completion/Completion.h"
+#include "console/display/ShellQuoting.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr char kBeginning[] =
+    R"(# Completion of kelvane-console in fish, made by "kelvane-console completion fish".
+
+complete -c kelvane-console -f
+)";
+
+constexpr char kBeforeCommand[] = "__fish_use_subcommand";
+
+std::string insideOf(const CommandShape& command) {
+  return "__fish_seen_subcommand_from " + command.name;
+}
+
+std::string line(const std::string& condition, const std::string& rest) {
+  return "complete -c kelvane-console -n " + shellQuoted(condition) + rest + "\n";
+}
+
+// What a value is completed to.
+std::string words(const OptionShape& option) {
+  switch (kindOf(option)) {
+    case ValueKind::folder:
+      return " -a '(__fish_complete_directories (commandline -ct))'";
+    case ValueKind::file:
+      return " -F";
+    case ValueKind::choice:
+      return " -a " + shellQuoted(joined(option.choices, " "));
+    default:
+      return {};
+  }
+}
+
+std::string nameFlags(const OptionShape& option) {
+  std::string flags;
+  for (const std::string& name : option.names) {
+    const bool isLong = name.rfind("--", 0) == 0;
+    flags += isLong ? " -l " + name.substr(2) : " -s " + name.substr(1);
+  }
+  return flags;
+}
+
+// Files are offered for a value, too, unless they are ruled out.
+std::string valueFlag(const OptionShape& option) {
+  const ValueKind kind = kindOf(option);
+  if (kind == ValueKind::none) return {};
+  return kind == ValueKind::file ? " -r" : " -x";
+}
+
+std::string optionLine(const std::string& condition, const OptionShape& option) {
+  return line(condition, nameFlags(option) + valueFlag(option) + words(option) + " -d " +
+                             shellQuoted(option.description));
+}
+
+std::string commandLines(const CommandShape& command) {
+  std::string lines;
+  for (const OptionShape& option : command.options) {
+    lines += optionLine(insideOf(command), option);
+  }
+  for (const OptionShape& argument : command.arguments) {
+    const std::string values = words(argument);
+    if (!values.empty()) lines += line(insideOf(command), values);
+  }
+  return lines;
+}
+
+}  // namespace
+
+std::string fishCompletion(const CommandShape& app) {
+  std::string script = kBeginning;
+  for (const OptionShape& option : app.options) script += optionLine(kBeforeCommand, option);
+  for (const CommandShape& command : app.commands) {
+    script +=
+        line(kBeforeCommand, " -a " + command.name + " -d " + shellQuoted(command.description));
+  }
+  for (const CommandShape& command : app.commands) script += commandLines(command);
+  return script;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,47 @@
+#include "console/commands/Arguments.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "console/job/ExitCode.h"
+#include "platform/File.h"
+#include "platform/Utf8.h"
+
+namespace kelvane::console {
+
+void requireText(const std::string& text, const std::string& what) {
+  if (text.empty()) throw Failure(kBadUsage, what + " is missing");
+  if (!platform::isUtf8(text)) throw Failure(kBadUsage, what + " is not UTF-8: " + text);
+}
+
+std::string asPrefix(const std::string& folder) {
+  requireText(folder, "the shared folder");
+  return folder.back() == '/' ? folder : folder + "/";
+}
+
+std::string existingShared(const std::string& folder) {
+  std::string prefix = asPrefix(folder);
+  if (!platform::isFolder(prefix)) {
+    throw Failure(kBadUsage, "the shared folder " + folder + " does not exist");
+  }
+  return prefix;
+}
+
+std::string absolutePath(const std::string& path, const std::string& what) {
+  requireText(path, "the " + what);
+  std::error_code failed;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, failed);
+  if (failed) throw Failure(kBadUsage, what + " " + path + ": " + failed.message());
+  requireText(absolute.string(), "the " + what + "'s folder");
+  return absolute.string();
+}
+
+std::string existingPath(const std::string& path, const std::string& what) {
+  std::string absolute = absolutePath(path, what);
+  if (!platform::exists(absolute)) {
+    throw Failure(kBadUsage, what + " " + path + " does not exist");
+  }
+  return absolute;
+}
+
+}  // namespace kelvane::console

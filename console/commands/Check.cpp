@@ -1,0 +1,110 @@
+#include "console/commands/Check.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "console/checks/BundleChecks.h"
+#include "console/checks/Framework.h"
+#include "console/checks/SettingsChecks.h"
+#include "console/checks/SharedFolderChecks.h"
+#include "console/commands/Arguments.h"
+#include "console/display/Colour.h"
+#include "console/display/Paragraphs.h"
+#include "console/job/ExitCode.h"
+#include "console/job/JobRecord.h"
+#include "console/job/LogFile.h"
+#include "console/job/Processes.h"
+#include "platform/File.h"
+#include "platform/Json.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+const char* nameOf(Severity severity) { return severity == Severity::error ? "error" : "warning"; }
+
+Value asValue(const Finding& finding) {
+  return Value::dictionary({{"severity", nameOf(finding.severity)},
+                            {"what", displayText(finding.what, Charset::utf8)},
+                            {"meaning", displayText(finding.meaning, Charset::utf8)},
+                            {"advice", displayText(finding.advice, Charset::utf8)}});
+}
+
+void showJson(const Findings& findings, const Screen& screen) {
+  Value all = Value::array();
+  for (const Finding& finding : findings) all.append(asValue(finding));
+  screen.out << platform::printJson(all).value_or("null") << std::endl;
+}
+
+void show(const Finding& finding, const Screen& screen) {
+  const Colour colour = finding.severity == Severity::error ? Colour::red : Colour::yellow;
+  showParagraphs({std::string(nameOf(finding.severity)) + ": " + finding.what, colour},
+                 {{"means", finding.meaning}, {"to do", finding.advice}}, screen);
+}
+
+std::string counted(std::ptrdiff_t count, const char* what) {
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+void showSum(const Findings& findings, const Screen& screen) {
+  const auto errors = std::count_if(findings.begin(), findings.end(), [](const Finding& one) {
+    return one.severity == Severity::error;
+  });
+  const auto warnings = static_cast<std::ptrdiff_t>(findings.size()) - errors;
+  screen.out << counted(errors, "error") << ", " << counted(warnings, "warning") << std::endl;
+}
+
+std::vector<Paragraph> lookedAt(const std::string& sharedFolder, const std::string& bundle) {
+  const std::string jobFile = sharedFolder + job::kFileName;
+  const char* absence = platform::exists(jobFile) ? "" : " (there is none yet)";
+  std::vector<Paragraph> all = {{"job file", jobFile + absence},
+                                {"log", logPath(sharedFolder)},
+                                {"settings", sharedSettingsPath(sharedFolder)}};
+  if (bundle.empty()) {
+    all.push_back({"bundle", "none was given, none was looked at"});
+    return all;
+  }
+  all.push_back({"bundle", bundle});
+  all.push_back({"worker", workerIn(bundle)});
+  all.push_back({"product", productSettingsPath(bundle)});
+  all.push_back({"framework", frameworkPath(bundle)});
+  return all;
+}
+
+// The bundle's path without "/" at its end.
+std::string trimmed(std::string bundle) {
+  while (bundle.size() > 1 && bundle.back() == '/') bundle.pop_back();
+  return bundle;
+}
+
+}  // namespace
+
+Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
+                    const WorkerRuns& workerRuns) {
+  Findings findings = sharedFolderFindings(sharedFolder, workerRuns);
+  if (!bundle.empty()) append(findings, bundleFindings(bundle));
+  return findings;
+}
+
+int check(const CheckOptions& options, const Screen& screen) {
+  const std::string sharedFolder = asPrefix(options.sharedFolder);
+  const std::string bundle = trimmed(options.bundle);
+  const Findings findings = findingsOf(
+      sharedFolder, bundle,
+      [&sharedFolder](const std::string& logId) { return workerRuns(logId, sharedFolder); });
+  if (screen.json) {
+    showJson(findings, screen);
+  } else if (findings.empty()) {
+    showParagraphs({"no findings", Colour::green}, lookedAt(sharedFolder, bundle), screen);
+  } else {
+    for (const Finding& finding : findings) show(finding, screen);
+    showSum(findings, screen);
+  }
+  return findings.empty() ? kSuccess : kFindings;
+}
+
+}  // namespace kelvane::console

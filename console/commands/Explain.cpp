@@ -1,0 +1,152 @@
+#include "console/commands/Explain.h"
+
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "console/commands/Arguments.h"
+#include "console/display/Colour.h"
+#include "console/display/Paragraphs.h"
+#include "console/explain/CodeExplanation.h"
+#include "console/explain/JobExplanation.h"
+#include "console/job/ExitCode.h"
+#include "console/job/JobFile.h"
+#include "console/job/JobRecord.h"
+#include "console/job/LogFile.h"
+#include "console/job/Processes.h"
+#include "platform/Json.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+using Explanations = std::vector<Explanation>;
+
+bool isHexadecimal(const std::string& subject) {
+  return subject.rfind("0x", 0) == 0 || subject.rfind("0X", 0) == 0;
+}
+
+std::optional<std::int64_t> codeOf(const std::string& subject) {
+  const char* first = subject.data() + (isHexadecimal(subject) ? 2 : 0);
+  const char* end = subject.data() + subject.size();
+  std::uint32_t code = 0;
+  const auto [rest, failed] = std::from_chars(first, end, code, isHexadecimal(subject) ? 16 : 10);
+  if (failed != std::errc() || rest != end) return std::nullopt;
+  return code;
+}
+
+JobCircumstances circumstancesOf(const std::string& logId, const std::string& sharedFolder) {
+  JobCircumstances circumstances;
+  circumstances.workerRuns = workerRuns(logId, sharedFolder);
+  try {
+    circumstances.log = stretchOf(parseLog(readLog(sharedFolder)), logId);
+  } catch (const Failure& failure) {
+    circumstances.noLog = failure.what();
+  }
+  return circumstances;
+}
+
+// The job with that log id; nothing where no shared folder is given or no record has it. A job file
+// that cannot be read is a failure, except for what is meant as a code: whether it has the job is
+// not known.
+Value jobNamed(const ExplainOptions& options) {
+  if (options.sharedFolder.empty()) return {};
+  const JobFile file(asPrefix(options.sharedFolder));
+  if (!isHexadecimal(options.subject)) file.read();
+  return file.find(options.subject);
+}
+
+Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
+  Explanation explanation =
+      explainJob(record, circumstancesOf(options.subject, asPrefix(options.sharedFolder)));
+  const std::optional<std::int64_t> code = codeOf(options.subject);
+  if (code && isKnownCode(*code)) {
+    explanation.note +=
+        (explanation.note.empty() ? "" : " ") +
+        fmt::format("\"explain 0x{:04X}\" explains the result of that number.", *code);
+  }
+  return explanation;
+}
+
+Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) {
+  Explanations explanations = explainCode(code);
+  if (!options.sharedFolder.empty() && !isKnownCode(code)) {
+    explanations.front().note = "No job of the job file has this log id.";
+  }
+  return explanations;
+}
+
+[[noreturn]] void refuse(const ExplainOptions& options) {
+  if (options.sharedFolder.empty()) {
+    throw Failure(kNotFound, "\"" + options.subject +
+                                 "\" is no result code; for a log id name the shared folder");
+  }
+  throw Failure(kNotFound, "no job " + options.subject + " in " +
+                               JobFile(asPrefix(options.sharedFolder)).path() +
+                               ", and it is no result code");
+}
+
+// --- showing
+
+Value asValue(const Explanation& one) {
+  const auto text = [](const std::string& bytes) { return displayText(bytes, Charset::utf8); };
+  Value errors = Value::array();
+  for (const std::string& error : one.errors) errors.append(text(error));
+  return Value::dictionary({{"subject", text(one.subject)},
+                            {"meaning", text(one.meaning)},
+                            {"who_acts", text(one.whoActs)},
+                            {"advice", text(one.advice)},
+                            {"try_again", text(one.tryAgain)},
+                            {"log_errors", errors},
+                            {"last_step", text(one.lastStep)},
+                            {"note", text(one.note)}});
+}
+
+void showJson(const Explanations& explanations, const Screen& screen) {
+  Value all = Value::array();
+  for (const Explanation& one : explanations) all.append(asValue(one));
+  screen.out << platform::printJson(all).value_or("null") << std::endl;
+}
+
+void show(const Explanation& one, const Screen& screen) {
+  std::vector<Paragraph> paragraphs = {{"means", one.meaning},
+                                       {"who acts", one.whoActs},
+                                       {"to do", one.advice},
+                                       {"try again", one.tryAgain}};
+  for (const std::string& error : one.errors) paragraphs.push_back({"log error", error});
+  paragraphs.push_back({"last step", one.lastStep});
+  paragraphs.push_back({"note", one.note});
+  const Colour colour = one.whoActs == "nobody" ? Colour::green : Colour::yellow;
+  showParagraphs({one.subject, colour}, paragraphs, screen);
+}
+
+void showAll(const Explanations& explanations, const Screen& screen) {
+  if (screen.json) {
+    showJson(explanations, screen);
+    return;
+  }
+  for (const Explanation& one : explanations) show(one, screen);
+}
+
+}  // namespace
+
+int explain(const ExplainOptions& options, const Screen& screen) {
+  requireText(options.subject, "the code or log id");
+  const Value record = jobNamed(options);
+  if (!record.isNothing()) {
+    showAll({jobExplanation(record, options)}, screen);
+    return kSuccess;
+  }
+  const std::optional<std::int64_t> code = codeOf(options.subject);
+  if (!code) refuse(options);
+  showAll(codeExplanations(*code, options), screen);
+  return isKnownCode(*code) ? kSuccess : kNotFound;
+}
+
+}  // namespace kelvane::console

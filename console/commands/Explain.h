@@ -1,0 +1,20 @@
+// The sub-command explain: what a result code or a job means, and what to do.
+#pragma once
+
+#include <string>
+
+#include "console/display/Screen.h"
+
+namespace kelvane::console {
+
+struct ExplainOptions {
+  std::string sharedFolder;  // only for a log id; empty: the subject is a code
+  std::string subject;       // a log id, or a code in decimal or, with "0x", hexadecimal digits
+};
+
+// Shows the explanations, for machines as one list. What is a log id of the job file is one; what
+// else is a number is a code. Returns the exit code: not found for a number that is no known
+// result. Raises Failure for what is neither, and where the job file cannot be read.
+int explain(const ExplainOptions& options, const Screen& screen);
+
+}  // namespace kelvane::console

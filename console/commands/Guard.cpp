@@ -1,0 +1,26 @@
+#include "console/commands/Guard.h"
+
+#include <exception>
+
+#include "console/job/ExitCode.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr char kProgram[] = "kelvane-console: ";
+
+}  // namespace
+
+int guarded(std::ostream& messages, Charset charset, const std::function<int()>& run) {
+  try {
+    return run();
+  } catch (const Failure& failure) {
+    messages << kProgram << displayText(failure.what(), charset) << std::endl;
+    return failure.exitCode();
+  } catch (const std::exception& unexpected) {
+    messages << kProgram << unexpected.what() << std::endl;  // there may be no memory for more
+    return kInternalError;
+  }
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,32 @@
+// The sub-commands for the jobs of a job file: list, show, watch.
+#pragma once
+
+#include <string>
+
+#include "console/commands/Submission.h"
+#include "console/display/Screen.h"
+
+namespace kelvane::console {
+
+struct ListOptions {
+  std::string sharedFolder;
+};
+
+struct OneJobOptions {
+  std::string sharedFolder;
+  std::string logId;
+};
+
+// All three return the exit code, and raise Failure where something is not there or not readable.
+
+// The jobs as a table, in the order of the file; for machines a line of JSON each.
+int list(const ListOptions& options, const Screen& screen);
+
+// One job: its state, its result, what came out, and the whole record.
+int show(const OneJobOptions& options, const Screen& screen);
+
+// Follows a job that someone else started, like the sub-commands that submit one, and shows what
+// came out.
+int watch(const OneJobOptions& options, const Surroundings& surroundings);
+
+}  // namespace kelvane::console

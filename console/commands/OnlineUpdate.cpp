@@ -1,0 +1,81 @@
+#include "console/commands/OnlineUpdate.h"
+
+#include <filesystem>
+
+#include "console/commands/Arguments.h"
+#include "console/display/Packages.h"
+#include "console/job/ExitCode.h"
+#include "console/job/JobRecord.h"
+#include "platform/File.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+// The version that is asked for where none is given: below all others.
+constexpr char kNoVersion[] = "0";
+
+// The worker removes the folder with everything in it once its files are in the download area.
+std::string engineFolder(const JobOptions& job, const EngineOptions& engine) {
+  if (engine.folder.empty()) {
+    return absolutePath(asPrefix(job.sharedFolder) + "tmp/EngineRunner", "shared folder");
+  }
+  std::string folder = absolutePath(engine.folder, "folder");
+  if (platform::exists(folder) && !platform::isFolder(folder)) {
+    throw Failure(kBadUsage, "folder " + folder + " is a file");
+  }
+  if (!platform::listFolder(folder).empty()) {
+    throw Failure(kBadUsage,
+                  "folder " + folder + " is not empty: it would be removed with everything in it");
+  }
+  return folder;
+}
+
+Value productParameters(const std::string& product, const std::string& version,
+                        const std::string& url, const std::string& folder) {
+  requireText(product, "the product");
+  requireText(version, "the version of " + product);
+  requireText(url, "the service's URL");
+  return Value::dictionary({{job::kProductId, product},
+                            {job::kVersion, version},
+                            {job::kUrl, url},
+                            {job::kFolder, folder}});
+}
+
+Value downloadParameters(const DownloadOptions& options, const std::string& folder) {
+  if (options.products.empty()) throw Failure(kBadUsage, "no product is given");
+  Value all = Value::array();
+  for (const std::string& product : options.products) {
+    const std::size_t sign = product.find('=');
+    const std::string version = sign == std::string::npos ? kNoVersion : product.substr(sign + 1);
+    all.append(productParameters(product.substr(0, sign), version, options.engine.url, folder));
+  }
+  return all;
+}
+
+}  // namespace
+
+int query(const QueryOptions& options, const Surroundings& surroundings) {
+  const std::string folder = engineFolder(options.job, options.engine);
+  const Value inputs =
+      productParameters(options.product, options.version.empty() ? kNoVersion : options.version,
+                        options.engine.url, folder);
+  const Look finished = runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
+  if (!finished.record.get(job::kOutput).isArray()) {
+    throw Failure(kJobFailed, "the update engine left no catalogue");
+  }
+  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
+  return exitCodeOf(finished);
+}
+
+int download(const DownloadOptions& options, const Surroundings& surroundings) {
+  const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
+  const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
+  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
+  return exitCodeOf(finished);
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,35 @@
+// The sub-commands query and download: what the update service offers, and fetching it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "console/commands/Submission.h"
+
+namespace kelvane::console {
+
+// What the update engine is asked.
+struct EngineOptions {
+  std::string url;
+  std::string folder;  // where the engine works; empty: one below the shared folder
+};
+
+struct QueryOptions {
+  JobOptions job;
+  EngineOptions engine;
+  std::string product;
+  std::string version;
+};
+
+struct DownloadOptions {
+  JobOptions job;
+  EngineOptions engine;
+  std::vector<std::string> products;  // "PRODUCT" or "PRODUCT=VERSION" each
+};
+
+// Both run the job from its submission to its end, show the packages as a table and return the exit
+// code. They raise Failure like runJob(), and where a query found no catalogue.
+int query(const QueryOptions& options, const Surroundings& surroundings);
+int download(const DownloadOptions& options, const Surroundings& surroundings);
+
+}  // namespace kelvane::console

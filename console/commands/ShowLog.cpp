@@ -1,0 +1,70 @@
+#include "console/commands/ShowLog.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "console/commands/Arguments.h"
+#include "console/display/Colour.h"
+#include "console/job/ExitCode.h"
+#include "console/job/LogFile.h"
+#include "platform/Json.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+// What is of no known level is shown like the gravest.
+std::ptrdiff_t gravity(const std::string& level) {
+  return std::find(std::begin(kLogLevels), std::end(kLogLevels), level) - std::begin(kLogLevels);
+}
+
+bool isWanted(const LogEntry& entry, const ShowLogOptions& options) {
+  return gravity(entry.level) >= gravity(options.level) &&
+         (options.function.empty() || entry.function == options.function);
+}
+
+std::string folded(const std::string& message) {
+  const std::size_t end = message.find('\n');
+  if (end == std::string::npos) return message;
+  const auto more = std::count(message.begin(), message.end(), '\n');
+  return message.substr(0, end) + " ... (" + std::to_string(more) +
+         (more == 1 ? " more line)" : " more lines)");
+}
+
+std::string lineOf(const LogEntry& entry, bool full, const Screen& screen) {
+  std::string head = entry.time + ' ';
+  if (entry.level != kLogLevels[0]) head += entry.level + ' ';
+  if (!entry.function.empty()) head += entry.function + ": ";
+  const std::string text =
+      displayLines(head + (full ? entry.message : folded(entry.message)), screen.charset);
+  return gravity(entry.level) >= gravity("error") ? coloured(text, Colour::red, screen.colour)
+                                                  : text;
+}
+
+std::string jsonOf(const LogEntry& entry, Charset charset) {
+  // Repaired: the log may hold a line that a crash has cut inside a character.
+  return platform::printJsonLine(
+             Value::dictionary({{"time", displayText(entry.time, charset)},
+                                {"file", displayText(entry.file, charset)},
+                                {"line", displayText(entry.line, charset)},
+                                {"function", displayText(entry.function, charset)},
+                                {"level", displayText(entry.level, charset)},
+                                {"message", displayLines(entry.message, charset)}}))
+      .value_or("null");
+}
+
+}  // namespace
+
+int showLog(const ShowLogOptions& options, const Screen& screen) {
+  for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
+    if (!isWanted(entry, options)) continue;
+    screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
+               << '\n';
+  }
+  screen.out.flush();
+  return kSuccess;
+}
+
+}  // namespace kelvane::console

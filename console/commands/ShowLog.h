@@ -1,0 +1,24 @@
+// The sub-command log: the worker's log, filtered and folded.
+#pragma once
+
+#include <string>
+
+#include "console/display/Screen.h"
+
+namespace kelvane::console {
+
+struct ShowLogOptions {
+  std::string sharedFolder;
+  std::string level = "debug";  // the least that is shown
+  std::string function;         // empty: all
+  bool full = false;            // whether messages of several lines are shown whole
+};
+
+// The levels, in ascending order.
+inline constexpr const char* kLogLevels[] = {"debug", "info", "warning", "error", "critical"};
+
+// Shows the log's entries, one line each, objects folded; for machines a line of JSON each. Returns
+// the exit code. Raises Failure where there is no log to be read.
+int showLog(const ShowLogOptions& options, const Screen& screen);
+
+}  // namespace kelvane::console

@@ -1,0 +1,53 @@
+#include "console/commands/UpdateFw.h"
+
+#include "console/commands/Arguments.h"
+#include "console/job/ExitCode.h"
+#include "console/job/JobRecord.h"
+#include "platform/File.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+// The worker takes no more of an image's path: a longer one would lead to another file.
+constexpr std::size_t kMostPathBytes = 255;
+
+std::string absoluteImage(const std::string& path) {
+  std::string image = existingPath(path, "image");
+  if (platform::isFolder(image)) throw Failure(kBadUsage, "image " + path + " is a folder");
+  if (image.size() > kMostPathBytes) {
+    throw Failure(kBadUsage, "image " + image + ": the path is longer than " +
+                                 std::to_string(kMostPathBytes) + " bytes");
+  }
+  return image;
+}
+
+Value inputEntry(const std::string& update) {
+  const std::size_t sign = update.find('=');
+  if (sign == std::string::npos) {
+    throw Failure(kBadUsage, "\"" + update + "\" is not of the form WWN=IMAGE");
+  }
+  const std::string wwn = update.substr(0, sign);
+  requireText(wwn, "the WWN of \"" + update + "\"");
+  return Value::dictionary(
+      {{job::kWwn, wwn}, {job::kFilePath, absoluteImage(update.substr(sign + 1))}});
+}
+
+Value inputParameters(const std::vector<std::string>& updates) {
+  if (updates.empty()) throw Failure(kBadUsage, "no WWN=IMAGE is given");
+  Value inputs = Value::array();
+  for (const std::string& update : updates) inputs.append(inputEntry(update));
+  return inputs;
+}
+
+}  // namespace
+
+int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
+  const Value inputs = inputParameters(options.updates);
+  return exitCodeOf(runJob(options.job, job::kUpdateFW, inputs, surroundings));
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,20 @@
+// The sub-command update-fw: updates the firmware of controllers.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "console/commands/Submission.h"
+
+namespace kelvane::console {
+
+struct UpdateFwOptions {
+  JobOptions job;
+  std::vector<std::string> updates;  // "WWN=IMAGE" each
+};
+
+// Runs the job from its submission to its end and returns the exit code. Raises Failure like
+// runJob().
+int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings);
+
+}  // namespace kelvane::console

@@ -1,0 +1,67 @@
+#include "console/commands/UpdateSw.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "console/checks/Access.h"
+#include "console/checks/SettingsChecks.h"
+#include "console/commands/Arguments.h"
+#include "console/job/ExitCode.h"
+#include "console/job/JobRecord.h"
+#include "platform/File.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+// Where the application stands that is replaced, as the worker's settings say; empty where they do
+// not. Asked before the job: the settings go with the application.
+std::string installedApplication(const std::string& bundle) {
+  const Value settings = readJsonFile(productSettingsPath(bundle)).value;
+  if (!settings.isDictionary()) return {};
+  const Value& path = settings.get("AppPath");
+  return path.isString() ? path.string() : "";
+}
+
+std::string packagePath(const std::string& path) {
+  std::string package = existingPath(path, "package");
+  if (!platform::isFolder(package)) {
+    throw Failure(kBadUsage, "package " + path + " is no application bundle: it is a file");
+  }
+  return package;
+}
+
+// The worker would remove the package with the application.
+void refuseOwnPackage(const std::string& package, const std::string& installed) {
+  std::error_code failed;
+  const std::string inside = std::filesystem::weakly_canonical(package, failed).string() + "/";
+  const std::string outside = std::filesystem::weakly_canonical(installed, failed).string() + "/";
+  if (!installed.empty() && inside.rfind(outside, 0) == 0) {
+    throw Failure(kBadUsage, "package " + package + " lies in the application at " + installed +
+                                 " and would be removed with it");
+  }
+}
+
+}  // namespace
+
+int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
+  const std::string package = packagePath(options.package);
+  const std::string installed = installedApplication(options.job.bundle);
+  refuseOwnPackage(package, installed);
+  const Value inputs = Value::dictionary({{job::kFilePath, package}});
+  const Look finished = runJob(options.job, job::kUpdateSW, inputs, surroundings);
+  if (!installed.empty() && !platform::exists(installed)) {
+    throw Failure(kJobFailed, "no application stands at " + installed +
+                                  ": it was removed, and the new one was not copied");
+  }
+  if (!installed.empty() && !surroundings.screen.json) {
+    surroundings.screen.out << "installed at "
+                            << displayText(installed, surroundings.screen.charset) << std::endl;
+  }
+  return exitCodeOf(finished);
+}
+
+}  // namespace kelvane::console

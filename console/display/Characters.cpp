@@ -1,0 +1,22 @@
+#include "console/display/Characters.h"
+
+namespace kelvane::console {
+
+std::size_t lengthOfFirst(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  if (first < 0x80) return 1;
+  if (first < 0xE0) return 2;
+  return first < 0xF0 ? 3 : 4;
+}
+
+std::uint32_t decoded(std::string_view character) {
+  const auto first = static_cast<unsigned char>(character.front());
+  if (character.size() == 1) return first;
+  std::uint32_t code = first & (0x7FU >> character.size());
+  for (const char byte : character.substr(1)) {
+    code = code << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
+  }
+  return code;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,22 @@
+// The view for machines: the record as one line of JSON, at every change.
+#pragma once
+
+#include <ostream>
+
+#include "console/job/View.h"
+
+namespace kelvane::console {
+
+class JsonView : public View {
+ public:
+  // The stream is not owned and must outlive the view.
+  explicit JsonView(std::ostream& out) : out_(out) {}
+
+  void show(const Look& look) override;
+
+ private:
+  std::ostream& out_;
+  platform::Value shown_;
+};
+
+}  // namespace kelvane::console

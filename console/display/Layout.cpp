@@ -1,0 +1,179 @@
+#include "console/display/Layout.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "console/display/JobText.h"
+#include "console/display/Wrapping.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr std::size_t kMostNameColumns = 24;
+constexpr std::size_t kFewestBarColumns = 5;
+constexpr std::size_t kMostBarColumns = 30;
+constexpr std::size_t kPercentColumns = 5;  // " 100%"
+constexpr std::string_view kGap = "  ";
+
+struct Bar {
+  std::string_view label;
+  std::string_view shortLabel;  // side by side
+  int ControllerStatus::*percent;
+};
+
+constexpr Bar kBars[] = {
+    {"cpld", "cpld", &ControllerStatus::cpld},
+    {"firmware", "fw", &ControllerStatus::firmware},
+    {"total", "total", &ControllerStatus::total},
+};
+constexpr std::size_t kPhaseColumns = 8;
+constexpr std::size_t kLongestLabel = 8;
+constexpr std::size_t kStackedLines = 1 + std::size(kBars);
+
+// How the controllers of one job are laid out, the same for all of them.
+struct Plan {
+  bool sideBySide = false;
+  std::size_t columns = 0;  // of a line
+  std::size_t nameColumns = 0;
+  std::size_t barColumns = 0;
+  Charset charset = Charset::ascii;
+};
+
+std::size_t roomAfter(std::size_t columns, std::size_t taken) {
+  return columns > taken ? columns - taken : 0;
+}
+
+std::size_t longestName(const JobStatus& status) {
+  std::size_t longest = 0;
+  for (const ControllerStatus& controller : status.controllers) {
+    longest = std::max(longest, displayName(controller.wwn).size());
+  }
+  return longest;
+}
+
+// What one line takes besides the name and the bars proper.
+constexpr std::size_t sideBySideRest() {
+  std::size_t columns = kGap.size() + kPhaseColumns;
+  for (const Bar& bar : kBars) columns += kGap.size() + bar.shortLabel.size() + 1 + kPercentColumns;
+  return columns;
+}
+
+Plan planFor(const JobStatus& status, std::size_t columns, Charset charset) {
+  Plan plan;
+  plan.columns = columns;
+  plan.charset = charset;
+  plan.nameColumns = std::min(longestName(status), kMostNameColumns);
+  plan.barColumns = roomAfter(columns, plan.nameColumns + sideBySideRest()) / std::size(kBars);
+  plan.sideBySide = plan.barColumns >= kFewestBarColumns;
+  if (!plan.sideBySide) {
+    plan.nameColumns = columns;
+    plan.barColumns = roomAfter(columns, kGap.size() + kLongestLabel + 1 + kPercentColumns);
+  }
+  plan.barColumns = std::min(plan.barColumns, kMostBarColumns);
+  return plan;
+}
+
+std::string repeated(std::string_view text, std::size_t count) {
+  std::string all;
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+std::string barText(int percent, const Plan& plan) {
+  const std::size_t filled = plan.barColumns * static_cast<std::size_t>(percent) / 100;
+  const bool inAscii = plan.charset == Charset::ascii;
+  const std::string_view full = inAscii ? "#" : "\xE2\x96\x88";   // U+2588 full block
+  const std::string_view empty = inAscii ? "-" : "\xE2\x96\x91";  // U+2591 light shade
+  std::string number = std::to_string(percent) + "%";
+  number.insert(0, roomAfter(kPercentColumns, number.size()), ' ');
+  return repeated(full, filled) + repeated(empty, plan.barColumns - filled) + number;
+}
+
+std::string padded(std::string_view text, std::size_t columns) {
+  return std::string(text) + std::string(roomAfter(columns, text.size()), ' ');
+}
+
+std::string nameText(const ControllerStatus& controller, const Plan& plan) {
+  const std::string name = displayName(controller.wwn);
+  // Padded by its columns, which a name shortened with a three-byte ellipsis has not as bytes.
+  return shortened(name, plan.nameColumns, plan.charset) +
+         std::string(roomAfter(plan.nameColumns, name.size()), ' ');
+}
+
+std::string sideBySideLine(const ControllerStatus& controller, const Plan& plan) {
+  std::string line = nameText(controller, plan);
+  line += kGap;
+  line += padded(phaseOf(controller), kPhaseColumns);
+  for (const Bar& bar : kBars) {
+    line += kGap;
+    line += bar.shortLabel;
+    line += ' ' + barText(controller.*bar.percent, plan);
+  }
+  return line;
+}
+
+// A terminal too narrow even for the labels shows what there is room for.
+std::string cutLabel(const Bar& bar, const Plan& plan) {
+  const std::size_t room = roomAfter(plan.columns, kPercentColumns + plan.barColumns);
+  return (std::string(kGap) + padded(bar.label, kLongestLabel) + ' ').substr(0, room);
+}
+
+void appendStacked(const ControllerStatus& controller, const Plan& plan,
+                   std::vector<std::string>& lines) {
+  const std::string phase = std::string(kGap) + phaseOf(controller);
+  const std::size_t room = roomAfter(plan.columns, phase.size());
+  const std::string name = displayName(controller.wwn);
+  lines.push_back(room == 0 ? shortened(name, plan.columns, plan.charset)
+                            : shortened(name, room, plan.charset) + phase);
+  for (const Bar& bar : kBars) {
+    std::string line = cutLabel(bar, plan) + barText(controller.*bar.percent, plan);
+    if (plan.barColumns == 0) line.resize(std::min(line.size(), plan.columns));
+    lines.push_back(line);
+  }
+}
+
+// The first controller to show where only `room` of them can be shown.
+std::size_t firstShown(const JobStatus& status, std::size_t room) {
+  const auto& all = status.controllers;
+  const auto active = std::find_if(all.begin(), all.end(),
+                                   [](const ControllerStatus& one) { return one.total < 100; });
+  const auto index = static_cast<std::size_t>(active - all.begin());
+  return std::min(index, roomAfter(all.size(), room));
+}
+
+void appendControllers(const JobStatus& status, std::size_t rows, const Plan& plan,
+                       std::vector<std::string>& lines) {
+  const std::size_t linesEach = plan.sideBySide ? 1 : kStackedLines;
+  const std::size_t room = std::max<std::size_t>(rows / linesEach, 1);
+  const std::size_t first = firstShown(status, room);
+  const std::size_t end = std::min(first + room, status.controllers.size());
+  for (std::size_t i = first; i < end; ++i) {
+    const ControllerStatus& controller = status.controllers[i];
+    if (plan.sideBySide) {
+      lines.push_back(sideBySideLine(controller, plan));
+    } else {
+      appendStacked(controller, plan, lines);
+    }
+  }
+}
+
+std::vector<std::string> silenceLines(const Look& look, std::size_t columns) {
+  const std::string text = silenceText(look);
+  return text.empty() ? std::vector<std::string>() : wrapped(text, columns);
+}
+
+}  // namespace
+
+std::vector<std::string> statusLines(const Look& look, TerminalSize size, Charset charset) {
+  const JobStatus& status = look.status;
+  const Plan plan = planFor(status, std::max<std::size_t>(roomAfter(size.columns, 1), 1), charset);
+  const std::vector<std::string> silence = silenceLines(look, plan.columns);
+  const std::string head = jobLine(status, Charset::ascii) + ", " + timeText(look.elapsed);
+  std::vector<std::string> lines = {shortened(head, plan.columns, charset)};
+  appendControllers(status, roomAfter(size.rows, 2 + silence.size()), plan, lines);
+  lines.insert(lines.end(), silence.begin(), silence.end());
+  return lines;
+}
+
+}  // namespace kelvane::console

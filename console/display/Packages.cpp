@@ -1,0 +1,76 @@
+#include "console/display/Packages.h"
+
+#include <fmt/format.h>
+
+#include "console/job/JobRecord.h"
+#include "platform/File.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+std::string textOf(const Value& value) {
+  if (value.isString()) return value.string();
+  return value.isNumber() ? value.digits() : "-";
+}
+
+// In decimal units, as disks are sold: "1.2 GB". What is no number stands as it is.
+std::string sizeText(const Value& size) {
+  if (!size.isNumber()) return textOf(size);
+  const char* const units[] = {"kB", "MB", "GB", "TB"};
+  auto amount = static_cast<double>(size.integerValue());
+  if (amount < 1000) return textOf(size) + " B";
+  const char* unit = "";
+  for (const char* next : units) {
+    if (amount < 1000) break;
+    amount /= 1000;
+    unit = next;
+  }
+  return fmt::format("{:.1f} {}", amount, unit);
+}
+
+std::string fileName(const Value& codebase) {
+  const std::string url = textOf(codebase);
+  return url.substr(url.rfind('/') + 1);
+}
+
+bool isThere(const Value& path) { return path.isString() && platform::exists(path.string()); }
+
+}  // namespace
+
+Table offeredPackages(const Value& rules) {
+  Table table({{"Product"}, {"Version"}, {"Size", true}, {"System"}, {"Package"}});
+  for (const Value& rule : rules.elements()) {
+    if (!rule.isDictionary()) continue;
+    table.addRow({textOf(rule.get(job::kRuleProductId)), textOf(rule.get(job::kRuleVersion)),
+                  sizeText(rule.get(job::kRuleSize)), textOf(rule.get(job::kRuleMinimumOs)),
+                  fileName(rule.get(job::kRuleCodebase))});
+  }
+  return table;
+}
+
+Table downloadedPackages(const Value& descriptions) {
+  Table table({{"Product"}, {"Version"}, {"Size", true}, {"Present"}, {"Path"}});
+  for (const Value& description : descriptions.elements()) {
+    if (!description.isDictionary()) continue;
+    const Value& path = description.get(job::kFilePath);
+    table.addRow({textOf(description.get(job::kProductId)), textOf(description.get(job::kVersion)),
+                  sizeText(description.get(job::kSize)), isThere(path) ? "yes" : "no",
+                  textOf(path)});
+  }
+  return table;
+}
+
+void showPackages(const Value& record, const Screen& screen) {
+  const Value& output = record.get(job::kOutput);
+  const Value& command = record.get(job::kJobId);
+  if (!output.isArray() || record.get(job::kStateId) != Value(job::kFree)) return;
+  if (command == Value(job::kGetOnlineUpdateData)) showTable(offeredPackages(output), screen);
+  if (command == Value(job::kDownloadOnlineUpdateFile)) {
+    showTable(downloadedPackages(output), screen);
+  }
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,19 @@
+// The screen: where a sub-command shows what came out, and how.
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+
+#include "console/display/DisplayText.h"
+
+namespace kelvane::console {
+
+struct Screen {
+  std::ostream& out;  // not owned
+  Charset charset = Charset::ascii;
+  std::size_t columns = 0;  // no line may be longer; 0: lines may be as long as they like
+  bool colour = false;
+  bool json = false;  // for machines
+};
+
+}  // namespace kelvane::console

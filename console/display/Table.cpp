@@ -1,0 +1,90 @@
+#include "console/display/Table.h"
+
+#include <algorithm>
+
+#include "console/display/Wrapping.h"
+
+namespace kelvane::console {
+namespace {
+
+using Row = std::vector<std::string>;
+
+constexpr std::size_t kGap = 2;
+
+std::string padding(const std::string& text, std::size_t columns) {
+  return std::string(columns - std::min(columns, columnsOf(text)), ' ');
+}
+
+std::vector<Row> displayed(const std::vector<Row>& rows, Charset charset) {
+  std::vector<Row> all;
+  for (const Row& row : rows) {
+    Row& shown = all.emplace_back();
+    for (const std::string& cell : row) shown.push_back(displayText(cell, charset));
+  }
+  return all;
+}
+
+std::string lineOf(const Row& row, const std::vector<Column>& columns,
+                   const std::vector<std::size_t>& widths) {
+  std::string line;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (i > 0) line.append(kGap, ' ');
+    const std::string blanks = padding(row[i], widths[i]);
+    line += columns[i].toTheRight ? blanks + row[i] : row[i] + blanks;
+  }
+  return line.substr(0, line.find_last_not_of(' ') + 1);
+}
+
+std::vector<std::size_t> widthsOf(const Row& titles, const std::vector<Row>& rows) {
+  std::vector<std::size_t> widths(titles.size());
+  for (std::size_t i = 0; i < titles.size(); ++i) {
+    widths[i] = columnsOf(titles[i]);
+    for (const Row& row : rows) widths[i] = std::max(widths[i], columnsOf(row[i]));
+  }
+  return widths;
+}
+
+// Cells of several bytes a character are cut as they are: displayName has one column a byte.
+std::string fitted(const std::string& text, std::size_t columns, Charset charset) {
+  return columnsOf(text) <= columns ? text : shortened(displayName(text), columns, charset);
+}
+
+std::vector<std::string> stackedLines(const Row& titles, const std::vector<Row>& rows,
+                                      std::size_t columns, Charset charset) {
+  std::size_t titleWidth = 0;
+  for (const std::string& title : titles) titleWidth = std::max(titleWidth, columnsOf(title));
+  std::vector<std::string> lines;
+  for (const Row& row : rows) {
+    if (!lines.empty()) lines.emplace_back();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const std::string head = titles[i] + padding(titles[i], titleWidth + kGap);
+      const std::size_t room = columns - std::min(columns, columnsOf(head));
+      lines.push_back(fitted(head + fitted(row[i], room, charset), columns, charset));
+    }
+  }
+  return lines;
+}
+
+}  // namespace
+
+std::vector<std::string> Table::lines(std::size_t columns, Charset charset) const {
+  Row titles;
+  for (const Column& column : columns_) titles.push_back(column.title);
+  const std::vector<Row> rows = displayed(rows_, charset);
+  const std::vector<std::size_t> widths = widthsOf(titles, rows);
+  std::size_t width = kGap * (widths.size() - 1);
+  for (const std::size_t one : widths) width += one;
+  if (columns != 0 && width > columns) return stackedLines(titles, rows, columns, charset);
+  std::vector<std::string> lines = {lineOf(titles, columns_, widths)};
+  for (const Row& row : rows) lines.push_back(lineOf(row, columns_, widths));
+  return lines;
+}
+
+void showTable(const Table& table, const Screen& screen) {
+  for (const std::string& line : table.lines(screen.columns, screen.charset)) {
+    screen.out << line << '\n';
+  }
+  screen.out.flush();
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,24 @@
+// The terminal the console runs in: what its output is and can show.
+#pragma once
+
+#include <memory>
+#include <ostream>
+
+#include "console/display/DisplayText.h"
+#include "console/display/Screen.h"
+#include "console/job/View.h"
+
+namespace kelvane::console {
+
+// What the user's locale can show; takes that locale over for characters.
+Charset charsetOfLocale();
+
+// Standard output, which `out` writes to; takes the user's locale over for characters. Colour only
+// in a terminal, and not where the environment has NO_COLOR.
+Screen screenOfStandardOutput(std::ostream& out, bool json);
+
+// The view of a followed job on that screen: lines of JSON for machines, bars in a terminal, plain
+// lines elsewhere. It writes to the screen's stream.
+std::unique_ptr<View> viewOn(const Screen& screen);
+
+}  // namespace kelvane::console

@@ -1,0 +1,37 @@
+#include "console/job/Clock.h"
+
+#include <csignal>
+#include <ctime>
+
+namespace kelvane::console {
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+extern "C" void noteInterrupt(int /*signal*/) { interrupted = 1; }
+
+}  // namespace
+
+SystemClock::SystemClock() {
+  struct sigaction action = {};
+  action.sa_handler = noteInterrupt;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  ::sigaction(SIGINT, &action, nullptr);
+}
+
+std::chrono::milliseconds SystemClock::now() {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now().time_since_epoch());
+}
+
+bool SystemClock::wait(std::chrono::milliseconds time) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+  const std::chrono::nanoseconds rest = time - seconds;
+  std::timespec span = {};
+  span.tv_sec = static_cast<std::time_t>(seconds.count());
+  span.tv_nsec = static_cast<decltype(span.tv_nsec)>(rest.count());
+  if (interrupted == 0) ::nanosleep(&span, nullptr);  // a signal ends it early: one look more
+  return interrupted == 0;
+}
+
+}  // namespace kelvane::console

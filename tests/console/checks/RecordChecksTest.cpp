@@ -1,0 +1,131 @@
+// The checks of the job file's records.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "console/checks/RecordChecks.h"
+#include "platform/Json.h"
+#include "tests/console/checks/FindingTexts.h"
+
+namespace kelvane::console {
+namespace {
+
+using platform::parseJson;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// The job with the log id "run" is run by a worker.
+Findings findings(const std::string& records) {
+  return recordFindings("F", parseJson(records), [](const std::string& id) { return id == "run"; });
+}
+
+std::vector<std::string> found(const std::string& records) { return inShort(findings(records)); }
+
+std::string record(const std::string& command, const std::string& inputs) {
+  return R"({"log_id": "1", "job_id": ")" + command + R"(", "state_id": "WAIT",
+             "input_parameters": )" +
+         inputs + "}";
+}
+
+// What speaks against a waiting job.
+std::string fault(const std::string& command, const std::string& inputs) {
+  return whyNotStarted(parseJson(record(command, inputs)));
+}
+
+constexpr char kProduct[] = R"({"productid": "p", "version": "1", "url": "u", "folder": "/f"})";
+
+TEST(RecordChecks, EveryCommandWithItsParametersIsFine) {
+  EXPECT_EQ(fault("getOnlineUpdateData", kProduct), "");
+  EXPECT_EQ(fault("downloadOnlineUpdateFile", std::string("[") + kProduct + ", {}]"), "");
+  EXPECT_EQ(fault("updateSW", R"({"file_path": "/a"})"), "");
+  EXPECT_EQ(fault("updateFW", R"([{"wwn": "A", "file_path": "/a"}])"), "");
+}
+
+TEST(RecordChecks, ParametersOfEveryCommandAreExamined) {
+  EXPECT_EQ(fault("getOnlineUpdateData", "[]"), "input_parameters is no object");
+  EXPECT_EQ(fault("getOnlineUpdateData", R"({"productid": "p"})"),
+            "input_parameters has no \"version\"");
+  EXPECT_EQ(fault("getOnlineUpdateData", R"({"productid": 5})"),
+            "input_parameters has a \"productid\" that is no string");
+  EXPECT_EQ(fault("downloadOnlineUpdateFile", kProduct), "input_parameters is no array");
+  EXPECT_EQ(fault("downloadOnlineUpdateFile", "[]"), "input_parameters is an empty array");
+  EXPECT_EQ(fault("downloadOnlineUpdateFile", "[{}]"), "input_parameters[0] has no \"productid\"");
+  EXPECT_EQ(fault("updateSW", "{}"), "input_parameters has no \"file_path\"");
+  EXPECT_EQ(fault("updateFW", R"([{"wwn": "A", "file_path": "/a"}, {"wwn": "B"}])"),
+            "input_parameters[1] has no \"file_path\"");
+  EXPECT_EQ(fault("updateFW", "[5]"), "input_parameters[0] is no object");
+}
+
+TEST(RecordChecks, UnknownCommandIsAnErrorOfAWaitingJob) {
+  EXPECT_EQ(findings("[" + record("updateHW", "{}") + "]"),
+            (Findings{{Severity::error,
+                       "F: job 1 cannot be run: job_id is \"updateHW\", which is no command of the "
+                       "worker's",
+                       "The worker leaves the job as it is, or ends it without having done "
+                       "anything.",
+                       "Compare the record with the examples of its command, and add it anew."}}));
+}
+
+TEST(RecordChecks, ElementThatIsNoObjectIsAnError) {
+  EXPECT_THAT(found("[5, null, [1]]"), ElementsAre("error: F: element 1 is no object: 5",
+                                                   "error: F: element 2 is no object: null",
+                                                   "error: F: element 3 is no object: [1]"));
+}
+
+TEST(RecordChecks, LogIdHasToBeAText) {
+  EXPECT_THAT(found(R"([{"log_id": 17}, {"log_id": null}, {}])"),
+              ElementsAre("error: F: element 1 has a log_id that is no string: 17",
+                          "error: F: element 2 has a log_id that is no string: null",
+                          "warning: F: element 3 has no log_id"));
+}
+
+TEST(RecordChecks, RequiredKeysAreExamined) {
+  EXPECT_THAT(found(R"([
+      {"log_id": "1", "state_id": "WAIT", "input_parameters": {}},
+      {"log_id": "2", "job_id": "updateSW", "input_parameters": {}},
+      {"log_id": "3", "job_id": "updateSW", "state_id": "WAIT"},
+      {"log_id": "4", "job_id": 5, "state_id": "WAIT", "input_parameters": {}},
+      {"log_id": "5", "job_id": "updateSW", "state_id": 5, "input_parameters": {}}])"),
+              ElementsAre("error: F: job 1 cannot be run: there is no job_id",
+                          "error: F: job 2 cannot be run: there is no state_id",
+                          "error: F: job 3 cannot be run: there is no input_parameters",
+                          "error: F: job 4 cannot be run: job_id is no string",
+                          "error: F: job 5 cannot be run: state_id is no string"));
+}
+
+TEST(RecordChecks, FinishedJobThatIsNotWholeIsAWarning) {
+  EXPECT_THAT(found(R"([{"log_id": "1", "state_id": "FREE", "input_parameters": {}}])"),
+              ElementsAre("warning: F: job 1 is finished, and there is no job_id"));
+}
+
+TEST(RecordChecks, ParametersOfAFinishedJobAreNoConcern) {
+  EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
+                         "input_parameters": 5}])"),
+              IsEmpty());
+}
+
+TEST(RecordChecks, UnknownStateIsAnError) {
+  EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateSW", "state_id": "wait",
+                         "input_parameters": {"file_path": "/a"}}])"),
+              ElementsAre("error: F: job 1 cannot be run: state_id is \"wait\", which is none of "
+                          "WAIT, RUN, FREE"));
+}
+
+TEST(RecordChecks, RunningJobWithoutAWorkerIsAWarning) {
+  const std::string rest = R"(", "job_id": "updateSW", "state_id": "RUN", "input_parameters": {}})";
+  EXPECT_EQ(findings(R"([{"log_id": "1)" + rest + R"(, {"log_id": "run)" + rest + "]"),
+            (Findings{{Severity::warning, "F: job 1 is in state RUN, and no worker for it is seen",
+                       "Its worker was killed, or gave up with an error line in the log. Nothing "
+                       "takes the job up.",
+                       "See \"explain 1\" for the job; then add it anew under another log_id."}}));
+}
+
+TEST(RecordChecks, LogIdThatStandsTwiceIsOneWarning) {
+  const std::string job =
+      R"({"log_id": "7", "job_id": "x", "state_id": "FREE", "input_parameters": {}})";
+  EXPECT_THAT(found("[" + job + "," + job + "," + job + "]"),
+              ElementsAre("warning: F: 3 jobs have the log_id 7"));
+}
+
+}  // namespace
+}  // namespace kelvane::console

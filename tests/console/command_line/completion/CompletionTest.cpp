@@ -1,0 +1,151 @@
+// The completion scripts: bash's at work in a real bash, the others' by what they name.
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <gtest/gtest.h>
+
+#include "console/command_line/CommandLine.h"
+#include "console/command_line/completion/Completion.h"
+#include "console/display/ShellQuoting.h"
+#include "tests/support/LogLine.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
+
+namespace kelvane::console {
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::string scriptFor(const std::string& shell) {
+  const CommandLine commandLine;
+  return completionScript(shell, shapeOf(commandLine.app()));
+}
+
+class BashCompletionTest : public ::testing::Test {
+ protected:
+  BashCompletionTest() {
+    std::filesystem::create_directories(folder / "an image");
+    folder.write("an image.img", "");
+    folder.write("other.txt", "");
+  }
+  // What bash offers for the last of these words, sorted.
+  Words offered(const Words& words) const {
+    std::string script = scriptFor("bash") + "COMP_WORDS=(kelvane-console";
+    for (const std::string& word : words) script += " " + shellQuoted(word);
+    script += ")\nCOMP_CWORD=" + std::to_string(words.size()) +
+              "\n_kelvane_console\nfor word in \"${COMPREPLY[@]}\"; do echo \"$word\"; done\n";
+    const auto ended =
+        testing::runProgram({"/usr/bin/env", "bash", "--norc", "-c", script}, folder.path());
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_EQ(ended.err, "");
+    Words found = testing::splitLines(ended.out);
+    std::sort(found.begin(), found.end());
+    return found;
+  }
+
+  testing::TempFolder folder;
+};
+
+TEST_F(BashCompletionTest, OffersEverySubCommandFirst) {
+  const CommandLine commandLine;
+  const Words found = offered({""});
+  for (const CLI::App* command : commandLine.app().get_subcommands({})) {
+    EXPECT_EQ(std::count(found.begin(), found.end(), command->get_name()), 1)
+        << command->get_name();
+  }
+}
+
+TEST_F(BashCompletionTest, CompletesASubCommand) {
+  EXPECT_EQ(offered({"update"}), (Words{"update-fw", "update-sw"}));
+}
+
+TEST_F(BashCompletionTest, CompletesOptionsOfTheSubCommand) {
+  EXPECT_EQ(offered({"query", "--u"}), Words{"--url"});
+  EXPECT_EQ(offered({"update-fw", "--u"}), Words());
+}
+
+TEST_F(BashCompletionTest, OffersEveryOptionOfEverySubCommand) {
+  const CommandLine commandLine;
+  for (const CommandShape& command : shapeOf(commandLine.app()).commands) {
+    const Words found = offered({command.name, "-"});
+    for (const OptionShape& option : command.options) {
+      EXPECT_EQ(std::count(found.begin(), found.end(), option.names.back()), 1)
+          << command.name << " " << option.names.back();
+    }
+  }
+}
+
+TEST_F(BashCompletionTest, OffersFoldersForAFolder) {
+  EXPECT_EQ(offered({"query", "--shared", ""}), Words{"an image"});
+}
+
+TEST_F(BashCompletionTest, OffersFilesForAPath) {
+  EXPECT_EQ(offered({"query", "--worker", "o"}), Words{"other.txt"});
+}
+
+TEST_F(BashCompletionTest, ReadsAValueAfterAnEqualsSign) {
+  EXPECT_EQ(offered({"query", "--shared", "="}), Words{"an image"});
+  EXPECT_EQ(offered({"query", "--worker", "=", "o"}), Words{"other.txt"});
+}
+
+TEST_F(BashCompletionTest, OffersNothingForAValueThatIsTheUsersOwn) {
+  EXPECT_EQ(offered({"query", "--log-id", ""}), Words());
+}
+
+TEST_F(BashCompletionTest, OffersFoldersForAnApplication) {
+  EXPECT_EQ(offered({"update-sw", "an"}), Words{"an image"});
+}
+
+TEST_F(BashCompletionTest, OffersImagesBehindAController) {
+  EXPECT_EQ(offered({"update-fw", "5000A1", "=", "an"}), (Words{"an image", "an image.img"}));
+}
+
+TEST_F(BashCompletionTest, OffersWordsWhereThereAreFew) {
+  EXPECT_EQ(offered({"completion", ""}), (Words{"bash", "fish", "zsh"}));
+  EXPECT_EQ(offered({"completion", "z"}), Words{"zsh"});
+}
+
+TEST_F(BashCompletionTest, LeavesTheUsersVariablesAlone) {
+  const auto ended = testing::runProgram(
+      {"/usr/bin/env", "bash", "--norc", "-c",
+       scriptFor("bash") + "word=mine\nCOMP_WORDS=(kelvane-console q)\nCOMP_CWORD=1\n"
+                           "_kelvane_console\necho $word $command $COMPREPLY"},
+      folder.path());
+  EXPECT_EQ(ended.out, "mine query\n");
+}
+
+class CompletionFor : public ::testing::TestWithParam<std::string> {
+ protected:
+  static bool names(const std::string& text) {
+    return scriptFor(GetParam()).find(text) != std::string::npos;
+  }
+  // An option as the shell's script names it: fish has its own way.
+  static std::string asNamed(const std::string& option) {
+    return GetParam() == "fish" ? " -l " + option.substr(2) + " " : option;
+  }
+};
+
+TEST_P(CompletionFor, NamesEverySubCommandAndOption) {
+  const CommandLine commandLine;
+  for (const CLI::App* command : commandLine.app().get_subcommands({})) {
+    EXPECT_TRUE(names(command->get_name())) << command->get_name();
+    for (const CLI::Option* option : command->get_options()) {
+      if (option->get_positional()) continue;
+      EXPECT_TRUE(names(asNamed("--" + option->get_lnames().at(0)))) << option->get_name();
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryShell, CompletionFor, ::testing::ValuesIn(completionShells()),
+                         [](const auto& test) { return test.param; });
+
+TEST(Completion, KnowsNoOtherShell) {
+  EXPECT_THROW(completionScript("dash", CommandShape()), std::out_of_range);
+}
+
+}  // namespace
+}  // namespace kelvane::console

@@ -1,0 +1,158 @@
+// The sub-command check: what it shows, and its exit codes.
+
+#include <filesystem>
+
+#include "console/commands/Check.h"
+#include "console/job/ExitCode.h"
+#include "platform/Json.h"
+#include "tests/console/ConsoleWorld.h"
+#include "tests/console/checks/FindingTexts.h"
+#include "tests/support/OrdinaryUser.h"
+
+namespace kelvane::console {
+namespace {
+
+namespace fs = std::filesystem;
+
+using platform::Value;
+
+class CheckTest : public ConsoleWorld {
+ protected:
+  // A shared folder without findings.
+  CheckTest() {
+    makeWorker("");
+    folder.write(kTestJobFile, "[]");
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    folder.write("shared/utility/config/setting.json",
+                 R"({"AppPath": ")" + (folder / "Manager.app") + "\"}");
+    const std::string engine =
+        folder.write("Manager.app/Contents/Resources/EngineRunner", "#!/bin/sh\n");
+    fs::permissions(engine, fs::perms::owner_all);
+  }
+  int run() { return runHere(check, options); }
+  std::string found() const {
+    return asLines(findingsOf(folder / "shared/", "", [](const std::string&) { return false; }));
+  }
+
+  CheckOptions options{folder / "shared", ""};
+};
+
+TEST_F(CheckTest, WithoutFindingsItSaysWhatWasLookedAt) {
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "no findings\n"
+            "  job file  " +
+                (folder / kTestJobFile) + "\n" + "  log       " +
+                (folder / "shared/utility/logs/TarselVistrelUtility.txt") + "\n  settings  " +
+                (folder / "shared/utility/config/setting.json") +
+                "\n  bundle    none was given, none was looked at\n");
+}
+
+TEST_F(CheckTest, BeforeTheFirstJobItSaysThatThereIsNoJobFileYet) {
+  fs::remove(folder / kTestJobFile);
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_NE(shown.str().find((folder / kTestJobFile) + " (there is none yet)\n"),
+            std::string::npos);
+}
+
+TEST_F(CheckTest, FindingsAreShownWithTheirMeaningAndCounted) {
+  fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
+  folder.write(kTestJobFile, "{}");
+  EXPECT_EQ(run(), kFindings);
+  EXPECT_EQ(shown.str(),
+            "error: " + (folder / kTestJobFile) +
+                " is an object, not an array of records\n"
+                "  means  The worker finds no job in it and starts nothing.\n"
+                "  to do  Put the records into an array, or move the file away.\n"
+                "warning: open " +
+                (folder / "shared/utility/logs/TarselVistrelUtility.txt") +
+                ": No such file or directory\n"
+                "  means  The worker never makes the log. Nothing is logged, and jobs run all the "
+                "same: what a job did cannot be told afterwards.\n"
+                "  to do  Make an empty file there.\n"
+                "1 error, 1 warning\n");
+}
+
+TEST_F(CheckTest, SeveritiesAreColoured) {
+  fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
+  folder.write(kTestJobFile, "{}");
+  screen.colour = true;
+  run();
+  EXPECT_EQ(shown.str().rfind("\x1b[31merror\x1b[0m: ", 0), 0U);
+  EXPECT_NE(shown.str().find("\n\x1b[33mwarning\x1b[0m: open "), std::string::npos);
+}
+
+TEST_F(CheckTest, ForMachinesTheFindingsAreAList) {
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "[]\n");
+  shown.str("");
+  folder.write(kTestJobFile, "{}");
+  EXPECT_EQ(run(), kFindings);
+  const Value all = platform::parseJson(shown.str());
+  ASSERT_EQ(all.count(), 1U);
+  EXPECT_EQ(all.at(0).get("severity"), Value("error"));
+  EXPECT_EQ(all.at(0).get("what"),
+            Value((folder / kTestJobFile) + " is an object, not an array of records"));
+  EXPECT_TRUE(all.at(0).get("meaning").isString());
+  EXPECT_TRUE(all.at(0).get("advice").isString());
+}
+
+TEST_F(CheckTest, AMissingSharedFolderIsTheOneFindingOfIt) {
+  fs::remove_all(folder / "shared");
+  EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " does not exist\n");
+  folder.write("shared", "");
+  EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " does not exist\n");
+}
+
+TEST_F(CheckTest, ASharedFolderThatCannotBeEnteredIsTheOneFindingOfIt) {
+  fs::permissions(folder.path(), fs::perms(0755));
+  const testing::PermissionBits bits(folder / "shared", 0);
+  EXPECT_EQ(testing::asOrdinaryUser([this] { return found(); }),
+            "error: the shared folder " + (folder / "shared/") +
+                " cannot be entered: Permission denied\n");
+}
+
+TEST_F(CheckTest, ADownloadAreaThatCannotBeMadeIsAnError) {
+  folder.write("shared/tmp", "");
+  EXPECT_EQ(found(), "error: the download area cannot be changed: " + (folder / "shared/tmp") +
+                         ": Not a directory\n");
+}
+
+TEST_F(CheckTest, LeftoversAreToldWhereNoWorkerRuns) {
+  folder.write("shared/utility/command/.replace-a1b2c3", "");
+  EXPECT_EQ(found(),
+            "warning: " + (folder / "shared/utility/command/.replace-a1b2c3") + " is left over\n");
+}
+
+TEST_F(CheckTest, WhileAWorkerRunsItsTemporaryFileIsNoFinding) {
+  folder.write("shared/utility/command/.replace-a1b2c3", "");
+  folder.write(kTestJobFile, R"([{"log_id": "18", "job_id": "updateSW", "state_id": "RUN",
+                                  "input_parameters": {}}])");
+  EXPECT_EQ(asLines(findingsOf(folder / "shared/", "",
+                               [](const std::string& logId) { return logId == "18"; })),
+            "");
+}
+
+TEST_F(CheckTest, ADamagedJobFileDoesNotKeepItFromLookingAtTheRest) {
+  folder.write(kTestJobFile, "");
+  folder.write("shared/utility/config/setting.json", "{}");
+  EXPECT_EQ(found(), "error: " + (folder / kTestJobFile) + " is not JSON: it is empty\n" +
+                         "error: " + (folder / "shared/utility/config/setting.json") +
+                         ": \"AppPath\" is missing\n");
+}
+
+TEST_F(CheckTest, WithoutASharedFolderItIsBadUsage) {
+  options.sharedFolder = "";
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: the shared folder is missing\n");
+}
+
+TEST_F(CheckTest, TheBundlesSlashDoesNotCount) {
+  options.bundle = folder / "Manager.app///";
+  EXPECT_EQ(run(), kFindings);
+  EXPECT_NE(shown.str().find(folder / "Manager.app/Contents/Frameworks"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kelvane::console

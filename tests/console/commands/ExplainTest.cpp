@@ -1,0 +1,144 @@
+// The sub-command explain.
+
+#include <filesystem>
+
+#include "console/commands/Explain.h"
+#include "console/explain/ResultCodes.h"
+#include "console/job/ExitCode.h"
+#include "platform/Json.h"
+#include "tests/console/ConsoleWorld.h"
+
+namespace kelvane::console {
+namespace {
+
+using platform::Value;
+
+class ExplainTest : public ConsoleWorld {
+ protected:
+  int run(const std::string& subject) {
+    options.subject = subject;
+    return runHere(explain, options);
+  }
+  // A finished download with this log id in a shared folder.
+  void addJob(const std::string& logId) {
+    options.sharedFolder = folder / "shared";
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    folder.write(kTestJobFile, R"([{"log_id": ")" + logId +
+                                   R"(", "job_id": "downloadOnlineUpdateFile", "state_id": "FREE",
+                                       "result": 0, "resultStr": "no error"}])");
+  }
+
+  ExplainOptions options;
+};
+
+TEST_F(ExplainTest, ACodeInHexadecimalDigits) {
+  EXPECT_EQ(run("0x0402"), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "result 1026 (0x0402), kZorDeviceNotFound: the device was not found\n"
+            "  means      No controller has the WWN of an entry, or the job had no input "
+            "parameters. The controllers after it were not started.\n"
+            "  who acts   user\n"
+            "  to do      Switch the enclosure on, check its cable and the WWN, letter by letter.\n"
+            "  try again  yes\n");
+}
+
+TEST_F(ExplainTest, EveryKnownCodeInDecimalDigits) {
+  for (const ResultCode& code : resultCodes()) {
+    shown.str("");
+    EXPECT_EQ(run(std::to_string(code.code)), kSuccess);
+    EXPECT_NE(shown.str().find(code.name), std::string::npos);
+    EXPECT_NE(shown.str().find(code.meaning), std::string::npos);
+    EXPECT_NE(shown.str().find(code.advice), std::string::npos);
+  }
+}
+
+TEST_F(ExplainTest, ABare259IsExplainedForBothCommands) {
+  screen.json = true;
+  EXPECT_EQ(run("259"), kSuccess);
+  const Value all = platform::parseJson(shown.str());
+  ASSERT_EQ(all.count(), 2U);
+  EXPECT_EQ(all.at(0).get("note"), Value("This is so for downloadOnlineUpdateFile alone."));
+  EXPECT_EQ(all.at(1).get("subject"),
+            Value("result 259 (0x0103): a status of the controller framework's own"));
+  EXPECT_EQ(all.at(1).get("note"), Value("This is so for updateFW."));
+}
+
+TEST_F(ExplainTest, ANumberThatIsInNoTableIsAStatusOfTheFramework) {
+  EXPECT_EQ(run("0x8052"), kNotFound);
+  EXPECT_EQ(shown.str().substr(0, shown.str().find('\n')),
+            "result 32850 (0x8052): a status of the controller framework's own");
+  EXPECT_NE(shown.str().find("Read the job's resultStr"), std::string::npos);
+  EXPECT_EQ(shown.str().find("note"), std::string::npos);
+}
+
+TEST_F(ExplainTest, ANumberThatIsNoJobEitherSaysSo) {
+  addJob("17");
+  EXPECT_EQ(run("18"), kNotFound);
+  EXPECT_NE(shown.str().find("note       No job of the job file has this log id.\n"),
+            std::string::npos);
+}
+
+TEST_F(ExplainTest, WhatIsNeitherIsNotFound) {
+  for (const char* subject :
+       {"seventeen", "0x", "0x8050x", "4294967296", "-1", " 1", "0x100000000"}) {
+    messages.str("");
+    EXPECT_EQ(run(subject), kNotFound);
+    EXPECT_EQ(messages.str(), "kelvane-console: \"" + std::string(subject) +
+                                  "\" is no result code; for a log id name the shared folder\n");
+  }
+  EXPECT_EQ(shown.str(), "");
+}
+
+TEST_F(ExplainTest, ALogIdThatIsNotThereIsNotFound) {
+  addJob("17");
+  EXPECT_EQ(run("seventeen"), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: no job seventeen in " + (folder / kTestJobFile) +
+                                ", and it is no result code\n");
+}
+
+TEST_F(ExplainTest, AJob) {
+  addJob("17");
+  EXPECT_EQ(run("17"), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "job 17 (downloadOnlineUpdateFile): finished with result 0 (0x0000), kZorSuccess: no "
+            "error\n"
+            "  means      Every package is there; the output has the paths.\n"
+            "  who acts   nobody\n"
+            "  try again  no\n"
+            "  note       The log has no lines of this job.\n");
+}
+
+TEST_F(ExplainTest, ALogIdWinsOverACodeAndSaysHowToAskForThat) {
+  addJob("259");
+  EXPECT_EQ(run("259"), kSuccess);
+  EXPECT_EQ(shown.str().rfind("job 259 (downloadOnlineUpdateFile): ", 0), 0U);
+  EXPECT_NE(shown.str().find("\"explain 0x0103\" explains the result of that number."),
+            std::string::npos);
+  shown.str("");
+  EXPECT_EQ(run("0x0103"), kSuccess);
+  EXPECT_EQ(shown.str().rfind("result 259 (0x0103), kFileNotFound", 0), 0U);
+}
+
+TEST_F(ExplainTest, AMissingLogIsToldInANote) {
+  addJob("17");
+  std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
+  EXPECT_EQ(run("17"), kSuccess);
+  EXPECT_NE(shown.str().find("TarselVistrelUtility.txt does not exist"), std::string::npos);
+}
+
+TEST_F(ExplainTest, ADamagedJobFileHidesJobsButNoCodes) {
+  addJob("17");
+  folder.write(kTestJobFile, "[");
+  EXPECT_EQ(run("seventeen"), kJobFileFailed);
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / kTestJobFile) +
+                                " is damaged (no JSON array): left as it is\n");
+  EXPECT_EQ(run("0x0402"), kSuccess);
+}
+
+TEST_F(ExplainTest, WithoutASubjectItIsBadUsage) {
+  EXPECT_EQ(run(""), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: the code or log id is missing\n");
+}
+
+}  // namespace
+}  // namespace kelvane::console

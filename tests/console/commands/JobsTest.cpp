@@ -1,0 +1,139 @@
+// The sub-commands list, show and watch.
+
+#include <filesystem>
+
+#include <sys/stat.h>
+
+#include "console/commands/Jobs.h"
+#include "console/job/ExitCode.h"
+#include "platform/Json.h"
+#include "tests/console/ConsoleWorld.h"
+
+namespace kelvane::console {
+namespace {
+
+class JobsTest : public ConsoleWorld {
+ protected:
+  JobsTest() {
+    folder.write(kTestJobFile, R"([
+      {"log_id": "1", "job_id": "updateSW", "state_id": "FREE", "result": 0, "resultStr": "fine"},
+      {"log_id": "2", "job_id": "updateFW", "state_id": "RUN", "result": 0, "resultStr": "fine",
+       "n": 12345678901234567890123,
+       "output": [{"wwn": "A1", "cpld_percentage": 50, "fw_percentage": 0, "total_percentage": 25}]},
+      {"log_id": "3", "job_id": "getOnlineUpdateData", "state_id": "FREE", "result": 0,
+       "resultStr": "", "output": [{"ProductID": "p\u001b", "Version": "1"}]},
+      5])");
+  }
+
+  int runList() { return runHere(list, {folder / "shared"}); }
+  int runShow(const std::string& logId) { return runHere(show, {folder / "shared", logId}); }
+  int runWatch(const std::string& logId) { return runHere(watch, {folder / "shared", logId}); }
+};
+
+TEST_F(JobsTest, ListIsATable) {
+  EXPECT_EQ(runList(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "Log id  Command              State  Result  Text\n"
+            "     1  updateSW             FREE        0  fine\n"
+            "     2  updateFW             RUN         0  fine\n"
+            "     3  getOnlineUpdateData  FREE        0\n"
+            "     -  (no record)\n");
+}
+
+TEST_F(JobsTest, ListForMachinesIsARecordALine) {
+  screen.json = true;
+  folder.write(kTestJobFile, R"([{"log_id": "1", "a": [1, 2]}, {"log_id": "2"}])");
+  EXPECT_EQ(runList(), kSuccess);
+  EXPECT_EQ(shown.str(), "{\"log_id\":\"1\",\"a\":[1,2]}\n{\"log_id\":\"2\"}\n");
+}
+
+TEST_F(JobsTest, ASharedFolderThatIsNotThereIsBadUsage) {
+  EXPECT_EQ(runHere(list, {"/nowhere"}), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: the shared folder /nowhere does not exist\n");
+}
+
+TEST_F(JobsTest, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
+  std::filesystem::remove(folder / kTestJobFile);
+  ASSERT_EQ(::mkfifo((folder / kTestJobFile).c_str(), 0600), 0);
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: " + (folder / kTestJobFile) + " is no regular file\n");
+}
+
+TEST_F(JobsTest, ALogIdThatIsNoStringIsShownAsThat) {
+  folder.write(kTestJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
+  EXPECT_EQ(runList(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "       Log id  Command  State  Result  Text\n"
+            "9 (no string)           WAIT\n");
+}
+
+TEST_F(JobsTest, WithoutAJobFileTheListIsEmpty) {
+  std::filesystem::remove(folder / kTestJobFile);
+  EXPECT_EQ(runList(), kSuccess);
+  EXPECT_EQ(shown.str(), "Log id  Command  State  Result  Text\n");
+}
+
+TEST_F(JobsTest, ADamagedJobFileIsTold) {
+  folder.write(kTestJobFile, "[{");
+  const std::string message = "kelvane-console: " + (folder / kTestJobFile) +
+                              " is damaged (no JSON array): left as it is\n";
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(runShow("1"), kJobFileFailed);
+  EXPECT_EQ(runWatch("1"), kJobFileFailed);
+  EXPECT_EQ(messages.str(), message + message + message);
+}
+
+TEST_F(JobsTest, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
+  EXPECT_EQ(runShow("2"), kSuccess);
+  EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
+            "job 2: running\n"
+            "command updateFW\n"
+            "Controller  Phase  CPLD  Firmware  Total\n"
+            "A1          CPLD    50%        0%    25%\n");
+  EXPECT_NE(shown.str().find("  \"n\": 12345678901234567890123,\n"), std::string::npos);
+}
+
+TEST_F(JobsTest, ShowOfAQueryHasItsPackages) {
+  screen.charset = Charset::ascii;
+  EXPECT_EQ(runShow("3"), kSuccess);
+  EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
+            "job 3: finished\n"
+            "command getOnlineUpdateData\n"
+            "result 0: \n"
+            "Product  Version  Size  System  Package\n"
+            "p?       1           -  -       -\n");
+  EXPECT_EQ(shown.str().find('\x1b'), std::string::npos);
+}
+
+TEST_F(JobsTest, ShowForMachinesIsTheRecord) {
+  screen.json = true;
+  EXPECT_EQ(runShow("2"), kSuccess);
+  EXPECT_EQ(platform::parseJson(shown.str()).get("log_id"), platform::Value("2"));
+}
+
+TEST_F(JobsTest, AJobThatIsNotThereIsNotFound) {
+  EXPECT_EQ(runShow("9"), kNotFound);
+  EXPECT_EQ(runWatch("9"), kNotFound);
+  const std::string message = "kelvane-console: no job 9 in " + (folder / kTestJobFile) + "\n";
+  EXPECT_EQ(messages.str(), message + message);
+}
+
+TEST_F(JobsTest, WatchOfAFinishedJobIsItsResult) {
+  EXPECT_EQ(runWatch("3"), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "result 0: \n"
+            "Product  Version  Size  System  Package\n"
+            "p�       1           -  -       -\n");
+}
+
+TEST_F(JobsTest, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
+  EXPECT_EQ(runWatch("2"), kWorkerFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "
+            "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
+            "still be going on in a controller, then submit the job again\n");
+}
+
+}  // namespace
+}  // namespace kelvane::console

@@ -1,0 +1,155 @@
+// The sub-commands query and download, with small scripts as workers.
+
+#include "console/commands/OnlineUpdate.h"
+#include "console/job/ExitCode.h"
+#include "platform/File.h"
+#include "tests/console/ConsoleWorld.h"
+
+namespace kelvane::console {
+namespace {
+
+class QueryTest : public ConsoleWorld {
+ protected:
+  QueryTest() {
+    options.engine.url = "file:///srv/updates";
+    options.product = "manager";
+    options.version = "1.0";
+  }
+
+  int run() {
+    options.job = job;
+    return runHere(query, options);
+  }
+
+  QueryOptions options;
+};
+
+TEST_F(QueryTest, TheWorkerFindsOneDictionaryOfParameters) {
+  makeWorkerThatLooks();
+  run();
+  const platform::Value record = seenRecord();
+  EXPECT_EQ(record.get("job_id").string(), "getOnlineUpdateData");
+  const platform::Value& inputs = record.get("input_parameters");
+  EXPECT_EQ(inputs.get("productid").string(), "manager");
+  EXPECT_EQ(inputs.get("version").string(), "1.0");
+  EXPECT_EQ(inputs.get("url").string(), "file:///srv/updates");
+  EXPECT_EQ(inputs.get("folder").string(), folder / "shared/tmp/EngineRunner");
+}
+
+TEST_F(QueryTest, WithoutAVersionAnyIsNewer) {
+  makeWorkerThatLooks();
+  options.version = "";
+  run();
+  EXPECT_EQ(seenRecord().get("input_parameters").get("version").string(), "0");
+}
+
+TEST_F(QueryTest, OfferedPackagesAreShownAsATable) {
+  makeWorkerThatLeaves("FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [
+    {"ProductID": "manager", "Version": "2.0", "Size": 12345678, "MinimumOSVersion": "10.15.0",
+     "Codebase": "https://updates.example/a/Manager.zip"},
+    {"ProductID": "t3", "Version": "3.1", "Size": "17"}, 5])");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shownAtTheEnd(),
+            "result 0: the text\n"
+            "Product  Version     Size  System   Package\n"
+            "manager  2.0      12.3 MB  10.15.0  Manager.zip\n"
+            "t3       3.1           17  -        -\n");
+}
+
+TEST_F(QueryTest, ForMachinesThereIsNoTable) {
+  makeWorkerThatLeaves(
+      "FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [{"ProductID": "manager"}])");
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().find("Product "), std::string::npos);
+}
+
+TEST_F(QueryTest, WithoutACatalogueItIsNoSuccess) {
+  makeWorkerThatLeaves("FREE", "0");
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_EQ(messages.str(), "kelvane-console: the update engine left no catalogue\n");
+}
+
+TEST_F(QueryTest, FolderThatIsNotEmptyIsRefused) {
+  options.engine.folder = folder / "mine";
+  folder.write("mine/.hidden", "");
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") +
+                                " is not empty: it would be removed with everything in it\n");
+  EXPECT_FALSE(platform::exists(folder / kTestJobFile));
+}
+
+TEST_F(QueryTest, FileInPlaceOfTheFolderIsRefused) {
+  options.engine.folder = folder.write("mine", "");
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") + " is a file\n");
+}
+
+TEST_F(QueryTest, EmptyTextsAreRefused) {
+  options.product = "";
+  EXPECT_EQ(run(), kBadUsage);
+  options.product = "manager";
+  options.engine.url = "";
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: the product is missing\n"
+            "kelvane-console: the service's URL is missing\n");
+}
+
+class DownloadTest : public ConsoleWorld {
+ protected:
+  DownloadTest() {
+    options.engine = {"/srv/updates", folder / "new"};
+    options.products = {"t3=3.1", "manager"};
+  }
+
+  int run() {
+    options.job = job;
+    return runHere(download, options);
+  }
+
+  DownloadOptions options;
+};
+
+TEST_F(DownloadTest, TheWorkerFindsAListOfParameters) {
+  makeWorkerThatLooks();
+  run();
+  const platform::Value record = seenRecord();
+  EXPECT_EQ(record.get("job_id").string(), "downloadOnlineUpdateFile");
+  const platform::Value& inputs = record.get("input_parameters");
+  ASSERT_EQ(inputs.count(), 2U);
+  EXPECT_EQ(inputs.at(0).get("productid").string(), "t3");
+  EXPECT_EQ(inputs.at(0).get("version").string(), "3.1");
+  EXPECT_EQ(inputs.at(1).get("productid").string(), "manager");
+  EXPECT_EQ(inputs.at(1).get("version").string(), "0");
+  for (const platform::Value& one : inputs.elements()) {
+    EXPECT_EQ(one.get("url").string(), "/srv/updates");
+    EXPECT_EQ(one.get("folder").string(), folder / "new");
+  }
+}
+
+TEST_F(DownloadTest, DownloadsAreShownWithTheirPresence) {
+  const std::string image = folder.write("FW_T3.img", "x");
+  makeWorkerThatLeaves("FREE", "259",
+                       R"(, "job_id": "downloadOnlineUpdateFile", "output": [
+    {"productid": "t3", "version": "3.1", "size": 999, "file_path": ")" +
+                           image + R"("},
+    {"productid": "manager", "version": "2.0", "size": 2500000000, "file_path": ""}])");
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_EQ(shownAtTheEnd(),
+            "result 259: the text\n"
+            "Product  Version    Size  Present  Path\n"
+            "t3       3.1       999 B  yes      " +
+                image +
+                "\n"
+                "manager  2.0      2.5 GB  no\n");
+}
+
+TEST_F(DownloadTest, NoProductIsRefused) {
+  options.products.clear();
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: no product is given\n");
+}
+
+}  // namespace
+}  // namespace kelvane::console

@@ -1,0 +1,76 @@
+// The sub-command log.
+
+#include <filesystem>
+
+#include "console/commands/ShowLog.h"
+#include "console/job/ExitCode.h"
+#include "tests/console/ConsoleWorld.h"
+
+namespace kelvane::console {
+namespace {
+
+class ShowLogTest : public ConsoleWorld {
+ protected:
+  ShowLogTest() {
+    options.sharedFolder = folder / "shared";
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt",
+                 "[14:03:07] [a.cpp][1][run][debug] jobs = (\n    1,\n    2\n)\n"
+                 "[14:03:08] [a.cpp][2][init][error] open /x\x1b: none\n"
+                 "[14:03:09] [a.cpp][3][run][debug] two\nlines\n");
+  }
+
+  int run() { return runHere(showLog, options); }
+
+  ShowLogOptions options;
+};
+
+TEST_F(ShowLogTest, OneLineAnEntryObjectsFolded) {
+  screen.charset = Charset::ascii;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "14:03:07 run: jobs = ( ... (3 more lines)\n"
+            "14:03:08 error init: open /x?: none\n"
+            "14:03:09 run: two ... (1 more line)\n");
+}
+
+TEST_F(ShowLogTest, FullShowsObjectsWhole) {
+  options.full = true;
+  options.function = "run";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "14:03:07 run: jobs = (\n    1,\n    2\n)\n14:03:09 run: two\nlines\n");
+}
+
+TEST_F(ShowLogTest, LevelIsTheLeastThatIsShown) {
+  options.level = "warning";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "14:03:08 error init: open /x\xEF\xBF\xBD: none\n");
+}
+
+TEST_F(ShowLogTest, ErrorsAreRedWhereThereAreColours) {
+  options.level = "error";
+  screen.colour = true;
+  screen.charset = Charset::ascii;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "\x1b[31m14:03:08 error init: open /x?: none\x1b[0m\n");
+}
+
+TEST_F(ShowLogTest, ForMachinesALineOfJsonEach) {
+  screen.json = true;
+  options.function = "run";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            R"j({"time":"14:03:07","file":"a.cpp","line":"1","function":"run","level":"debug",)j"
+            R"j("message":"jobs = (\n    1,\n    2\n)"})j"
+            "\n"
+            R"j({"time":"14:03:09","file":"a.cpp","line":"3","function":"run","level":"debug",)j"
+            R"j("message":"two\nlines"})j"
+            "\n");
+}
+
+TEST_F(ShowLogTest, WithoutALogThereIsNoneToShow) {
+  std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
+  EXPECT_EQ(run(), kNotFound);
+}
+
+}  // namespace
+}  // namespace kelvane::console

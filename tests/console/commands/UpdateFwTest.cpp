@@ -1,0 +1,222 @@
+// The sub-command update-fw, and what all that submit a job have in common, with small scripts as
+// workers.
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include "console/commands/UpdateFw.h"
+#include "console/job/ExitCode.h"
+#include "platform/File.h"
+#include "tests/console/ConsoleWorld.h"
+
+namespace kelvane::console {
+namespace {
+
+class UpdateFwTest : public ConsoleWorld {
+ protected:
+  UpdateFwTest() { options.updates = {"5000A1=" + folder.write("a=b.img", "image")}; }
+
+  int run() {
+    options.job = job;
+    return runHere(updateFw, options);
+  }
+  // Expects that the options are refused with this message and that nothing was written.
+  void expectRefused(const std::string& message) {
+    EXPECT_EQ(run(), kBadUsage);
+    EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
+    EXPECT_FALSE(platform::exists(folder / kTestJobFile));
+  }
+
+  // A pipe for a worker that lives until a line comes.
+  std::string makeLine() {
+    const std::string path = folder / "line";
+    EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    line.open(path);
+    return path;
+  }
+  void endWorker() {
+    line << "end" << std::endl;
+    ::wait(nullptr);
+  }
+
+  UpdateFwOptions options;
+  std::fstream line;
+};
+
+TEST_F(UpdateFwTest, Result0IsSuccess) {
+  makeWorkerThatLeaves("FREE", "0");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(messages.str(), "");
+  EXPECT_EQ(shownAtTheEnd(), "result 0: the text\n");
+}
+
+TEST_F(UpdateFwTest, AnotherResultIsAFailedJob) {
+  makeWorkerThatLeaves("FREE", "32852");
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_EQ(shownAtTheEnd(), "result 32852: the text\n");
+}
+
+TEST_F(UpdateFwTest, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {
+  makeWorkerThatLooks();
+  options.updates.push_back("5000A2=" + std::filesystem::relative(folder / "a=b.img").string());
+  run();
+  const platform::Value record = seenRecord();
+  EXPECT_EQ(record.get("log_id").string(), "1");
+  EXPECT_EQ(record.get("job_id").string(), "updateFW");
+  EXPECT_EQ(record.get("state_id").string(), "WAIT");
+  const platform::Value& inputs = record.get("input_parameters");
+  ASSERT_EQ(inputs.count(), 2U);
+  EXPECT_EQ(inputs.at(0).get("wwn").string(), "5000A1");
+  EXPECT_EQ(inputs.at(0).get("file_path").string(), folder / "a=b.img");
+  EXPECT_EQ(inputs.at(1).get("wwn").string(), "5000A2");
+  EXPECT_EQ(inputs.at(1).get("file_path").string().front(), '/');
+}
+
+TEST_F(UpdateFwTest, WorkerThatDiesInWait) {
+  makeWorker("exit 0");
+  EXPECT_EQ(run(), kWorkerFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: the worker ended (exit status 0), and left job 1 unfinished in state "
+            "WAIT: it was not begun. \"kelvane-console check\" tells what may be in the way; then "
+            "submit it again\n");
+}
+
+TEST_F(UpdateFwTest, WorkerThatDiesInRun) {
+  makeWorkerThatLeaves("RUN", "0");
+  EXPECT_EQ(run(), kWorkerFailed);
+  EXPECT_NE(
+      messages.str().find(
+          "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain\" tells "
+          "what the log says; then submit it again\n"),
+      std::string::npos)
+      << messages.str();
+}
+
+TEST_F(UpdateFwTest, WorkerThatDiesWhileAControllerMayBeFlashed) {
+  makeWorkerThatLeaves("RUN", "0", R"(, "job_id": "updateFW")");
+  EXPECT_EQ(run(), kWorkerFailed);
+  EXPECT_NE(messages.str().find(
+                "unfinished in state RUN: nobody goes on with it. Leave the enclosures powered for "
+                "some minutes, as a flash may still be going on in a controller, then submit the "
+                "job again\n"),
+            std::string::npos)
+      << messages.str();
+}
+
+TEST_F(UpdateFwTest, HowToFollowAgainIsQuotedForAShell) {
+  makeWorker("read word < " + makeLine());
+  interrupt = true;
+  job.logId = "it's 7";
+  EXPECT_EQ(run(), kInterrupted);
+  EXPECT_NE(messages.str().find(" 'it'\\''s 7'\n"), std::string::npos) << messages.str();
+  endWorker();
+}
+
+TEST_F(UpdateFwTest, WorkerThatLosesTheRecord) {
+  makeWorker("echo '[]' > \"$2utility/command/BGPLog.json\"");
+  EXPECT_EQ(run(), kJobFileFailed);
+  EXPECT_EQ(
+      messages.str(),
+      "kelvane-console: the worker ended (exit status 0), and job 1 is not to be found in the "
+      "job file\n");
+}
+
+TEST_F(UpdateFwTest, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
+  job.worker = folder / "none";
+  EXPECT_EQ(run(), kWorkerFailed);
+  EXPECT_EQ(messages.str(), "kelvane-console: start " + (folder / "none") +
+                                ": No such file or directory; job 1 stays waiting in " +
+                                (folder / kTestJobFile) + "\n");
+  EXPECT_NE(folder.read(kTestJobFile).find("\"WAIT\""), std::string::npos);
+}
+
+TEST_F(UpdateFwTest, GivenWorkerIsTakenBeforeTheBundles) {
+  makeWorkerThatLeaves("FREE", "0");
+  job.worker = job.bundle + "/Contents/Resources/Kelvane";
+  job.bundle = "/nowhere";
+  EXPECT_EQ(run(), kSuccess);
+}
+
+TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
+  makeWorker("read word < " + makeLine());
+  interrupt = true;
+  job.logId = "job-7";
+  EXPECT_EQ(run(), kInterrupted);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: interrupted: the worker goes on with job job-7; follow it again "
+            "with: kelvane-console watch --shared " +
+                (folder / "shared/") + " job-7\n");
+  endWorker();
+}
+
+TEST_F(UpdateFwTest, DamagedJobFileStartsNoWorker) {
+  makeWorker("touch \"$2started\"");
+  folder.write(kTestJobFile, "[{");
+  EXPECT_EQ(run(), kJobFileFailed);
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / kTestJobFile) +
+                                " is damaged (no JSON array): left as it is\n");
+  EXPECT_EQ(folder.read(kTestJobFile), "[{");
+}
+
+TEST_F(UpdateFwTest, MissingImageIsRefused) {
+  options.updates.push_back("5000A2=/nowhere/x.img");
+  expectRefused("image /nowhere/x.img does not exist");
+}
+
+TEST_F(UpdateFwTest, FolderAsImageIsRefused) {
+  options.updates = {"5000A1=/tmp"};
+  expectRefused("image /tmp is a folder");
+}
+
+TEST_F(UpdateFwTest, ImagePathThatTheWorkerWouldCutIsRefused) {
+  const std::string tooLong = folder.write(std::string(250, 'x'), "");
+  options.updates = {"5000A1=" + tooLong};
+  expectRefused("image " + tooLong + ": the path is longer than 255 bytes");
+}
+
+TEST_F(UpdateFwTest, UpdateOfAnotherFormIsRefused) {
+  options.updates = {"5000A1"};
+  expectRefused("\"5000A1\" is not of the form WWN=IMAGE");
+}
+
+TEST_F(UpdateFwTest, EmptyPartsAreRefused) {
+  options.updates = {"=/bin/true"};
+  expectRefused("the WWN of \"=/bin/true\" is missing");
+  options.updates = {"5000A1="};
+  messages.str("");
+  expectRefused("the image is missing");
+}
+
+TEST_F(UpdateFwTest, WhatIsNotUtf8IsRefused) {
+  options.updates = {"50\xFF=/bin/true"};
+  expectRefused("the WWN of \"50�=/bin/true\" is not UTF-8: 50�");
+}
+
+TEST_F(UpdateFwTest, NoBundleAndNoWorkerIsRefused) {
+  job.bundle = "";
+  expectRefused("neither a bundle nor a worker is given");
+}
+
+TEST_F(UpdateFwTest, EmptySharedFolderIsRefused) {
+  job.sharedFolder = "";
+  expectRefused("the shared folder is missing");
+}
+
+TEST_F(UpdateFwTest, SharedFolderThatIsNotThereIsRefused) {
+  job.sharedFolder = "/nowhere/shared";
+  expectRefused("the shared folder /nowhere/shared does not exist");
+}
+
+TEST_F(UpdateFwTest, TakenLogIdIsRefused) {
+  job.logId = "7";
+  folder.write(kTestJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: log id 7 is taken: its job is in state RUN\n");
+}
+
+}  // namespace
+}  // namespace kelvane::console

@@ -1,0 +1,210 @@
+// Following a job over scripted versions of its file, one per look; no time passes.
+
+#include <filesystem>
+#include <functional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "console/display/PlainView.h"
+#include "console/job/Follower.h"
+#include "tests/support/TempFolder.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr char kMissing[] = "missing";
+
+class ScriptedWorker : public Worker {
+ public:
+  bool hasEnded() override { return ended; }
+  std::string ending() const override { return ""; }
+  bool ended = false;
+};
+
+// A job file that has its next version at each wait; the last version stays.
+class FollowerTest : public ::testing::Test, public Clock {
+ protected:
+  Followed followVersions(std::vector<std::string> versions) {
+    versions_ = std::move(versions);
+    putVersion();
+    return follow(JobFile(folder / ""), "18", worker, *this, view);
+  }
+
+  std::chrono::milliseconds now() override { return time; }
+  bool wait(std::chrono::milliseconds step) override {
+    waits.push_back(step);
+    time += step;
+    putVersion();
+    if (waits.size() == workerEndsAtWait) worker.ended = true;
+    if (waits.size() > 1000) throw std::runtime_error("follows for ever");
+    return waits.size() != interruptedAtWait;
+  }
+
+  static std::string job(const std::string& rest) {
+    return R"([{"log_id": "17", "state_id": "FREE"}, {"log_id": "18", )" + rest + "}]";
+  }
+  static std::string running(int cpld, int firmware, int total) {
+    return job(R"("state_id": "RUN", "output": )" + output(cpld, firmware, total));
+  }
+  static std::string finished(const std::string& result, const std::string& text) {
+    return job(R"("state_id": "FREE", "output": )" + output(100, 100, 100) + R"(, "result": )" +
+               result + R"(, "resultStr": ")" + text + "\"");
+  }
+  static std::string waiting() {
+    return job(R"("state_id": "WAIT", "input_parameters": [{"wwn": "5000A1"}])");
+  }
+
+  std::size_t workerEndsAtWait = 0;
+  std::size_t interruptedAtWait = 0;
+  std::chrono::milliseconds time{1'000'000};
+  std::vector<std::chrono::milliseconds> waits;
+  testing::TempFolder folder;
+  ScriptedWorker worker;
+  std::ostringstream shown;
+  PlainView view{shown, Charset::utf8};
+
+ private:
+  static std::string output(int cpld, int firmware, int total) {
+    return R"([{"wwn": "5000A1", "cpld_percentage": )" + std::to_string(cpld) +
+           R"(, "fw_percentage": )" + std::to_string(firmware) + R"(, "total_percentage": )" +
+           std::to_string(total) + "}]";
+  }
+
+  void putVersion() {
+    if (next_ == versions_.size()) return;
+    const std::string& version = versions_[next_++];
+    if (version == kMissing) {
+      std::filesystem::remove(folder / "utility/command/BGPLog.json");
+    } else {
+      folder.write("utility/command/BGPLog.json", version);
+    }
+  }
+
+  std::vector<std::string> versions_;
+  std::size_t next_ = 0;
+};
+
+TEST_F(FollowerTest, ShowsEachChangeAndTheResult) {
+  const Followed followed =
+      followVersions({waiting(), waiting(), running(0, 0, 0), running(50, 0, 25),
+                      running(50, 0, 25), running(100, 37, 68), finished("0", "no error")});
+  EXPECT_EQ(followed.outcome, Outcome::finished);
+  EXPECT_TRUE(followed.last.status.hasSucceeded());
+  EXPECT_EQ(shown.str(),
+            "job 18: waiting\n"
+            "5000A1  cpld 0%  firmware 0%  total 0%\n"
+            "job 18: running\n"
+            "5000A1  cpld 50%  firmware 0%  total 25%\n"
+            "5000A1  cpld 100%  firmware 37%  total 68%\n"
+            "5000A1  cpld 100%  firmware 100%  total 100%\n"
+            "result 0: no error\n");
+  EXPECT_EQ(waits, std::vector<std::chrono::milliseconds>(6, std::chrono::milliseconds(200)));
+}
+
+TEST_F(FollowerTest, FailedJobIsFinishedWithItsResult) {
+  const Followed followed =
+      followVersions({running(100, 10, 55), finished("32852", "flash error")});
+  EXPECT_EQ(followed.outcome, Outcome::finished);
+  EXPECT_FALSE(followed.last.status.hasSucceeded());
+  EXPECT_EQ(followed.last.status.result, "32852");
+}
+
+TEST_F(FollowerTest, MissingOrDamagedFileIsPassedOver) {
+  const Followed followed = followVersions({running(10, 0, 5), kMissing, "", "[{\"log_id\"", "[]",
+                                            running(20, 0, 10), finished("0", "no error")});
+  EXPECT_EQ(followed.outcome, Outcome::finished);
+  EXPECT_EQ(shown.str(),
+            "job 18: running\n"
+            "5000A1  cpld 10%  firmware 0%  total 5%\n"
+            "5000A1  cpld 20%  firmware 0%  total 10%\n"
+            "5000A1  cpld 100%  firmware 100%  total 100%\n"
+            "result 0: no error\n");
+}
+
+TEST_F(FollowerTest, RunningWorkerIsFollowedHoweverLongTheFileIsMissing) {
+  std::vector<std::string> versions(100, kMissing);
+  versions.push_back(finished("0", "no error"));
+  EXPECT_EQ(followVersions(versions).outcome, Outcome::finished);
+  EXPECT_EQ(waits.size(), 100U);
+}
+
+TEST_F(FollowerTest, WorkerThatEndsInWaitLeavesTheJobUnfinished) {
+  workerEndsAtWait = 1;
+  const Followed followed = followVersions({waiting()});
+  EXPECT_EQ(followed.outcome, Outcome::workerEnded);
+  EXPECT_EQ(followed.last.status.state, "WAIT");
+}
+
+TEST_F(FollowerTest, WorkerThatEndsInRunLeavesTheJobUnfinished) {
+  workerEndsAtWait = 2;
+  const Followed followed = followVersions({waiting(), running(0, 0, 0), running(50, 0, 25)});
+  EXPECT_EQ(followed.outcome, Outcome::workerEnded);
+  EXPECT_EQ(followed.last.status.state, "RUN");
+  EXPECT_EQ(followed.last.status.controllers,
+            (std::vector<ControllerStatus>{{"5000A1", 50, 0, 25}}));
+}
+
+TEST_F(FollowerTest, WhatTheWorkerWroteLastIsSeenAfterItsEnd) {
+  workerEndsAtWait = 1;
+  EXPECT_EQ(followVersions({running(0, 0, 0), finished("0", "no error")}).outcome,
+            Outcome::finished);
+}
+
+// The job is finished while the follower asks whether the worker has ended.
+TEST_F(FollowerTest, FileIsReadAfterTheEndIsSeen) {
+  class EndsWhileAsked : public Worker {
+   public:
+    explicit EndsWhileAsked(std::function<void()> finish) : finish_(std::move(finish)) {}
+    bool hasEnded() override {
+      finish_();
+      return true;
+    }
+    std::string ending() const override { return ""; }
+
+   private:
+    std::function<void()> finish_;
+  };
+  folder.write("utility/command/BGPLog.json", running(100, 99, 99));
+  EndsWhileAsked ending(
+      [this] { folder.write("utility/command/BGPLog.json", finished("0", "no error")); });
+  EXPECT_EQ(follow(JobFile(folder / ""), "18", ending, *this, view).outcome, Outcome::finished);
+}
+
+TEST_F(FollowerTest, FileMissingForAMomentAfterTheEndIsPassedOver) {
+  worker.ended = true;
+  EXPECT_EQ(followVersions({kMissing, "[", finished("0", "no error")}).outcome, Outcome::finished);
+}
+
+TEST_F(FollowerTest, RecordMissingAfterTheEndIsLost) {
+  worker.ended = true;
+  EXPECT_EQ(followVersions({"[]"}).outcome, Outcome::recordLost);
+  EXPECT_EQ(waits.size(), 4U);
+  EXPECT_EQ(shown.str(), "");
+}
+
+TEST_F(FollowerTest, InterruptLeavesTheWorkerAlone) {
+  interruptedAtWait = 2;
+  const Followed followed = followVersions({waiting(), running(0, 0, 0), running(50, 0, 25)});
+  EXPECT_EQ(followed.outcome, Outcome::interrupted);
+  EXPECT_EQ(followed.last.status.state, "RUN");
+}
+
+TEST_F(FollowerTest, TellsTheTimeSinceTheStartAndSinceTheLastChange) {
+  interruptedAtWait = 5;
+  const Followed followed =
+      followVersions({waiting(), running(0, 0, 0), running(0, 0, 0), kMissing, running(0, 0, 0)});
+  EXPECT_EQ(followed.last.elapsed, std::chrono::milliseconds(800));
+  EXPECT_EQ(followed.last.silence, std::chrono::milliseconds(600));
+}
+
+TEST_F(FollowerTest, LastLookHoldsTheRecord) {
+  const Followed followed = followVersions({finished("0", "no error")});
+  EXPECT_EQ(followed.last.record.get("resultStr").string(), "no error");
+}
+
+}  // namespace
+}  // namespace kelvane::console

@@ -1,0 +1,71 @@
+// A job's status as taken out of its record.
+
+#include <gtest/gtest.h>
+
+#include "console/job/JobStatus.h"
+#include "platform/Json.h"
+
+namespace kelvane::console {
+namespace {
+
+JobStatus statusOfText(const char* record) { return statusOf(platform::parseJson(record)); }
+
+TEST(JobStatus, TakesProgressFromTheOutput) {
+  const JobStatus status = statusOfText(R"({
+    "log_id": "18", "state_id": "RUN", "result": 0, "resultStr": "no error",
+    "input_parameters": [{"wwn": "other"}],
+    "output": [{"wwn": "A", "cpld_percentage": 100, "fw_percentage": 37, "total_percentage": 68},
+               {"wwn": "B", "cpld_percentage": 0, "fw_percentage": 0, "total_percentage": 0}]})");
+  const JobStatus expected = {"18", "RUN", {{"A", 100, 37, 68}, {"B", 0, 0, 0}}, "0", "no error"};
+  EXPECT_EQ(status, expected);
+}
+
+TEST(JobStatus, BeforeThereIsOutputShowsTheInput) {
+  const JobStatus status = statusOfText(R"({"input_parameters": [{"wwn": "A"}, {"wwn": "B"}]})");
+  EXPECT_EQ(status.controllers, (std::vector<ControllerStatus>{{"A", 0, 0, 0}, {"B", 0, 0, 0}}));
+}
+
+TEST(JobStatus, PercentagesAreHeldBetween0And100) {
+  const JobStatus status = statusOfText(R"({"output": [
+    {"wwn": "A", "cpld_percentage": -1, "fw_percentage": 101, "total_percentage": 1e300},
+    {"wwn": "B", "cpld_percentage": "50", "fw_percentage": null, "total_percentage": [50]}]})");
+  EXPECT_EQ(status.controllers,
+            (std::vector<ControllerStatus>{{"A", 0, 100, 100}, {"B", 0, 0, 0}}));
+}
+
+TEST(JobStatus, WhatIsOfAnotherTypeIsEmpty) {
+  const JobStatus status = statusOfText(R"({"log_id": 1, "state_id": null, "result": "0",
+    "resultStr": [], "input_parameters": {"wwn": "A"}, "output": [1, "x", [], {"wwn": 5}]})");
+  const JobStatus expected = {"", "", {{"", 0, 0, 0}}, "", ""};
+  EXPECT_EQ(status, expected);
+}
+
+TEST(JobStatus, PackagesAreNoControllers) {
+  const JobStatus status = statusOfText(R"({"job_id": "getOnlineUpdateData",
+    "input_parameters": {"productid": "A"}, "output": [{"ProductID": "A"}, {"ProductID": "B"}]})");
+  EXPECT_TRUE(status.controllers.empty());
+  EXPECT_EQ(status.command, "getOnlineUpdateData");
+}
+
+TEST(JobStatus, PhaseFollowsThePercentages) {
+  EXPECT_STREQ(phaseOf({"A", 0, 0, 0}), "waiting");
+  EXPECT_STREQ(phaseOf({"A", 1, 0, 0}), "CPLD");
+  EXPECT_STREQ(phaseOf({"A", 99, 0, 49}), "CPLD");
+  EXPECT_STREQ(phaseOf({"A", 100, 0, 50}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 0, 1, 1}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 100, 100, 99}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 100, 100, 100}), "done");
+  EXPECT_STREQ(phaseOf({"A", 0, 100, 100}), "done");
+}
+
+TEST(JobStatus, OnlyAFinishedJobWithResult0HasSucceeded) {
+  EXPECT_TRUE(statusOfText(R"({"state_id": "FREE", "result": 0})").hasSucceeded());
+  EXPECT_FALSE(statusOfText(R"({"state_id": "RUN", "result": 0})").hasSucceeded());
+  EXPECT_FALSE(statusOfText(R"({"state_id": "FREE", "result": 259})").hasSucceeded());
+  EXPECT_FALSE(statusOfText(R"({"state_id": "FREE", "result": 0.5})").hasSucceeded());
+  EXPECT_FALSE(statusOfText(R"({"state_id": "FREE", "result": "0"})").hasSucceeded());
+  EXPECT_FALSE(statusOfText(R"({"state_id": "FREE"})").hasSucceeded());
+}
+
+}  // namespace
+}  // namespace kelvane::console
