@@ -267,8 +267,10 @@ bool isWhole(const std::string& digits) {
   return digits.find_first_not_of("0123456789", digits[0] == '-' ? 1 : 0) == std::string::npos;
 }
 
+double realValue(const std::string& digits) { return std::strtod(digits.c_str(), nullptr); }
+
 // Whole numbers digit by digit: a double has no room for more than 15 of them.
-int orderOfWhole(const std::string& left, const std::string& right) {
+int orderOfWhole(std::string_view left, std::string_view right) {
   const bool isNegative = left[0] == '-';
   if (isNegative != (right[0] == '-')) return isNegative ? -1 : 1;
   if (left.size() != right.size()) return (left.size() < right.size()) != isNegative ? -1 : 1;
@@ -276,20 +278,27 @@ int orderOfWhole(const std::string& left, const std::string& right) {
   return isNegative ? -byDigits : byDigits;
 }
 
-double realValue(const Value& number) { return std::strtod(number.digits().c_str(), nullptr); }
+// JSON knows a zero with a sign, which is no other number.
+std::string_view withPlainZero(std::string_view digits) { return digits == "-0" ? "0" : digits; }
 
-int orderOfNumbers(const Value& left, const Value& right) {
-  if (isWhole(left.digits()) && isWhole(right.digits())) {
-    return orderOfWhole(left.digits(), right.digits());
+// What is no number stands below all numbers, so that there is one order.
+int orderOfReals(double left, double right) {
+  if (std::isnan(left) || std::isnan(right)) return order(!std::isnan(left), !std::isnan(right));
+  return order(left, right);
+}
+
+int orderOfNumbers(const std::string& left, const std::string& right) {
+  if (isWhole(left) && isWhole(right)) {
+    return orderOfWhole(withPlainZero(left), withPlainZero(right));
   }
-  return order(realValue(left), realValue(right));
+  return orderOfReals(realValue(left), realValue(right));
 }
 
 }  // namespace
 
 int compare(const Value& left, const Value& right) {
   if (left.isString() && right.isString()) return order(left.string(), right.string());
-  if (left.isNumber() && right.isNumber()) return orderOfNumbers(left, right);
+  if (left.isNumber() && right.isNumber()) return orderOfNumbers(left.digits(), right.digits());
   if (left.kind() == Value::Kind::date && right.kind() == Value::Kind::date) {
     return order(left.date(), right.date());
   }

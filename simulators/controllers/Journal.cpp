@@ -14,9 +14,8 @@ namespace kelvane::simulator {
 
 FileJournal::FileJournal(const std::string& path) {
   if (path.empty()) return;
-  file_ = platform::restarted([&] {
-    return ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-  });
+  file_ = platform::restarted(
+      [&] { return ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666); });
   if (file_ < 0) {
     std::cerr << "ZORAPI simulator: journal " << path << ": " << std::strerror(errno) << '\n';
   }

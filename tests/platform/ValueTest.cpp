@@ -374,6 +374,21 @@ TEST(Compare, RealsAreOrderedByValueAlsoAmongWholeNumbers) {
   EXPECT_EQ(order("1e-2", "1e-1"), -1);
 }
 
+TEST(Compare, ZeroWithASignIsZero) {
+  EXPECT_EQ(order("-0", "0"), 0);
+  EXPECT_EQ(order("0", "-0"), 0);
+  EXPECT_EQ(order("-0", "-0"), 0);
+  EXPECT_LT(order("-1", "-0"), 0);
+  EXPECT_GT(order("1", "-0"), 0);
+}
+
+TEST(Compare, WhatIsNoNumberStandsBelowAllNumbers) {
+  EXPECT_LT(order("nan", "-inf"), 0);
+  EXPECT_GT(order("1", "nan"), 0);
+  EXPECT_LT(order("nan", "1"), 0);
+  EXPECT_EQ(order("nan", "nan"), 0);
+}
+
 TEST(Compare, StringsAreOrderedCharacterByCharacter) {
   EXPECT_EQ(compare("a", "b"), -1);
   EXPECT_EQ(compare("b", "a"), 1);
