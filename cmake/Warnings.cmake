@@ -1,7 +1,8 @@
-# Strict warnings, all of them errors, for everything that is ours.
+# Strict warnings for everything that is ours. The presets make errors of them; who only builds is
+# not kept from it by what another compiler finds.
 add_library(kelvane_warnings INTERFACE)
 target_compile_options(kelvane_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Werror
+  -Wall -Wextra -Wpedantic
   -Wshadow                # a name that hides another is read wrongly
   -Wconversion -Wsign-conversion -Wdouble-promotion  # numbers that silently change
   -Wold-style-cast -Wcast-align -Wcast-qual          # casts that hide what they do

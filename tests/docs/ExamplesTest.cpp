@@ -55,7 +55,8 @@ constexpr NotRun kNotRun[] = {
      Instead::lookUp, "PackageTest makes the packages"},
     {"docs/bundle.md", "xcode-select --install", Instead::none, "for macOS"},
     {"docs/bundle.md",
-     "cmake --preset demo -DKELVANE_ZORAPI_LIBRARY=/path/to/ZORAPI.framework/ZORAPI",
+     "cmake --preset default -DKELVANE_BUILD_TESTS=OFF "
+     "-DKELVANE_ZORAPI_LIBRARY=/path/to/ZORAPI.framework/ZORAPI",
      Instead::lookUp, "for macOS"},
     {"docs/bundle.md", "cd /Applications/Manager.app/Contents", Instead::none, "for macOS"},
     {"docs/bundle.md", "cpack --config build/default/CPackConfig.cmake -B packages",
@@ -124,9 +125,7 @@ class ExampleWorld : public Installation {
     fs::create_symlink(folder / "journal", folder / "journal.jsonl");
     fs::create_directory_symlink(KELVANE_SOURCES "tools", folder / "tools");
     fs::create_directory(folder / "build");
-    for (const char* preset : {"default", "demo"}) {
-      fs::create_directory_symlink(KELVANE_BUILD, folder / "build/" + preset);
-    }
+    fs::create_directory_symlink(KELVANE_BUILD, folder / "build/default");
     environment["PATH"] = KELVANE_PROGRAMS ":" + std::string(std::getenv("PATH"));
     // Of several programs, each would number its versions from 1.
     environment.erase("KELVANE_TEST_VERSIONS");
