@@ -12,8 +12,10 @@ namespace {
 
 // What an object takes once it is read, beside its text: about, and no less than.
 constexpr std::uint64_t kObjectSize = 64;
-// A list whose texts are shared by many takes this much more than one without.
-constexpr std::uint64_t kMostShared = std::uint64_t{64} << 20U;
+// Each of its lines is indented by this much more for each container around it, where it is shown.
+constexpr std::uint64_t kIndentation = 4;
+// A list whose objects are shared by many takes this much more than one without.
+constexpr std::uint64_t kMostShared = std::uint64_t{1} << 20U;
 
 // The objects of a binary list, as far as they refer to one another.
 class BinaryList {
@@ -31,7 +33,8 @@ class BinaryList {
     bool isOpen = false;
     bool isDone = false;
     int height = 0;            // of the containers inside one another, this one included
-    std::uint64_t weight = 0;  // bytes that it takes once it is read
+    std::uint64_t weight = 0;  // bytes that it takes once it is read and shown
+    std::uint64_t lines = 1;   // that it takes there, about
   };
   // A container on the way down, with what is still to be looked at.
   struct Visit {
@@ -159,7 +162,9 @@ class BinaryList {
     Object& outer = objects_[container];
     const Object& inner = objects_[object];
     outer.height = std::max(outer.height, inner.height + 1);
-    outer.weight = std::min(outer.weight + inner.weight, limit() + 1);
+    const std::uint64_t weight = inner.weight + kIndentation * inner.lines;
+    outer.weight = std::min(outer.weight + weight, limit() + 1);
+    outer.lines = std::min(outer.lines + inner.lines, limit() + 1);
   }
 
   // A reference takes a byte at the least, so that a list in which each object is used once stays

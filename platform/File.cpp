@@ -39,8 +39,10 @@ Descriptor openFile(const std::string& path, int flags) {
 }
 
 bool writeAll(int file, std::string_view bytes) {
+  constexpr std::size_t kMostAtOnce = std::size_t{1} << 30U;  // what every system takes
   while (!bytes.empty()) {
-    const ssize_t written = restarted([&] { return ::write(file, bytes.data(), bytes.size()); });
+    const std::size_t size = std::min(bytes.size(), kMostAtOnce);
+    const ssize_t written = restarted([&] { return ::write(file, bytes.data(), size); });
     if (written < 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -265,16 +266,29 @@ class TreeCopy {
 };
 
 // A hidden name in the same folder, for what is not to be seen in part. The same for the same path,
-// so that what a kill left there is replaced by the next attempt.
+// so that what a kill left there is replaced by the next attempt; another for every other.
 std::string hiddenBeside(const std::string& path, const char* prefix) {
   constexpr std::size_t kLongest = 200;  // of 255 bytes
   const std::size_t start = path.rfind('/') + 1;
-  std::size_t length = path.size() - start;
-  if (length > kLongest) {
-    length = kLongest;
-    while ((static_cast<unsigned char>(path[start + length]) & 0xC0U) == 0x80U) --length;
+  std::string name = path.substr(start);
+  if (name.size() > kLongest) {
+    const std::size_t whole = std::hash<std::string>()(name);
+    std::size_t length = kLongest;
+    while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0U) == 0x80U) --length;
+    name.resize(length);
+    name += "-" + std::to_string(whole);
   }
-  return path.substr(0, start) + prefix + path.substr(start, length);
+  return path.substr(0, start) + prefix + name;
+}
+
+// How much of the path is there already, in whole levels.
+std::size_t existingPart(const std::string& path) {
+  std::size_t end = path.size();
+  while (end > 0 && (end >= PATH_MAX || !isFolder(path.substr(0, end)))) {
+    const std::size_t slash = path.rfind('/', end - 1);
+    end = slash == std::string::npos ? 0 : slash;
+  }
+  return end;
 }
 
 }  // namespace
@@ -292,9 +306,11 @@ std::vector<std::string> listFolder(const std::string& path) {
 
 bool makeFolders(const std::string& path) {
   if (!canBePath(path) || path.empty()) return false;
-  Descriptor folder = openForSearch(AT_FDCWD, path.front() == '/' ? "/" : ".");
+  std::size_t start = existingPart(path);
+  const std::string top = path.front() == '/' ? "/" : ".";
+  Descriptor folder = openForSearch(AT_FDCWD, (start == 0 ? top : path.substr(0, start)).c_str());
   // From level to level, as the whole path would have to be walked anew for each of them.
-  for (std::size_t start = 0; start < path.size();) {
+  while (start < path.size()) {
     const std::size_t end = std::min(path.find('/', start), path.size());
     if (end >= PATH_MAX) return false;
     if (end > start) {

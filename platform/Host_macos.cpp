@@ -35,7 +35,11 @@ const int kForSearch = O_SEARCH;
 timespec modificationTime(const struct stat& entry) { return entry.st_mtimespec; }
 
 bool copyContents(int from, int to, off_t /*size*/) {
-  return restarted([&] { return ::fcopyfile(from, to, nullptr, COPYFILE_DATA); }) == 0;
+  return restarted([&] {  // from the start again, as a part may have been copied
+           ::lseek(from, 0, SEEK_SET);
+           ::lseek(to, 0, SEEK_SET);
+           return ::fcopyfile(from, to, nullptr, COPYFILE_DATA);
+         }) == 0;
 }
 
 // fsync leaves the bytes in the drive's own buffer; disks that cannot empty it have only fsync.
@@ -47,7 +51,7 @@ bool synchronise(int file) {
 bool synchroniseTree(const std::string& path) {
   std::string root = path;
   std::array<char*, 2> roots = {root.data(), nullptr};
-  FTS* walk = ::fts_open(roots.data(), FTS_PHYSICAL | FTS_NOCHDIR, nullptr);
+  FTS* walk = ::fts_open(roots.data(), FTS_PHYSICAL | FTS_COMFOLLOW | FTS_NOCHDIR, nullptr);
   if (walk == nullptr) return false;
   // Every file goes to the drive; the drive's buffer is then emptied once.
   while (const FTSENT* entry = ::fts_read(walk)) {
@@ -64,7 +68,8 @@ bool synchroniseTree(const std::string& path) {
 
 void closeOtherFiles(posix_spawn_file_actions_t* actions, posix_spawnattr_t* attributes,
                      short flags) {
-  ::posix_spawn_file_actions_addinherit_np(actions, STDERR_FILENO);
+  const bool hasStandardError = ::fcntl(STDERR_FILENO, F_GETFD) != -1;
+  if (hasStandardError) ::posix_spawn_file_actions_addinherit_np(actions, STDERR_FILENO);
   ::posix_spawnattr_setflags(attributes, static_cast<short>(flags | POSIX_SPAWN_CLOEXEC_DEFAULT));
 }
 

@@ -145,7 +145,7 @@ struct FreeParser {
 
 class Reader {
  public:
-  // Whatever encoding the text names for itself, it is UTF-8.
+  // Whatever encoding the text names for itself, it is UTF-8, or what its byte order mark says.
   Reader() : parser_(::XML_ParserCreate("UTF-8")) {
     if (parser_ == nullptr) throw std::bad_alloc();
     ::XML_SetUserData(parser_.get(), this);

@@ -335,6 +335,13 @@ TEST_F(FileTree, ANameAsLongAsNamesCanBeIsCopied) {
   EXPECT_EQ(folder.names("to"), Names{"b" + name.substr(2)});
 }
 
+TEST_F(FileTree, ALongNameThatIsNoTextIsCopied) {
+  folder.write("from", "x");
+  const std::string name(250, '\x80');
+  EXPECT_TRUE(copyTree(folder / "from", folder / name));
+  EXPECT_EQ(folder.read(name), "x");
+}
+
 TEST_F(FileTree, AStagedCopyIsSeenOnceItIsPublished) {
   folder.write("from", "x");
   const auto staged = stageCopy(folder / "from", folder / "to");

@@ -294,6 +294,23 @@ TEST_F(PropertyList, ATextThatManyReferToIsNotCopiedForEach) {
             60'000U);
 }
 
+// Arrays of one inside one another, and in the deepest 40 times an array of 250 times "true".
+std::string sharedBelow(int arrays) {
+  std::vector<std::string> objects = {{'\xD1', 1, 2}, "Qa"};
+  auto next = static_cast<char>(3);
+  for (int i = 0; i < arrays; ++i) objects.push_back({'\xA1', next++});
+  objects.push_back("\xAF\x10\x28" + std::string(40, next++));
+  objects.push_back("\xAF\x10\xFA" + std::string(250, next));
+  objects.emplace_back("\x09");
+  return binaryOf(objects);
+}
+
+// Each of the lines that show it would be indented by hundreds of blanks.
+TEST_F(PropertyList, WhatIsSharedMayNotBeFarDown) {
+  EXPECT_EQ(read(sharedBelow(0)).get("a").count(), 40U);
+  EXPECT_TRUE(read(sharedBelow(100)).isNothing());
+}
+
 TEST_F(PropertyList, AWholeNumberBeyond64BitsIsDamageInABinaryListToo) {
   const auto number = [](char ninth) {
     return "\x14" + std::string(7, '\0') + ninth + "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF";

@@ -297,7 +297,27 @@ TEST_F(DownloadArea, WrongKindsAreLoggedOnce) {
   }
 }
 
+TEST_F(DownloadArea, ALongPathIsMadeToItsLastLevelHoweverManySlashesItHas) {
+  std::string path = folder.path();
+  while (path.size() < 4000) path += "/" + std::string(40, 'd');
+  path += "/" + std::string(4095 - path.size() - 1, 'e');
+  ASSERT_EQ(path.size(), 4095U);
+  worker.createTmpFolder(std::string(5000, '/') + path);
+  EXPECT_TRUE(fs::is_directory(path));
+}
+
 // --- what could be lost
+
+TEST_F(DownloadArea, NamesThatDifferInTheirLastCharactersAloneKeepWhatIsTheirs) {
+  makeDownload();
+  const std::string name(240, 'x');
+  for (const char* end : {"A", "B", "C"}) folder.write("engine/" + name + end, end);
+  worker.syncDownloadFiles(record("kor"));
+  for (const char* end : {"A", "B", "C"}) {
+    EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/KORFW/" + name + end), end);
+  }
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/KORFW").size(), 5U);
+}
 
 TEST_F(DownloadArea, TheFolderIsGoneHoweverItIsSpelled) {
   for (const char* spelling : {"engine/.", "engine/sub/..", "engine/sub/.././", "engine//"}) {

@@ -74,8 +74,12 @@ void publish(const std::vector<Copy>& copies, const Value& folder) {
 
 void Kelvane::createTmpFolder(const Value& path) {
   try {
-    // Always from the root, also for a relative path: meant so.
-    platform::makeFolders("/" + path.string());
+    std::string whole;  // always from the root, also for a relative path: meant so
+    const Value levels = platform::split(path.string(), '/');
+    for (const Value& level : levels.elements()) {
+      if (!level.string().empty()) whole += "/" + level.string();
+    }
+    platform::makeFolders(whole);
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("createTmpFolder:", caught);
   }
