@@ -193,6 +193,13 @@ bool copyNonFolder(const Way& way, Kind kind) {
   return kind == Kind::link ? copyLink(way) : copyFile(way);
 }
 
+std::string pathOf(const std::string& folder, const std::string& name) {
+  std::string path = folder;
+  path += '/';
+  path += name;
+  return path;
+}
+
 // One copy of a tree. Folders get their own permissions and times last of all, so that they can be
 // filled, and removed again where the copy fails.
 class TreeCopy {
@@ -219,7 +226,7 @@ class TreeCopy {
     std::vector<std::string> below;
     if (!copyOneLevel(from, to, below)) return false;
     for (const std::string& name : below) {
-      if (!copyFolder(from + "/" + name, to + "/" + name)) return false;
+      if (!copyFolder(pathOf(from, name), pathOf(to, name))) return false;
     }
     return true;
   }

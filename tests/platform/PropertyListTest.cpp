@@ -229,11 +229,11 @@ INSTANTIATE_TEST_SUITE_P(
         Written{"<string/>", ""}, Written{"<string> x\n</string>", " x\n"},
         Written{"<true/>", Value::boolean(true)}, Written{"<array/>", Value::array()}));
 
-TEST_F(PropertyList, AMillionKeysAreReadInOneDictionary) {
+TEST_F(PropertyList, ManyKeysAreReadInOneDictionary) {
   std::string content = "<dict>";
-  for (int i = 0; i < 1'000'000; ++i) content += "<key>" + std::to_string(i) + "</key><true/>";
+  for (int i = 0; i < 200'000; ++i) content += "<key>" + std::to_string(i) + "</key><true/>";
   const Value found = read("<plist>" + content + "</dict></plist>");
-  EXPECT_EQ(found.entries().size(), 1'000'000U);
+  EXPECT_EQ(found.entries().size(), 200'000U);
 }
 
 TEST_F(PropertyList, AMillionContainersInsideOneAnotherNeitherOverflowNorHang) {
