@@ -7,7 +7,9 @@
 
 #include "console/checks/Access.h"
 #include "console/checks/Framework.h"
+#include "console/checks/ProcessChecks.h"
 #include "console/checks/SettingsChecks.h"
+#include "console/job/Processes.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
@@ -118,6 +120,7 @@ Findings bundleFindings(const std::string& bundle) {
   append(findings, productSettingsFindings(productSettingsPath(bundle)));
   append(findings, frameworkFindings(frameworkPath(bundle)));
   findLibraries(bundle, findings);
+  append(findings, installationProcessFindings(bundle, runningProcesses()));
   return findings;
 }
 
