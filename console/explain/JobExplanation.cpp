@@ -38,11 +38,13 @@ Explanation underWay(const JobStatus& status) {
 std::string adviceForAbandoned(const JobStatus& status) {
   if (status.command == job::kUpdateFW) {
     return "Leave the enclosures powered for some minutes: a flash that was started goes on in the "
-           "controller. Then add the job anew under another log_id.";
+           "controller. Then add the job anew under another log_id. A USB bridge that was flashed "
+           "before its NVRAM was written does not get it then, as the versions are equal.";
   }
   if (status.command == job::kUpdateSW) {
     return "Look whether the application is still there: it is removed before the new one is "
-           "copied. Then add the job anew under another log_id.";
+           "copied. Wait until no rm or cp of the worker's runs any more. Then add the job anew "
+           "under another log_id.";
   }
   return "Mend what the log's error tells, if it has one; then add the job anew under another "
          "log_id.";
@@ -111,11 +113,22 @@ Explanation succeeded(const Value& record, const JobStatus& status) {
   return explainResult(0, status.command, status.resultText);
 }
 
+Explanation finishedWithoutResult(const JobStatus& status) {
+  if (status.command == job::kGetOnlineUpdateData || status.command == job::kUpdateSW ||
+      status.command == job::kDownloadOnlineUpdateFile) {
+    return {"finished without a result",
+            "The worker's first write of the job failed, as on a full disk, and its last one did "
+            "not. The job was done, and would have the result 0.",
+            "user", "Mend what kept the job file from being written.", "yes, under another log_id"};
+  }
+  return {"finished without a result", "Not the worker marked it as finished.", "support",
+          "Find out who writes the job file besides the worker.", "yes, under another log_id"};
+}
+
 Explanation finished(const Value& record, const JobStatus& status) {
   const Value& result = record.get(job::kResult);
   if (!result.isNumber()) {
-    return {"finished without a result", "Not the worker marked it as finished.", "support",
-            "Find out who writes the job file besides the worker.", "yes, under another log_id"};
+    return finishedWithoutResult(status);
   }
   const std::int64_t code = result.integerValue();
   Explanation explanation = explainResult(code, status.command, status.resultText);

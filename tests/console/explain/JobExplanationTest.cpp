@@ -65,9 +65,11 @@ TEST(JobExplanation, RunningWhoseWorkerWasKilled) {
   EXPECT_EQ(found.meaning,
             "Its worker was killed, the computer went down, or the end could not be written. "
             "Nothing takes the job up.");
-  EXPECT_EQ(found.advice,
-            "Leave the enclosures powered for some minutes: a flash that was started goes on in "
-            "the controller. Then add the job anew under another log_id.");
+  EXPECT_EQ(
+      found.advice,
+      "Leave the enclosures powered for some minutes: a flash that was started goes on in "
+      "the controller. Then add the job anew under another log_id. A USB bridge that was "
+      "flashed before its NVRAM was written does not get it then, as the versions are equal.");
   EXPECT_EQ(found.tryAgain, "yes, under another log_id");
 }
 
@@ -86,7 +88,8 @@ TEST(JobExplanation, RunningWhoseWorkerGaveUp) {
 TEST(JobExplanation, AbandonedInstallationMayHaveRemovedTheApplication) {
   EXPECT_EQ(explained("updateSW", kRunning).advice,
             "Look whether the application is still there: it is removed before the new one is "
-            "copied. Then add the job anew under another log_id.");
+            "copied. Wait until no rm or cp of the worker's runs any more. Then add the job anew "
+            "under another log_id.");
 }
 
 TEST(JobExplanation, FinishedWithAKnownResult) {
@@ -151,10 +154,21 @@ TEST(JobExplanation, SuccessOfADownloadAndOfAnInstallation) {
 }
 
 TEST(JobExplanation, FinishedByAnotherHand) {
-  EXPECT_EQ(finished("updateSW", R"("resultStr": "x")").subject,
-            "job 17 (updateSW): finished without a result");
+  const Explanation found = finished("updateFW", R"("resultStr": "x")");
+  EXPECT_EQ(found.subject, "job 17 (updateFW): finished without a result");
+  EXPECT_EQ(found.meaning, "Not the worker marked it as finished.");
   EXPECT_EQ(finished("updateHW", R"("result": 0)").meaning,
             "The job is done. updateSW and getOnlineUpdateData end so in any case.");
+}
+
+TEST(JobExplanation, FinishedWithoutItsFirstWrite) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile", "updateSW"}) {
+    const Explanation found = finished(command, R"("output": [])");
+    EXPECT_EQ(found.meaning,
+              "The worker's first write of the job failed, as on a full disk, and its last one did "
+              "not. The job was done, and would have the result 0.");
+    EXPECT_EQ(found.whoActs, "user");
+  }
 }
 
 TEST(JobExplanation, UnknownState) {
