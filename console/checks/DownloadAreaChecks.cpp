@@ -16,8 +16,8 @@ constexpr char kLeaving[] = ".outgoing-";
 
 Finding leftover(const std::string& path, const char* meaning) {
   return {Severity::warning, path + " is left over", meaning,
-          "Remove it while no worker runs, or leave it: the next download of the same package "
-          "takes its place."};
+          "Remove it while no worker runs, or leave it: a later download of the same package "
+          "removes it."};
 }
 
 }  // namespace

@@ -367,6 +367,35 @@ TEST_F(Check, WhoeverMayWriteTheSettingsChoosesTheProgram) {
               ElementsAre("warning: " + sharedSettings() + " can be written by everyone"));
 }
 
+TEST_F(Check, ACatalogueThatIsNoFileIsNone) {
+  const std::string catalogue = engineFolder() + "/Offers.plist";
+  fs::remove(engine());
+  bundle.write("Contents/Resources/EngineRunner", "#!/bin/sh\nmkfifo '" + catalogue + "'\n");
+  ::chmod(engine().c_str(), 0755);
+  query();
+  EXPECT_EQ(state(), "FREE");
+  EXPECT_FALSE(job().has("output"));
+  EXPECT_THAT(findings(), IsEmpty());  // it has gone with the engine's folder
+  writeJobs(*platform::printJson(
+      Value::array({Value::dictionary({{"log_id", "18"},
+                                       {"job_id", "getOnlineUpdateData"},
+                                       {"state_id", "WAIT"},
+                                       {"input_parameters", parameters("fw3")}})})));
+  fs::create_directories(engineFolder());
+  ASSERT_EQ(::mkfifo(catalogue.c_str(), 0600), 0);
+  EXPECT_THAT(findings(),
+              ElementsAre("warning: the catalogue " + catalogue + " is no regular file"));
+}
+
+TEST_F(Check, ALeftoverOfTheDownloadAreaIsTakenUpByTheNextDownload) {
+  const std::string leftover = area("FW") + "/.incoming-FW_T3.img";
+  folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img/part", "");
+  EXPECT_THAT(findings(), ElementsAre("warning: " + leftover + " is left over"));
+  download({"fw3"});
+  EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/FW/FW_T3.img"), "image of fw3");
+  EXPECT_THAT(findings(), IsEmpty());
+}
+
 TEST_F(Check, AnEngineThatCannotBeExecutedLeavesAQueryRunning) {
   ::chmod(engine().c_str(), 0644);
   query();

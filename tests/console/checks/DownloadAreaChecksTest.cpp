@@ -55,8 +55,8 @@ TEST_F(DownloadAreaChecks, TheTwoKindsAreTold) {
             "A worker was killed, or the computer went down, while it removed an older package. "
             "Nobody uses what is left of it.");
   EXPECT_EQ(found[0].advice,
-            "Remove it while no worker runs, or leave it: the next download of the same package "
-            "takes its place.");
+            "Remove it while no worker runs, or leave it: a later download of the same package "
+            "removes it.");
 }
 
 }  // namespace
