@@ -72,7 +72,17 @@ std::string unfinishedCplds(const JobStatus& status) {
   return text;
 }
 
-Explanation updatedFirmware(const JobStatus& status) {
+Explanation updatedFirmware(const Value& record, const JobStatus& status) {
+  if (!record.has(job::kOutput) && record.get(job::kInputParameters).count() > 0) {
+    return {
+        "",
+        "The job was done, but its first write failed, as on a full disk: its progress is lost, "
+        "also whether the CPLDs were flashed.",
+        "user",
+        "Mend what kept the job file from being written. The log tells of the CPLDs, in its "
+        "lines of flashCPLD.",
+        "if a CPLD was not flashed"};
+  }
   if (status.controllers.empty()) {
     return {"", "The job names no controller: nothing was flashed.", "support",
             "Find out what the application put into the job's input_parameters.", "not as it is"};
@@ -100,7 +110,7 @@ Explanation queried(const Value& record) {
 }
 
 Explanation succeeded(const Value& record, const JobStatus& status) {
-  if (status.command == job::kUpdateFW) return updatedFirmware(status);
+  if (status.command == job::kUpdateFW) return updatedFirmware(record, status);
   if (status.command == job::kGetOnlineUpdateData) return queried(record);
   if (status.command == job::kUpdateSW) {
     return {"", "The application was to be replaced. The result is 0 whatever became of that.",

@@ -137,6 +137,15 @@ TEST(JobExplanation, SuccessThatLeftACpldNamesTheController) {
   EXPECT_EQ(found.tryAgain, "yes, for such a controller");
 }
 
+TEST(JobExplanation, SuccessOfAFirmwareJobThatLostItsProgress) {
+  EXPECT_EQ(
+      finished("updateFW", R"("result": 0, "input_parameters": [{"wwn": "A1"}])").meaning,
+      "The job was done, but its first write failed, as on a full disk: its progress is lost, "
+      "also whether the CPLDs were flashed.");
+  EXPECT_EQ(finished("updateFW", R"("result": 0, "input_parameters": [])").meaning,
+            "The job names no controller: nothing was flashed.");
+}
+
 TEST(JobExplanation, QueryWithAndWithoutAnOutput) {
   EXPECT_EQ(finished("getOnlineUpdateData", R"("result": 0, "output": [])").meaning,
             "What the update service offers is the job's output.");
