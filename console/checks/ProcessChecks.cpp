@@ -30,6 +30,14 @@ bool isSame(const RunningProcess& process, const std::string& path, const std::s
          (path == other || fs::equivalent(fs::path(process.currentFolder) / path, other, unknown));
 }
 
+// What an installation replaces: most often the bundle itself, whose settings then go first.
+std::string applicationOf(const std::string& bundle) {
+  const platform::Value settings = readJsonFile(productSettingsPath(bundle)).value;
+  if (!settings.isDictionary()) return bundle;
+  const platform::Value& application = settings.get("AppPath");
+  return application.isString() ? application.string() : bundle;
+}
+
 // "/bin/rm -Rf APPLICATION" and "/bin/cp -Rf PACKAGE APPLICATION", as the worker starts them.
 bool isToolFor(const std::string& application, const RunningProcess& process) {
   const std::vector<std::string>& arguments = process.arguments;
@@ -63,9 +71,7 @@ Findings engineProcessFindings(const std::string& sharedFolder,
 
 Findings installationProcessFindings(const std::string& bundle,
                                      const std::vector<RunningProcess>& processes) {
-  const platform::Value settings = readJsonFile(productSettingsPath(bundle)).value;
-  if (!settings.isDictionary() || !settings.get("AppPath").isString()) return {};
-  const std::string& application = settings.get("AppPath").string();
+  const std::string application = applicationOf(bundle);
   const std::string worker = workerIn(bundle);
   if (std::any_of(processes.begin(), processes.end(), [&](const RunningProcess& process) {
         return isSame(process, process.arguments.front(), worker);
@@ -76,13 +82,12 @@ Findings installationProcessFindings(const std::string& bundle,
   for (const RunningProcess& process : processes) {
     if (!isToolFor(application, process)) continue;
     const char* what = process.arguments[0] == "/bin/rm" ? "removes " : "copies to ";
-    findings.push_back(
-        {Severity::warning,
-         process.arguments[0] + toldBy(process) + " still " + what + application +
-             ", and no worker is seen",
-         "Its worker was killed. An installation that is started now would be undone "
-         "in part: files are missing afterwards.",
-         "Wait for its end before a job is put into state WAIT again."});
+    findings.push_back({Severity::warning,
+                        process.arguments[0] + toldBy(process) + " still " + what + application +
+                            ", and no worker is seen",
+                        "Its worker was killed. An installation that is started meanwhile can lose "
+                        "files to it.",
+                        "Wait for its end before a job is put into state WAIT again."});
   }
   return findings;
 }

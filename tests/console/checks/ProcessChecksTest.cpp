@@ -74,8 +74,14 @@ TEST_F(ProcessChecks, ToolsOfAWorkerAreNoFindingAlsoWhereItsFileIsGone) {
   RunningProcess relative = worker();
   relative.arguments[0] = "./Manager.app/Contents/Resources/Kelvane";
   EXPECT_THAT(tools({relative, copier}), IsEmpty());
+}
+
+TEST_F(ProcessChecks, WithoutSettingsTheBundleIsWhatIsReplaced) {
   bundle = "/nowhere.app";
-  EXPECT_THAT(tools({copier}), IsEmpty());  // without settings nothing is known
+  EXPECT_THAT(tools({remover}), IsEmpty());
+  remover.arguments[2] = bundle;
+  EXPECT_THAT(tools({remover}), ElementsAre("warning: /bin/rm (process 42) still removes "
+                                            "/nowhere.app, and no worker is seen"));
 }
 
 TEST_F(ProcessChecks, OtherUsesOfTheToolsAreNoFinding) {
