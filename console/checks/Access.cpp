@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "console/checks/NumberRange.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
@@ -21,10 +22,14 @@ int modeOf(Access access) {
   return access == Access::write ? W_OK : X_OK;
 }
 
-std::string whyNotJson(const std::string& text) {
-  if (text.empty()) return "it is empty";
-  if (!platform::isUtf8(text)) return "it is not UTF-8";
-  return "no strict JSON with an array or an object at the top, or nested too deep";
+// Why there is no value in the file's text, behind the file's path.
+std::string whyNotRead(const std::string& text) {
+  if (text.empty()) return " is not JSON: it is empty";
+  if (!platform::isUtf8(text)) return " is not JSON: it is not UTF-8";
+  if (const std::string number = numberOutOfRange(text); !number.empty()) {
+    return " cannot be read: " + number + " is beyond the range of a double";
+  }
+  return " is not JSON: no strict JSON with an array or an object at the top, or nested too deep";
 }
 
 std::string nearestFolder(std::string folder) {
@@ -113,7 +118,7 @@ JsonFile readJsonFile(const std::string& path) {
   try {
     const std::string text = platform::readFile(path);
     platform::Value value = platform::parseJson(text);
-    if (value.isNothing()) return {{}, path + " is not JSON: " + whyNotJson(text)};
+    if (value.isNothing()) return {{}, path + whyNotRead(text)};
     return {value, ""};
   } catch (const platform::Exception& unreadable) {
     return {{}, unreadable.what()};

@@ -7,7 +7,9 @@
 
 #include "console/checks/Access.h"
 #include "console/checks/Framework.h"
+#include "console/checks/ProcessChecks.h"
 #include "console/checks/SettingsChecks.h"
+#include "console/job/Processes.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
@@ -107,12 +109,13 @@ void findLibraries(const std::string& bundle, Findings& findings) {
 std::string workerIn(const std::string& bundle) { return bundle + "/Contents/Resources/Kelvane"; }
 
 Findings bundleFindings(const std::string& bundle) {
+  Findings findings = installationProcessFindings(bundle, runningProcesses());
   if (kindOf(bundle) != EntryKind::folder) {
     const char* fault = kindOf(bundle) == EntryKind::missing ? " does not exist" : " is no folder";
-    return {{Severity::error, "the bundle " + bundle + fault, kNoWorker,
-             "Name the application's bundle, a folder that ends with .app."}};
+    findings.push_back({Severity::error, "the bundle " + bundle + fault, kNoWorker,
+                        "Name the application's bundle, a folder that ends with .app."});
+    return findings;
   }
-  Findings findings;
   findDepth(bundle, findings);
   findWorker(bundle, findings);
   append(findings, productSettingsFindings(productSettingsPath(bundle)));

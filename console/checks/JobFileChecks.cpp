@@ -41,8 +41,8 @@ void findDamage(const std::string& path, Findings& findings) {
   const JsonFile file = readJsonFile(path);
   if (!file.fault.empty()) {
     findings.push_back({Severity::error, file.fault,
-                        "The worker finds no job in it and starts nothing. If the file is damaged "
-                        "while a job runs, the next update replaces it by an empty array.",
+                        "The worker finds no job in it and starts nothing. A job that runs "
+                        "meanwhile stays in state RUN.",
                         refusal(path, Access::read).empty()
                             ? "Mend the file, or move it away: the application starts a new one."
                             : "Give the user that runs the worker the right to read it."});

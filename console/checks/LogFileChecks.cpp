@@ -20,12 +20,8 @@ Finding missing(const std::string& path) {
 }
 
 Finding notAFile(const std::string& path, EntryKind kind) {
-  if (kind == EntryKind::folder) {
-    return {Severity::warning, path + " is a folder", kNothingLogged,
-            "Put an empty file in its place."};
-  }
-  return {Severity::error, path + " is no regular file",
-          "The worker may wait for ever when it opens it.", "Put an empty file in its place."};
+  const char* fault = kind == EntryKind::folder ? " is a folder" : " is no regular file";
+  return {Severity::warning, path + fault, kNothingLogged, "Put an empty file in its place."};
 }
 
 Finding notWritable(const std::string& path, const std::string& cause) {

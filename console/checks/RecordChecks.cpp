@@ -1,6 +1,8 @@
 #include "console/checks/RecordChecks.h"
 
+#include <algorithm>
 #include <initializer_list>
+#include <iterator>
 #include <map>
 
 #include "console/job/JobRecord.h"
@@ -72,6 +74,11 @@ constexpr Command kCommands[] = {{job::kGetOnlineUpdateData, queryFault},
                                  {job::kUpdateSW, installationFault},
                                  {job::kUpdateFW, firmwareFault}};
 
+bool isKnown(const std::string& command) {
+  return std::any_of(std::begin(kCommands), std::end(kCommands),
+                     [&](const Command& known) { return command == known.name; });
+}
+
 std::string commandFault(const std::string& command, const Value& inputs) {
   for (const Command& known : kCommands) {
     if (command == known.name) return known.inputFault(inputs);
@@ -136,7 +143,11 @@ class Records {
   void takeJob(const Value& record, const std::string& job) {
     const std::string fault = keyFault(record);
     if (isInState(record, job::kFree)) {
-      if (!fault.empty()) addNotWhole(job + " is finished, and " + fault);
+      if (!fault.empty()) {
+        addNotWhole(job + " is finished, and " + fault);
+      } else {
+        takeFinished(record, job);
+      }
     } else if (!fault.empty() || isInState(record, job::kWait)) {
       if (const std::string why = whyNotStarted(record); !why.empty()) addNotStarted(job, why);
     } else if (isInState(record, job::kRun)) {
@@ -147,13 +158,42 @@ class Records {
     }
   }
 
+  void takeFinished(const Value& record, const std::string& job) {
+    const std::string& command = record.get(job::kJobId).string();
+    const bool hasResult = record.get(job::kResult).isNumber();
+    if (command == job::kUpdateFW && !hasResult) {
+      add(Severity::warning, job + " is finished, and there is no result",
+          "The end of a firmware job always has its result: not the worker wrote this one.",
+          "Find out who writes the job file besides the worker.");
+    } else if (command == job::kUpdateFW && !record.has(job::kOutput) &&
+               firmwareFault(record.get(job::kInputParameters)).empty()) {
+      addFirstWriteFailed(job + " is finished, and there is no output",
+                          "The job was done, and its result counts; its progress is lost.");
+    } else if (isKnown(command) && !hasResult) {
+      addFirstWriteFailed(job + " is finished, and there is no result",
+                          "The job was done, and would have the result 0.");
+    }
+  }
+
+  void addFirstWriteFailed(const std::string& what, const std::string& outcome) {
+    add(Severity::warning, what,
+        "The worker's first write of the job failed, as on a full disk, and its last one did "
+        "not. " +
+            outcome,
+        "Mend what kept the file from being written, then remove the record or leave it.");
+  }
+
   void takeRunning(const Value& record, const std::string& job) {
     const std::string& logId = record.get(job::kLogId).string();
     if (workerRuns_(logId)) return;
+    const bool flashes = record.get(job::kJobId).string() == job::kUpdateFW;
     add(Severity::warning, job + " is in state RUN, and no worker for it is seen",
         "Its worker was killed, or gave up with an error line in the log. Nothing takes the job "
         "up.",
-        "See \"explain " + logId + "\" for the job; then add it anew under another log_id.");
+        "See \"explain " + logId + "\" for the job; then add it anew under another log_id." +
+            (flashes ? " A bridge that was flashed before its NVRAM was written does not get it "
+                       "then: the versions are equal."
+                     : ""));
   }
 
   void addNotWhole(const std::string& what) {

@@ -3,11 +3,15 @@
 #include <algorithm>
 
 #include "console/checks/Access.h"
+#include "console/checks/DownloadAreaChecks.h"
 #include "console/checks/JobFileChecks.h"
 #include "console/checks/LogFileChecks.h"
+#include "console/checks/ProcessChecks.h"
+#include "console/checks/RightsChecks.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/job/JobRecord.h"
 #include "console/job/LogFile.h"
+#include "console/job/Processes.h"
 
 namespace kelvane::console {
 
@@ -32,14 +36,6 @@ Findings folderFindings(const std::string& folder) {
            kMeaning, "Give the user that runs the worker the right to enter it."}};
 }
 
-Findings downloadAreaFindings(const std::string& folder) {
-  const std::string refused = changeRefusal(folder + "tmp/OnlineUpdate");
-  if (refused.empty()) return {};
-  return {{Severity::error, "the download area cannot be changed: " + refused,
-           "Downloaded packages cannot be put there, and no one is told: a download ends with 259.",
-           "Give the user that runs the worker the right to write in the folder."}};
-}
-
 bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
   const auto& all = records.elements();
   return std::any_of(all.begin(), all.end(), [&](const Value& record) {
@@ -51,13 +47,15 @@ bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
   });
 }
 
-Findings jobFindings(const std::string& path, const WorkerRuns& workerRuns) {
+Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
+  const std::string path = sharedFolder + job::kFileName;
   Findings findings = jobFileFindings(path);
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();
   append(findings, recordFindings(path, records, workerRuns));
-  // A worker that runs has such a file for moments.
-  const Findings leftovers = leftoverFindings(path);
+  // A worker that runs has such files for moments.
+  Findings leftovers = leftoverFindings(path);
+  append(leftovers, leftoverDownloadFindings(sharedFolder));
   if (!leftovers.empty() && !hasRunningJob(records, workerRuns)) append(findings, leftovers);
   return findings;
 }
@@ -67,10 +65,12 @@ Findings jobFindings(const std::string& path, const WorkerRuns& workerRuns) {
 Findings sharedFolderFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
   Findings findings = folderFindings(sharedFolder);
   if (!findings.empty()) return findings;
-  append(findings, jobFindings(sharedFolder + job::kFileName, workerRuns));
+  append(findings, jobFindings(sharedFolder, workerRuns));
   append(findings, logFileFindings(logPath(sharedFolder)));
   append(findings, sharedSettingsFindings(sharedSettingsPath(sharedFolder)));
   append(findings, downloadAreaFindings(sharedFolder));
+  append(findings, rightsFindings(sharedFolder));
+  append(findings, engineProcessFindings(sharedFolder, runningProcesses()));
   return findings;
 }
 

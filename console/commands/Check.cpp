@@ -4,7 +4,9 @@
 
 #include <fmt/format.h>
 
+#include "console/checks/Access.h"
 #include "console/checks/BundleChecks.h"
+#include "console/checks/CatalogueChecks.h"
 #include "console/checks/Framework.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/checks/SharedFolderChecks.h"
@@ -75,6 +77,15 @@ std::vector<Paragraph> lookedAt(const std::string& sharedFolder, const std::stri
   return all;
 }
 
+// The jobs name the folders, the bundle's settings the catalogue.
+Findings cataloguesOfJobs(const std::string& sharedFolder, const std::string& bundle) {
+  const Value records = readJsonFile(sharedFolder + job::kFileName).value;
+  const Value settings = readJsonFile(productSettingsPath(bundle)).value;
+  if (!records.isArray() || !settings.isDictionary()) return {};
+  const Value& name = settings.get("online_update_plist_name");
+  return name.isString() ? catalogueFindings(records, name.string()) : Findings();
+}
+
 // The bundle's path without "/" at its end.
 std::string trimmed(std::string bundle) {
   while (bundle.size() > 1 && bundle.back() == '/') bundle.pop_back();
@@ -86,7 +97,9 @@ std::string trimmed(std::string bundle) {
 Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
                     const WorkerRuns& workerRuns) {
   Findings findings = sharedFolderFindings(sharedFolder, workerRuns);
-  if (!bundle.empty()) append(findings, bundleFindings(bundle));
+  if (bundle.empty()) return findings;
+  append(findings, cataloguesOfJobs(sharedFolder, bundle));
+  append(findings, bundleFindings(bundle));
   return findings;
 }
 

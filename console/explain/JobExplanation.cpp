@@ -38,11 +38,13 @@ Explanation underWay(const JobStatus& status) {
 std::string adviceForAbandoned(const JobStatus& status) {
   if (status.command == job::kUpdateFW) {
     return "Leave the enclosures powered for some minutes: a flash that was started goes on in the "
-           "controller. Then add the job anew under another log_id.";
+           "controller. Then add the job anew under another log_id. A USB bridge that was flashed "
+           "before its NVRAM was written does not get it then, as the versions are equal.";
   }
   if (status.command == job::kUpdateSW) {
     return "Look whether the application is still there: it is removed before the new one is "
-           "copied. Then add the job anew under another log_id.";
+           "copied. Wait until no rm or cp of the worker's runs any more. Then add the job anew "
+           "under another log_id.";
   }
   return "Mend what the log's error tells, if it has one; then add the job anew under another "
          "log_id.";
@@ -70,7 +72,17 @@ std::string unfinishedCplds(const JobStatus& status) {
   return text;
 }
 
-Explanation updatedFirmware(const JobStatus& status) {
+Explanation updatedFirmware(const Value& record, const JobStatus& status) {
+  if (!record.has(job::kOutput) && record.get(job::kInputParameters).count() > 0) {
+    return {
+        "",
+        "The job was done, but its first write failed, as on a full disk: its progress is lost, "
+        "also whether the CPLDs were flashed.",
+        "user",
+        "Mend what kept the job file from being written. The log tells of the CPLDs, in its "
+        "lines of flashCPLD.",
+        "if a CPLD was not flashed"};
+  }
   if (status.controllers.empty()) {
     return {"", "The job names no controller: nothing was flashed.", "support",
             "Find out what the application put into the job's input_parameters.", "not as it is"};
@@ -98,7 +110,7 @@ Explanation queried(const Value& record) {
 }
 
 Explanation succeeded(const Value& record, const JobStatus& status) {
-  if (status.command == job::kUpdateFW) return updatedFirmware(status);
+  if (status.command == job::kUpdateFW) return updatedFirmware(record, status);
   if (status.command == job::kGetOnlineUpdateData) return queried(record);
   if (status.command == job::kUpdateSW) {
     return {"", "The application was to be replaced. The result is 0 whatever became of that.",
@@ -111,11 +123,22 @@ Explanation succeeded(const Value& record, const JobStatus& status) {
   return explainResult(0, status.command, status.resultText);
 }
 
+Explanation finishedWithoutResult(const JobStatus& status) {
+  if (status.command == job::kGetOnlineUpdateData || status.command == job::kUpdateSW ||
+      status.command == job::kDownloadOnlineUpdateFile) {
+    return {"finished without a result",
+            "The worker's first write of the job failed, as on a full disk, and its last one did "
+            "not. The job was done, and would have the result 0.",
+            "user", "Mend what kept the job file from being written.", "yes, under another log_id"};
+  }
+  return {"finished without a result", "Not the worker marked it as finished.", "support",
+          "Find out who writes the job file besides the worker.", "yes, under another log_id"};
+}
+
 Explanation finished(const Value& record, const JobStatus& status) {
   const Value& result = record.get(job::kResult);
   if (!result.isNumber()) {
-    return {"finished without a result", "Not the worker marked it as finished.", "support",
-            "Find out who writes the job file besides the worker.", "yes, under another log_id"};
+    return finishedWithoutResult(status);
   }
   const std::int64_t code = result.integerValue();
   Explanation explanation = explainResult(code, status.command, status.resultText);

@@ -29,8 +29,12 @@ bool isWorkerOf(const RunningProcess& process, const std::string& logId, const f
 }  // namespace
 
 bool workerRuns(const std::string& logId, const std::string& sharedFolder) {
-  const std::vector<RunningProcess> all = runningProcesses();
-  return std::any_of(all.begin(), all.end(), [&](const RunningProcess& process) {
+  return workerRuns(logId, sharedFolder, runningProcesses());
+}
+
+bool workerRuns(const std::string& logId, const std::string& sharedFolder,
+                const std::vector<RunningProcess>& processes) {
+  return std::any_of(processes.begin(), processes.end(), [&](const RunningProcess& process) {
     return isWorkerOf(process, logId, sharedFolder);
   });
 }

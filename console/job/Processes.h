@@ -7,6 +7,7 @@
 namespace kelvane::console {
 
 struct RunningProcess {
+  long id = 0;
   std::vector<std::string> arguments;  // the first is how it was called
   std::string currentFolder;           // empty where the system does not tell
 };
@@ -18,5 +19,9 @@ std::vector<RunningProcess> runningProcesses();
 // one, however it is written, as its last two arguments; or one called "Kelvane" with the log id
 // alone, in the shared folder.
 bool workerRuns(const std::string& logId, const std::string& sharedFolder);
+
+// The same, among these processes.
+bool workerRuns(const std::string& logId, const std::string& sharedFolder,
+                const std::vector<RunningProcess>& processes);
 
 }  // namespace kelvane::console

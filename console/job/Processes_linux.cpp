@@ -31,8 +31,10 @@ std::vector<RunningProcess> runningProcesses() {
   std::error_code failed;
   fs::directory_iterator entry("/proc", failed);
   for (; !failed && entry != fs::directory_iterator(); entry.increment(failed)) {
-    if (!isNumber(entry->path().filename().string())) continue;
+    const std::string name = entry->path().filename().string();
+    if (!isNumber(name)) continue;
     RunningProcess process;
+    process.id = std::stol(name);
     process.arguments = argumentsOf(entry->path());  // none of one that has ended meanwhile
     std::error_code untold;
     process.currentFolder = fs::read_symlink(entry->path() / "cwd", untold).string();

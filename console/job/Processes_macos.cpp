@@ -46,6 +46,7 @@ std::vector<RunningProcess> runningProcesses() {
   std::vector<RunningProcess> found;
   for (int i = 0; i < count; ++i) {
     RunningProcess process;
+    process.id = processes[static_cast<std::size_t>(i)];
     process.arguments = argumentsOf(processes[static_cast<std::size_t>(i)]);
     process.currentFolder = currentFolderOf(processes[static_cast<std::size_t>(i)]);
     if (!process.arguments.empty()) found.push_back(process);

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "platform/Json.h"
+#include "platform/PropertyList.h"
 #include "tests/docs/HeaderNames.h"
 #include "tests/docs/Page.h"
 
@@ -64,6 +66,15 @@ TEST(JobFilePage, NamesEveryStateOfTheHeaderAndNoOther) {
 TEST(JobFilePage, QuotesTheTextOfSuccess) {
   EXPECT_TRUE(asSet(constantsOf("job")).contains(kNoError));
   EXPECT_THAT(section(page(), "## States"), HasSubstr("\"no error\""));
+}
+
+TEST(JobFilePage, TellsTheLimitsOfTheReaders) {
+  EXPECT_THAT(section(page(), "## How the worker writes"),
+              HasSubstr("at most " + std::to_string(platform::kJsonDepthLimit) + " levels deep"));
+  EXPECT_THAT(section(page(), "## The catalogue"),
+              HasSubstr("At most " + std::to_string(platform::kPropertyListDepthLimit) +
+                        " containers may stand inside one another"));
+  EXPECT_TRUE(platform::parseJson("[1e400]").isNothing());
 }
 
 TEST(JobFilePage, HasAnExampleForEveryCommandInTheirOrder) {

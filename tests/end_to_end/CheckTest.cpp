@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/Json.h"
@@ -72,6 +74,73 @@ TEST_F(Check, ADamagedJobFileIsLeftAloneByTheWorker) {
   runWorker({"17", shared()});
   EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), cut);
   EXPECT_THAT(findings(), ElementsAre(StartsWith("error: " + jobFile() + " is not JSON: ")));
+}
+
+TEST_F(Check, ANumberThatCannotBeReadKeepsEveryJobFromStarting) {
+  const std::string text = R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
+  "input_parameters": {"file_path": "/no.app"}}, {"log_id": "18", "n": 1e400}])";
+  writeJobs(text);
+  runWorker({"17", shared()});
+  EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), text);
+  EXPECT_THAT(log(), HasSubstr("[run][debug] currentJobArray = (null)\n"));
+  EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() +
+                                      " cannot be read: the number 1e400 in line 2, column 72 is "
+                                      "beyond the range of a double"));
+}
+
+TEST_F(Check, AJobWhoseFirstWriteFailedHasNoResultOrNoOutput) {
+  environment["LD_PRELOAD"] = KELVANE_FAULT_INTERPOSER " " + environment["LD_PRELOAD"];
+  environment["KELVANE_FAULT_DONE"] = folder / "done";
+  environment["KELVANE_FAULT_REFUSE"] = "rename";
+  environment["KELVANE_FAULT_TIMES"] = "1";
+  environment.erase("KELVANE_TEST_VERSIONS");  // they are none that a whole run would write
+  const std::string without = "warning: " + jobFile() + ": job 17 is finished, and there is no ";
+  query();
+  EXPECT_TRUE(job().has("output"));
+  EXPECT_THAT(findings(), ElementsAre(without + "result"));
+  download({"fw3"});
+  EXPECT_TRUE(job().has("output"));
+  EXPECT_THAT(findings(), ElementsAre(without + "result"));
+  runJob("updateSW", Value::dictionary({{"file_path", folder / "Manager.app"}}));
+  EXPECT_EQ(folder.read("Installed.app/Contents/version"), "2.0");
+  EXPECT_FALSE(job().has("output"));
+  EXPECT_THAT(findings(), ElementsAre(without + "result"));
+  writeFleet("[]");
+  updateFirmware({{"50000000000000A1", "/no.img"}});
+  EXPECT_EQ(result(), 1026);
+  EXPECT_THAT(findings(), ElementsAre(without + "output"));
+  environment["KELVANE_FAULT_TIMES"] = "2";
+  runJob("updateSW", Value::dictionary({{"file_path", folder / "Manager.app"}}));
+  EXPECT_EQ(state(), "WAIT");  // though it was done
+}
+
+TEST_F(Check, AnEngineOutlivesItsKilledWorker) {
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  fs::remove(engine());
+  bundle.write("Contents/Resources/EngineRunner",
+               "#!/bin/sh\nread line < " + (folder / "pipe") + "\n");
+  ::chmod(engine().c_str(), 0755);
+  writeJobs(*platform::printJson(
+      Value::array({Value::dictionary({{"log_id", "17"},
+                                       {"job_id", "getOnlineUpdateData"},
+                                       {"state_id", "WAIT"},
+                                       {"input_parameters", parameters("fw3")}})})));
+  const std::string program = worker();
+  const std::string sharedFolder = shared();
+  const pid_t process = ::fork();
+  if (process == 0) {
+    ::execl(program.c_str(), program.c_str(), "17", sharedFolder.c_str(), nullptr);
+    ::_exit(127);
+  }
+  const int pipe = ::open((folder / "pipe").c_str(), O_WRONLY | O_CLOEXEC);  // the engine reads it
+  EXPECT_THAT(findings(), IsEmpty());
+  ::kill(process, SIGKILL);
+  ::waitpid(process, nullptr, 0);
+  EXPECT_THAT(findings(),
+              ElementsAre(HasSubstr("job 17 is in state RUN"),
+                          AllOf(StartsWith("warning: an update engine runs for job 17 (process "),
+                                ::testing::EndsWith("), and no worker for it is seen"))));
+  ::close(pipe);
 }
 
 TEST_F(Check, ALogIdThatIsNoStringKeepsEveryJobFromEnding) {
@@ -186,6 +255,23 @@ TEST_F(Check, WithoutALogTheJobIsDoneAndNothingIsLogged) {
   EXPECT_THAT(findings(), ElementsAre("warning: open " + logFile() + kNoFile));
 }
 
+TEST_F(Check, ALogThatIsNoFileIsNone) {
+  fs::remove(logFile());
+  ASSERT_EQ(::mkfifo(logFile().c_str(), 0600), 0);
+  query();
+  EXPECT_EQ(state(), "FREE");
+  EXPECT_THAT(findings(), ElementsAre("warning: " + logFile() + " is no regular file"));
+}
+
+TEST_F(Check, AJobFileThatIsNoFileIsNone) {
+  fs::remove(jobFile());
+  ASSERT_EQ(::mkfifo(jobFile().c_str(), 0600), 0);
+  runWorker({"17", shared()});
+  EXPECT_THAT(log(), HasSubstr("[run][error] open " + jobFile() + ": not a regular file"));
+  EXPECT_TRUE(fs::is_fifo(jobFile()));
+  EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() + " is no regular file"));
+}
+
 TEST_F(Check, ALogThatCannotBeWrittenIsNotWritten) {
   const PermissionBits bits(logFile(), 0444);
   testing::asOrdinaryUser([this] {
@@ -253,6 +339,61 @@ TEST_F(Check, WithDamagedSharedSettingsAQueryStaysRunning) {
     EXPECT_EQ(state(), "RUN");
     EXPECT_THAT(findings(), Contains(StartsWith("error: " + sharedSettings() + fault)));
   }
+}
+
+TEST_F(Check, SettingsThatAreNoFileAreMissing) {
+  fs::remove(sharedSettings());
+  ASSERT_EQ(::mkfifo(sharedSettings().c_str(), 0600), 0);
+  query();
+  EXPECT_EQ(state(), "RUN");
+  EXPECT_THAT(findings(), Contains("error: " + sharedSettings() + " is no regular file"));
+  fs::remove(productSettings());
+  ASSERT_EQ(::mkfifo(productSettings().c_str(), 0600), 0);
+  runWorker({"17", shared()});
+  EXPECT_THAT(log(), HasSubstr("[init][error] open " + productSettings() + ": not a regular file"));
+  EXPECT_THAT(findings(), Contains("error: " + productSettings() + " is no regular file"));
+}
+
+TEST_F(Check, WhoeverMayWriteTheSettingsChoosesTheProgram) {
+  const PermissionBits bits(sharedSettings(), 0666);
+  folder.write("other.app/Contents/Resources/EngineRunner",
+               "#!/bin/sh\necho started > " + (folder / "started") + "\n");
+  ::chmod((folder / "other.app/Contents/Resources/EngineRunner").c_str(), 0755);
+  folder.write("shared/utility/config/setting.json",
+               R"({"AppPath": ")" + (folder / "other.app") + "\"}");
+  query();
+  EXPECT_EQ(folder.read("started"), "started\n");
+  EXPECT_THAT(findings(),
+              ElementsAre("warning: " + sharedSettings() + " can be written by everyone"));
+}
+
+TEST_F(Check, ACatalogueThatIsNoFileIsNone) {
+  const std::string catalogue = engineFolder() + "/Offers.plist";
+  fs::remove(engine());
+  bundle.write("Contents/Resources/EngineRunner", "#!/bin/sh\nmkfifo '" + catalogue + "'\n");
+  ::chmod(engine().c_str(), 0755);
+  query();
+  EXPECT_EQ(state(), "FREE");
+  EXPECT_FALSE(job().has("output"));
+  EXPECT_THAT(findings(), IsEmpty());  // it has gone with the engine's folder
+  writeJobs(*platform::printJson(
+      Value::array({Value::dictionary({{"log_id", "18"},
+                                       {"job_id", "getOnlineUpdateData"},
+                                       {"state_id", "WAIT"},
+                                       {"input_parameters", parameters("fw3")}})})));
+  fs::create_directories(engineFolder());
+  ASSERT_EQ(::mkfifo(catalogue.c_str(), 0600), 0);
+  EXPECT_THAT(findings(),
+              ElementsAre("warning: the catalogue " + catalogue + " is no regular file"));
+}
+
+TEST_F(Check, ALeftoverOfTheDownloadAreaIsTakenUpByTheNextDownload) {
+  const std::string leftover = area("FW") + "/.incoming-FW_T3.img";
+  folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img/part", "");
+  EXPECT_THAT(findings(), ElementsAre("warning: " + leftover + " is left over"));
+  download({"fw3"});
+  EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/FW/FW_T3.img"), "image of fw3");
+  EXPECT_THAT(findings(), IsEmpty());
 }
 
 TEST_F(Check, AnEngineThatCannotBeExecutedLeavesAQueryRunning) {

@@ -1,6 +1,7 @@
 // Loaded before the worker's libraries: calls of the worker's own, not of its children, fail.
 //   KELVANE_FAULT_INTERRUPT  the number, from 1, of the call that a signal interrupts
-//   KELVANE_FAULT_REFUSE     the name of the call that the disk refuses, always
+//   KELVANE_FAULT_REFUSE     the name of the call that the disk refuses
+//   KELVANE_FAULT_TIMES      how often it does; always, where that is not set
 //   KELVANE_FAULT_DONE       file that gets a line with the name of each call that failed
 
 #include <cerrno>
@@ -47,6 +48,12 @@ void note(const char* name) {
   nextClose(file);
 }
 
+bool isRefusedStill() {
+  static int refusals = 0;
+  const char* times = faultOf("KELVANE_FAULT_TIMES");
+  return times == nullptr || ++refusals <= std::atoi(times);
+}
+
 // Whether this call is to fail; errno then tells how.
 bool fails(const char* name) {
   static int calls = 0;
@@ -54,7 +61,7 @@ bool fails(const char* name) {
   const char* interrupted = faultOf("KELVANE_FAULT_INTERRUPT");
   const char* refused = faultOf("KELVANE_FAULT_REFUSE");
   const bool isInterrupted = interrupted != nullptr && std::atoi(interrupted) == calls;
-  const bool isRefused = refused != nullptr && std::strcmp(refused, name) == 0;
+  const bool isRefused = refused != nullptr && std::strcmp(refused, name) == 0 && isRefusedStill();
   if (!isInterrupted && !isRefused) return false;
   note(name);
   errno = isInterrupted ? EINTR : EPERM;

@@ -63,6 +63,13 @@ TEST_F(JobFileChecks, WhatIsNotJsonIsAnErrorWithItsCause) {
                                    "the top, or nested too deep"));
 }
 
+TEST_F(JobFileChecks, ANumberThatTheWorkerCannotReadIsNamedWithItsPlace) {
+  folder.write("jobs/file", "[\n  {\"n\": 1e400}\n]\n");
+  EXPECT_THAT(found(), ElementsAre("error: " + path +
+                                   " cannot be read: the number 1e400 in line 2, column 9 is "
+                                   "beyond the range of a double"));
+}
+
 TEST_F(JobFileChecks, ObjectAtTheTopIsAnError) {
   folder.write("jobs/file", "{}");
   EXPECT_THAT(found(), ElementsAre("error: " + path + " is an object, not an array of records"));
@@ -77,6 +84,11 @@ TEST_F(JobFileChecks, PipeInItsPlaceIsNotOpened) {
   path = folder / "pipe";
   ::mkfifo(path.c_str(), 0600);
   EXPECT_THAT(found(), ElementsAre("error: " + path + " is no regular file"));
+}
+
+TEST_F(JobFileChecks, DeviceInItsPlaceIsNotOpened) {
+  path = "/dev/zero";
+  EXPECT_THAT(found(), ::testing::Contains("error: /dev/zero is no regular file"));
 }
 
 TEST_F(JobFileChecks, LinkIsAWarningThatNamesWhereItLeads) {

@@ -39,10 +39,15 @@ TEST_F(LogFileChecks, FolderInItsPlaceIsAWarning) {
   EXPECT_THAT(found(folder.path()), ElementsAre("warning: " + folder.path() + " is a folder"));
 }
 
-TEST_F(LogFileChecks, PipeInItsPlaceIsAnErrorAsItMayHoldTheWorkerUp) {
+TEST_F(LogFileChecks, PipeOrDeviceInItsPlaceIsAWarning) {
   ::mkfifo((folder / "pipe").c_str(), 0600);
-  EXPECT_THAT(found(folder / "pipe"),
-              ElementsAre("error: " + (folder / "pipe") + " is no regular file"));
+  EXPECT_EQ(
+      logFileFindings(folder / "pipe"),
+      (Findings{{Severity::warning, (folder / "pipe") + " is no regular file",
+                 "Nothing is logged, and jobs run all the same: what a job did cannot be told "
+                 "afterwards.",
+                 "Put an empty file in its place."}}));
+  EXPECT_THAT(found("/dev/null"), ElementsAre("warning: /dev/null is no regular file"));
 }
 
 TEST_F(LogFileChecks, FileThatCannotBeWrittenIsAWarning) {

@@ -120,6 +120,56 @@ TEST(RecordChecks, RunningJobWithoutAWorkerIsAWarning) {
                        "See \"explain 1\" for the job; then add it anew under another log_id."}}));
 }
 
+TEST(RecordChecks, AbandonedFirmwareJobTellsOfTheBridgesNvram) {
+  const Findings all = findings(R"([{"log_id": "1", "job_id": "updateFW", "state_id": "RUN",
+                                     "input_parameters": []}])");
+  ASSERT_EQ(all.size(), 1U);
+  EXPECT_EQ(all[0].advice,
+            "See \"explain 1\" for the job; then add it anew under another log_id. A bridge that "
+            "was flashed before its NVRAM was written does not get it then: the versions are "
+            "equal.");
+}
+
+TEST(RecordChecks, FinishedJobWithoutAResultLostItsFirstWrite) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile", "updateSW"}) {
+    const std::string start = R"([{"log_id": "1", "job_id": ")" + std::string(command) +
+                              R"(", "state_id": "FREE", "input_parameters": {})";
+    EXPECT_EQ(
+        findings(start + "}]"),
+        (Findings{{Severity::warning, "F: job 1 is finished, and there is no result",
+                   "The worker's first write of the job failed, as on a full disk, and its last "
+                   "one did not. The job was done, and would have the result 0.",
+                   "Mend what kept the file from being written, then remove the record or leave "
+                   "it."}}));
+    EXPECT_THAT(found(start + R"(, "result": 0}])"), IsEmpty());
+    EXPECT_THAT(found(start + R"(, "result": "0"}])"),
+                ElementsAre("warning: F: job 1 is finished, and there is no result"));
+  }
+}
+
+TEST(RecordChecks, FinishedFirmwareJobWithoutAResultIsNotTheWorkers) {
+  EXPECT_EQ(findings(R"([{"log_id": "1", "job_id": "updateFW", "state_id": "FREE",
+                          "input_parameters": []}])"),
+            (Findings{{Severity::warning, "F: job 1 is finished, and there is no result",
+                       "The end of a firmware job always has its result: not the worker wrote this "
+                       "one.",
+                       "Find out who writes the job file besides the worker."}}));
+}
+
+TEST(RecordChecks, FinishedFirmwareJobWithoutItsOutputLostItsFirstWrite) {
+  const std::string start = R"([{"log_id": "1", "job_id": "updateFW", "state_id": "FREE",
+                                 "result": 0, "input_parameters": )";
+  const std::string entries = R"([{"wwn": "A", "file_path": "/a"}])";
+  const Findings all = findings(start + entries + "}]");
+  ASSERT_EQ(all.size(), 1U);
+  EXPECT_EQ(all[0].what, "F: job 1 is finished, and there is no output");
+  EXPECT_EQ(all[0].meaning,
+            "The worker's first write of the job failed, as on a full disk, and its last one did "
+            "not. The job was done, and its result counts; its progress is lost.");
+  EXPECT_THAT(found(start + entries + R"(, "output": []}])"), IsEmpty());
+  EXPECT_THAT(found(start + "[{}]}]"), IsEmpty());  // there was nothing to report
+}
+
 TEST(RecordChecks, LogIdThatStandsTwiceIsOneWarning) {
   const std::string job =
       R"({"log_id": "7", "job_id": "x", "state_id": "FREE", "input_parameters": {}})";

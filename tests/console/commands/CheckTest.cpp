@@ -121,17 +121,26 @@ TEST_F(CheckTest, ADownloadAreaThatCannotBeMadeIsAnError) {
 
 TEST_F(CheckTest, LeftoversAreToldWhereNoWorkerRuns) {
   folder.write("shared/utility/command/.replace-a1b2c3", "");
-  EXPECT_EQ(found(),
-            "warning: " + (folder / "shared/utility/command/.replace-a1b2c3") + " is left over\n");
+  folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img", "");
+  EXPECT_EQ(found(), "warning: " + (folder / "shared/utility/command/.replace-a1b2c3") +
+                         " is left over\nwarning: " +
+                         (folder / "shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img") +
+                         " is left over\n");
 }
 
-TEST_F(CheckTest, WhileAWorkerRunsItsTemporaryFileIsNoFinding) {
+TEST_F(CheckTest, WhileAWorkerRunsItsTemporaryFilesAreNoFinding) {
   folder.write("shared/utility/command/.replace-a1b2c3", "");
+  folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img", "");
   folder.write(kTestJobFile, R"([{"log_id": "18", "job_id": "updateSW", "state_id": "RUN",
                                   "input_parameters": {}}])");
   EXPECT_EQ(asLines(findingsOf(folder / "shared/", "",
                                [](const std::string& logId) { return logId == "18"; })),
             "");
+}
+
+TEST_F(CheckTest, ASharedFolderThatEveryoneMayWriteIsAWarning) {
+  const testing::PermissionBits bits(folder / "shared", 0777);
+  EXPECT_EQ(found(), "warning: " + (folder / "shared/") + " can be written by everyone\n");
 }
 
 TEST_F(CheckTest, ADamagedJobFileDoesNotKeepItFromLookingAtTheRest) {

@@ -65,9 +65,11 @@ TEST(JobExplanation, RunningWhoseWorkerWasKilled) {
   EXPECT_EQ(found.meaning,
             "Its worker was killed, the computer went down, or the end could not be written. "
             "Nothing takes the job up.");
-  EXPECT_EQ(found.advice,
-            "Leave the enclosures powered for some minutes: a flash that was started goes on in "
-            "the controller. Then add the job anew under another log_id.");
+  EXPECT_EQ(
+      found.advice,
+      "Leave the enclosures powered for some minutes: a flash that was started goes on in "
+      "the controller. Then add the job anew under another log_id. A USB bridge that was "
+      "flashed before its NVRAM was written does not get it then, as the versions are equal.");
   EXPECT_EQ(found.tryAgain, "yes, under another log_id");
 }
 
@@ -86,7 +88,8 @@ TEST(JobExplanation, RunningWhoseWorkerGaveUp) {
 TEST(JobExplanation, AbandonedInstallationMayHaveRemovedTheApplication) {
   EXPECT_EQ(explained("updateSW", kRunning).advice,
             "Look whether the application is still there: it is removed before the new one is "
-            "copied. Then add the job anew under another log_id.");
+            "copied. Wait until no rm or cp of the worker's runs any more. Then add the job anew "
+            "under another log_id.");
 }
 
 TEST(JobExplanation, FinishedWithAKnownResult) {
@@ -134,6 +137,15 @@ TEST(JobExplanation, SuccessThatLeftACpldNamesTheController) {
   EXPECT_EQ(found.tryAgain, "yes, for such a controller");
 }
 
+TEST(JobExplanation, SuccessOfAFirmwareJobThatLostItsProgress) {
+  EXPECT_EQ(
+      finished("updateFW", R"("result": 0, "input_parameters": [{"wwn": "A1"}])").meaning,
+      "The job was done, but its first write failed, as on a full disk: its progress is lost, "
+      "also whether the CPLDs were flashed.");
+  EXPECT_EQ(finished("updateFW", R"("result": 0, "input_parameters": [])").meaning,
+            "The job names no controller: nothing was flashed.");
+}
+
 TEST(JobExplanation, QueryWithAndWithoutAnOutput) {
   EXPECT_EQ(finished("getOnlineUpdateData", R"("result": 0, "output": [])").meaning,
             "What the update service offers is the job's output.");
@@ -151,10 +163,21 @@ TEST(JobExplanation, SuccessOfADownloadAndOfAnInstallation) {
 }
 
 TEST(JobExplanation, FinishedByAnotherHand) {
-  EXPECT_EQ(finished("updateSW", R"("resultStr": "x")").subject,
-            "job 17 (updateSW): finished without a result");
+  const Explanation found = finished("updateFW", R"("resultStr": "x")");
+  EXPECT_EQ(found.subject, "job 17 (updateFW): finished without a result");
+  EXPECT_EQ(found.meaning, "Not the worker marked it as finished.");
   EXPECT_EQ(finished("updateHW", R"("result": 0)").meaning,
             "The job is done. updateSW and getOnlineUpdateData end so in any case.");
+}
+
+TEST(JobExplanation, FinishedWithoutItsFirstWrite) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile", "updateSW"}) {
+    const Explanation found = finished(command, R"("output": [])");
+    EXPECT_EQ(found.meaning,
+              "The worker's first write of the job failed, as on a full disk, and its last one did "
+              "not. The job was done, and would have the result 0.");
+    EXPECT_EQ(found.whoActs, "user");
+  }
 }
 
 TEST(JobExplanation, UnknownState) {

@@ -51,10 +51,10 @@ class ProcessesTest : public ::testing::Test {
   bool hasEnded() const { return ForeignWorker("18", folder / "shared/").hasEnded(); }
 
   testing::TempFolder folder;
+  pid_t process_ = 0;
 
  private:
   std::ofstream line_;
-  pid_t process_ = 0;
 };
 
 TEST_F(ProcessesTest, AWorkerIsFoundByItsNameJobAndFolder) {
@@ -65,6 +65,18 @@ TEST_F(ProcessesTest, AWorkerIsFoundByItsNameJobAndFolder) {
   EXPECT_FALSE(workerRuns("18", folder / ""));
   end();
   EXPECT_FALSE(runs());
+}
+
+TEST_F(ProcessesTest, EveryProcessHasItsIdAndArguments) {
+  start("any name", "two words");
+  bool isThere = false;
+  for (const RunningProcess& one : runningProcesses()) {
+    if (one.id != process_) continue;
+    isThere = true;
+    EXPECT_EQ(one.arguments, (std::vector<std::string>{"any name", "18", "two words"}));
+    EXPECT_EQ(one.currentFolder, fs::canonical(folder.path()));
+  }
+  EXPECT_TRUE(isThere);
 }
 
 TEST_F(ProcessesTest, TheSharedFolderMayBeWrittenInAnyWay) {

@@ -1,0 +1,56 @@
+#include "console/checks/DownloadAreaChecks.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "console/checks/Access.h"
+#include "platform/File.h"
+
+namespace kelvane::console {
+namespace {
+
+constexpr char kArea[] = "tmp/OnlineUpdate";
+constexpr const char* kProductFolders[] = {"FW", "KORFW", "SW", "ZENTANAS"};
+constexpr char kArriving[] = ".incoming-";
+constexpr char kLeaving[] = ".outgoing-";
+
+Finding leftover(const std::string& path, const char* meaning) {
+  return {Severity::warning, path + " is left over", meaning,
+          "Remove it while no worker runs, or leave it: a later download of the same package "
+          "removes it."};
+}
+
+}  // namespace
+
+Findings downloadAreaFindings(const std::string& sharedFolder) {
+  const std::string refused = changeRefusal(sharedFolder + kArea);
+  if (refused.empty()) return {};
+  return {{Severity::error, "the download area cannot be changed: " + refused,
+           "Downloaded packages cannot be put there, and no one is told: a download ends with 259.",
+           "Give the user that runs the worker the right to write in the folder."}};
+}
+
+Findings leftoverDownloadFindings(const std::string& sharedFolder) {
+  Findings findings;
+  for (const char* product : kProductFolders) {
+    const std::string folder = sharedFolder + kArea + "/" + product;
+    std::vector<std::string> names = platform::listFolder(folder);
+    std::sort(names.begin(), names.end());
+    for (const std::string& name : names) {
+      const std::string path = folder + "/" + name;
+      if (name.rfind(kArriving, 0) == 0) {
+        findings.push_back(leftover(path,
+                                    "A worker was killed, or the computer went down, while it "
+                                    "copied a package there. The package is not in the download "
+                                    "area."));
+      } else if (name.rfind(kLeaving, 0) == 0) {
+        findings.push_back(leftover(path,
+                                    "A worker was killed, or the computer went down, while it "
+                                    "removed an older package. Nobody uses what is left of it."));
+      }
+    }
+  }
+  return findings;
+}
+
+}  // namespace kelvane::console

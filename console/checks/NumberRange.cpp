@@ -1,0 +1,68 @@
+#include "console/checks/NumberRange.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+namespace kelvane::console {
+namespace {
+
+constexpr int kOutOfRange = 406;            // the reader's number for this mistake
+constexpr std::size_t kLongestNumber = 40;  // bytes; of a longer one the start is shown
+
+// Where the text stands before this position, counted from 1.
+std::string placeAt(std::string_view before) {
+  const auto lines = std::count(before.begin(), before.end(), '\n');
+  const std::string_view line = before.substr(before.rfind('\n') + 1);
+  const auto characters = std::count_if(line.begin(), line.end(), [](char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+  });
+  return "line " + std::to_string(lines + 1) + ", column " + std::to_string(characters + 1);
+}
+
+// Takes the reader's events up to the first mistake.
+class FirstMistake : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  explicit FirstMistake(std::string_view text) : text_(text) {}
+  const std::string& number() const { return number_; }
+
+  bool null() override { return true; }
+  bool boolean(bool /*truth*/) override { return true; }
+  bool number_integer(number_integer_t /*number*/) override { return true; }
+  bool number_unsigned(number_unsigned_t /*number*/) override { return true; }
+  bool number_float(number_float_t /*number*/, const string_t& /*digits*/) override { return true; }
+  bool string(string_t& /*text*/) override { return true; }
+  bool binary(binary_t& /*bytes*/) override { return true; }
+  bool start_object(std::size_t /*count*/) override { return true; }
+  bool start_array(std::size_t /*count*/) override { return true; }
+  bool end_object() override { return true; }
+  bool end_array() override { return true; }
+  bool key(string_t& /*name*/) override { return true; }
+
+  // The position is behind the token.
+  bool parse_error(std::size_t position, const std::string& token,
+                   const nlohmann::detail::exception& mistake) override {
+    if (mistake.id != kOutOfRange) return false;
+    const std::string shown =
+        token.size() > kLongestNumber ? token.substr(0, kLongestNumber) + "..." : token;
+    const std::size_t start = position - std::min(position, token.size());
+    number_ = "the number " + shown + " in " + placeAt(text_.substr(0, start));
+    return false;
+  }
+
+ private:
+  std::string_view text_;
+  std::string number_;
+};
+
+}  // namespace
+
+std::string numberOutOfRange(const std::string& text) {
+  FirstMistake mistake(text);
+  nlohmann::json::sax_parse(text, &mistake);
+  return mistake.number();
+}
+
+}  // namespace kelvane::console
