@@ -125,7 +125,7 @@ Value argumentList(const Value& path, std::initializer_list<Value> arguments) {
 }
 
 void ChildOutput::append(std::string_view bytes) {
-  if (!isWhole_) return;
+  if (!isWhole_ || bytes.empty()) return;
   if (bytes.size() > room_ - size_) {
     const std::size_t wanted = size_ + std::max(bytes.size(), size_ / 8);
     auto* grown = static_cast<char*>(std::realloc(bytes_.get(), wanted));
