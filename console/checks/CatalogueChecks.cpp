@@ -30,7 +30,8 @@ Findings catalogueFindings(const Value& records, const std::string& name) {
   folders.erase("");
   Findings findings;
   for (const std::string& folder : folders) {
-    const std::string path = folder + "/" + name + ".plist";
+    std::string path = folder;
+    path.append("/").append(name).append(".plist");
     const EntryKind kind = kindOf(path);
     if (kind != EntryKind::folder && kind != EntryKind::other) continue;
     findings.push_back({Severity::warning, "the catalogue " + path + " is no regular file",

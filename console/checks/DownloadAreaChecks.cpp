@@ -37,7 +37,8 @@ Findings leftoverDownloadFindings(const std::string& sharedFolder) {
     std::vector<std::string> names = platform::listFolder(folder);
     std::sort(names.begin(), names.end());
     for (const std::string& name : names) {
-      const std::string path = folder + "/" + name;
+      std::string path = folder;
+      path.append("/").append(name);
       if (name.rfind(kArriving, 0) == 0) {
         findings.push_back(leftover(path,
                                     "A worker was killed, or the computer went down, while it "
