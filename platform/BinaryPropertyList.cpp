@@ -13,14 +13,12 @@
 
 #include "platform/BinaryPropertyListLimits.h"
 #include "platform/Exception.h"
+#include "platform/FreeMemory.h"
 #include "platform/Utf8.h"
 
 namespace kelvane::platform {
 namespace {
 
-struct FreeMemory {
-  void operator()(void* memory) const { std::free(memory); }
-};
 struct FreeList {
   void operator()(void* list) const { ::plist_free(list); }
 };

@@ -2,13 +2,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
 #include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "platform/FreeMemory.h"
 #include "platform/Value.h"
 
 namespace kelvane::platform {
@@ -28,11 +28,8 @@ class ChildOutput {
   std::optional<std::string_view> text() const;
 
  private:
-  struct Free {
-    void operator()(char* bytes) const { std::free(bytes); }
-  };
   // Grown in place where the system can, and by little, so that it takes hardly more than it holds.
-  std::unique_ptr<char, Free> bytes_;
+  std::unique_ptr<char, FreeMemory> bytes_;
   std::size_t size_ = 0;
   std::size_t room_ = 0;
   bool isWhole_ = true;

@@ -19,6 +19,7 @@
 
 #include "platform/Descriptor.h"
 #include "platform/File.h"
+#include "platform/FreeMemory.h"
 #include "platform/Native.h"
 #include "platform/Restarted.h"
 
@@ -133,10 +134,7 @@ std::string entryPath(std::string path) {
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   const std::string_view last = std::string_view(path).substr(path.rfind('/') + 1);
   if (last != "." && last != "..") return path;
-  struct Free {
-    void operator()(char* text) const { std::free(text); }
-  };
-  const std::unique_ptr<char, Free> whole(::realpath(path.c_str(), nullptr));
+  const std::unique_ptr<char, FreeMemory> whole(::realpath(path.c_str(), nullptr));
   return whole == nullptr ? std::string() : std::string(whole.get());
 }
 
@@ -335,7 +333,7 @@ bool removeTree(const std::string& path) {
   const std::string entry = entryPath(path);
   if (entry.empty()) return !exists(path);
   const std::optional<Kind> kind = kindOf(AT_FDCWD, entry.c_str());
-  if (!kind) return errno == ENOENT;
+  if (!kind) return errno == ENOENT || errno == ENOTDIR;
   return removeEntry(AT_FDCWD, {entry, *kind});
 }
 

@@ -438,6 +438,8 @@ TEST_F(FileTree, AFolderMayBeNamedFromInside) {
 TEST_F(FileTree, WhatIsNotThereIsRemovedAlready) {
   EXPECT_TRUE(removeTree(folder / "missing"));
   EXPECT_TRUE(removeTree(folder / "missing/.."));
+  EXPECT_TRUE(removeTree(folder.write("file", "x") + "/below"));
+  EXPECT_EQ(folder.read("file"), "x");
   EXPECT_TRUE(discardTree(folder / "missing"));
 }
 
