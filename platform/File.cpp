@@ -108,7 +108,7 @@ bool takeOverAttributes(int file, const std::string& oldPath) {
 // longer than names can be. `path` becomes its path.
 Descriptor makeTemporary(const std::string& folder, std::string& path) {
   return Descriptor(restarted([&] {
-    path = folder + "/.replace-XXXXXX";
+    path = folder + "/" + kReplacementPrefix + "XXXXXX";
     return ::mkostemp(path.data(), O_CLOEXEC);
   }));
 }

@@ -50,6 +50,12 @@ bool removeTree(const std::string& path);
 // after a kill takes a part of it for the whole.
 bool discardTree(const std::string& path);
 
+// How the hidden names begin that a kill can leave behind: of a file's replacement, of a copy that
+// was on its way, and of what was being discarded. Each stands beside the entry that it is for.
+inline constexpr char kReplacementPrefix[] = ".replace-";
+inline constexpr char kArrivingPrefix[] = ".incoming-";
+inline constexpr char kLeavingPrefix[] = ".outgoing-";
+
 // Copies the entry with all below it: links as links, with permission bits and modification times
 // as far as the disk takes them; what is neither file, folder nor link is passed over. Appears
 // whole or not at all, also where it is killed. Fails where anything is in the target's place; a

@@ -338,14 +338,14 @@ bool removeTree(const std::string& path) {
 }
 
 bool discardTree(const std::string& path) {
-  const std::string hidden = hiddenBeside(path, ".outgoing-");
+  const std::string hidden = hiddenBeside(path, kLeavingPrefix);
   removeTree(hidden);
   return removeTree(renamePath(path, hidden) ? hidden : path);
 }
 
 std::optional<std::string> stageCopy(const std::string& from, const std::string& to) {
   if (!canBePath(from) || !canBePath(to) || entryExists(to)) return std::nullopt;
-  std::string staged = hiddenBeside(to, ".incoming-");
+  std::string staged = hiddenBeside(to, kArrivingPrefix);
   removeTree(staged);
   if (TreeCopy().make(from, staged)) return staged;
   removeTree(staged);

@@ -10,6 +10,7 @@
 #include "console/checks/ProcessChecks.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/job/Processes.h"
+#include "contract/Paths.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
@@ -95,7 +96,7 @@ void findLibrary(const std::string& path, Findings& findings) {
 
 // The libraries that the bundle brings along, the framework aside.
 void findLibraries(const std::string& bundle, Findings& findings) {
-  const fs::path folder = bundle + "/Contents/Frameworks";
+  const fs::path folder = bundle + "/" + paths::kFrameworks;
   std::vector<std::string> names = platform::listFolder(folder.string());
   std::sort(names.begin(), names.end());
   for (const std::string& name : names) {
@@ -106,7 +107,7 @@ void findLibraries(const std::string& bundle, Findings& findings) {
 
 }  // namespace
 
-std::string workerIn(const std::string& bundle) { return bundle + "/Contents/Resources/Kelvane"; }
+std::string workerIn(const std::string& bundle) { return bundle + "/" + paths::kWorker; }
 
 Findings bundleFindings(const std::string& bundle) {
   Findings findings = installationProcessFindings(bundle, runningProcesses());

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "console/checks/Access.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 

@@ -4,15 +4,11 @@
 #include <vector>
 
 #include "console/checks/Access.h"
+#include "contract/Paths.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
 namespace {
-
-constexpr char kArea[] = "tmp/OnlineUpdate";
-constexpr const char* kProductFolders[] = {"FW", "KORFW", "SW", "ZENTANAS"};
-constexpr char kArriving[] = ".incoming-";
-constexpr char kLeaving[] = ".outgoing-";
 
 Finding leftover(const std::string& path, const char* meaning) {
   return {Severity::warning, path + " is left over", meaning,
@@ -23,7 +19,7 @@ Finding leftover(const std::string& path, const char* meaning) {
 }  // namespace
 
 Findings downloadAreaFindings(const std::string& sharedFolder) {
-  const std::string refused = changeRefusal(sharedFolder + kArea);
+  const std::string refused = changeRefusal(sharedFolder + paths::kDownloadArea);
   if (refused.empty()) return {};
   return {{Severity::error, "the download area cannot be changed: " + refused,
            "Downloaded packages cannot be put there, and no one is told: a download ends with 259.",
@@ -32,19 +28,19 @@ Findings downloadAreaFindings(const std::string& sharedFolder) {
 
 Findings leftoverDownloadFindings(const std::string& sharedFolder) {
   Findings findings;
-  for (const char* product : kProductFolders) {
-    const std::string folder = sharedFolder + kArea + "/" + product;
+  for (const char* product : paths::kProductFolders) {
+    const std::string folder = sharedFolder + paths::kDownloadArea + "/" + product;
     std::vector<std::string> names = platform::listFolder(folder);
     std::sort(names.begin(), names.end());
     for (const std::string& name : names) {
       std::string path = folder;
       path.append("/").append(name);
-      if (name.rfind(kArriving, 0) == 0) {
+      if (name.rfind(platform::kArrivingPrefix, 0) == 0) {
         findings.push_back(leftover(path,
                                     "A worker was killed, or the computer went down, while it "
                                     "copied a package there. The package is not in the download "
                                     "area."));
-      } else if (name.rfind(kLeaving, 0) == 0) {
+      } else if (name.rfind(platform::kLeavingPrefix, 0) == 0) {
         findings.push_back(leftover(path,
                                     "A worker was killed, or the computer went down, while it "
                                     "removed an older package. Nobody uses what is left of it."));

@@ -12,6 +12,8 @@
 #include <unistd.h>
 
 #include "console/checks/Access.h"
+#include "contract/Framework.h"
+#include "contract/Paths.h"
 #include "platform/Descriptor.h"
 
 namespace kelvane::console {
@@ -52,8 +54,10 @@ void restrain() {
     ::_exit(0);
   }
   tell(pipe, kLoaded);
-  for (const char* name : kFrameworkFunctions) {
-    if (::dlsym(library, name) == nullptr) tell(pipe, std::string("\n") + name);
+  for (const framework::Function& function : framework::kFunctions) {
+    if (::dlsym(library, function.name) == nullptr) {
+      tell(pipe, std::string("\n") + function.name);
+    }
   }
   ::_exit(0);
 }
@@ -116,7 +120,7 @@ LibraryTrial tryLibrary(const std::string& path) {
 }
 
 std::string frameworkPath(const std::string& bundle) {
-  const std::string folder = bundle + "/Contents/Frameworks/";
+  const std::string folder = bundle + "/" + paths::kFrameworks + "/";
   for (const char* name : frameworkLibraries()) {
     if (kindOf(folder + name) != EntryKind::missing) return folder + name;
   }

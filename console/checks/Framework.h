@@ -9,45 +9,6 @@
 
 namespace kelvane::console {
 
-// Every function that the worker calls.
-inline constexpr const char* kFrameworkFunctions[] = {
-    "zr_initialize",
-    "zr_discover",
-    "zr_getNumberOfHBA",
-    "zr_getNumberOfSubsystem",
-    "zr_getSubsystemInfo",
-    "decod_getStringWWN",
-    "zr_getControllerInfo",
-    "decod_locateBufferCtrlInfo",
-    "zr_getCurrentDeviceInterface",
-    "getErrorDescription",
-    "zr_getFDLImageInfo",
-    "zr_getCPLDImageInfo",
-    "zr_getUSBImageInfo",
-    "zr_initializeFlashProcess",
-    "zr_checkFlashImage",
-    "zr_transferFlashImage",
-    "zr_verifyFlashImage",
-    "zr_flashImageEx",
-    "zr_getFlashProgress",
-    "zr_finalizeFlashProcess",
-    "zr_checkQVXFFlashImage",
-    "zr_transferQVXFFlashImage",
-    "zr_analyzeQVXFImage",
-    "zr_flashQVXFImage",
-    "zr_getFlashQVXFImageStatus",
-    "zr_finializeQVXFImage",
-    "zr_initializeCPLDProcess",
-    "zr_flashCPLDBin",
-    "zr_getCPLDProgress",
-    "zr_finalizeCPLDProcess",
-    "zr_mac_checkUSBFWVersion",
-    "zr_mac_getNVRAM",
-    "zr_mac_flashUSBFWbin",
-    "zr_mac_setNVRAM",
-    "zr_mac_flashNVRAM",
-};
-
 // What came of loading a library in a process of its own, where it can do no harm.
 struct LibraryTrial {
   std::string fault;                 // why it could not be loaded; empty where it could

@@ -12,8 +12,6 @@
 namespace kelvane::console {
 namespace {
 
-constexpr char kTemporaryPrefix[] = ".replace-";
-
 std::string placeOf(const std::string& path) {
   std::error_code untold;
   const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, untold);
@@ -98,7 +96,7 @@ Findings leftoverFindings(const std::string& path) {
   std::vector<std::string> names = platform::listFolder(folder);
   std::sort(names.begin(), names.end());
   for (const std::string& name : names) {
-    if (name.rfind(kTemporaryPrefix, 0) != 0) continue;
+    if (name.rfind(platform::kReplacementPrefix, 0) != 0) continue;
     std::string what = folder;
     what += "/" + name + " is left over";
     findings.push_back({Severity::warning, what,

@@ -8,7 +8,8 @@
 #include "console/checks/Access.h"
 #include "console/checks/BundleChecks.h"
 #include "console/checks/SettingsChecks.h"
-#include "console/job/JobRecord.h"
+#include "contract/Paths.h"
+#include "contract/Settings.h"
 
 namespace kelvane::console {
 
@@ -34,7 +35,7 @@ bool isSame(const RunningProcess& process, const std::string& path, const std::s
 std::string applicationOf(const std::string& bundle) {
   const platform::Value settings = readJsonFile(productSettingsPath(bundle)).value;
   if (!settings.isDictionary()) return bundle;
-  const platform::Value& application = settings.get("AppPath");
+  const platform::Value& application = settings.get(settings::kAppPath);
   return application.isString() ? application.string() : bundle;
 }
 
@@ -57,7 +58,7 @@ Findings engineProcessFindings(const std::string& sharedFolder,
   Findings findings;
   for (const RunningProcess& process : processes) {
     const std::string logId = valueOf(process, "-logId");
-    if (!isSame(process, valueOf(process, "-logPath"), sharedFolder + job::kFileName)) continue;
+    if (!isSame(process, valueOf(process, "-logPath"), sharedFolder + paths::kJobFile)) continue;
     if (workerRuns(logId, sharedFolder, processes)) continue;
     findings.push_back({Severity::warning,
                         "an update engine runs for job " + logId + toldBy(process) +

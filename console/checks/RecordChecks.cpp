@@ -5,7 +5,7 @@
 #include <iterator>
 #include <map>
 
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {

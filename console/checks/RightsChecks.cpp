@@ -5,10 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "contract/Paths.h"
+
 namespace kelvane::console {
 namespace {
 
-constexpr const char* kPlaces[] = {"", "utility", "utility/config", "utility/config/setting.json"};
+constexpr const char* kPlaces[] = {"", "utility", "utility/config", paths::kSharedSettings};
 
 std::string userName(uid_t user) {
   const passwd* found = ::getpwuid(user);

@@ -1,6 +1,8 @@
 #include "console/checks/SettingsChecks.h"
 
 #include "console/checks/Access.h"
+#include "contract/Paths.h"
+#include "contract/Settings.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
@@ -9,8 +11,6 @@ using platform::Value;
 
 namespace {
 
-constexpr char kAppPath[] = "AppPath";
-constexpr char kEngine[] = "/Contents/Resources/EngineRunner";
 constexpr char kNoEngine[] =
     "The update engine cannot be started: queries and downloads stay in state RUN, with an error "
     "line in the log. Firmware jobs and installations are not concerned.";
@@ -23,24 +23,24 @@ constexpr char kUnusable[] =
     "with 259.";
 
 constexpr ProductSetting kProductSettings[] = {
-    {kAppPath, Severity::error,
+    {settings::kAppPath, Severity::error,
      "An installation removes and copies nothing, and ends with 0 all the same."},
-    {"online_update_plist_name", Severity::error,
+    {settings::kCatalogueName, Severity::error,
      "The catalogue is not found: a query ends without output, and a download takes nothing from "
      "it."},
-    {"product_id_sw", Severity::warning,
+    {settings::kProductIdSw, Severity::warning,
      "The application counts as firmware: its download goes to tmp/OnlineUpdate/FW, and no system "
      "version is looked at."},
-    {"app_name", Severity::warning,
+    {settings::kAppName, Severity::warning,
      "The package of the application is not found in its download, unless the catalogue names it."},
-    {"product_id_korfw", Severity::warning,
+    {settings::kProductIdKorfw, Severity::warning,
      "Downloads of this product go to tmp/OnlineUpdate/FW instead of KORFW."},
-    {"product_id_zentanfw", Severity::warning,
+    {settings::kProductIdZentanfw, Severity::warning,
      "Downloads of this product go to tmp/OnlineUpdate/FW instead of ZENTANAS."},
-    {"product_id_tarsel2fw", Severity::warning,
+    {settings::kProductIdTarsel2fw, Severity::warning,
      "The package of this product is looked for under the catalogue's name for it, not as "
      "FW_QRX550.img."},
-    {"product_id_tarsel3fw", Severity::warning,
+    {settings::kProductIdTarsel3fw, Severity::warning,
      "The package of this product is looked for under the catalogue's name for it, not as "
      "FW_T3.img."},
 };
@@ -64,7 +64,7 @@ Finding engineFinding(const std::string& what) {
 }
 
 void findEngine(const std::string& settings, const std::string& application, Findings& findings) {
-  const std::string engine = application + kEngine;
+  const std::string engine = application + "/" + paths::kEngine;
   if (kindOf(application) != EntryKind::folder) {
     findings.push_back(
         engineFinding(settings + ": AppPath leads to " + application + ", which is no bundle"));
@@ -117,11 +117,11 @@ void findApplication(const std::string& path, const std::string& application, Fi
 }  // namespace
 
 std::string sharedSettingsPath(const std::string& sharedFolder) {
-  return sharedFolder + "utility/config/setting.json";
+  return sharedFolder + paths::kSharedSettings;
 }
 
 std::string productSettingsPath(const std::string& bundle) {
-  return bundle + "/Contents/Resources/Config/setting.json";
+  return bundle + "/" + paths::kProductSettings;
 }
 
 std::span<const ProductSetting> productSettings() { return kProductSettings; }
@@ -130,7 +130,7 @@ Findings sharedSettingsFindings(const std::string& path) {
   Findings findings;
   const Value settings = readSettings(path, kNoEngine, findings);
   if (!settings.isDictionary()) return findings;
-  const Value& application = settings.get(kAppPath);
+  const Value& application = settings.get(settings::kAppPath);
   if (application.isString()) {
     findEngine(path, application.string(), findings);
   } else {
@@ -145,7 +145,7 @@ Findings productSettingsFindings(const std::string& path) {
   const Value settings = readSettings(path, kNoProduct, findings);
   if (!settings.isDictionary()) return findings;
   findKeys(path, settings, findings);
-  const Value& application = settings.get(kAppPath);
+  const Value& application = settings.get(settings::kAppPath);
   if (application.isString()) findApplication(path, application.string(), findings);
   return findings;
 }

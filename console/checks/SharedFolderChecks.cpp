@@ -9,9 +9,10 @@
 #include "console/checks/ProcessChecks.h"
 #include "console/checks/RightsChecks.h"
 #include "console/checks/SettingsChecks.h"
-#include "console/job/JobRecord.h"
 #include "console/job/LogFile.h"
 #include "console/job/Processes.h"
+#include "contract/JobFile.h"
+#include "contract/Paths.h"
 
 namespace kelvane::console {
 
@@ -48,7 +49,7 @@ bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
 }
 
 Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
-  const std::string path = sharedFolder + job::kFileName;
+  const std::string path = sharedFolder + paths::kJobFile;
   Findings findings = jobFileFindings(path);
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();

@@ -19,6 +19,7 @@
 #include "console/display/Wrapping.h"
 #include "console/job/Clock.h"
 #include "console/job/ExitCode.h"
+#include "contract/Log.h"
 
 namespace kelvane::console {
 
@@ -186,8 +187,8 @@ CLI::App& addLog(CLI::App& app, ShowLogOptions& options, bool& json) {
   addJsonFlag(command, json);
   command.add_option("--level", options.level, "The least level that is shown")
       ->type_name("LEVEL")
-      ->check(
-          CLI::IsMember(std::vector<std::string>(std::begin(kLogLevels), std::end(kLogLevels))));
+      ->check(CLI::IsMember(
+          std::vector<std::string>(std::begin(logging::kLevels), std::end(logging::kLevels))));
   command.add_option("--function", options.function, "Show the entries of this function alone")
       ->type_name("NAME");
   command.add_flag("--full", options.full, "Show objects whole");

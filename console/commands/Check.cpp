@@ -14,9 +14,9 @@
 #include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobRecord.h"
 #include "console/job/LogFile.h"
 #include "console/job/Processes.h"
+#include "contract/Paths.h"
 #include "platform/File.h"
 #include "platform/Json.h"
 #include "platform/Value.h"
@@ -61,7 +61,7 @@ void showSum(const Findings& findings, const Screen& screen) {
 }
 
 std::vector<Paragraph> lookedAt(const std::string& sharedFolder, const std::string& bundle) {
-  const std::string jobFile = sharedFolder + job::kFileName;
+  const std::string jobFile = sharedFolder + paths::kJobFile;
   const char* absence = platform::exists(jobFile) ? "" : " (there is none yet)";
   std::vector<Paragraph> all = {{"job file", jobFile + absence},
                                 {"log", logPath(sharedFolder)},
@@ -79,7 +79,7 @@ std::vector<Paragraph> lookedAt(const std::string& sharedFolder, const std::stri
 
 // The jobs name the folders, the bundle's settings the catalogue.
 Findings cataloguesOfJobs(const std::string& sharedFolder, const std::string& bundle) {
-  const Value records = readJsonFile(sharedFolder + job::kFileName).value;
+  const Value records = readJsonFile(sharedFolder + paths::kJobFile).value;
   const Value settings = readJsonFile(productSettingsPath(bundle)).value;
   if (!records.isArray() || !settings.isDictionary()) return {};
   const Value& name = settings.get("online_update_plist_name");

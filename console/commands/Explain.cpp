@@ -14,7 +14,6 @@
 #include "console/explain/JobExplanation.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
-#include "console/job/JobRecord.h"
 #include "console/job/LogFile.h"
 #include "console/job/Processes.h"
 #include "platform/Json.h"

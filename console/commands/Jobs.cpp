@@ -6,7 +6,7 @@
 #include "console/display/Table.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {

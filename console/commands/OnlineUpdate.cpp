@@ -5,7 +5,7 @@
 #include "console/commands/Arguments.h"
 #include "console/display/Packages.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 #include "platform/File.h"
 #include "platform/Value.h"
 

@@ -7,6 +7,7 @@
 #include "console/display/Colour.h"
 #include "console/job/ExitCode.h"
 #include "console/job/LogFile.h"
+#include "contract/Log.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {
@@ -17,7 +18,8 @@ namespace {
 
 // What is of no known level is shown like the gravest.
 std::ptrdiff_t gravity(const std::string& level) {
-  return std::find(std::begin(kLogLevels), std::end(kLogLevels), level) - std::begin(kLogLevels);
+  return std::find(std::begin(logging::kLevels), std::end(logging::kLevels), level) -
+         std::begin(logging::kLevels);
 }
 
 bool isWanted(const LogEntry& entry, const ShowLogOptions& options) {
@@ -35,7 +37,7 @@ std::string folded(const std::string& message) {
 
 std::string lineOf(const LogEntry& entry, bool full, const Screen& screen) {
   std::string head = entry.time + ' ';
-  if (entry.level != kLogLevels[0]) head += entry.level + ' ';
+  if (entry.level != logging::kLevels[0]) head += entry.level + ' ';
   if (!entry.function.empty()) head += entry.function + ": ";
   const std::string text =
       displayLines(head + (full ? entry.message : folded(entry.message)), screen.charset);

@@ -14,9 +14,6 @@ struct ShowLogOptions {
   bool full = false;            // whether messages of several lines are shown whole
 };
 
-// The levels, in ascending order.
-inline constexpr const char* kLogLevels[] = {"debug", "info", "warning", "error", "critical"};
-
 // Shows the log's entries, one line each, objects folded; for machines a line of JSON each. Returns
 // the exit code. Raises Failure where there is no log to be read.
 int showLog(const ShowLogOptions& options, const Screen& screen);

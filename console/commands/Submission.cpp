@@ -6,7 +6,7 @@
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
 #include "console/job/JobFile.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 

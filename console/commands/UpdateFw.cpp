@@ -2,7 +2,7 @@
 
 #include "console/commands/Arguments.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 #include "platform/File.h"
 #include "platform/Value.h"
 

@@ -7,7 +7,8 @@
 #include "console/checks/SettingsChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
+#include "contract/Settings.h"
 #include "platform/File.h"
 #include "platform/Value.h"
 
@@ -22,7 +23,7 @@ namespace {
 std::string installedApplication(const std::string& bundle) {
   const Value settings = readJsonFile(productSettingsPath(bundle)).value;
   if (!settings.isDictionary()) return {};
-  const Value& path = settings.get("AppPath");
+  const Value& path = settings.get(settings::kAppPath);
   return path.isString() ? path.string() : "";
 }
 

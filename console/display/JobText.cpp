@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 namespace {

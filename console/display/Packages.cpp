@@ -2,7 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "console/job/JobRecord.h"
+#include "contract/Catalogue.h"
+#include "contract/JobFile.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
@@ -44,9 +45,9 @@ Table offeredPackages(const Value& rules) {
   Table table({{"Product"}, {"Version"}, {"Size", true}, {"System"}, {"Package"}});
   for (const Value& rule : rules.elements()) {
     if (!rule.isDictionary()) continue;
-    table.addRow({textOf(rule.get(job::kRuleProductId)), textOf(rule.get(job::kRuleVersion)),
-                  sizeText(rule.get(job::kRuleSize)), textOf(rule.get(job::kRuleMinimumOs)),
-                  fileName(rule.get(job::kRuleCodebase))});
+    table.addRow({textOf(rule.get(catalogue::kProductId)), textOf(rule.get(catalogue::kVersion)),
+                  sizeText(rule.get(catalogue::kSize)), textOf(rule.get(catalogue::kMinimumOs)),
+                  fileName(rule.get(catalogue::kCodebase))});
   }
   return table;
 }

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "console/explain/ResultCodes.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 namespace {

@@ -2,8 +2,8 @@
 
 #include "console/checks/RecordChecks.h"
 #include "console/explain/CodeExplanation.h"
-#include "console/job/JobRecord.h"
 #include "console/job/JobStatus.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 

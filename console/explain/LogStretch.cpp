@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 namespace {

@@ -3,53 +3,56 @@
 #include <algorithm>
 #include <iterator>
 
+#include "contract/Framework.h"
+#include "contract/JobFile.h"
+
 namespace kelvane::console {
 namespace {
 
 constexpr ResultCode kResultCodes[] = {
-    {0x0000, "kZorSuccess", "no error",
+    {kZorSuccess, "kZorSuccess", job::kNoError,
      "The job is done. updateSW and getOnlineUpdateData end so in any case.", "nobody",
      "After updateSW look whether the application is there, after getOnlineUpdateData whether "
      "there is an output, after updateFW with a standard image whether cpld_percentage is 100.",
      false},
-    {0x0101, "kZorOutOfMemory", "out of memory",
+    {kZorOutOfMemory, "kZorOutOfMemory", "out of memory",
      "There was no memory to read a controller's information, or the framework lacked it in "
      "another step.",
      "user", "Close other programs or restart the computer.", true},
-    {0x0103, "kFileNotFound", "file is not found",
+    {job::kFileNotFound, "kFileNotFound", job::kFileNotFoundText,
      "After a download a package is not where it belongs: the update engine did not bring it, or "
      "under another name.",
      "user",
      "Check the network, the service's address and the free space. If it stays, send the log and "
      "the job file to support.",
      true},
-    {0x0105, "kZorUsbNothingToDo", "nothing to do",
+    {kZorUsbNothingToDo, "kZorUsbNothingToDo", "nothing to do",
      "A step had nothing to do. The USB bridge's flash takes this for success, so that as a result "
      "it comes from another step.",
      "support", "Find the job's last step in the log.", false},
-    {0x0402, "kZorDeviceNotFound", "the device was not found",
+    {kZorDeviceNotFound, "kZorDeviceNotFound", "the device was not found",
      "No controller has the WWN of an entry, or the job had no input parameters. The controllers "
      "after it were not started.",
      "user", "Switch the enclosure on, check its cable and the WWN, letter by letter.", true},
-    {0x4027, "kZorThunderbolt", "the controller is attached by Thunderbolt",
+    {kZorThunderbolt, "kZorThunderbolt", "the controller is attached by Thunderbolt",
      "A step cannot be done over Thunderbolt. The USB bridge's update is left out for this without "
      "failing, so that as a result it comes from another step.",
      "support", "Find the job's last step in the log.", false},
-    {0x8050, "kZorFlashProcessRunning", "another flash process is running",
+    {kZorFlashProcessRunning, "kZorFlashProcessRunning", "another flash process is running",
      "The controller is being flashed already, for another program or for a job whose worker died.",
      "user",
      "Leave the enclosure powered, close other programs that update it, and wait some minutes.",
      true},
-    {0x8054, "kZorFlashFailed", "the flash failed",
+    {kZorFlashFailed, "kZorFlashFailed", "the flash failed",
      "The controller told that the flash of its firmware has failed.", "user",
      "Leave the enclosure powered and update it again. If it fails again, ask support before "
      "switching it off.",
      true},
-    {0x8055, "kZorUnsupportedProduct", "the product is not supported",
+    {kZorUnsupportedProduct, "kZorUnsupportedProduct", "the product is not supported",
      "The worker knows no way to update the firmware of this controller's product. Its CPLD may "
      "have been flashed.",
      "support", "Find the product identifier in the log, after ci_ProductID.", false},
-    {0x8058, "kZorCpldFlashAccepted", "the CPLD flash was accepted",
+    {kZorCpldFlashAccepted, "kZorCpldFlashAccepted", "the CPLD flash was accepted",
      "The start of a CPLD flash takes this for success, so that as a result it comes from another "
      "step.",
      "support", "Find the job's last step in the log.", false},

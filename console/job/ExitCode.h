@@ -16,6 +16,10 @@ inline constexpr int kNotFound = 5;        // no such job, code or log
 inline constexpr int kInternalError = 70;  // what is foreseen nowhere, such as no memory
 inline constexpr int kInterrupted = 130;   // as shells report the end by an interrupt
 
+// All of them, once each.
+inline constexpr int kExitCodes[] = {kSuccess,       kJobFailed, kBadUsage,      kWorkerFailed,
+                                     kJobFileFailed, kNotFound,  kInternalError, kInterrupted};
+
 // Ends a sub-command. what() is one line for the user.
 class Failure : public std::runtime_error {
  public:

@@ -7,7 +7,8 @@
 #include <system_error>
 
 #include "console/job/ExitCode.h"
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
+#include "contract/Paths.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
@@ -80,7 +81,7 @@ std::string nextLogId(const Value& records) {
   return plusOne(highest);
 }
 
-JobFile::JobFile(const std::string& sharedFolder) : path_(sharedFolder + job::kFileName) {}
+JobFile::JobFile(const std::string& sharedFolder) : path_(sharedFolder + paths::kJobFile) {}
 
 std::string JobFile::add(const NewJob& job) const {
   Value all = read();

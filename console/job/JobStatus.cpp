@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "console/job/JobRecord.h"
+#include "contract/JobFile.h"
 
 namespace kelvane::console {
 

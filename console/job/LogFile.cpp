@@ -3,13 +3,13 @@
 #include <optional>
 
 #include "console/job/ExitCode.h"
+#include "contract/Paths.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
 namespace {
 
-constexpr char kFileName[] = "utility/logs/TarselVistrelUtility.txt";
 constexpr std::string_view kTimeForm = "[dd:dd:dd] [";
 
 bool startsWithTime(std::string_view line) {
@@ -72,7 +72,7 @@ std::vector<LogEntry> parseLog(std::string_view text) {
   return entries;
 }
 
-std::string logPath(const std::string& sharedFolder) { return sharedFolder + kFileName; }
+std::string logPath(const std::string& sharedFolder) { return sharedFolder + paths::kLog; }
 
 std::string readLog(const std::string& sharedFolder) {
   const std::string path = logPath(sharedFolder);

@@ -9,9 +9,9 @@
 #include <unistd.h>
 
 #include "console/job/ExitCode.h"
-#include "console/job/JobRecord.h"
 #include "console/job/JobStatus.h"
 #include "console/job/Processes.h"
+#include "contract/JobFile.h"
 
 extern char** environ;  // not every system's headers declare it
 

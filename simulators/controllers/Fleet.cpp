@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "contract/Framework.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "simulators/controllers/Functions.h"
 #include "simulators/controllers/Image.h"
 #include "simulators/support/Number.h"
 #include "simulators/support/ObjectReader.h"
@@ -34,11 +34,19 @@ constexpr std::uint64_t kMostCalls = 1000000000;
 constexpr std::uint8_t kFirstUnknownStatusByte = 4;
 constexpr std::uint8_t kUnknownStage = 9;
 
+bool hasStatus(std::string_view name) {
+  return std::any_of(std::begin(framework::kFunctions), std::end(framework::kFunctions),
+                     [name](const framework::Function& function) {
+                       return function.hasStatus && name == function.name;
+                     });
+}
+
 CallFault readCallFault(ObjectReader& reader) {
   CallFault fault;
   fault.function = reader.text("function");
-  if (!hasStatus(fault.function))
+  if (!hasStatus(fault.function)) {
     reader.refuse("function", "no function of that name has a status");
+  }
   fault.call = reader.code("call", kMostCalls, 1);
   if (fault.call == 0) reader.refuse("call", "the first call is number 1");
   fault.count = reader.code("count", kMostCalls, 1);

@@ -2,15 +2,26 @@
 
 #include <algorithm>
 #include <iostream>
+#include <string_view>
 #include <utility>
 
 #include "platform/Exception.h"
-#include "simulators/controllers/Functions.h"
 #include "simulators/controllers/Records.h"
 
 namespace kelvane::simulator {
 
 using platform::Value;
+
+namespace {
+
+// Closing calls still close when a fault gives their status: otherwise the fault of one controller
+// would be another's.
+bool isClosing(std::string_view function) {
+  return function == "zr_finalizeFlashProcess" || function == "zr_finializeQVXFImage" ||
+         function == "zr_finalizeCPLDProcess";
+}
+
+}  // namespace
 
 Framework::Framework(std::string fleetPath, Journal& journal)
     : fleetPath_(std::move(fleetPath)), journal_(journal) {}

@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "contract/Catalogue.h"
 #include "platform/Exception.h"
 #include "platform/PropertyList.h"
 #include "simulators/engine/Items.h"
@@ -96,7 +97,7 @@ class Run {
   std::string offers() const {
     if (first_.empty()) return "there is no catalogue";
     const Value list = platform::readPropertyList(cataloguePath_);
-    const Value& rules = list.get("Rules");
+    const Value& rules = list.get(catalogue::kRules);
     if (!rules.isArray()) return "the catalogue cannot be read";
     return "packages in the catalogue: " + std::to_string(rules.count());
   }

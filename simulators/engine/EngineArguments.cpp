@@ -4,19 +4,13 @@
 #include <iterator>
 #include <map>
 
+#include "contract/Engine.h"
 #include "simulators/support/Files.h"
 
 namespace kelvane::simulator {
 namespace {
 
 using Pairs = std::map<std::string, std::string>;
-
-constexpr char kProductId[] = "-productid";
-constexpr char kVersion[] = "-version";
-constexpr char kUrl[] = "-url";
-constexpr char kFolder[] = "-folder";
-constexpr const char* kNeeded[] = {kProductId, kVersion, kUrl, kFolder};
-constexpr const char* kOptional[] = {"-logId", "-logPath", "-log"};
 
 template <typename Names>
 bool contains(const Names& names, const std::string& name) {
@@ -26,8 +20,9 @@ bool contains(const Names& names, const std::string& name) {
 bool readVerb(const std::vector<std::string>& arguments) {
   if (arguments.empty()) throw UsageError("there is no verb");
   const std::string& verb = arguments.front();
-  if (verb != "run" && verb != "dryrun") throw UsageError(verb + ": is not a known verb");
-  return verb == "run";
+  if (verb != engine::kDownload && verb != engine::kQuery)
+    throw UsageError(verb + ": is not a known verb");
+  return verb == engine::kDownload;
 }
 
 // By hand: option names have one dash and many letters, and a value may begin with a dash, which
@@ -36,11 +31,11 @@ Pairs readPairs(const std::vector<std::string>& arguments) {
   Pairs pairs;
   for (std::size_t i = 1; i < arguments.size(); i += 2) {
     const std::string& name = arguments[i];
-    if (!contains(kNeeded, name) && !contains(kOptional, name)) {
+    if (!contains(engine::kNeeded, name) && !contains(engine::kOptional, name)) {
       throw UsageError(name + ": is not a known option");
     }
     if (i + 1 == arguments.size()) {
-      if (contains(kNeeded, name)) throw UsageError(name + ": has no value");
+      if (contains(engine::kNeeded, name)) throw UsageError(name + ": has no value");
       break;
     }
     if (!pairs.emplace(name, arguments[i + 1]).second) throw UsageError(name + ": stands twice");
@@ -58,16 +53,18 @@ std::string engineUsage() {
 EngineArguments readEngineArguments(const std::vector<std::string>& arguments) {
   const bool withPackages = readVerb(arguments);
   const Pairs pairs = readPairs(arguments);
-  for (const char* name : kNeeded) {
+  for (const char* name : engine::kNeeded) {
     if (!pairs.contains(name)) throw UsageError(std::string(name) + ": is missing");
   }
-  if (pairs.at(kFolder).empty()) throw UsageError(std::string(kFolder) + ": is empty");
-  const std::string& productId = pairs.at(kProductId);
+  if (pairs.at(engine::kFolder).empty())
+    throw UsageError(std::string(engine::kFolder) + ": is empty");
+  const std::string& productId = pairs.at(engine::kProductId);
   if (!isEntryName(productId)) {
     throw platform::Exception("product \"" + productId +
                               "\": must be a name without \"/\", and neither \".\" nor \"..\"");
   }
-  return {withPackages, productId, pairs.at(kVersion), pairs.at(kUrl), pairs.at(kFolder)};
+  return {withPackages, productId, pairs.at(engine::kVersion), pairs.at(engine::kUrl),
+          pairs.at(engine::kFolder)};
 }
 
 }  // namespace kelvane::simulator

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "contract/Catalogue.h"
 #include "platform/Exception.h"
 #include "simulators/engine/ServiceFaults.h"
 #include "simulators/make_service/Digest.h"
@@ -63,11 +64,11 @@ class PackageReader {
 
   void makeRule() {
     Value& rule = package_.rule;
-    rule =
-        Value::dictionary({{"ProductID", package_.product}, {"Version", reader_.text("version")}});
+    rule = Value::dictionary({{catalogue::kProductId, package_.product},
+                              {catalogue::kVersion, reader_.text("version")}});
     addDigest();
-    addText("MinimumOSVersion", "minimum_os");
-    addText("Codebase", "codebase");
+    addText(catalogue::kMinimumOs, "minimum_os");
+    addText(catalogue::kCodebase, "codebase");
     const Value& more = reader_.object(kRule);
     if (!more.isNothing()) rule.setAll(more);
     leaveOut();
@@ -77,8 +78,8 @@ class PackageReader {
   void addDigest() {
     if (package_.files.empty()) return;
     const Digest digest = digestOf(package_.files);
-    package_.rule.set("Size", Value::integer(digest.size));
-    package_.rule.set("Hash256", digest.sha256);
+    package_.rule.set(catalogue::kSize, Value::integer(digest.size));
+    package_.rule.set(catalogue::kHash, digest.sha256);
   }
 
   void addText(const char* ruleKey, const char* key) {

@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include "contract/Catalogue.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
@@ -56,7 +57,7 @@ void writeService(const Description& description, const std::string& folder) {
     writePackage(package, folder + "/" + kPackagesFolder);
   }
   writeFile(folder + "/" + kCatalogueFile,
-            printPropertyList(Value::dictionary({{"Rules", rules}}), description.form));
+            printPropertyList(Value::dictionary({{catalogue::kRules, rules}}), description.form));
   if (description.service.isNothing()) return;
   writeFile(folder + "/" + kFaultsFile,
             platform::printJson(description.service).value_or("{}") + "\n");

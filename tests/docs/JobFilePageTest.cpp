@@ -1,4 +1,4 @@
-// docs/job-file.md names what Kelvane.h lays down, all of it and nothing else.
+// docs/job-file.md names what the contract lays down, all of it and nothing else.
 
 #include <set>
 
@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "contract/JobFile.h"
 #include "platform/Json.h"
 #include "platform/PropertyList.h"
-#include "tests/docs/HeaderNames.h"
 #include "tests/docs/Page.h"
 
 namespace kelvane::docs {
@@ -19,20 +19,10 @@ using ::testing::HasSubstr;
 
 using Names = std::set<std::string>;
 
-const Names kStates = {"WAIT", "RUN", "FREE"};
-constexpr char kNoError[] = "no error";
-
 Names asSet(const std::vector<std::string>& names) { return {names.begin(), names.end()}; }
+Names keys() { return {std::begin(job::kKeys), std::end(job::kKeys)}; }
 
 std::string page() { return readSource("docs/job-file.md"); }
-
-// The record keys among the job constants, which also hold the states and a text.
-Names keysOfTheHeader() {
-  Names keys = asSet(constantsOf("job"));
-  for (const std::string& state : kStates) keys.erase(state);
-  keys.erase(kNoError);
-  return keys;
-}
 
 std::vector<std::string> commandHeadings() {
   std::vector<std::string> found;
@@ -53,19 +43,17 @@ void collectProperties(const nlohmann::json& schema, Names& found) {
   for (const auto& part : schema) collectProperties(part, found);
 }
 
-TEST(JobFilePage, NamesEveryKeyOfTheHeaderAndNoOther) {
-  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## Keys")))), keysOfTheHeader());
+TEST(JobFilePage, NamesEveryKeyAndNoOther) {
+  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## Keys")))), keys());
 }
 
-TEST(JobFilePage, NamesEveryStateOfTheHeaderAndNoOther) {
-  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## States")))), kStates);
-  const Names constants = asSet(constantsOf("job"));
-  for (const std::string& state : kStates) EXPECT_TRUE(constants.contains(state)) << state;
+TEST(JobFilePage, NamesEveryStateAndNoOther) {
+  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## States")))),
+            Names(std::begin(job::kStates), std::end(job::kStates)));
 }
 
 TEST(JobFilePage, QuotesTheTextOfSuccess) {
-  EXPECT_TRUE(asSet(constantsOf("job")).contains(kNoError));
-  EXPECT_THAT(section(page(), "## States"), HasSubstr("\"no error\""));
+  EXPECT_THAT(section(page(), "## States"), HasSubstr(std::string("\"") + job::kNoError + "\""));
 }
 
 TEST(JobFilePage, TellsTheLimitsOfTheReaders) {
@@ -78,13 +66,13 @@ TEST(JobFilePage, TellsTheLimitsOfTheReaders) {
 }
 
 TEST(JobFilePage, HasAnExampleForEveryCommandInTheirOrder) {
-  EXPECT_THAT(commandHeadings(), ElementsAreArray(commandNames()));
+  EXPECT_THAT(commandHeadings(), ElementsAreArray(job::kCommands));
 }
 
-TEST(JobFileSchema, DescribesEveryKeyOfTheHeaderAndNoOther) {
+TEST(JobFileSchema, DescribesEveryKeyAndNoOther) {
   Names found;
   collectProperties(nlohmann::json::parse(readSource("docs/job-file.schema.json")), found);
-  EXPECT_EQ(found, keysOfTheHeader());
+  EXPECT_EQ(found, keys());
 }
 
 TEST(JobFileSchema, KnowsEveryCommand) {
@@ -92,8 +80,8 @@ TEST(JobFileSchema, KnowsEveryCommand) {
   const auto& definitions = schema.at("definitions");
   for (const char* place :
        {"/record/if/properties/job_id/enum", "/waitingJob/properties/job_id/enum"}) {
-    EXPECT_EQ(definitions.at(nlohmann::json::json_pointer(place)).get<std::vector<std::string>>(),
-              commandNames());
+    EXPECT_THAT(definitions.at(nlohmann::json::json_pointer(place)).get<std::vector<std::string>>(),
+                ElementsAreArray(job::kCommands));
   }
 }
 

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "contract/Log.h"
 #include "log/iLog.h"
-#include "platform/File.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "tests/docs/Page.h"
@@ -23,25 +23,12 @@ using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-constexpr char kWorker[] = "Modules/Mac/FWUpdater/Kelvane_mac/";
-
 std::string page() { return readSource("docs/log.md"); }
 std::string part(const char* heading) { return section(page(), heading); }
 std::vector<Row> table(const char* heading) { return tableRows(part(heading)); }
 std::vector<std::string> shownLogs() { return codeBlocks(part("## A log"), "text"); }
 
 std::string withoutBackticks(const std::string& cell) { return cell.substr(1, cell.size() - 2); }
-
-// Every source of the worker, one after the other.
-std::string workerSources() {
-  namespace fs = std::filesystem;
-  std::string all;
-  for (const auto& entry :
-       fs::recursive_directory_iterator(std::string(KELVANE_SOURCES) + kWorker)) {
-    if (entry.is_regular_file()) all += platform::readFile(entry.path().string());
-  }
-  return all;
-}
 
 // --- the log
 
@@ -97,13 +84,43 @@ TEST(LogPage, NamesEveryLevelByItsNumber) {
   }
 }
 
-TEST(LogPage, QuotesOnlyTextsThatTheWorkerLogs) {
-  const std::string sources = workerSources();
+// Every way in which the worker's log can end up with one of the page's texts.
+class LogPageTexts : public PageWorld {
+ protected:
+  LogPageTexts() {
+    runWorker({"\xFF", folder / "Users/ann/Shared/"});
+    run(workedExample("getOnlineUpdateData").before);
+    update("0x4301",
+           R"({"cpld": "1.7", "faults": [{"flash": "firmware", "do": "fail", "at": 90}]})");
+    update("0x4301", "{}", "zr_initializeFlashProcess", "0x8050");
+    update("0x4301", "{}", "zr_verifyFlashImage", "0x0001");
+    update("0x4301", "{}", "zr_mac_getNVRAM", "0x0001");
+    update("0x4801", "{}", "zr_checkQVXFFlashImage", "0x0001");
+    std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+    runWorker({"17", folder / "Users/ann/Shared/"});
+  }
+
+ private:
+  const Value untouched = fleet().get("controllers").at(0);
+
+  // One firmware job of a controller of this product; what the controller has beside that, and the
+  // call of the framework that fails.
+  void update(const std::string& product, const std::string& more, const std::string& function = "",
+              const std::string& status = "") const {
+    Value controller = untouched;
+    controller.set("product_id", product);
+    controller.setAll(platform::parseJson(more));
+    const Value failing = Value::dictionary({{"function", function}, {"status", status}});
+    const Value faults = function.empty() ? Value::array() : Value::array({failing});
+    writeFleet(*platform::printJson(Value::array({controller})), *platform::printJson(faults));
+    run(workedExample("updateFW").before);
+  }
+};
+
+TEST_F(LogPageTexts, AreAllLogged) {
   auto rows = table("## What to look for");
   ASSERT_THAT(rows, Not(IsEmpty()));
-  EXPECT_EQ(withoutBackticks(rows.at(0).at(0)), std::string("][") + _base_level_name(3) + "]");
-  rows.erase(rows.begin());
-  for (const Row& row : rows) EXPECT_THAT(sources, HasSubstr(withoutBackticks(row.at(0))));
+  for (const Row& row : rows) EXPECT_THAT(log(), HasSubstr(withoutBackticks(row.at(0))));
 }
 
 // --- objects
@@ -134,14 +151,11 @@ TEST(LogPage, NamesGenerationsAsTheRotationDoes) {
   }
 }
 
-TEST(LogPage, TellsTheLimitsOfTheSources) {
+TEST(LogPage, TellsTheLimits) {
   const std::string sizes = part("## Size and rotation");
   EXPECT_THAT(sizes, HasSubstr("A path of " + std::to_string(sizeof _logPath) + " bytes or more"));
-  const std::string rotation = readSource(std::string(kWorker) + "log/LogRotation.cpp");
-  EXPECT_THAT(rotation, HasSubstr("kRotatedFrom = 104'857'600;"));
-  EXPECT_THAT(sizes, HasSubstr("104857600 bytes"));
-  EXPECT_THAT(rotation, HasSubstr("kGenerations = 100;"));
-  EXPECT_THAT(sizes, HasSubstr("of 100 generations"));
+  EXPECT_THAT(sizes, HasSubstr(std::to_string(logging::kRotatedFrom) + " bytes"));
+  EXPECT_THAT(sizes, HasSubstr("of " + std::to_string(logging::kGenerations) + " generations"));
 }
 
 }  // namespace

@@ -9,11 +9,12 @@
 
 #include "console/command_line/CommandLine.h"
 #include "console/command_line/completion/Completion.h"
-#include "console/job/JobRecord.h"
+#include "console/job/ExitCode.h"
 #include "console/manual/ManualPage.h"
+#include "contract/JobFile.h"
+#include "contract/Paths.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "tests/docs/HeaderNames.h"
 #include "tests/docs/Page.h"
 #include "tests/support/JobFileSchema.h"
 #include "tests/support/LogLine.h"
@@ -28,8 +29,6 @@ using ::testing::IsEmpty;
 using testing::splitLines;
 
 using Names = std::set<std::string>;
-
-constexpr char kWorkerSources[] = "Modules/Mac/FWUpdater/Kelvane_mac/";
 
 std::string consolePage() {
   const console::CommandLine commandLine;
@@ -57,8 +56,6 @@ Names textsOf(const std::string& request, const std::string& page) {
   return found;
 }
 
-Names asSet(const std::vector<std::string>& names) { return {names.begin(), names.end()}; }
-
 // The words of the text that are numbers.
 Names numbersIn(const std::string& text) {
   Names found;
@@ -69,14 +66,9 @@ Names numbersIn(const std::string& text) {
   return found;
 }
 
-// The values of the exit codes in the console's header.
 Names exitCodes() {
   Names found;
-  for (const std::string& line : splitLines(readSource("console/job/ExitCode.h"))) {
-    const std::size_t sign = line.find(" = ");
-    if (line.rfind("inline constexpr int k", 0) != 0 || sign == std::string::npos) continue;
-    found.insert(line.substr(sign + 3, line.find(';') - sign - 3));
-  }
+  for (const int code : console::kExitCodes) found.insert(std::to_string(code));
   return found;
 }
 
@@ -158,42 +150,32 @@ TEST(Completions, AreBuiltAsTheyArePrinted) {
             console::fishCompletion(shape));
 }
 
-// Where the paths on the pages come from.
-std::string sourcesWithPaths() {
-  return readSource(std::string(kWorkerSources) + "jobs/JobRunner.cpp") +
-         readSource(std::string(kWorkerSources) + "online_update/DownloadArea.cpp") +
-         readSource(std::string(kWorkerSources) + "CMakeLists.txt") +
-         readSource("console/checks/BundleChecks.cpp") + console::job::kFileName;
+TEST(WorkerManual, NamesEveryPathAndNoOther) {
+  Names paths(std::begin(paths::kBelowSharedFolder), std::end(paths::kBelowSharedFolder));
+  paths.insert(std::begin(paths::kBelowBundle), std::end(paths::kBelowBundle));
+  EXPECT_EQ(textsOf(".I", part(pageNamed("Kelvane.1"), ".SH FILES")), paths);
 }
 
-TEST(WorkerManual, NamesNoFileThatTheProgramsDoNot) {
-  const Names paths = textsOf(".I", part(pageNamed("Kelvane.1"), ".SH FILES"));
-  EXPECT_THAT(paths, ::testing::Contains(console::job::kFileName));
-  for (const std::string& path : paths) EXPECT_THAT(sourcesWithPaths(), HasSubstr(path));
-}
-
-TEST(ConsoleManual, NamesNoFileThatTheProgramsDoNot) {
-  const Names paths = textsOf(".I", part(consolePage(), ".SH FILES"));
-  EXPECT_THAT(paths, ::testing::Contains(console::job::kFileName));
-  for (const std::string& path : paths) EXPECT_THAT(sourcesWithPaths(), HasSubstr(path));
+TEST(ConsoleManual, NamesTheFilesThatItReads) {
+  EXPECT_EQ(textsOf(".I", part(consolePage(), ".SH FILES")), (Names{paths::kJobFile, paths::kLog}));
 }
 
 TEST(WorkerManual, NamesEveryCommandAndNoOther) {
   Names bold = textsOf(".B", part(pageNamed("Kelvane.1"), ".SH DESCRIPTION"));
   bold.erase("Kelvane");
-  EXPECT_EQ(bold, asSet(commandNames()));
+  EXPECT_EQ(bold, Names(std::begin(job::kCommands), std::end(job::kCommands)));
 }
 
-TEST(JobFileManual, NamesEveryKeyAndStateOfTheHeaderAndNoOther) {
-  Names names = asSet(constantsOf("job"));
-  names.erase("no error");
+TEST(JobFileManual, NamesEveryKeyAndStateAndNoOther) {
+  Names names(std::begin(job::kKeys), std::end(job::kKeys));
+  names.insert(std::begin(job::kStates), std::end(job::kStates));
   EXPECT_EQ(textsOf(".B", pageNamed("kelvane-job-file.5")), names);
 }
 
 TEST(JobFileManual, NamesTheFileAndEveryCommand) {
   const std::string page = pageNamed("kelvane-job-file.5");
-  EXPECT_THAT(textsOf(".I", page), ::testing::Contains(console::job::kFileName));
-  for (const std::string& command : commandNames()) EXPECT_THAT(page, HasSubstr(command));
+  EXPECT_THAT(textsOf(".I", page), ::testing::Contains(paths::kJobFile));
+  for (const char* command : job::kCommands) EXPECT_THAT(page, HasSubstr(command));
 }
 
 TEST(JobFileManual, ShowsAJobThatAnApplicationMayAdd) {

@@ -1,4 +1,4 @@
-// docs/result-codes.md, the console's table of results and the worker's sources say the same.
+// docs/result-codes.md, the console's table of results and the contract say the same.
 
 #include <algorithm>
 #include <set>
@@ -9,9 +9,10 @@
 #include <gtest/gtest.h>
 
 #include "console/explain/ResultCodes.h"
+#include "contract/Framework.h"
+#include "contract/JobFile.h"
 #include "platform/Json.h"
 #include "simulators/controllers/Status.h"
-#include "tests/docs/HeaderNames.h"
 #include "tests/docs/Page.h"
 #include "tests/docs/PageWorld.h"
 
@@ -48,28 +49,20 @@ TEST(ResultCodesPage, ShowsTheConsolesTableRowByRow) {
 
 TEST(ResultCodesPage, TellsTheResultsOfEveryCommand) {
   const std::string beginning = page().substr(0, page().find("\n## "));
-  EXPECT_THAT(namesOf(tableRows(beginning)), ElementsAreArray(commandNames()));
+  EXPECT_THAT(namesOf(tableRows(beginning)), ElementsAreArray(job::kCommands));
 }
 
-TEST(ResultCodes, HoldEveryFrameworkStatusOfTheHeaderByItsName) {
-  std::map<std::string, std::int64_t> known;
-  for (const ResultCode& code : resultCodes()) {
-    if (code.code != kDownloadCode) known[code.name] = code.code;
-  }
-  EXPECT_EQ(known, frameworkStatuses());
-}
-
-TEST(ResultCodes, CallTheDownloadsCodeAsItsSourceDoes) {
-  const std::string name = findResultCode(kDownloadCode)->name;
-  EXPECT_THAT(readSource("Modules/Mac/FWUpdater/Kelvane_mac/online_update/Download.cpp"),
-              HasSubstr("constexpr std::int64_t " + name + " = 259;"));
+TEST(ResultCodes, HoldEveryStatusOfTheFrameworkByItsName) {
+  std::map<std::int64_t, std::string> known;
+  for (const ResultCode& code : resultCodes()) known[code.code] = code.name;
+  std::map<std::int64_t, std::string> laidDown = {{job::kFileNotFound, "kFileNotFound"}};
+  for (const auto& [code, name] : framework::kStatuses) laidDown[code] = name;
+  EXPECT_EQ(known, laidDown);
 }
 
 TEST(ResultCodes, WordTheFrameworksStatusesAsTheSimulatedOneDoes) {
-  for (const auto& [name, code] : frameworkStatuses()) {
-    EXPECT_STREQ(findResultCode(code)->text,
-                 simulator::describeStatus(static_cast<std::uint32_t>(code)))
-        << name;
+  for (const auto& [code, name] : framework::kStatuses) {
+    EXPECT_STREQ(findResultCode(code)->text, simulator::describeStatus(code)) << name;
   }
 }
 

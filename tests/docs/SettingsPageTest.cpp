@@ -1,5 +1,5 @@
-// docs/settings.md names the settings of Kelvane.h, all of them and no others, and shows the lines
-// that the worker writes.
+// docs/settings.md names the settings of the contract, all of them and no others, and shows the
+// lines that the worker writes.
 
 #include <filesystem>
 #include <set>
@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "contract/Settings.h"
 #include "platform/Json.h"
-#include "tests/docs/HeaderNames.h"
 #include "tests/docs/Page.h"
 #include "tests/docs/PageWorld.h"
 
@@ -38,11 +38,10 @@ Names keysInExample(const char* heading) {
   return keys;
 }
 
-TEST(SettingsPage, NamesEveryKeyOfTheHeaderAndNoOther) {
-  const auto constants = constantsOf("settings");
+TEST(SettingsPage, NamesEveryKeyAndNoOther) {
   Names named = keysInTable(kShared);
   named.merge(keysInTable(kProduct));
-  EXPECT_EQ(named, Names(constants.begin(), constants.end()));
+  EXPECT_EQ(named, Names(std::begin(settings::kProductKeys), std::end(settings::kProductKeys)));
 }
 
 TEST(SettingsPage, ItsExamplesHoldTheKeysOfTheirTables) {

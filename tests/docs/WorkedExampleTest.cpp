@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "contract/JobFile.h"
 #include "platform/Json.h"
-#include "tests/docs/HeaderNames.h"
 #include "tests/docs/Page.h"
 #include "tests/docs/PageWorld.h"
 #include "tests/support/JobFileSchema.h"
@@ -38,7 +38,9 @@ TEST_P(WorkedExampleOf, StartsWithAValidWaitingJob) {
   EXPECT_THAT(testing::validateWaitingJob(*platform::printJson(jobs.at(0))), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Page, WorkedExampleOf, ::testing::ValuesIn(commandNames()),
+INSTANTIATE_TEST_SUITE_P(Page, WorkedExampleOf,
+                         ::testing::ValuesIn(std::vector<std::string>(std::begin(job::kCommands),
+                                                                      std::end(job::kCommands))),
                          [](const auto& test) { return test.param; });
 
 }  // namespace

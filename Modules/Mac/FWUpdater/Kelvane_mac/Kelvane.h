@@ -10,52 +10,14 @@
 
 #include "platform/Host.h"
 #include "platform/Value.h"
-#include "zorapi/zorapi.h"
+
+// Records of the framework, which zorapi.h lays down.
+struct FlashParm;
+struct UsbParm;
+struct CpldParm;
+struct FwImgInfo;
 
 namespace kelvane {
-
-// Keys, states and texts of the job file.
-namespace job {
-inline constexpr char kLogId[] = "log_id";
-inline constexpr char kJobId[] = "job_id";
-inline constexpr char kStateId[] = "state_id";
-inline constexpr char kInputParameters[] = "input_parameters";
-inline constexpr char kOutput[] = "output";
-inline constexpr char kResult[] = "result";
-inline constexpr char kResultStr[] = "resultStr";
-
-inline constexpr char kWait[] = "WAIT";
-inline constexpr char kRun[] = "RUN";
-inline constexpr char kFree[] = "FREE";
-inline constexpr char kNoError[] = "no error";
-
-// Keys of an online update's product parameters.
-inline constexpr char kProductId[] = "productid";
-inline constexpr char kVersion[] = "version";
-inline constexpr char kUrl[] = "url";
-inline constexpr char kFolder[] = "folder";
-inline constexpr char kSize[] = "size";
-inline constexpr char kHash[] = "Hash256";
-
-// Keys of a firmware job's input entries and of its progress entries.
-inline constexpr char kWwn[] = "wwn";
-inline constexpr char kFilePath[] = "file_path";
-inline constexpr char kFwPercentage[] = "fw_percentage";
-inline constexpr char kCpldPercentage[] = "cpld_percentage";
-inline constexpr char kTotalPercentage[] = "total_percentage";
-}  // namespace job
-
-// Keys of the settings files.
-namespace settings {
-inline constexpr char kAppPath[] = "AppPath";
-inline constexpr char kCatalogueName[] = "online_update_plist_name";
-inline constexpr char kProductIdSw[] = "product_id_sw";
-inline constexpr char kProductIdKorfw[] = "product_id_korfw";
-inline constexpr char kProductIdZentanfw[] = "product_id_zentanfw";
-inline constexpr char kProductIdTarsel2fw[] = "product_id_tarsel2fw";
-inline constexpr char kProductIdTarsel3fw[] = "product_id_tarsel3fw";
-inline constexpr char kAppName[] = "app_name";
-}  // namespace settings
 
 class Kelvane {
  public:
@@ -86,6 +48,11 @@ class Kelvane {
   // Sets every key of `changes` in each record with the same "log_id" and rewrites the file.
   // Without a "log_id" the file is left alone. Raises what reading the file raises.
   void updateJSONFile(const platform::Value& changes);
+  // Marks the record "RUN", sets the changes in it, and writes it back. Raises as
+  // updateJSONFile().
+  void startJob(platform::Value& record, const platform::Value& changes);
+  // The same with "FREE", for the record as it was read last.
+  void finishJob(platform::Value& stored, const platform::Value& changes);
 
   // --- online update: update engine and download
 

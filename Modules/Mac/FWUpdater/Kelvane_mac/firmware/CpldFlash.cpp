@@ -3,7 +3,9 @@
 #include <cstring>
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
 #include "log/iLog.h"
+#include "zorapi/zorapi.h"
 
 #define CPLD_LOG(...)                                                                        \
   KELVANE_LOG(                                                                               \

@@ -1,6 +1,7 @@
 // The progress entries in a running firmware job's "output": one per controller, found by WWN.
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
 #include "log/iLog.h"
 
 namespace kelvane {
@@ -61,9 +62,7 @@ void Kelvane::initUpgradeFWStatus(const Value& record) {
     const Value entries = progressEntries(record.get(job::kInputParameters));
     if (entries.count() == 0) return;
     Value started = record;
-    started.set(job::kOutput, entries);
-    started.set(job::kStateId, job::kRun);
-    updateJSONFile(started);
+    startJob(started, Value::dictionary({{job::kOutput, entries}}));
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("initUpgradeFWStatus:", caught);
   }

@@ -10,10 +10,12 @@
 #include <string>
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
 #include "firmware/UpdateLog.h"
 #include "firmware/UsbBridge.h"
 #include "platform/Text.h"
 #include "platform/Utf8.h"
+#include "zorapi/zorapi.h"
 
 namespace kelvane {
 
@@ -395,10 +397,9 @@ class FirmwareJob {
     Value stored = worker_.readJSONFileDict(record_);
     if (stored.has(job::kStateId)) {
       const std::string description = platform::format("%s", getErrorDescription(status_));
-      stored.set(job::kResult, Value::integer(status_));
-      stored.set(job::kResultStr, platform::repairedUtf8(description));
-      stored.set(job::kStateId, job::kFree);
-      worker_.updateJSONFile(stored);
+      worker_.finishJob(
+          stored, Value::dictionary({{job::kResult, Value::integer(status_)},
+                                     {job::kResultStr, platform::repairedUtf8(description)}}));
     }
     UPDATE_LOG("updateAllFW end, retDict = %@", stored);
     return stored;

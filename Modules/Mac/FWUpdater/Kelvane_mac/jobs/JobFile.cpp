@@ -1,5 +1,7 @@
 // The job file store: every read goes to the disk, every update is a full read, merge and rewrite.
 
+#include "contract/JobFile.h"
+
 #include <optional>
 #include <string>
 
@@ -52,6 +54,18 @@ void Kelvane::updateJSONFile(const Value& changes) {
   }
   KELVANE_LOG("updateJSONFile:", "updateJSONFile, newJobArray = %@", updated);
   writeJSONFile(updated);
+}
+
+void Kelvane::startJob(Value& record, const Value& changes) {
+  record.set(job::kStateId, job::kRun);
+  record.setAll(changes);
+  updateJSONFile(record);
+}
+
+void Kelvane::finishJob(Value& stored, const Value& changes) {
+  stored.set(job::kStateId, job::kFree);
+  stored.setAll(changes);
+  updateJSONFile(stored);
 }
 
 }  // namespace kelvane

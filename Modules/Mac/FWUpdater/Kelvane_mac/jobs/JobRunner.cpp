@@ -3,6 +3,9 @@
 #include <string>
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
+#include "contract/Paths.h"
+#include "contract/Settings.h"
 #include "log/iLog.h"
 #include "platform/File.h"
 #include "platform/Json.h"
@@ -21,10 +24,10 @@ struct Command {
 
 // The one place where commands are bound to operations.
 constexpr Command kCommands[] = {
-    {"getOnlineUpdateData", &Kelvane::getOnlineUpdateData},
-    {"downloadOnlineUpdateFile", &Kelvane::downloadOnlineUpdateFile},
-    {"updateSW", &Kelvane::updateSW},
-    {"updateFW", &Kelvane::updateFW},
+    {job::kGetOnlineUpdateData, &Kelvane::getOnlineUpdateData},
+    {job::kDownloadOnlineUpdateFile, &Kelvane::downloadOnlineUpdateFile},
+    {job::kUpdateSW, &Kelvane::updateSW},
+    {job::kUpdateFW, &Kelvane::updateFW},
 };
 
 // The application bundle's settings, for an executable's folder in a bundle that stands two levels
@@ -33,7 +36,7 @@ std::string productSettingsPath(const Value& executableFolder) {
   const std::string above = platform::withoutLastComponent(executableFolder.string());
   const Value components = platform::split(above, '/');
   return platform::format("/%@/%@/%@", components.at(1), components.at(2),
-                          Value("Contents/Resources/Config/setting.json"));
+                          Value(paths::kProductSettings));
 }
 
 // What the completeness test takes as the record's input parameters: the dictionary itself or a
@@ -62,9 +65,8 @@ Kelvane& Kelvane::init(const Value& groupContainerPath) {
 
 void Kelvane::setUp(const Value& groupContainerPath) {
   _GroupContainerPath = groupContainerPath.isNothing() ? Value("") : groupContainerPath;
-  _BGPPath = platform::format("%@utility/command/%s.json", _GroupContainerPath, "BGPLog");
-  const std::string logPath =
-      platform::format("%@utility/logs/TarselVistrelUtility.txt", _GroupContainerPath);
+  _BGPPath = platform::format("%@%s", _GroupContainerPath, paths::kJobFile);
+  const std::string logPath = platform::format("%@%s", _GroupContainerPath, paths::kLog);
   // Before the log path is set, so that its two log lines are dropped: meant so.
   _EngineRunnerPath = getEngineRunnerPath(_GroupContainerPath);
   setLogPath(logPath.c_str());
@@ -75,14 +77,14 @@ void Kelvane::setUp(const Value& groupContainerPath) {
 Value Kelvane::getEngineRunnerPath(const Value& groupContainerPath) {
   Value toolPath;
   try {
-    const std::string path = platform::format("%@utility/config/setting.json", groupContainerPath);
+    const std::string path = platform::format("%@%s", groupContainerPath, paths::kSharedSettings);
     KELVANE_LOG("getEngineRunnerPath:", "getFormatToolPath start, groupContainerPath = %@",
                 groupContainerPath);
     if (platform::exists(path)) {
       const Value found = platform::parseJson(platform::readFile(path));
       const Value& appPath = found.get(settings::kAppPath);
       if (!appPath.isNothing()) {
-        toolPath = platform::format("%@/Contents/Resources/EngineRunner", appPath);
+        toolPath = platform::format("%@/%s", appPath, paths::kEngine);
       }
     }
     KELVANE_LOG("getEngineRunnerPath:", "getFormatToolPath start, toolPath = %@", toolPath);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "contract/Log.h"
 #include "log/iLog.h"
 #include "platform/File.h"
 #include "platform/Text.h"
@@ -12,9 +13,6 @@ namespace kelvane {
 using platform::Value;
 
 namespace {
-
-constexpr std::uint64_t kRotatedFrom = 104'857'600;  // bytes
-constexpr unsigned long kGenerations = 100;
 
 // The file name with "(n)" in front of its last extension, or at its end where it has none.
 std::string generationName(const std::string& name, unsigned long n) {
@@ -53,8 +51,8 @@ void renameFile(const Value& path) {
   if (!path.isString()) return;
   const std::string& file = path.string();
   if (!platform::exists(file) || platform::isFolder(file)) return;
-  if (platform::fileSize(file) < kRotatedFrom) return;
-  for (unsigned long n = 1; n <= kGenerations; ++n) {
+  if (platform::fileSize(file) < logging::kRotatedFrom) return;
+  for (unsigned long n = 1; n <= logging::kGenerations; ++n) {
     const std::string generation = fileRename(path, n).string();
     // Where no name could be built there is none to move to, and emptying the file would lose it.
     if (generation.empty() || platform::exists(generation)) continue;

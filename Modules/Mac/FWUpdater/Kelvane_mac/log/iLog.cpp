@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "contract/Log.h"
 #include "platform/File.h"
 #include "platform/Utf8.h"
 
@@ -98,18 +99,7 @@ int _check_level(int level) {
 }
 
 const char* _base_level_name(int level) {
-  switch (level) {
-    case kLogInfo:
-      return "info";
-    case kLogWarning:
-      return "warning";
-    case kLogError:
-      return "error";
-    case kLogCritical:
-      return "critical";
-    default:
-      return "debug";
-  }
+  return logging::kLevels[level >= kLogInfo && level <= kLogCritical ? level : kLogDebug];
 }
 
 const char* _base_file_name(const char* path) {

@@ -1,11 +1,15 @@
 // The update catalogue: reading it, choosing the one package that applies to a product, and
 // describing each product's download.
 
+#include "contract/Catalogue.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
+#include "contract/Settings.h"
 #include "log/iLog.h"
 #include "online_update/Parameters.h"
 #include "platform/File.h"
@@ -19,29 +23,19 @@ using platform::Value;
 
 namespace {
 
-constexpr char kRules[] = "Rules";
-constexpr char kRuleProductId[] = "ProductID";
-constexpr char kRuleVersion[] = "Version";
-constexpr char kRuleSize[] = "Size";
-constexpr char kRuleHash[] = "Hash256";
-constexpr char kRuleMinimumOs[] = "MinimumOSVersion";
-constexpr char kRuleCodebase[] = "Codebase";
-// The USB bridge's product, which is in no setting.
-constexpr char kUsbBridgeProduct[] = "tarselT3USBFW";
-
 Value rulesIn(const std::string& catalogue) {
   if (!platform::exists(catalogue)) return {};
-  return platform::readPropertyList(catalogue).get(kRules);
+  return platform::readPropertyList(catalogue).get(catalogue::kRules);
 }
 
 bool isComplete(const Value& rule) {
-  return rule.has(kRuleProductId) && rule.has(kRuleVersion) && rule.has(kRuleSize) &&
-         rule.has(kRuleHash);
+  return rule.has(catalogue::kProductId) && rule.has(catalogue::kVersion) &&
+         rule.has(catalogue::kSize) && rule.has(catalogue::kHash);
 }
 
 // Whether the running system is at least the rule's minimum; without three parts it is not.
 bool isSatisfied(const Value& rule, const platform::SystemVersion& running) {
-  const Value& minimum = rule.get(kRuleMinimumOs);
+  const Value& minimum = rule.get(catalogue::kMinimumOs);
   if (minimum.isNothing()) return false;
   const auto parts = platform::firstMatch("(\\w+).(\\w+).(\\w+)", minimum.string());
   if (!parts) return false;
@@ -53,7 +47,7 @@ bool isSatisfied(const Value& rule, const platform::SystemVersion& running) {
 
 // Descending, character by character: 9.0.0 stands before 10.15.0, meant so.
 bool standsBefore(const Value& left, const Value& right) {
-  for (const char* key : {kRuleMinimumOs, kRuleVersion}) {
+  for (const char* key : {catalogue::kMinimumOs, catalogue::kVersion}) {
     const int order = platform::compare(left.get(key), right.get(key));
     if (order != 0) return order > 0;
   }
@@ -68,7 +62,7 @@ struct Carried {
 
 // The package's file name in its "Codebase", nothing where that is no name to look for.
 Value codebaseName(const Value& rule) {
-  const Value& codebase = rule.get(kRuleCodebase);
+  const Value& codebase = rule.get(catalogue::kCodebase);
   if (codebase.isNothing()) return {};
   const Value parts = platform::split(codebase.string(), '/');
   const Value& name = parts.at(parts.count() - 1);
@@ -96,8 +90,9 @@ void setFilePath(Value& description, const Value& rule, Carried& carried) {
 }
 
 void copyFromRule(Value& description, const Value& rule) {
-  const std::pair<const char*, const char*> keys[] = {
-      {kRuleVersion, job::kVersion}, {kRuleSize, job::kSize}, {kRuleHash, job::kHash}};
+  const std::pair<const char*, const char*> keys[] = {{catalogue::kVersion, job::kVersion},
+                                                      {catalogue::kSize, job::kSize},
+                                                      {catalogue::kHash, job::kHash}};
   for (const auto& [from, to] : keys) {
     if (rule.has(from)) description.set(to, rule.get(from));
   }
@@ -148,7 +143,7 @@ Value Kelvane::selectRule(const Value& rules, const Value& productId) const {
   for (const Value& rule : rules.elements()) {
     current = rule;
     if (!isComplete(rule)) continue;
-    if (!platform::equalStrings(rule.get(kRuleProductId), productId)) continue;
+    if (!platform::equalStrings(rule.get(catalogue::kProductId), productId)) continue;
     found = true;
     if (!platform::equalStrings(productId, _settingDict.get(settings::kProductIdSw))) break;
     if (isSatisfied(rule, _host.systemVersion())) candidates.push_back(rule);
@@ -188,12 +183,14 @@ Value Kelvane::expectedPackagePath(const Value& parameters) const {
   const auto is = [&](const char* setting) {
     return platform::equalStrings(productId, _settingDict.get(setting));
   };
-  if (is(settings::kProductIdTarsel2fw)) return platform::format("%@/FW_QRX550.img", folder);
+  if (is(settings::kProductIdTarsel2fw))
+    return platform::format("%@/%s", folder, catalogue::kTarsel2Image);
   if (is(settings::kProductIdSw)) {
     return platform::format("%@/%@.app", folder, _settingDict.get(settings::kAppName));
   }
-  if (is(settings::kProductIdTarsel3fw) || platform::equalStrings(productId, kUsbBridgeProduct)) {
-    return platform::format("%@/FW_T3.img", folder);
+  if (is(settings::kProductIdTarsel3fw) ||
+      platform::equalStrings(productId, catalogue::kUsbBridgeProduct)) {
+    return platform::format("%@/%s", folder, catalogue::kTarsel3Image);
   }
   return {};
 }

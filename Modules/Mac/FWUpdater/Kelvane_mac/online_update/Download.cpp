@@ -2,6 +2,8 @@
 // takes them, and every one is described and looked for.
 
 #include "Kelvane.h"
+#include "contract/Engine.h"
+#include "contract/JobFile.h"
 #include "log/iLog.h"
 #include "online_update/Parameters.h"
 #include "platform/ChildProcess.h"
@@ -11,12 +13,6 @@ namespace kelvane {
 
 using platform::ChildProcess;
 using platform::Value;
-
-namespace {
-
-constexpr std::int64_t kFileNotFound = 259;
-
-}  // namespace
 
 Value Kelvane::downloadOnlineUpdateFile(const Value& record) {
   Value result = record;
@@ -34,11 +30,9 @@ Value Kelvane::downloadOnlineUpdateFile(const Value& record) {
 void Kelvane::download(const Value& record, const Value& primary, Value& result) {
   const Value& inputs = record.get(job::kInputParameters);
   createTmpFolder(primary.get(job::kFolder));
-  const Value arguments = engineArguments(_EngineRunnerPath, "run", primary,
+  const Value arguments = engineArguments(_EngineRunnerPath, engine::kDownload, primary,
                                           record.get(job::kLogId), _BGPPath, _GroupContainerPath);
-  result.set(job::kStateId, job::kRun);
-  result.set(job::kOutput, inputs);
-  updateJSONFile(result);
+  startJob(result, Value::dictionary({{job::kOutput, inputs}}));
 
   ChildProcess engine(_EngineRunnerPath, arguments);
   engine.discardOutput();
@@ -49,9 +43,7 @@ void Kelvane::download(const Value& record, const Value& primary, Value& result)
 
   Value stored = readJSONFileDict(record).asDictionary();
   stored.set(job::kOutput, descriptions);
-  stored.set(job::kStateId, job::kFree);
-  stored.setAll(check);
-  updateJSONFile(stored);
+  finishJob(stored, check);
   engine.terminate();
 }
 
@@ -60,8 +52,8 @@ Value Kelvane::checkDownloadFilePath(const Value& descriptions) {
     for (const Value& description : descriptions.elements()) {
       const Value& path = description.get(job::kFilePath);
       if (!path.isNothing() && platform::exists(path.string())) continue;
-      return Value::dictionary(
-          {{job::kResult, Value::integer(kFileNotFound)}, {job::kResultStr, "file is not found"}});
+      return Value::dictionary({{job::kResult, Value::integer(job::kFileNotFound)},
+                                {job::kResultStr, job::kFileNotFoundText}});
     }
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("checkDownloadFilePath:", caught);

@@ -5,6 +5,9 @@
 #include <vector>
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
+#include "contract/Paths.h"
+#include "contract/Settings.h"
 #include "log/iLog.h"
 #include "online_update/Parameters.h"
 #include "platform/File.h"
@@ -18,23 +21,22 @@ namespace {
 
 struct ProductFolder {
   const char* setting;  // the setting that holds the product's identifier
-  const char* format;   // the folder, for the shared folder
+  const char* name;
 };
 
 constexpr ProductFolder kProductFolders[] = {
-    {settings::kProductIdSw, "%@tmp/OnlineUpdate/SW"},
-    {settings::kProductIdKorfw, "%@tmp/OnlineUpdate/KORFW"},
-    {settings::kProductIdZentanfw, "%@tmp/OnlineUpdate/ZENTANAS"},
+    {settings::kProductIdSw, paths::kSoftware},
+    {settings::kProductIdKorfw, paths::kKorFirmware},
+    {settings::kProductIdZentanfw, paths::kZentanFirmware},
 };
-constexpr char kOtherProducts[] = "%@tmp/OnlineUpdate/FW";
 
-const char* folderFormat(const Value& productId, const Value& productSettings) {
+const char* folderName(const Value& productId, const Value& productSettings) {
   for (const ProductFolder& folder : kProductFolders) {
     if (platform::equalStrings(productId, productSettings.get(folder.setting))) {
-      return folder.format;
+      return folder.name;
     }
   }
-  return kOtherProducts;
+  return paths::kOtherFirmware;
 }
 
 // A whole copy, still under a hidden name.
@@ -104,8 +106,9 @@ Value Kelvane::syncDownloadFiles(const Value& record) {
         platform::format("%@/%@.plist", folder, _settingDict.get(settings::kCatalogueName));
     if (!platform::exists(catalogue)) return {};
 
-    const char* format = folderFormat(parameters.get(job::kProductId), _settingDict);
-    const std::string target = platform::format(format, _GroupContainerPath);
+    const char* name = folderName(parameters.get(job::kProductId), _settingDict);
+    const std::string target =
+        platform::format("%@%s/%s", _GroupContainerPath, paths::kDownloadArea, name);
     if (!platform::exists(target)) platform::makeFolders(target);
     syncFiles(folder, target);
     if (platform::exists(folder.string())) platform::removeTree(folder.string());

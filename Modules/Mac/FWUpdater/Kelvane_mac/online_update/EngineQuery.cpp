@@ -2,6 +2,8 @@
 // that it leaves becomes the job's output.
 
 #include "Kelvane.h"
+#include "contract/Engine.h"
+#include "contract/JobFile.h"
 #include "log/iLog.h"
 #include "online_update/Parameters.h"
 #include "platform/ChildProcess.h"
@@ -28,11 +30,10 @@ Value Kelvane::getOnlineUpdateData(const Value& record) {
 
 void Kelvane::query(const Value& record, const Value& parameters, Value& result) {
   createTmpFolder(parameters.get(job::kFolder));
-  const Value arguments = engineArguments(_EngineRunnerPath, "dryrun", parameters,
+  const Value arguments = engineArguments(_EngineRunnerPath, engine::kQuery, parameters,
                                           record.get(job::kLogId), _BGPPath, _GroupContainerPath);
   KELVANE_LOG("getOnlineUpdateData:", "arguments = %@", arguments);
-  result.set(job::kStateId, job::kRun);
-  updateJSONFile(result);
+  startJob(result, {});
 
   ChildProcess engine(_EngineRunnerPath, arguments);
   KELVANE_LOG("getOnlineUpdateData:", "execute EngineRunner result = %@",
@@ -45,8 +46,7 @@ void Kelvane::query(const Value& record, const Value& parameters, Value& result)
     stored.set(job::kOutput, rules);
     result.set(job::kOutput, rules);
   }
-  stored.set(job::kStateId, job::kFree);  // in the file only: the result stays "RUN", meant so
-  updateJSONFile(stored);
+  finishJob(stored, {});  // in the file only: the result stays "RUN", meant so
   engine.terminate();
 }
 

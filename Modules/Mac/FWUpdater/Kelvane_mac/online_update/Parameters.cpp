@@ -1,6 +1,8 @@
 #include "online_update/Parameters.h"
 
-#include "Kelvane.h"
+#include "contract/Engine.h"
+#include "contract/JobFile.h"
+#include "contract/Paths.h"
 #include "platform/ChildProcess.h"
 #include "platform/Text.h"
 
@@ -20,15 +22,15 @@ bool areComplete(const Value& parameters) {
   return true;
 }
 
-Value engineArguments(const Value& engine, const char* verb, const Value& parameters,
+Value engineArguments(const Value& enginePath, const char* verb, const Value& parameters,
                       const Value& logId, const Value& jobFile, const Value& sharedFolder) {
   // A slash of its own after the shared folder, which has one already: meant so.
-  const std::string logFolder = platform::format("%@/utility/logs/", sharedFolder);
+  const std::string logFolder = platform::format("%@/%s", sharedFolder, paths::kLogFolder);
   return platform::argumentList(
-      engine,
-      {verb, "-productid", parameters.get(job::kProductId), "-version",
-       parameters.get(job::kVersion), "-url", parameters.get(job::kUrl), "-folder",
-       parameters.get(job::kFolder), "-logId", logId, "-logPath", jobFile, "-log", logFolder});
+      enginePath, {verb, engine::kProductId, parameters.get(job::kProductId), engine::kVersion,
+                   parameters.get(job::kVersion), engine::kUrl, parameters.get(job::kUrl),
+                   engine::kFolder, parameters.get(job::kFolder), engine::kLogId, logId,
+                   engine::kLogPath, jobFile, engine::kLog, logFolder});
 }
 
 }  // namespace kelvane

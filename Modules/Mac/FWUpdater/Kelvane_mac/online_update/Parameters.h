@@ -15,7 +15,7 @@ bool areComplete(const platform::Value& parameters);
 
 // The arguments for the update engine at the path, a list that ends at its first absent value.
 // Raises as platform::argumentList().
-platform::Value engineArguments(const platform::Value& engine, const char* verb,
+platform::Value engineArguments(const platform::Value& enginePath, const char* verb,
                                 const platform::Value& parameters, const platform::Value& logId,
                                 const platform::Value& jobFile,
                                 const platform::Value& sharedFolder);

@@ -2,6 +2,8 @@
 // its place, by the system's own tools.
 
 #include "Kelvane.h"
+#include "contract/JobFile.h"
+#include "contract/Settings.h"
 #include "log/iLog.h"
 #include "platform/ChildProcess.h"
 #include "platform/File.h"
@@ -27,9 +29,7 @@ Value Kelvane::updateSW(const Value& record) {
     const Value& installed = _settingDict.get(settings::kAppPath);
     const Value removal = platform::argumentList(kRemover, {"-Rf", installed});
     const Value copy = platform::argumentList(kCopier, {"-Rf", package, installed});
-    answer.set(job::kOutput, inputs);
-    answer.set(job::kStateId, job::kRun);
-    updateJSONFile(answer);
+    startJob(answer, Value::dictionary({{job::kOutput, inputs}}));
 
     ChildProcess remover(kRemover, removal);
     KELVANE_LOG("updateSW:", "result = %@", remover.readOutput().text());
@@ -40,8 +40,7 @@ Value Kelvane::updateSW(const Value& record) {
     if (installed.isString()) platform::synchroniseTree(installed.string());
 
     Value stored = readJSONFileDict(record).asDictionary();
-    stored.set(job::kStateId, job::kFree);
-    updateJSONFile(stored);
+    finishJob(stored, {});
     copier.terminate();
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("updateSW:", caught);

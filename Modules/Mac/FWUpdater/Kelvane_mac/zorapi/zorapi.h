@@ -1,5 +1,6 @@
 // ZORAPI: the maker's controller framework, as far as the worker uses it. The framework is closed;
-// this header lays down its functions, its records byte by byte, and its status codes.
+// this header lays down its functions and its records byte by byte. Its status codes and the names
+// of its functions, for those that do not call them, are the contract's.
 //
 // Every function whose name begins with zr_ returns a status: 0 is success, anything else an error
 // code, whose text getErrorDescription() gives. `sel` is always 0. Records are owned by the caller
@@ -10,20 +11,9 @@
 #include <cstddef>
 #include <cstdint>
 
-extern "C" {
+#include "contract/Framework.h"
 
-// Status codes that the worker tests or produces.
-enum ZorStatus : std::uint32_t {
-  kZorSuccess = 0x0000,
-  kZorOutOfMemory = 0x0101,          // the controller information buffer was not to be had
-  kZorUsbNothingToDo = 0x0105,       // USB calls: as good as success
-  kZorDeviceNotFound = 0x0402,       // no job, no input parameters, or no such WWN
-  kZorThunderbolt = 0x4027,          // USB calls: the controller is attached by Thunderbolt
-  kZorFlashProcessRunning = 0x8050,  // another flash process is running
-  kZorFlashFailed = 0x8054,          // the progress record reported a failed flash
-  kZorUnsupportedProduct = 0x8055,   // the product identifier has no standard flash path
-  kZorCpldFlashAccepted = 0x8058,    // zr_flashCPLDBin: exactly as success
-};
+extern "C" {
 
 // Texts of getErrorDescription() that the worker tests.
 #define ZOR_TEXT_UNSUPPORTED_COMMAND "unsupported management command"
