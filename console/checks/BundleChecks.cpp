@@ -110,7 +110,7 @@ void findLibraries(const std::string& bundle, Findings& findings) {
 std::string workerIn(const std::string& bundle) { return bundle + "/" + paths::kWorker; }
 
 Findings bundleFindings(const std::string& bundle) {
-  Findings findings = installationProcessFindings(bundle, runningProcesses());
+  Findings findings = installationProcessFindings(bundle, platform::runningProcesses());
   if (kindOf(bundle) != EntryKind::folder) {
     const char* fault = kindOf(bundle) == EntryKind::missing ? " does not exist" : " is no folder";
     findings.push_back({Severity::error, "the bundle " + bundle + fault, kNoWorker,

@@ -15,6 +15,8 @@ namespace kelvane::console {
 
 namespace fs = std::filesystem;
 
+using platform::RunningProcess;
+
 namespace {
 
 // What follows the option among the arguments; empty where it is not there.

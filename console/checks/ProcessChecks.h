@@ -12,11 +12,11 @@ namespace kelvane::console {
 // The update engines of this shared folder whose worker is not among the processes. The folder ends
 // with "/".
 Findings engineProcessFindings(const std::string& sharedFolder,
-                               const std::vector<RunningProcess>& processes);
+                               const std::vector<platform::RunningProcess>& processes);
 
 // The system's tools that remove or copy the bundle's application while its worker is not among
 // the processes.
 Findings installationProcessFindings(const std::string& bundle,
-                                     const std::vector<RunningProcess>& processes);
+                                     const std::vector<platform::RunningProcess>& processes);
 
 }  // namespace kelvane::console

@@ -71,7 +71,7 @@ Findings sharedFolderFindings(const std::string& sharedFolder, const WorkerRuns&
   append(findings, sharedSettingsFindings(sharedSettingsPath(sharedFolder)));
   append(findings, downloadAreaFindings(sharedFolder));
   append(findings, rightsFindings(sharedFolder));
-  append(findings, engineProcessFindings(sharedFolder, runningProcesses()));
+  append(findings, engineProcessFindings(sharedFolder, platform::runningProcesses()));
   return findings;
 }
 

@@ -8,6 +8,8 @@ namespace kelvane::console {
 
 namespace fs = std::filesystem;
 
+using platform::RunningProcess;
+
 namespace {
 
 constexpr char kWorkerName[] = "Kelvane";
@@ -29,7 +31,7 @@ bool isWorkerOf(const RunningProcess& process, const std::string& logId, const f
 }  // namespace
 
 bool workerRuns(const std::string& logId, const std::string& sharedFolder) {
-  return workerRuns(logId, sharedFolder, runningProcesses());
+  return workerRuns(logId, sharedFolder, platform::runningProcesses());
 }
 
 bool workerRuns(const std::string& logId, const std::string& sharedFolder,

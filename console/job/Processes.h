@@ -1,19 +1,12 @@
-// The processes that run on this system.
+// The workers among the processes that run on this system.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "platform/RunningProcesses.h"
+
 namespace kelvane::console {
-
-struct RunningProcess {
-  long id = 0;
-  std::vector<std::string> arguments;  // the first is how it was called
-  std::string currentFolder;           // empty where the system does not tell
-};
-
-// Those of which the system tells the arguments. One source file for each system.
-std::vector<RunningProcess> runningProcesses();
 
 // Whether a worker runs the job: a process with this log id and a shared folder that is the same
 // one, however it is written, as its last two arguments; or one called "Kelvane" with the log id
@@ -22,6 +15,6 @@ bool workerRuns(const std::string& logId, const std::string& sharedFolder);
 
 // The same, among these processes.
 bool workerRuns(const std::string& logId, const std::string& sharedFolder,
-                const std::vector<RunningProcess>& processes);
+                const std::vector<platform::RunningProcess>& processes);
 
 }  // namespace kelvane::console

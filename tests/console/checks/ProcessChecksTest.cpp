@@ -10,6 +10,7 @@
 namespace kelvane::console {
 namespace {
 
+using platform::RunningProcess;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

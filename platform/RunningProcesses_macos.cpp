@@ -5,9 +5,9 @@
 #include <libproc.h>
 #include <sys/sysctl.h>
 
-#include "console/job/Processes.h"
+#include "platform/RunningProcesses.h"
 
-namespace kelvane::console {
+namespace kelvane::platform {
 namespace {
 
 // The number of arguments, the executable's path, zero bytes, then the arguments, each with one.
@@ -54,4 +54,4 @@ std::vector<RunningProcess> runningProcesses() {
   return found;
 }
 
-}  // namespace kelvane::console
+}  // namespace kelvane::platform

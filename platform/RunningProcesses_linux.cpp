@@ -4,9 +4,9 @@
 #include <iterator>
 #include <system_error>
 
-#include "console/job/Processes.h"
+#include "platform/RunningProcesses.h"
 
-namespace kelvane::console {
+namespace kelvane::platform {
 
 namespace fs = std::filesystem;
 
@@ -43,4 +43,4 @@ std::vector<RunningProcess> runningProcesses() {
   return found;
 }
 
-}  // namespace kelvane::console
+}  // namespace kelvane::platform
