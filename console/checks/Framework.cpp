@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "console/checks/Access.h"
+#include "console/display/Words.h"
 #include "platform/Descriptor.h"
 
 namespace kelvane::console {
@@ -94,12 +95,6 @@ LibraryTrial trialOf(const std::string& answer, const std::string& ending) {
   return trial;
 }
 
-std::string joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-  return text;
-}
-
 }  // namespace
 
 LibraryTrial tryLibrary(const std::string& path) {
@@ -137,7 +132,7 @@ Findings frameworkFindings(const std::string& path) {
     return {{Severity::error, path + " cannot be loaded: " + trial.fault, kNoWorker, kPutBack}};
   }
   if (trial.missing.empty()) return {};
-  return {{Severity::error, path + " lacks " + joined(trial.missing),
+  return {{Severity::error, path + " lacks " + joined(trial.missing, ", "),
            "The worker dies when it calls what is missing, or at its start: a firmware job stays "
            "in state RUN or WAIT.",
            kPutBack}};
