@@ -1,5 +1,7 @@
 #include "console/commands/Given.h"
 
+#include <stdexcept>
+
 namespace kelvane::console {
 
 void Given::declare(const std::string& name) { values_[name]; }
@@ -22,6 +24,10 @@ std::string Given::text(const std::string& name, const std::string& otherwise) c
   return values.empty() ? otherwise : values.front();
 }
 
-const Given::Values& Given::texts(const std::string& name) const { return values_.at(name); }
+const Given::Values& Given::texts(const std::string& name) const {
+  const auto found = values_.find(name);
+  if (found == values_.end()) throw std::out_of_range("the sub-command does not declare " + name);
+  return found->second;
+}
 
 }  // namespace kelvane::console

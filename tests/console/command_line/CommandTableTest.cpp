@@ -55,7 +55,7 @@ class CommandOfTable : public ConsoleWorld, public ::testing::WithParamInterface
 };
 
 TEST_P(CommandOfTable, IsDescribed) {
-  EXPECT_NE(command().description, "");
+  ASSERT_NE(command().description, "");
   EXPECT_NE(command().description.back(), '.');
 }
 
