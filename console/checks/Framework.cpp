@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "console/checks/Access.h"
+#include "console/display/Words.h"
 #include "contract/Framework.h"
 #include "contract/Paths.h"
 #include "platform/Descriptor.h"
@@ -98,12 +99,6 @@ LibraryTrial trialOf(const std::string& answer, const std::string& ending) {
   return trial;
 }
 
-std::string joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-  return text;
-}
-
 }  // namespace
 
 LibraryTrial tryLibrary(const std::string& path) {
@@ -141,7 +136,7 @@ Findings frameworkFindings(const std::string& path) {
     return {{Severity::error, path + " cannot be loaded: " + trial.fault, kNoWorker, kPutBack}};
   }
   if (trial.missing.empty()) return {};
-  return {{Severity::error, path + " lacks " + joined(trial.missing),
+  return {{Severity::error, path + " lacks " + joined(trial.missing, ", "),
            "The worker dies when it calls what is missing, or at its start: a firmware job stays "
            "in state RUN or WAIT.",
            kPutBack}};

@@ -1,31 +1,20 @@
-// The command line: every sub-command with its options, its help and what it runs.
+// The command line: reads the arguments as the table of the sub-commands says, and runs one.
 #pragma once
 
-#include <memory>
-
-namespace CLI {
-class App;
-}
+#include "console/command_line/CommandTable.h"
 
 namespace kelvane::console {
 
 class CommandLine {
  public:
-  CommandLine();
-  CommandLine(const CommandLine&) = delete;
-  CommandLine& operator=(const CommandLine&) = delete;
-  ~CommandLine();
-
-  // What it is made of, for those that describe it.
-  const CLI::App& app() const;
+  explicit CommandLine(const CommandTable& table = commandTable()) : table_(table) {}
 
   // Runs the sub-command that the arguments ask for; the exit code. Bad usage and help are told on
   // standard error and standard output. Raises what the sub-command raises.
-  int run(int argc, const char* const* argv);
+  int run(int argc, const char* const* argv) const;
 
  private:
-  struct Commands;
-  std::unique_ptr<Commands> commands_;
+  const CommandTable& table_;
 };
 
 }  // namespace kelvane::console

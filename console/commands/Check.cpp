@@ -11,6 +11,8 @@
 #include "console/checks/SettingsChecks.h"
 #include "console/checks/SharedFolderChecks.h"
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
+#include "console/commands/Given.h"
 #include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
@@ -92,6 +94,11 @@ std::string trimmed(std::string bundle) {
   return bundle;
 }
 
+int runCheck(const Given& given, const Screen& screen) {
+  return check({.sharedFolder = given.text(kSharedOption), .bundle = given.text(kBundleOption)},
+               screen);
+}
+
 }  // namespace
 
 Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
@@ -118,6 +125,18 @@ int check(const CheckOptions& options, const Screen& screen) {
     showSum(findings, screen);
   }
   return findings.empty() ? kSuccess : kFindings;
+}
+
+Command checkCommand() {
+  return {.name = "check",
+          .description = "Examine a shared folder and a bundle as the worker will see them",
+          .options = {sharedOption(), bundleOption(),
+                      jsonFlag("Show the findings as JSON for machines")},
+          .footer =
+              "Exit status: 0 no findings, 1 findings.\n"
+              "Example:\n"
+              "  kelvane-console check --shared ~/Shared --bundle /Manager/Manager.app",
+          .run = runCheck};
 }
 
 }  // namespace kelvane::console

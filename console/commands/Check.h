@@ -5,6 +5,7 @@
 
 #include "console/checks/Finding.h"
 #include "console/checks/RecordChecks.h"
+#include "console/commands/Command.h"
 #include "console/display/Screen.h"
 
 namespace kelvane::console {
@@ -22,5 +23,7 @@ Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
 // Shows the findings, for machines as one list; where there are none, what was looked at. Returns
 // the exit code. Raises Failure for a folder that cannot be meant.
 int check(const CheckOptions& options, const Screen& screen);
+
+Command checkCommand();
 
 }  // namespace kelvane::console

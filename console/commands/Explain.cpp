@@ -8,6 +8,8 @@
 #include <fmt/format.h>
 
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
+#include "console/commands/Given.h"
 #include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/explain/CodeExplanation.h"
@@ -133,6 +135,22 @@ void showAll(const Explanations& explanations, const Screen& screen) {
   for (const Explanation& one : explanations) show(one, screen);
 }
 
+// --- the sub-command
+
+constexpr char kSubject[] = "subject";
+
+Option sharedOptionForLogId() {
+  Option option = sharedOption();
+  option.description += ", for a log id";
+  option.required = false;
+  return option;
+}
+
+int runExplain(const Given& given, const Screen& screen) {
+  return explain({.sharedFolder = given.text(kSharedOption), .subject = given.text(kSubject)},
+                 screen);
+}
+
 }  // namespace
 
 int explain(const ExplainOptions& options, const Screen& screen) {
@@ -146,6 +164,22 @@ int explain(const ExplainOptions& options, const Screen& screen) {
   if (!code) refuse(options);
   showAll(codeExplanations(*code, options), screen);
   return isKnownCode(*code) ? kSuccess : kNotFound;
+}
+
+Command explainCommand() {
+  return {
+      .name = "explain",
+      .description = "Say what a result code or a job means, and what to do",
+      .options = {sharedOptionForLogId(), jsonFlag("Show the explanation as JSON for machines")},
+      .arguments = {{.names = {kSubject},
+                     .valueName = "CODE|LOG_ID",
+                     .description = "A result code, such as 0x8050, or a job's log id",
+                     .required = true}},
+      .footer =
+          "Examples:\n"
+          "  kelvane-console explain 0x8050\n"
+          "  kelvane-console explain --shared ~/Shared 17",
+      .run = runExplain};
 }
 
 }  // namespace kelvane::console

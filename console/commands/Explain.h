@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "console/commands/Command.h"
 #include "console/display/Screen.h"
 
 namespace kelvane::console {
@@ -16,5 +17,7 @@ struct ExplainOptions {
 // else is a number is a code. Returns the exit code: not found for a number that is no known
 // result. Raises Failure for what is neither, and where the job file cannot be read.
 int explain(const ExplainOptions& options, const Screen& screen);
+
+Command explainCommand();
 
 }  // namespace kelvane::console

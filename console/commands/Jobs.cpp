@@ -1,6 +1,8 @@
 #include "console/commands/Jobs.h"
 
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
+#include "console/commands/Given.h"
 #include "console/display/JobText.h"
 #include "console/display/Packages.h"
 #include "console/display/Table.h"
@@ -59,6 +61,38 @@ void showAll(const JobStatus& status, const Value& record, const Screen& screen)
   showPackages(record, screen);
 }
 
+// --- the sub-commands
+
+constexpr char kJob[] = "log_id";
+
+OneJobOptions oneJobOptionsOf(const Given& given) {
+  return {.sharedFolder = given.text(kSharedOption), .logId = given.text(kJob)};
+}
+
+int runList(const Given& given, const Screen& screen) {
+  return list({.sharedFolder = given.text(kSharedOption)}, screen);
+}
+
+int runShow(const Given& given, const Screen& screen) {
+  return show(oneJobOptionsOf(given), screen);
+}
+
+int runWatch(const Given& given, const Surroundings& surroundings) {
+  return watch(oneJobOptionsOf(given), surroundings);
+}
+
+Command oneJobCommand(const std::string& name, const std::string& description, const Run& run) {
+  return {.name = name,
+          .description = description,
+          .options = {sharedOption(), jsonFlag()},
+          .arguments = {{.names = {kJob},
+                         .valueName = "LOG_ID",
+                         .description = "The job",
+                         .required = true}},
+          .footer = "Example:\n  kelvane-console " + name + " --shared ~/Shared 17",
+          .run = run};
+}
+
 }  // namespace
 
 int list(const ListOptions& options, const Screen& screen) {
@@ -88,6 +122,20 @@ int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings);
   if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
   return exitCodeOf(finished);
+}
+
+Command listCommand() {
+  return {.name = "list",
+          .description = "Show the jobs of the job file as a table",
+          .options = {sharedOption(), jsonFlag()},
+          .footer = "Example:\n  kelvane-console list --shared ~/Shared",
+          .run = runList};
+}
+
+Command showCommand() { return oneJobCommand("show", "Show one job whole", runShow); }
+
+Command watchCommand() {
+  return oneJobCommand("watch", "Follow a job that someone else started", runWatch);
 }
 
 }  // namespace kelvane::console

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "console/commands/Command.h"
 #include "console/commands/Submission.h"
 #include "console/display/Screen.h"
 
@@ -28,5 +29,9 @@ int show(const OneJobOptions& options, const Screen& screen);
 // Follows a job that someone else started, like the sub-commands that submit one, and shows what
 // came out.
 int watch(const OneJobOptions& options, const Surroundings& surroundings);
+
+Command listCommand();
+Command showCommand();
+Command watchCommand();
 
 }  // namespace kelvane::console

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "console/commands/Arguments.h"
+#include "console/commands/Given.h"
 #include "console/display/Packages.h"
 #include "console/job/ExitCode.h"
 #include "contract/JobFile.h"
@@ -56,6 +57,46 @@ Value downloadParameters(const DownloadOptions& options, const std::string& fold
   return all;
 }
 
+// --- the sub-commands
+
+constexpr char kUrl[] = "--url";
+constexpr char kFolder[] = "--folder";
+constexpr char kProduct[] = "product";
+constexpr char kVersion[] = "version";
+constexpr char kProducts[] = "products";
+
+// Those of every job, and the engine's.
+std::vector<Option> engineJobOptions() {
+  std::vector<Option> options = jobOptions();
+  options.push_back(
+      {.names = {kUrl}, .valueName = "URL", .description = "The update service", .required = true});
+  options.push_back({.names = {kFolder},
+                     .kind = ValueKind::folder,
+                     .valueName = "FOLDER",
+                     .description = "An empty folder for the update engine, which is removed "
+                                    "afterwards, if not one below the shared folder"});
+  return options;
+}
+
+EngineOptions engineOptionsOf(const Given& given) {
+  return {.url = given.text(kUrl), .folder = given.text(kFolder)};
+}
+
+int runQuery(const Given& given, const Surroundings& surroundings) {
+  return query({.job = jobOptionsOf(given),
+                .engine = engineOptionsOf(given),
+                .product = given.text(kProduct),
+                .version = given.text(kVersion)},
+               surroundings);
+}
+
+int runDownload(const Given& given, const Surroundings& surroundings) {
+  return download({.job = jobOptionsOf(given),
+                   .engine = engineOptionsOf(given),
+                   .products = given.texts(kProducts)},
+                  surroundings);
+}
+
 }  // namespace
 
 int query(const QueryOptions& options, const Surroundings& surroundings) {
@@ -76,6 +117,41 @@ int download(const DownloadOptions& options, const Surroundings& surroundings) {
   const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
   if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
   return exitCodeOf(finished);
+}
+
+Command queryCommand() {
+  return {.name = "query",
+          .description = "Ask the update service which packages it offers",
+          .options = engineJobOptions(),
+          .arguments = {{.names = {kProduct},
+                         .valueName = "PRODUCT",
+                         .description = "The product that is asked for",
+                         .required = true},
+                        {.names = {kVersion},
+                         .valueName = "VERSION",
+                         .description = "The version that is there now, if any"}},
+          .footer =
+              "Example:\n"
+              "  kelvane-console query --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+              "    --url file:///srv/updates manager 1.0.0",
+          .run = runQuery};
+}
+
+Command downloadCommand() {
+  return {
+      .name = "download",
+      .description = "Fetch packages from the update service",
+      .options = engineJobOptions(),
+      .arguments = {{.names = {kProducts},
+                     .valueName = "PRODUCT[=VERSION]",
+                     .description = "Products to look for; the first one's packages are fetched",
+                     .required = true,
+                     .repeated = true}},
+      .footer =
+          "Example:\n"
+          "  kelvane-console download --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+          "    --url file:///srv/updates manager=2.0.0",
+      .run = runDownload};
 }
 
 }  // namespace kelvane::console

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "console/commands/Command.h"
 #include "console/commands/Submission.h"
 
 namespace kelvane::console {
@@ -31,5 +32,8 @@ struct DownloadOptions {
 // code. They raise Failure like runJob(), and where a query found no catalogue.
 int query(const QueryOptions& options, const Surroundings& surroundings);
 int download(const DownloadOptions& options, const Surroundings& surroundings);
+
+Command queryCommand();
+Command downloadCommand();
 
 }  // namespace kelvane::console

@@ -4,6 +4,8 @@
 #include <iterator>
 
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
+#include "console/commands/Given.h"
 #include "console/display/Colour.h"
 #include "console/job/ExitCode.h"
 #include "console/job/LogFile.h"
@@ -57,6 +59,18 @@ std::string jsonOf(const LogEntry& entry, Charset charset) {
       .value_or("null");
 }
 
+constexpr char kLevel[] = "--level";
+constexpr char kFunction[] = "--function";
+constexpr char kFull[] = "--full";
+
+int runLog(const Given& given, const Screen& screen) {
+  return showLog({.sharedFolder = given.text(kSharedOption),
+                  .level = given.text(kLevel, logging::kLevels[0]),
+                  .function = given.text(kFunction),
+                  .full = given.has(kFull)},
+                 screen);
+}
+
 }  // namespace
 
 int showLog(const ShowLogOptions& options, const Screen& screen) {
@@ -67,6 +81,25 @@ int showLog(const ShowLogOptions& options, const Screen& screen) {
   }
   screen.out.flush();
   return kSuccess;
+}
+
+Command logCommand() {
+  return {
+      .name = "log",
+      .description = "Show the worker's log, objects folded",
+      .options = {sharedOption(),
+                  jsonFlag(),
+                  {.names = {kLevel},
+                   .kind = ValueKind::choice,
+                   .valueName = "LEVEL",
+                   .description = "The least level that is shown",
+                   .choices = {std::begin(logging::kLevels), std::end(logging::kLevels)}},
+                  {.names = {kFunction},
+                   .valueName = "NAME",
+                   .description = "Show the entries of this function alone"},
+                  {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"}},
+      .footer = "Example:\n  kelvane-console log --shared ~/Shared --level error",
+      .run = runLog};
 }
 
 }  // namespace kelvane::console

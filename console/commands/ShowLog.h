@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "console/commands/Command.h"
 #include "console/display/Screen.h"
 
 namespace kelvane::console {
@@ -17,5 +18,7 @@ struct ShowLogOptions {
 // Shows the log's entries, one line each, objects folded; for machines a line of JSON each. Returns
 // the exit code. Raises Failure where there is no log to be read.
 int showLog(const ShowLogOptions& options, const Screen& screen);
+
+Command logCommand();
 
 }  // namespace kelvane::console

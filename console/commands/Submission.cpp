@@ -2,6 +2,8 @@
 
 #include "console/checks/BundleChecks.h"
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
+#include "console/commands/Given.h"
 #include "console/display/ShellQuoting.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
@@ -13,6 +15,10 @@ namespace kelvane::console {
 using platform::Value;
 
 namespace {
+
+constexpr char kWorkerOption[] = "--worker";
+constexpr char kLogIdOption[] = "--log-id";
+constexpr char kVerboseFlag[] = "--verbose";
 
 std::string workerPath(const JobOptions& options) {
   if (!options.worker.empty()) return options.worker;
@@ -76,6 +82,30 @@ void requireFinished(const Followed& followed, const std::string& logId,
 }
 
 }  // namespace
+
+std::vector<Option> jobOptions() {
+  return {sharedOption(),
+          bundleOption(),
+          {.names = {kWorkerOption},
+           .kind = ValueKind::file,
+           .valueName = "PATH",
+           .description = "The worker, if not the bundle's"},
+          {.names = {kLogIdOption},
+           .valueName = "ID",
+           .description = "The job's log id, if not the next free number"},
+          {.names = {kVerboseFlag},
+           .kind = ValueKind::none,
+           .description = "Show what the worker prints"},
+          jsonFlag()};
+}
+
+JobOptions jobOptionsOf(const Given& given) {
+  return {.sharedFolder = given.text(kSharedOption),
+          .bundle = given.text(kBundleOption),
+          .worker = given.text(kWorkerOption),
+          .logId = given.text(kLogIdOption),
+          .verbose = given.has(kVerboseFlag)};
+}
 
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
                     const Surroundings& surroundings) {

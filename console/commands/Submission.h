@@ -2,7 +2,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "console/commands/Command.h"
 #include "console/display/Screen.h"
 #include "console/job/Clock.h"
 #include "console/job/View.h"
@@ -18,6 +20,10 @@ struct JobOptions {
   std::string logId;  // empty: one is chosen
   bool verbose = false;
 };
+
+// Their declarations, and what was given for them.
+std::vector<Option> jobOptions();
+JobOptions jobOptionsOf(const Given& given);
 
 // What a sub-command that follows a job works with; not owned.
 struct Surroundings {

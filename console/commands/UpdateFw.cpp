@@ -1,6 +1,7 @@
 #include "console/commands/UpdateFw.h"
 
 #include "console/commands/Arguments.h"
+#include "console/commands/Given.h"
 #include "console/job/ExitCode.h"
 #include "contract/JobFile.h"
 #include "platform/File.h"
@@ -43,11 +44,34 @@ Value inputParameters(const std::vector<std::string>& updates) {
   return inputs;
 }
 
+constexpr char kUpdates[] = "updates";
+
+int runUpdateFw(const Given& given, const Surroundings& surroundings) {
+  return updateFw({.job = jobOptionsOf(given), .updates = given.texts(kUpdates)}, surroundings);
+}
+
 }  // namespace
 
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
   const Value inputs = inputParameters(options.updates);
   return exitCodeOf(runJob(options.job, job::kUpdateFW, inputs, surroundings));
+}
+
+Command updateFwCommand() {
+  return {.name = "update-fw",
+          .description = "Update the firmware of controllers",
+          .options = jobOptions(),
+          .arguments = {{.names = {kUpdates},
+                         .kind = ValueKind::assignedFile,
+                         .valueName = "WWN=IMAGE",
+                         .description = "A controller and the image it gets",
+                         .required = true,
+                         .repeated = true}},
+          .footer =
+              "Example:\n"
+              "  kelvane-console update-fw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+              "    5000A1B2C3D4E5F6=controller.img",
+          .run = runUpdateFw};
 }
 
 }  // namespace kelvane::console

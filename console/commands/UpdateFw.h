@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "console/commands/Command.h"
 #include "console/commands/Submission.h"
 
 namespace kelvane::console {
@@ -16,5 +17,7 @@ struct UpdateFwOptions {
 // Runs the job from its submission to its end and returns the exit code. Raises Failure like
 // runJob().
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings);
+
+Command updateFwCommand();
 
 }  // namespace kelvane::console

@@ -6,6 +6,7 @@
 #include "console/checks/Access.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/commands/Arguments.h"
+#include "console/commands/Given.h"
 #include "console/job/ExitCode.h"
 #include "contract/JobFile.h"
 #include "contract/Settings.h"
@@ -46,6 +47,12 @@ void refuseOwnPackage(const std::string& package, const std::string& installed) 
   }
 }
 
+constexpr char kPackage[] = "package";
+
+int runUpdateSw(const Given& given, const Surroundings& surroundings) {
+  return updateSw({.job = jobOptionsOf(given), .package = given.text(kPackage)}, surroundings);
+}
+
 }  // namespace
 
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
@@ -63,6 +70,22 @@ int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
                             << displayText(installed, surroundings.screen.charset) << std::endl;
   }
   return exitCodeOf(finished);
+}
+
+Command updateSwCommand() {
+  return {.name = "update-sw",
+          .description = "Replace the installed application by a new one",
+          .options = jobOptions(),
+          .arguments = {{.names = {kPackage},
+                         .kind = ValueKind::folder,
+                         .valueName = "APP.app",
+                         .description = "The new application bundle",
+                         .required = true}},
+          .footer =
+              "Example:\n"
+              "  kelvane-console update-sw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+              "    ~/Shared/tmp/OnlineUpdate/SW/Manager.app",
+          .run = runUpdateSw};
 }
 
 }  // namespace kelvane::console

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "console/commands/Command.h"
 #include "console/commands/Submission.h"
 
 namespace kelvane::console {
@@ -16,5 +17,7 @@ struct UpdateSwOptions {
 // runJob(). The worker judges nothing; the console looks whether an application stands in the
 // place, and raises Failure where none does.
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings);
+
+Command updateSwCommand();
 
 }  // namespace kelvane::console

@@ -5,11 +5,13 @@
 #include <stdexcept>
 #include <vector>
 
+#include "console/display/Words.h"
+
 namespace kelvane::console {
 namespace {
 
 // "-h, --help", each in bold.
-std::string boldNames(const OptionShape& option) {
+std::string boldNames(const Option& option) {
   std::string names;
   for (const std::string& name : option.names) {
     if (!names.empty()) names += ", ";
@@ -20,66 +22,58 @@ std::string boldNames(const OptionShape& option) {
 
 std::string italic(const std::string& text) { return "\\fI" + asRoff(text) + "\\fR"; }
 
-std::string withValue(const std::string& names, const OptionShape& option) {
+std::string withValue(const std::string& names, const Option& option) {
   return option.valueName.empty() ? names : names + " " + italic(option.valueName);
 }
 
 // How it stands in a synopsis: in brackets where it may be left out.
-std::string inSynopsis(const std::string& text, const OptionShape& option) {
+std::string inSynopsis(const std::string& text, const Option& option) {
   const std::string more = option.repeated ? " ..." : "";
   return option.required ? text + more : "[" + text + more + "]";
 }
 
-bool isHelp(const OptionShape& option) {
-  return std::count(option.names.begin(), option.names.end(), "--help") != 0;
-}
-
-std::string synopsisOf(const CommandShape& command, const std::string& app) {
-  std::string page = ".PP\n\\fB" + asRoff(app + " " + command.name) + "\\fR\n";
-  for (const OptionShape& option : command.options) {
+std::string synopsisOf(const Command& command, const std::string& program) {
+  std::string page = ".PP\n\\fB" + asRoff(program + " " + command.name) + "\\fR\n";
+  for (const Option& option : command.options) {
     if (isHelp(option)) continue;
     page += inSynopsis(withValue(boldNames(option), option), option) + "\n";
   }
-  for (const OptionShape& argument : command.arguments) {
+  for (const Option& argument : command.arguments) {
     page += inSynopsis(italic(argument.valueName), argument) + "\n";
   }
   return page;
 }
 
-std::string synopsis(const CommandShape& app) {
+std::string synopsis(const CommandTable& table) {
   std::string page;
-  for (const CommandShape& command : app.commands) page += synopsisOf(command, app.name);
-  return page + ".PP\n\\fB" + asRoff(app.name) + "\\fR [\\fICOMMAND\\fR] \\fB\\-\\-help\\fR\n";
+  for (const Command& command : table.commands) page += synopsisOf(command, table.name);
+  return page + ".PP\n\\fB" + asRoff(table.name) + "\\fR [\\fICOMMAND\\fR] \\fB\\-\\-help\\fR\n";
 }
 
 std::string sentence(const std::string& text) {
   return text.empty() || text.back() == '.' ? text : text + ".";
 }
 
-std::string entry(const std::string& tag, const OptionShape& option) {
+std::string entry(const std::string& tag, const Option& option) {
   std::string page = ".TP\n" + tag + "\n" + asRoff(sentence(option.description)) + "\n";
-  std::string choices;
-  for (const std::string& choice : option.choices)
-    choices += (choices.empty() ? "" : ", ") + choice;
-  if (!choices.empty()) page += "One of: " + asRoff(choices) + ".\n";
+  if (!option.choices.empty()) page += "One of: " + asRoff(joined(option.choices, ", ")) + ".\n";
   return page;
 }
 
 // Of several commands, described once for all of them.
-bool isSame(const OptionShape& left, const OptionShape& right) {
+bool isSame(const Option& left, const Option& right) {
   return left.names == right.names && left.valueName == right.valueName &&
          left.description == right.description && left.choices == right.choices;
 }
 
-bool isIn(const std::vector<OptionShape>& options, const OptionShape& wanted) {
+bool isIn(const std::vector<Option>& options, const Option& wanted) {
   return std::any_of(options.begin(), options.end(),
-                     [&](const OptionShape& option) { return isSame(option, wanted); });
+                     [&](const Option& option) { return isSame(option, wanted); });
 }
 
-bool isCommon(const CommandShape& app, const OptionShape& option) {
-  return std::count_if(app.commands.begin(), app.commands.end(), [&](const CommandShape& command) {
-           return isIn(command.options, option);
-         }) > 1;
+bool isCommon(const CommandTable& table, const Option& option) {
+  return std::count_if(table.commands.begin(), table.commands.end(),
+                       [&](const Command& command) { return isIn(command.options, option); }) > 1;
 }
 
 // Lines that begin with blanks are shown as they stand.
@@ -96,55 +90,60 @@ std::string footerText(const std::string& footer) {
   return page + (isCode ? ".fi\n.RE\n" : "");
 }
 
-std::string commandText(const CommandShape& command, const CommandShape& app) {
+std::string commandText(const Command& command, const CommandTable& table) {
   std::string page = ".SS " + asRoff(command.name) + "\n";
   page += asRoff(sentence(command.description)) + "\n";
-  for (const OptionShape& argument : command.arguments) {
+  for (const Option& argument : command.arguments) {
     page += entry(italic(argument.valueName), argument);
   }
-  for (const OptionShape& option : command.options) {
-    if (!isCommon(app, option)) page += entry(withValue(boldNames(option), option), option);
+  for (const Option& option : command.options) {
+    if (!isCommon(table, option)) page += entry(withValue(boldNames(option), option), option);
   }
   return page + footerText(command.footer);
 }
 
-std::string commands(const CommandShape& app) {
+std::string commands(const CommandTable& table) {
   std::string page;
-  for (const CommandShape& command : app.commands) page += commandText(command, app);
+  for (const Command& command : table.commands) page += commandText(command, table);
   return page;
 }
 
-// The application's own options and those that several commands have, each once.
-std::vector<OptionShape> commonOptions(const CommandShape& app) {
-  std::vector<OptionShape> found = app.options;
-  for (const CommandShape& command : app.commands) {
-    for (const OptionShape& option : command.options) {
-      if (!isIn(found, option) && isCommon(app, option)) found.push_back(option);
-    }
+// All of them, those of the sub-commands behind the program's own.
+std::vector<Option> allOptions(const CommandTable& table) {
+  std::vector<Option> all = table.options;
+  for (const Command& command : table.commands) {
+    all.insert(all.end(), command.options.begin(), command.options.end());
+  }
+  return all;
+}
+
+// The program's own options and those that several commands have, each once.
+std::vector<Option> commonOptions(const CommandTable& table) {
+  std::vector<Option> found = table.options;
+  for (const Option& option : allOptions(table)) {
+    if (!isIn(found, option) && isCommon(table, option)) found.push_back(option);
   }
   return found;
 }
 
-std::string options(const CommandShape& app) {
+std::string options(const CommandTable& table) {
   std::string page;
-  for (const OptionShape& option : commonOptions(app)) {
+  for (const Option& option : commonOptions(table)) {
     page += entry(withValue(boldNames(option), option), option);
   }
   return page;
 }
 
-std::string environment(const CommandShape& app) {
+std::string environment(const CommandTable& table) {
   std::vector<std::string> told;
   std::string page;
-  for (const CommandShape& command : app.commands) {
-    for (const OptionShape& option : command.options) {
-      if (option.variable.empty() || std::count(told.begin(), told.end(), option.variable) != 0) {
-        continue;
-      }
-      told.push_back(option.variable);
-      page += ".TP\n\\fB" + asRoff(option.variable) + "\\fR\nStands in for " + boldNames(option) +
-              " where that is not given.\n";
+  for (const Option& option : allOptions(table)) {
+    if (option.variable.empty() || std::count(told.begin(), told.end(), option.variable) != 0) {
+      continue;
     }
+    told.push_back(option.variable);
+    page += ".TP\n\\fB" + asRoff(option.variable) + "\\fR\nStands in for " + boldNames(option) +
+            " where that is not given.\n";
   }
   return page;
 }
@@ -170,12 +169,12 @@ std::string asRoff(const std::string& text) {
   return roff;
 }
 
-std::string manualPage(const std::string& handWritten, const CommandShape& app) {
+std::string manualPage(const std::string& handWritten, const CommandTable& table) {
   std::string page = handWritten;
-  put(page, "SYNOPSIS", synopsis(app));
-  put(page, "COMMANDS", commands(app));
-  put(page, "OPTIONS", options(app));
-  put(page, "ENVIRONMENT", environment(app));
+  put(page, "SYNOPSIS", synopsis(table));
+  put(page, "COMMANDS", commands(table));
+  put(page, "OPTIONS", options(table));
+  put(page, "ENVIRONMENT", environment(table));
   return page;
 }
 

@@ -3,7 +3,6 @@
 #include <exception>
 #include <iostream>
 
-#include "console/command_line/CommandLine.h"
 #include "console/manual/ManualPage.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
@@ -14,9 +13,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    const kelvane::console::CommandLine commandLine;
-    const auto shape = kelvane::console::shapeOf(commandLine.app());
-    std::cout << kelvane::console::manualPage(kelvane::platform::readFile(argv[1]), shape);
+    std::cout << kelvane::console::manualPage(kelvane::platform::readFile(argv[1]));
     return std::cout.flush() ? 0 : 1;
   } catch (const std::exception& failed) {
     std::cerr << "make-manual: " << failed.what() << '\n';

@@ -3,11 +3,10 @@
 #include <set>
 #include <sstream>
 
-#include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "console/command_line/CommandLine.h"
+#include "console/command_line/CommandTable.h"
 #include "console/command_line/completion/Completion.h"
 #include "console/job/ExitCode.h"
 #include "console/manual/ManualPage.h"
@@ -31,9 +30,7 @@ using testing::splitLines;
 using Names = std::set<std::string>;
 
 std::string consolePage() {
-  const console::CommandLine commandLine;
-  return console::manualPage(readSource("docs/man/kelvane-console.1.in"),
-                             console::shapeOf(commandLine.app()));
+  return console::manualPage(readSource("docs/man/kelvane-console.1.in"));
 }
 
 std::string pageNamed(const std::string& name) {
@@ -113,18 +110,19 @@ TEST(ConsoleManual, TellsEveryExitCodeAndNoOther) {
 }
 
 TEST(ConsoleHelp, TellsEveryExitCodeAndNoOther) {
-  const console::CommandLine commandLine;
-  EXPECT_EQ(numbersIn(commandLine.app().get_footer()), exitCodes());
+  EXPECT_EQ(numbersIn(console::commandTable().footer), exitCodes());
 }
 
 TEST(ConsoleManual, ShowsEverySubCommandOptionAndVariable) {
-  const console::CommandLine commandLine;
   const std::string shown = formatted(consolePage());
-  for (const CLI::App* command : commandLine.app().get_subcommands({})) {
-    EXPECT_THAT(shown, HasSubstr("\n   " + command->get_name() + "\n"));
-    for (const CLI::Option* option : command->get_options()) {
-      EXPECT_THAT(shown, HasSubstr(option->get_positional() ? "" : option->get_lnames().at(0)));
-      EXPECT_THAT(shown, HasSubstr(option->get_envname()));
+  for (const console::Command& command : console::commandTable().commands) {
+    EXPECT_THAT(shown, HasSubstr("\n   " + command.name + "\n"));
+    for (const console::Option& option : command.options) {
+      EXPECT_THAT(shown, HasSubstr(option.names.back()));
+      EXPECT_THAT(shown, HasSubstr(option.variable));
+    }
+    for (const console::Option& argument : command.arguments) {
+      EXPECT_THAT(shown, HasSubstr("\n       " + argument.valueName));
     }
   }
 }
@@ -140,14 +138,13 @@ TEST(ConsoleManual, IsBuiltAsItIsShown) {
 
 TEST(Completions, AreBuiltAsTheyArePrinted) {
   const std::string folder = KELVANE_BUILT_MANUAL "completions/";
-  const console::CommandLine commandLine;
-  const auto shape = console::shapeOf(commandLine.app());
+  const console::CommandTable& table = console::commandTable();
   EXPECT_EQ(platform::readFile(folder + "bash-completion/completions/kelvane-console"),
-            console::bashCompletion(shape));
+            console::bashCompletion(table));
   EXPECT_EQ(platform::readFile(folder + "zsh/site-functions/_kelvane-console"),
-            console::zshCompletion(shape));
+            console::zshCompletion(table));
   EXPECT_EQ(platform::readFile(folder + "fish/vendor_completions.d/kelvane-console.fish"),
-            console::fishCompletion(shape));
+            console::fishCompletion(table));
 }
 
 TEST(WorkerManual, NamesEveryPathAndNoOther) {

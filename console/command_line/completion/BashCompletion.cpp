@@ -2,6 +2,7 @@
 
 #include "console/command_line/completion/Completion.h"
 #include "console/display/ShellQuoting.h"
+#include "console/display/Words.h"
 
 namespace kelvane::console {
 namespace {
@@ -49,86 +50,89 @@ constexpr char kEnd[] = R"(  esac
 complete -F _kelvane_console kelvane-console
 )";
 
-std::string replyFor(const OptionShape& option) {
-  switch (kindOf(option)) {
+std::string replyFor(const Option& option) {
+  switch (option.kind) {
     case ValueKind::folder:
       return "_kelvane_console_paths -d";
     case ValueKind::file:
       return "_kelvane_console_paths -f";
     case ValueKind::choice:
       return "_kelvane_console_reply -W " + shellQuoted(joined(option.choices, " "));
-    default:
-      return ":";
+    case ValueKind::none:
+    case ValueKind::text:
+    case ValueKind::assignedFile:
+      break;
   }
+  return ":";
 }
 
 // The case that completes an option's value; nothing for a flag.
-std::string valueCase(const std::string& command, const OptionShape& option) {
-  if (kindOf(option) == ValueKind::none) return {};
+std::string valueCase(const std::string& command, const Option& option) {
+  if (option.kind == ValueKind::none) return {};
   const std::string before = command + " ";
   std::vector<std::string> patterns;
   for (const std::string& name : option.names) patterns.push_back(shellQuoted(before + name));
   return "    " + joined(patterns, "|") + ") " + replyFor(option) + "; return ;;\n";
 }
 
-std::string valueCases(const CommandShape& app) {
+std::string valueCases(const CommandTable& table) {
   std::string cases;
-  for (const OptionShape& option : app.options) cases += valueCase("", option);
-  for (const CommandShape& command : app.commands) {
-    for (const OptionShape& option : command.options) cases += valueCase(command.name, option);
+  for (const Option& option : table.options) cases += valueCase("", option);
+  for (const Command& command : table.commands) {
+    for (const Option& option : command.options) cases += valueCase(command.name, option);
   }
   return cases;
 }
 
-std::vector<std::string> optionNames(const CommandShape& command) {
+std::vector<std::string> namesOf(const std::vector<Option>& options) {
   std::vector<std::string> names;
-  for (const OptionShape& option : command.options) {
+  for (const Option& option : options) {
     names.insert(names.end(), option.names.begin(), option.names.end());
   }
   return names;
 }
 
-std::vector<std::string> commandNames(const CommandShape& app) {
+std::vector<std::string> commandNames(const CommandTable& table) {
   std::vector<std::string> names;
-  for (const CommandShape& command : app.commands) names.push_back(command.name);
+  for (const Command& command : table.commands) names.push_back(command.name);
   return names;
 }
 
 // What a word that is no option is completed to, as the first argument says. All arguments of a
 // sub-command are of one kind.
-std::string argumentReply(const CommandShape& command) {
+std::string argumentReply(const Command& command) {
   if (command.arguments.empty()) return {};
-  const OptionShape& argument = command.arguments.front();
-  if (kindOf(argument) == ValueKind::assignedFile) {
+  const Option& argument = command.arguments.front();
+  if (argument.kind == ValueKind::assignedFile) {
     return "[[ $assigned ]] && { _kelvane_console_paths -f; return; }; ";
   }
   const std::string reply = replyFor(argument);
   return reply == ":" ? "" : "[[ $word != -* ]] && { " + reply + "; return; }; ";
 }
 
-std::string wordCase(const std::string& name, const CommandShape& command,
+std::string wordCase(const std::string& name, const Command& command,
                      const std::vector<std::string>& words) {
   return "    " + name + ") " + argumentReply(command) + "_kelvane_console_reply -W " +
          shellQuoted(joined(words, " ")) + " ;;\n";
 }
 
-std::string wordCases(const CommandShape& app) {
-  std::vector<std::string> first = commandNames(app);
-  const std::vector<std::string> options = optionNames(app);
+std::string wordCases(const CommandTable& table) {
+  std::vector<std::string> first = commandNames(table);
+  const std::vector<std::string> options = namesOf(table.options);
   first.insert(first.end(), options.begin(), options.end());
   std::string cases = wordCase("''", {}, first);
-  for (const CommandShape& command : app.commands) {
-    cases += wordCase(command.name, command, optionNames(command));
+  for (const Command& command : table.commands) {
+    cases += wordCase(command.name, command, namesOf(command.options));
   }
   return cases;
 }
 
 }  // namespace
 
-std::string bashCompletion(const CommandShape& app) {
-  return kBeginning + ("      " + joined(commandNames(app), "|")) +
-         ") command=${COMP_WORDS[i]}; break ;;\n" + kAfterCommands + valueCases(app) +
-         kAfterValues + wordCases(app) + kEnd;
+std::string bashCompletion(const CommandTable& table) {
+  return kBeginning + ("      " + joined(commandNames(table), "|")) +
+         ") command=${COMP_WORDS[i]}; break ;;\n" + kAfterCommands + valueCases(table) +
+         kAfterValues + wordCases(table) + kEnd;
 }
 
 }  // namespace kelvane::console

@@ -5,7 +5,7 @@
 namespace kelvane::console {
 namespace {
 
-using Script = std::string (*)(const CommandShape&);
+using Script = std::string (*)(const CommandTable&);
 
 const std::map<std::string, Script>& scripts() {
   static const std::map<std::string, Script> all = {
@@ -21,14 +21,8 @@ std::vector<std::string> completionShells() {
   return shells;
 }
 
-std::string completionScript(const std::string& shell, const CommandShape& app) {
-  return scripts().at(shell)(app);
-}
-
-std::string joined(const std::vector<std::string>& words, const std::string& separator) {
-  std::string all;
-  for (const std::string& word : words) all += (all.empty() ? "" : separator) + word;
-  return all;
+std::string completionScript(const std::string& shell, const CommandTable& table) {
+  return scripts().at(shell)(table);
 }
 
 }  // namespace kelvane::console

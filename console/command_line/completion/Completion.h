@@ -1,11 +1,11 @@
-// Completion scripts for shells, made of the command line's shape. They complete sub-commands,
+// Completion scripts for shells, made of the table of the sub-commands. They complete sub-commands,
 // options and what options take: files, folders, one of a few words.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "console/command_line/CommandShape.h"
+#include "console/command_line/CommandTable.h"
 
 namespace kelvane::console {
 
@@ -13,14 +13,11 @@ namespace kelvane::console {
 std::vector<std::string> completionShells();
 
 // The script for one of these shells; std::out_of_range for another one.
-std::string completionScript(const std::string& shell, const CommandShape& app);
+std::string completionScript(const std::string& shell, const CommandTable& table);
 
 // One shell each.
-std::string bashCompletion(const CommandShape& app);
-std::string zshCompletion(const CommandShape& app);
-std::string fishCompletion(const CommandShape& app);
-
-// The words with a separator between them.
-std::string joined(const std::vector<std::string>& words, const std::string& separator);
+std::string bashCompletion(const CommandTable& table);
+std::string zshCompletion(const CommandTable& table);
+std::string fishCompletion(const CommandTable& table);
 
 }  // namespace kelvane::console

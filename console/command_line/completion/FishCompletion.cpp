@@ -2,6 +2,7 @@
 
 #include "console/command_line/completion/Completion.h"
 #include "console/display/ShellQuoting.h"
+#include "console/display/Words.h"
 
 namespace kelvane::console {
 namespace {
@@ -14,7 +15,7 @@ complete -c kelvane-console -f
 
 constexpr char kBeforeCommand[] = "__fish_use_subcommand";
 
-std::string insideOf(const CommandShape& command) {
+std::string insideOf(const Command& command) {
   return "__fish_seen_subcommand_from " + command.name;
 }
 
@@ -23,20 +24,23 @@ std::string line(const std::string& condition, const std::string& rest) {
 }
 
 // What a value is completed to.
-std::string words(const OptionShape& option) {
-  switch (kindOf(option)) {
+std::string words(const Option& option) {
+  switch (option.kind) {
     case ValueKind::folder:
       return " -a '(__fish_complete_directories (commandline -ct))'";
     case ValueKind::file:
       return " -F";
     case ValueKind::choice:
       return " -a " + shellQuoted(joined(option.choices, " "));
-    default:
-      return {};
+    case ValueKind::none:
+    case ValueKind::text:
+    case ValueKind::assignedFile:
+      break;
   }
+  return {};
 }
 
-std::string nameFlags(const OptionShape& option) {
+std::string nameFlags(const Option& option) {
   std::string flags;
   for (const std::string& name : option.names) {
     const bool isLong = name.rfind("--", 0) == 0;
@@ -46,23 +50,22 @@ std::string nameFlags(const OptionShape& option) {
 }
 
 // Files are offered for a value, too, unless they are ruled out.
-std::string valueFlag(const OptionShape& option) {
-  const ValueKind kind = kindOf(option);
-  if (kind == ValueKind::none) return {};
-  return kind == ValueKind::file ? " -r" : " -x";
+std::string valueFlag(const Option& option) {
+  if (option.kind == ValueKind::none) return {};
+  return option.kind == ValueKind::file ? " -r" : " -x";
 }
 
-std::string optionLine(const std::string& condition, const OptionShape& option) {
+std::string optionLine(const std::string& condition, const Option& option) {
   return line(condition, nameFlags(option) + valueFlag(option) + words(option) + " -d " +
                              shellQuoted(option.description));
 }
 
-std::string commandLines(const CommandShape& command) {
+std::string commandLines(const Command& command) {
   std::string lines;
-  for (const OptionShape& option : command.options) {
+  for (const Option& option : command.options) {
     lines += optionLine(insideOf(command), option);
   }
-  for (const OptionShape& argument : command.arguments) {
+  for (const Option& argument : command.arguments) {
     const std::string values = words(argument);
     if (!values.empty()) lines += line(insideOf(command), values);
   }
@@ -71,14 +74,14 @@ std::string commandLines(const CommandShape& command) {
 
 }  // namespace
 
-std::string fishCompletion(const CommandShape& app) {
+std::string fishCompletion(const CommandTable& table) {
   std::string script = kBeginning;
-  for (const OptionShape& option : app.options) script += optionLine(kBeforeCommand, option);
-  for (const CommandShape& command : app.commands) {
+  for (const Option& option : table.options) script += optionLine(kBeforeCommand, option);
+  for (const Command& command : table.commands) {
     script +=
         line(kBeforeCommand, " -a " + command.name + " -d " + shellQuoted(command.description));
   }
-  for (const CommandShape& command : app.commands) script += commandLines(command);
+  for (const Command& command : table.commands) script += commandLines(command);
   return script;
 }
 

@@ -2,6 +2,7 @@
 
 #include "console/command_line/completion/Completion.h"
 #include "console/display/ShellQuoting.h"
+#include "console/display/Words.h"
 
 namespace kelvane::console {
 namespace {
@@ -50,8 +51,8 @@ std::string escaped(const std::string& text) {
   return safe;
 }
 
-std::string actionFor(const OptionShape& option) {
-  switch (kindOf(option)) {
+std::string actionFor(const Option& option) {
+  switch (option.kind) {
     case ValueKind::folder:
       return "_files -/";
     case ValueKind::file:
@@ -60,26 +61,28 @@ std::string actionFor(const OptionShape& option) {
       return "{compset -P \"*=\" && _files}";
     case ValueKind::choice:
       return "(" + joined(option.choices, " ") + ")";
-    default:
-      return " ";
+    case ValueKind::none:
+    case ValueKind::text:
+      break;
   }
+  return " ";
 }
 
 // The names of an option that has several: one of them excludes the others.
-std::string exclusion(const OptionShape& option) {
+std::string exclusion(const Option& option) {
   return option.names.size() > 1 ? "(" + joined(option.names, " ") + ")" : std::string();
 }
 
 // What follows an option's name.
-std::string explanation(const OptionShape& option) {
+std::string explanation(const Option& option) {
   std::string text = "[" + escaped(option.description) + "]";
-  if (kindOf(option) == ValueKind::none) return text;
+  if (option.kind == ValueKind::none) return text;
   return text + ":" + escaped(option.valueName) + ":" + actionFor(option);
 }
 
 // One phrase for each of the option's names.
-std::string optionPhrases(const OptionShape& option, const std::string& indent) {
-  const bool takesValue = kindOf(option) != ValueKind::none;
+std::string optionPhrases(const Option& option, const std::string& indent) {
+  const bool takesValue = option.kind != ValueKind::none;
   std::string all;
   for (const std::string& name : option.names) {
     std::string phrase = exclusion(option);
@@ -93,7 +96,7 @@ std::string optionPhrases(const OptionShape& option, const std::string& indent) 
   return all;
 }
 
-std::string argumentPhrase(const OptionShape& argument, std::size_t position,
+std::string argumentPhrase(const Option& argument, std::size_t position,
                            const std::string& indent) {
   std::string place = argument.repeated ? "*" : std::to_string(position);
   if (!argument.repeated && !argument.required) place += ":";
@@ -101,14 +104,14 @@ std::string argumentPhrase(const OptionShape& argument, std::size_t position,
   return indent + shellQuoted(phrase) + " \\\n";
 }
 
-std::string commandCase(const CommandShape& command) {
+std::string commandCase(const Command& command) {
   const std::string indent(12, ' ');
   std::string phrases;
-  for (const OptionShape& option : command.options) {
+  for (const Option& option : command.options) {
     phrases += optionPhrases(option, indent);
   }
   std::size_t position = 0;
-  for (const OptionShape& argument : command.arguments) {
+  for (const Option& argument : command.arguments) {
     phrases += argumentPhrase(argument, ++position, indent);
   }
   return "        " + command.name + ")\n          _arguments \\\n" + phrases + indent +
@@ -117,15 +120,15 @@ std::string commandCase(const CommandShape& command) {
 
 }  // namespace
 
-std::string zshCompletion(const CommandShape& app) {
+std::string zshCompletion(const CommandTable& table) {
   std::string script = kBeginning;
-  for (const OptionShape& option : app.options) script += optionPhrases(option, "    ");
+  for (const Option& option : table.options) script += optionPhrases(option, "    ");
   script += kCommands;
-  for (const CommandShape& command : app.commands) {
+  for (const Command& command : table.commands) {
     script += "        " + shellQuoted(command.name + ":" + escaped(command.description)) + "\n";
   }
   script += kAfterCommands;
-  for (const CommandShape& command : app.commands) script += commandCase(command);
+  for (const Command& command : table.commands) script += commandCase(command);
   return script + kEnd;
 }
 

@@ -1,6 +1,5 @@
 // Workers that someone else started, as processes of the system.
 
-#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -15,8 +14,6 @@
 
 namespace kelvane::console {
 namespace {
-
-namespace fs = std::filesystem;
 
 class ProcessesTest : public ::testing::Test {
  protected:
@@ -65,18 +62,6 @@ TEST_F(ProcessesTest, AWorkerIsFoundByItsNameJobAndFolder) {
   EXPECT_FALSE(workerRuns("18", folder / ""));
   end();
   EXPECT_FALSE(runs());
-}
-
-TEST_F(ProcessesTest, EveryProcessHasItsIdAndArguments) {
-  start("any name", "two words");
-  bool isThere = false;
-  for (const RunningProcess& one : runningProcesses()) {
-    if (one.id != process_) continue;
-    isThere = true;
-    EXPECT_EQ(one.arguments, (std::vector<std::string>{"any name", "18", "two words"}));
-    EXPECT_EQ(one.currentFolder, fs::canonical(folder.path()));
-  }
-  EXPECT_TRUE(isThere);
 }
 
 TEST_F(ProcessesTest, TheSharedFolderMayBeWrittenInAnyWay) {

@@ -16,19 +16,16 @@ constexpr char kFrame[] =
 class ManualPageTest : public ::testing::Test {
  protected:
   ManualPageTest() {
-    app.name = "tool";
-    app.commands.resize(2);
-    app.commands[0].name = "add";
-    app.commands[1].name = "take-out";
+    table.name = "tool";
+    table.commands.resize(2);
+    table.commands[0].name = "add";
+    table.commands[1].name = "take-out";
   }
-  static OptionShape option(const std::string& name, const std::string& valueName) {
-    OptionShape shape;
-    shape.names = {name};
-    shape.valueName = valueName;
-    shape.description = "What " + name.substr(2) + " does";
-    return shape;
+  static Option option(const std::string& name, const std::string& valueName) {
+    return {
+        .names = {name}, .valueName = valueName, .description = "What " + name.substr(2) + " does"};
   }
-  std::string page() const { return manualPage(kFrame, app); }
+  std::string page() const { return manualPage(kFrame, table); }
   bool shows(const std::string& text) const { return page().find(text) != std::string::npos; }
   std::size_t countOf(const std::string& text) const {
     const std::string all = page();
@@ -39,57 +36,60 @@ class ManualPageTest : public ::testing::Test {
     return count;
   }
 
-  CommandShape app;
+  CommandTable table;
 };
 
 TEST_F(ManualPageTest, KeepsWhatIsWrittenByHand) { EXPECT_TRUE(shows("\nend\n")); }
 
 TEST_F(ManualPageTest, RefusesAFrameWithoutAPlaceForAPart) {
-  EXPECT_THROW(manualPage("end\n", app), std::runtime_error);
+  EXPECT_THROW(manualPage("end\n", table), std::runtime_error);
 }
 
 TEST_F(ManualPageTest, SynopsisBracketsWhatMayBeLeftOut) {
-  app.commands[0].options = {option("--size", "BYTES"), option("--all", "")};
-  app.commands[0].options[0].required = true;
+  table.commands[0].options = {option("--size", "BYTES"), option("--all", "")};
+  table.commands[0].options[0].required = true;
   EXPECT_TRUE(shows("\\fBtool add\\fR\n\\fB\\-\\-size\\fR \\fIBYTES\\fR\n[\\fB\\-\\-all\\fR]\n"));
 }
 
 TEST_F(ManualPageTest, SynopsisHasDotsForSeveralValues) {
-  OptionShape files;
-  files.valueName = "FILE";
-  files.repeated = true;
-  app.commands[0].arguments = {files};
+  table.commands[0].arguments = {{.names = {"files"}, .valueName = "FILE", .repeated = true}};
   EXPECT_TRUE(shows("[\\fIFILE\\fR ...]\n"));
 }
 
 TEST_F(ManualPageTest, OptionOfOneCommandStandsWithIt) {
-  app.commands[0].options = {option("--size", "BYTES")};
+  table.commands[0].options = {option("--size", "BYTES")};
   EXPECT_TRUE(shows(".TP\n\\fB\\-\\-size\\fR \\fIBYTES\\fR\nWhat size does.\n.SS take\\-out"));
   EXPECT_EQ(countOf("What size does."), 1U);
 }
 
 TEST_F(ManualPageTest, OptionOfSeveralCommandsIsDescribedOnce) {
-  app.commands[0].options = {option("--all", "")};
-  app.commands[1].options = app.commands[0].options;
+  table.commands[0].options = {option("--all", "")};
+  table.commands[1].options = table.commands[0].options;
   EXPECT_EQ(countOf("What all does."), 1U);
   EXPECT_GT(page().find("What all does."), page().find(".SS take\\-out"));
 }
 
 TEST_F(ManualPageTest, TellsTheChoices) {
-  app.commands[0].options = {option("--level", "LEVEL")};
-  app.commands[0].options[0].choices = {"low", "high"};
+  table.commands[0].options = {option("--level", "LEVEL")};
+  table.commands[0].options[0].choices = {"low", "high"};
   EXPECT_TRUE(shows("What level does.\nOne of: low, high.\n"));
 }
 
 TEST_F(ManualPageTest, NamesEachVariableOnce) {
-  app.commands[0].options = {option("--all", "")};
-  app.commands[0].options[0].variable = "TOOL_ALL";
-  app.commands[1].options = app.commands[0].options;
+  table.commands[0].options = {option("--all", "")};
+  table.commands[0].options[0].variable = "TOOL_ALL";
+  table.commands[1].options = table.commands[0].options;
   EXPECT_EQ(countOf("\\fBTOOL_ALL\\fR\nStands in for \\fB\\-\\-all\\fR"), 1U);
 }
 
+TEST_F(ManualPageTest, NamesTheVariableOfAnOptionBeforeTheSubCommand) {
+  table.options = {option("--all", "")};
+  table.options[0].variable = "TOOL_ALL";
+  EXPECT_TRUE(shows("\\fBTOOL_ALL\\fR\nStands in for \\fB\\-\\-all\\fR"));
+}
+
 TEST_F(ManualPageTest, ExamplesKeepTheirLines) {
-  app.commands[0].footer = "Example:\n  tool add \\\n    more";
+  table.commands[0].footer = "Example:\n  tool add \\\n    more";
   EXPECT_TRUE(shows(".PP\nExample:\n.RS 4\n.nf\ntool add \\e\n  more\n.fi\n.RE\n"));
 }
 

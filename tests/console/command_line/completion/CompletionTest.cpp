@@ -5,10 +5,8 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <gtest/gtest.h>
 
-#include "console/command_line/CommandLine.h"
 #include "console/command_line/completion/Completion.h"
 #include "console/display/ShellQuoting.h"
 #include "tests/support/LogLine.h"
@@ -20,10 +18,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-std::string scriptFor(const std::string& shell) {
-  const CommandLine commandLine;
-  return completionScript(shell, shapeOf(commandLine.app()));
-}
+std::string scriptFor(const std::string& shell) { return completionScript(shell, commandTable()); }
 
 class BashCompletionTest : public ::testing::Test {
  protected:
@@ -51,11 +46,9 @@ class BashCompletionTest : public ::testing::Test {
 };
 
 TEST_F(BashCompletionTest, OffersEverySubCommandFirst) {
-  const CommandLine commandLine;
   const Words found = offered({""});
-  for (const CLI::App* command : commandLine.app().get_subcommands({})) {
-    EXPECT_EQ(std::count(found.begin(), found.end(), command->get_name()), 1)
-        << command->get_name();
+  for (const Command& command : commandTable().commands) {
+    EXPECT_EQ(std::count(found.begin(), found.end(), command.name), 1) << command.name;
   }
 }
 
@@ -69,10 +62,9 @@ TEST_F(BashCompletionTest, CompletesOptionsOfTheSubCommand) {
 }
 
 TEST_F(BashCompletionTest, OffersEveryOptionOfEverySubCommand) {
-  const CommandLine commandLine;
-  for (const CommandShape& command : shapeOf(commandLine.app()).commands) {
+  for (const Command& command : commandTable().commands) {
     const Words found = offered({command.name, "-"});
-    for (const OptionShape& option : command.options) {
+    for (const Option& option : command.options) {
       EXPECT_EQ(std::count(found.begin(), found.end(), option.names.back()), 1)
           << command.name << " " << option.names.back();
     }
@@ -130,12 +122,10 @@ class CompletionFor : public ::testing::TestWithParam<std::string> {
 };
 
 TEST_P(CompletionFor, NamesEverySubCommandAndOption) {
-  const CommandLine commandLine;
-  for (const CLI::App* command : commandLine.app().get_subcommands({})) {
-    EXPECT_TRUE(names(command->get_name())) << command->get_name();
-    for (const CLI::Option* option : command->get_options()) {
-      if (option->get_positional()) continue;
-      EXPECT_TRUE(names(asNamed("--" + option->get_lnames().at(0)))) << option->get_name();
+  for (const Command& command : commandTable().commands) {
+    EXPECT_TRUE(names(command.name)) << command.name;
+    for (const Option& option : command.options) {
+      EXPECT_TRUE(names(asNamed(option.names.back()))) << option.names.back();
     }
   }
 }
@@ -144,7 +134,7 @@ INSTANTIATE_TEST_SUITE_P(EveryShell, CompletionFor, ::testing::ValuesIn(completi
                          [](const auto& test) { return test.param; });
 
 TEST(Completion, KnowsNoOtherShell) {
-  EXPECT_THROW(completionScript("dash", CommandShape()), std::out_of_range);
+  EXPECT_THROW(completionScript("dash", CommandTable()), std::out_of_range);
 }
 
 }  // namespace

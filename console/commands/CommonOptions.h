@@ -1,0 +1,18 @@
+// The options that many sub-commands have.
+#pragma once
+
+#include <string>
+
+#include "console/commands/Command.h"
+
+namespace kelvane::console {
+
+inline constexpr char kSharedOption[] = "--shared";
+inline constexpr char kBundleOption[] = "--bundle";
+inline constexpr char kJsonOption[] = "--json";
+
+Option sharedOption();
+Option bundleOption();
+Option jsonFlag(const std::string& description = "Show JSON for machines");
+
+}  // namespace kelvane::console

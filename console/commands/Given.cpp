@@ -1,0 +1,33 @@
+#include "console/commands/Given.h"
+
+#include <stdexcept>
+
+namespace kelvane::console {
+
+void Given::declare(const std::string& name) { values_[name]; }
+
+void Given::set(const std::string& name, const Values& values) { values_[name] = values; }
+
+void Given::completeFrom(const Given& other) {
+  for (const auto& [name, values] : other.values_) {
+    Values& own = values_[name];
+    if (own.empty()) own = values;
+  }
+}
+
+bool Given::knows(const std::string& name) const { return values_.count(name) != 0; }
+
+bool Given::has(const std::string& name) const { return !texts(name).empty(); }
+
+std::string Given::text(const std::string& name, const std::string& otherwise) const {
+  const Values& values = texts(name);
+  return values.empty() ? otherwise : values.front();
+}
+
+const Given::Values& Given::texts(const std::string& name) const {
+  const auto found = values_.find(name);
+  if (found == values_.end()) throw std::out_of_range("the sub-command does not declare " + name);
+  return found->second;
+}
+
+}  // namespace kelvane::console
