@@ -1,7 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <filesystem>
-#include <system_error>
+#include <climits>
 
 #include <fcntl.h>
 #include <sys/sendfile.h>
@@ -47,8 +47,9 @@ std::string systemVersionText() {
 }
 
 std::string executablePath() {
-  std::error_code unknown;
-  return std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+  std::array<char, PATH_MAX> path;
+  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
+  return {path.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
 }
 
 const int kForSearch = O_PATH;

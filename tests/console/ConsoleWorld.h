@@ -12,11 +12,10 @@
 #include "console/commands/Submission.h"
 #include "console/display/PlainView.h"
 #include "platform/Value.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
-
-inline constexpr char kTestJobFile[] = "shared/utility/command/BGPLog.json";
 
 // Its clock's wait lasts until the worker has ended.
 class ConsoleWorld : public ::testing::Test, public Clock {

@@ -211,6 +211,7 @@ class LookedUp {
       if (words_[i].rfind("./", 0) == 0) expectProgram(words_[i]);
       if (i > 0 && words_[i - 1] == "--preset") expectPreset(words_[i]);
       if (i > 0 && words_[i - 1] == "./run-tests") expectPreset(words_[i]);
+      if (i > 0 && words_[i - 1] == "-L") expectRoom(words_[i]);
       const std::size_t path = words_[i].find("build/");
       if (words_[i].rfind(kFilter, 0) == 0) expectSuite(words_[i].substr(sizeof(kFilter) - 1));
       if (path != std::string::npos) expectBuilt(words_[i].substr(path + 6));
@@ -227,6 +228,10 @@ class LookedUp {
     const std::string suite = filter.substr(0, filter.find('.'));
     EXPECT_THAT(readSource("tests/worker/" + suite + "Test.cpp"), HasSubstr("(" + suite + ", "));
   }
+  static void expectRoom(const std::string& label) {
+    EXPECT_THAT(readSource("tests/" + label + "/CMakeLists.txt"),
+                HasSubstr("kelvane_add_tests(" + label + "\n"));
+  }
   static void expectPreset(const std::string& name) {
     EXPECT_THAT(readSource("CMakePresets.json"), HasSubstr("\"name\": \"" + name + "\""));
   }
@@ -242,9 +247,17 @@ class LookedUp {
       EXPECT_TRUE(fs::exists(fs::path(KELVANE_BUILD) / rest)) << path;
       return;
     }
-    const std::string target = "add_executable(" + rest.filename().string();
     const std::string made = readSource((rest.parent_path() / "CMakeLists.txt").string());
-    EXPECT_THAT(made, AnyOf(HasSubstr(target + "\n"), HasSubstr(target + " "))) << path;
+    EXPECT_THAT(made, AnyOf(HasSubstr(making(rest.filename().string()) + "\n"),
+                            HasSubstr(making(rest.filename().string()) + " ")))
+        << path;
+  }
+
+  // How a program's making begins; a room's tests are named for the room.
+  static std::string making(const std::string& program) {
+    const std::size_t room = program.rfind("_tests");
+    return room == std::string::npos ? "add_executable(" + program
+                                     : "kelvane_add_tests(" + program.substr(0, room);
   }
 
   std::vector<std::string> words_;

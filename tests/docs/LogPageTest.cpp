@@ -11,6 +11,7 @@
 #include "platform/Text.h"
 #include "tests/docs/Page.h"
 #include "tests/docs/PageWorld.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/LogLine.h"
 
 namespace kelvane::docs {
@@ -40,7 +41,7 @@ TEST_F(LogPageRun, StartsAsThePageShows) {
 }
 
 TEST_F(LogPageRun, TellsOfAMissingJobFileAsThePageShows) {
-  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  std::filesystem::remove(folder / testing::kJobFile);
   runWorker({"17", folder / "Users/ann/Shared/"});
   EXPECT_EQ(writtenLog(), comparableLog(shownLogs().at(1)));
 }
@@ -96,7 +97,7 @@ class LogPageTexts : public PageWorld {
     update("0x4301", "{}", "zr_verifyFlashImage", "0x0001");
     update("0x4301", "{}", "zr_mac_getNVRAM", "0x0001");
     update("0x4801", "{}", "zr_checkQVXFFlashImage", "0x0001");
-    std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+    std::filesystem::remove(folder / testing::kJobFile);
     runWorker({"17", folder / "Users/ann/Shared/"});
   }
 

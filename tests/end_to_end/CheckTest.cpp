@@ -13,6 +13,7 @@
 
 #include "platform/Json.h"
 #include "tests/end_to_end/SupportInstallation.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/SystemCallKiller.h"
 
@@ -68,11 +69,11 @@ TEST_F(Check, WithoutTheJobFilesFolderTheWorkerFindsNothing) {
 
 TEST_F(Check, ADamagedJobFileIsLeftAloneByTheWorker) {
   addFirmwareJob();
-  const std::string whole = folder.read("shared/utility/command/BGPLog.json");
+  const std::string whole = folder.read(testing::kJobFile);
   const std::string cut = whole.substr(0, whole.size() / 2);
   writeJobs(cut);
   runWorker({"17", shared()});
-  EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), cut);
+  EXPECT_EQ(folder.read(testing::kJobFile), cut);
   EXPECT_THAT(findings(), ElementsAre(StartsWith("error: " + jobFile() + " is not JSON: ")));
 }
 
@@ -81,7 +82,7 @@ TEST_F(Check, ANumberThatCannotBeReadKeepsEveryJobFromStarting) {
   "input_parameters": {"file_path": "/no.app"}}, {"log_id": "18", "n": 1e400}])";
   writeJobs(text);
   runWorker({"17", shared()});
-  EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), text);
+  EXPECT_EQ(folder.read(testing::kJobFile), text);
   EXPECT_THAT(log(), HasSubstr("[run][debug] currentJobArray = (null)\n"));
   EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() +
                                       " cannot be read: the number 1e400 in line 2, column 72 is "
@@ -120,11 +121,7 @@ TEST_F(Check, AnEngineOutlivesItsKilledWorker) {
   bundle.write("Contents/Resources/EngineRunner",
                "#!/bin/sh\nread line < " + (folder / "pipe") + "\n");
   ::chmod(engine().c_str(), 0755);
-  writeJobs(*platform::printJson(
-      Value::array({Value::dictionary({{"log_id", "17"},
-                                       {"job_id", "getOnlineUpdateData"},
-                                       {"state_id", "WAIT"},
-                                       {"input_parameters", parameters("fw3")}})})));
+  writeJobs(testing::waitingJob("getOnlineUpdateData", parameters("fw3")));
   const std::string program = worker();
   const std::string sharedFolder = shared();
   const pid_t process = ::fork();
@@ -376,11 +373,7 @@ TEST_F(Check, ACatalogueThatIsNoFileIsNone) {
   EXPECT_EQ(state(), "FREE");
   EXPECT_FALSE(job().has("output"));
   EXPECT_THAT(findings(), IsEmpty());  // it has gone with the engine's folder
-  writeJobs(*platform::printJson(
-      Value::array({Value::dictionary({{"log_id", "18"},
-                                       {"job_id", "getOnlineUpdateData"},
-                                       {"state_id", "WAIT"},
-                                       {"input_parameters", parameters("fw3")}})})));
+  writeJobs(testing::waitingJob("getOnlineUpdateData", parameters("fw3"), "18"));
   fs::create_directories(engineFolder());
   ASSERT_EQ(::mkfifo(catalogue.c_str(), 0600), 0);
   EXPECT_THAT(findings(),

@@ -10,6 +10,7 @@
 #include "platform/File.h"
 #include "platform/Json.h"
 #include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/PseudoTerminal.h"
 
 namespace kelvane {
@@ -30,7 +31,7 @@ constexpr int kInterrupted = 130;
 class ConsoleScreen : public ::testing::Test {
  protected:
   ConsoleScreen() {
-    folder.write("shared/utility/command/BGPLog.json", R"([
+    folder.write(testing::kJobFile, R"([
       {"log_id": "17", "job_id": "updateFW", "state_id": "RUN", "output": [
         {"wwn": "5000A1B2C3D4E5F6", "cpld_percentage": 100, "fw_percentage": 37,
          "total_percentage": 68},
@@ -198,7 +199,7 @@ TEST_F(ConsoleScreen, AnInterruptEndsWhatFollowsNoJobAtOnce) {
                   "state_id": "FREE", "input_parameters": []})";
     log += "[14:03:07] [JobRunner.cpp][100][run][debug] logId = " + std::to_string(i) + "\n";
   }
-  folder.write("shared/utility/command/BGPLog.json", jobs + "]");
+  folder.write(testing::kJobFile, jobs + "]");
   folder.write("shared/utility/logs/TarselVistrelUtility.txt", log);
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"list"}, {"show", "1"}, {"log"}, {"check"}, {"explain", "1"}}) {

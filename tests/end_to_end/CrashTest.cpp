@@ -8,6 +8,7 @@
 
 #include "platform/Json.h"
 #include "tests/end_to_end/Installation.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/SystemCallKiller.h"
 
 namespace kelvane {
@@ -39,7 +40,7 @@ TEST_F(Crash, AtAnySystemCallLeavesTheJobFileInOneOfItsVersions) {
       ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // the leak check traces, too
       ::execl(program.c_str(), program.c_str(), "17", folderArgument.c_str(), nullptr);
     });
-    const std::string left = folder.read("shared/utility/command/BGPLog.json");
+    const std::string left = folder.read(testing::kJobFile);
     ASSERT_TRUE(versionTexts.contains(left)) << "killed before system call " << n << ": " << left;
     seen.insert(left);
   }

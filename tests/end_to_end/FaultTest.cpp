@@ -12,6 +12,7 @@
 
 #include "platform/Json.h"
 #include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/LogLine.h"
 
 namespace kelvane {
@@ -111,7 +112,7 @@ TEST_F(Fault, ADiskThatRefusesPermissionsOrTimesKeepsTheCopy) {
   for (const char* call : {"fchmod", "futimens", "utimensat"}) {
     environment["KELVANE_FAULT_REFUSE"] = call;
     clear();
-    folder.write("shared/utility/command/BGPLog.json", "[]");
+    folder.write(testing::kJobFile, "[]");
     download({"sw"});
     EXPECT_FALSE(folder.read("done").empty()) << call;
     EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/SW/Manager.app/Contents/deep/file"), "bytes")

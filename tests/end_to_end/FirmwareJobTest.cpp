@@ -8,6 +8,7 @@
 
 #include "platform/Json.h"
 #include "tests/end_to_end/Installation.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/LogLine.h"
 
 namespace kelvane {
@@ -224,7 +225,7 @@ TEST_F(FirmwareJob, TheLogIsTheSequenceOfLinesOfAStandardJob) {
   updateFirmware({{"50000000000000A1", image}});
   ASSERT_EQ(result(), 0);
 
-  const std::string path = shared() + "utility/command/BGPLog.json";
+  const std::string path = folder / testing::kJobFile;
   const Lines write = {"JobFile.cpp[updateJSONFile][debug] currentJobArray = (",
                        "JobFile.cpp[updateJSONFile][debug] updateJSONFile, newJobArray = (",
                        "JobFile.cpp[writeJSONFile][debug] writeJSONFile, newArray = (",
@@ -306,7 +307,7 @@ TEST_F(FirmwareJob, AFileSizeLimitIsAWriteThatFails) {
                            bundle / "Contents/Resources/Kelvane", shared()},
                           folder.path(), {{"ZORAPI_FLEET", folder / "fleet.json"}});
   EXPECT_EQ(ended.exitStatus, 0);
-  EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), text);
+  EXPECT_EQ(folder.read(testing::kJobFile), text);
   EXPECT_EQ(folder.names("shared/utility/command"), Lines{"BGPLog.json"});
 }
 

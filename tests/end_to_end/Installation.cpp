@@ -4,6 +4,7 @@
 
 #include "platform/Json.h"
 #include "tests/support/JobFileSchema.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/LogLine.h"
 
 namespace kelvane {
@@ -60,12 +61,10 @@ std::string Installation::makeImage(const std::string& name,
 }
 
 void Installation::writeJobs(const std::string& json) const {
-  folder.write("shared/utility/command/BGPLog.json", json);
+  folder.write(testing::kJobFile, json);
 }
 
-Value Installation::jobs() const {
-  return platform::parseJson(folder.read("shared/utility/command/BGPLog.json"));
-}
+Value Installation::jobs() const { return platform::parseJson(folder.read(testing::kJobFile)); }
 
 testing::Ended Installation::runWorker(const std::vector<std::string>& arguments) const {
   validateVersions();
@@ -84,11 +83,7 @@ void Installation::updateFirmware(
   for (const auto& [wwn, image] : inputs) {
     entries.append(Value::dictionary({{"wwn", wwn}, {"file_path", image}}));
   }
-  writeJobs(
-      *platform::printJson(Value::array({Value::dictionary({{"log_id", "17"},
-                                                            {"job_id", "updateFW"},
-                                                            {"state_id", "WAIT"},
-                                                            {"input_parameters", entries}})})));
+  writeJobs(testing::waitingJob("updateFW", entries));
   const testing::Ended ended = runWorker({"17", shared()});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.out, "");

@@ -1,6 +1,7 @@
 #include "tests/end_to_end/OnlineInstallation.h"
 
 #include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 
 namespace kelvane {
 
@@ -41,11 +42,7 @@ Value OnlineInstallation::parameters(const std::string& product) const {
 }
 
 testing::Ended OnlineInstallation::runJob(const std::string& command, const Value& inputs) const {
-  writeJobs(
-      *platform::printJson(Value::array({Value::dictionary({{"log_id", "17"},
-                                                            {"job_id", command},
-                                                            {"state_id", "WAIT"},
-                                                            {"input_parameters", inputs}})})));
+  writeJobs(testing::waitingJob(command, inputs));
   testing::Ended ended = runWorker({"17", shared()});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.out, "");

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/end_to_end/Installation.h"
+#include "tests/support/JobFiles.h"
 
 namespace kelvane {
 namespace {
@@ -84,7 +85,7 @@ TEST_F(Start, EveryBadJobFileEndsWithZeroAndStaysAsItIs) {
     const testing::Ended ended = runWorker({"17", shared()});
     EXPECT_EQ(ended.exitStatus, 0) << text;
     EXPECT_EQ(ended.err, "");
-    EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), text);
+    EXPECT_EQ(folder.read(testing::kJobFile), text);
   }
 }
 
@@ -112,7 +113,7 @@ TEST_F(Start, TheLogFileIsNeverCreated) {
 TEST_F(Start, AnUnknownCommandLeavesTheFileAsItIs) {
   writeJobs(kUnknownCommand);
   EXPECT_EQ(runWorker({"17", shared()}).exitStatus, 0);
-  EXPECT_EQ(folder.read("shared/utility/command/BGPLog.json"), kUnknownCommand);
+  EXPECT_EQ(folder.read(testing::kJobFile), kUnknownCommand);
   EXPECT_TRUE(versions().empty());
 }
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/OrdinaryUser.h"
 
 namespace kelvane {
@@ -74,8 +75,9 @@ Value SupportInstallation::explained() const {
 }
 
 void SupportInstallation::addFirmwareJob() const {
-  writeJobs(R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
-                 "input_parameters": [{"wwn": "50000000000000A1", "file_path": "/no.img"}]}])");
+  const platform::Value entry =
+      platform::Value::dictionary({{"wwn", "50000000000000A1"}, {"file_path", "/no.img"}});
+  writeJobs(testing::waitingJob("updateFW", platform::Value::array({entry})));
 }
 
 void SupportInstallation::installFramework(const std::string& library) const {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/JobFiles.h"
 
 namespace kelvane {
 
@@ -28,7 +29,7 @@ class SupportInstallation : public OnlineInstallation {
   void addFirmwareJob() const;
   void installFramework(const std::string& library) const;
 
-  std::string jobFile() const { return shared() + "utility/command/BGPLog.json"; }
+  std::string jobFile() const { return folder / testing::kJobFile; }
   std::string logFile() const { return shared() + "utility/logs/TarselVistrelUtility.txt"; }
   std::string sharedSettings() const { return shared() + "utility/config/setting.json"; }
   std::string productSettings() const { return bundle / "Contents/Resources/Config/setting.json"; }

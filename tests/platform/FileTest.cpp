@@ -24,7 +24,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-class FileTest : public ::testing::Test {
+class File : public ::testing::Test {
  protected:
   kelvane::testing::TempFolder folder;
 
@@ -58,7 +58,7 @@ class FileTest : public ::testing::Test {
   }
 };
 
-TEST_F(FileTest, ExistenceFollowsLinks) {
+TEST_F(File, ExistenceFollowsLinks) {
   folder.write("file", "x");
   std::filesystem::create_symlink("file", folder / "good");
   std::filesystem::create_symlink("missing", folder / "dangling");
@@ -70,24 +70,24 @@ TEST_F(FileTest, ExistenceFollowsLinks) {
   EXPECT_FALSE(exists(""));
 }
 
-TEST_F(FileTest, ReadsAWholeFileOfAnyBytes) {
+TEST_F(File, ReadsAWholeFileOfAnyBytes) {
   const std::string bytes = std::string("a\0\xFF", 3) + std::string(200'000, 'x');
   EXPECT_EQ(readFile(folder.write("file", bytes)), bytes);
   EXPECT_EQ(readFile(folder.write("empty", "")), "");
 }
 
-TEST_F(FileTest, ReadingWhatIsNotThereTellsPathAndCause) {
+TEST_F(File, ReadingWhatIsNotThereTellsPathAndCause) {
   EXPECT_EQ(reasonOf([&] { readFile(folder / "missing"); }),
             "open " + (folder / "missing") + ": No such file or directory");
 }
 
-TEST_F(FileTest, ReadingAFolderTellsPathAndCause) {
+TEST_F(File, ReadingAFolderTellsPathAndCause) {
   EXPECT_EQ(reasonOf([&] { readFile(folder.path()); }),
             "read " + folder.path() + ": Is a directory");
 }
 
 // Each is at once what it is: nobody waits for the other end of a pipe.
-TEST_F(FileTest, OnlyARegularFileIsRead) {
+TEST_F(File, OnlyARegularFileIsRead) {
   ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
   std::filesystem::create_symlink("fifo", folder / "link");
   for (const std::string& path : {folder / "fifo", folder / "link", std::string("/dev/zero")}) {
@@ -98,14 +98,14 @@ TEST_F(FileTest, OnlyARegularFileIsRead) {
             "open " + (folder / "socket") + ": No such device or address");
 }
 
-TEST_F(FileTest, ARegularFileIsReadThroughLinks) {
+TEST_F(File, ARegularFileIsReadThroughLinks) {
   folder.write("real/file", "x");
   std::filesystem::create_symlink("real/file", folder / "link");
   std::filesystem::create_symlink("link", folder / "link2");
   EXPECT_EQ(readFile(folder / "link2"), "x");
 }
 
-TEST_F(FileTest, WhatIsNoRegularFileIsNeverReplaced) {
+TEST_F(File, WhatIsNoRegularFileIsNeverReplaced) {
   ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
   makeSocket("socket");
   for (const char* name : {"fifo", "socket"}) {
@@ -116,7 +116,7 @@ TEST_F(FileTest, WhatIsNoRegularFileIsNeverReplaced) {
 }
 
 // The system would take each of these paths for the part before the NUL character.
-TEST_F(FileTest, APathThatHoldsANulCharacterExistsNowhere) {
+TEST_F(File, APathThatHoldsANulCharacterExistsNowhere) {
   folder.write("file", "x");
   folder.write("folder/inside", "x");
   const std::string file = (folder / "file") + std::string("\0y", 2);
@@ -146,7 +146,7 @@ TEST_F(FileTest, APathThatHoldsANulCharacterExistsNowhere) {
   EXPECT_EQ(folder.read("file"), "x");
 }
 
-TEST_F(FileTest, WhatIsThereCanBeMadeToLast) {
+TEST_F(File, WhatIsThereCanBeMadeToLast) {
   folder.write("folder/inside", "x");
   EXPECT_TRUE(synchroniseTree(folder / "folder"));
   EXPECT_TRUE(synchroniseTree(folder / "folder/inside"));
@@ -155,14 +155,14 @@ TEST_F(FileTest, WhatIsThereCanBeMadeToLast) {
   EXPECT_FALSE(synchroniseFolder(folder / "folder/inside"));
 }
 
-TEST_F(FileTest, ReplacesAndLeavesNothingBeside) {
+TEST_F(File, ReplacesAndLeavesNothingBeside) {
   folder.write("file", "old");
   EXPECT_TRUE(replaceFile(folder / "file", "new"));
   EXPECT_EQ(folder.read("file"), "new");
   EXPECT_EQ(folder.names(), Names{"file"});
 }
 
-TEST_F(FileTest, MakesAFileThatIsNotThereWithDefaultPermissions) {
+TEST_F(File, MakesAFileThatIsNotThereWithDefaultPermissions) {
   const mode_t mask = ::umask(027);
   EXPECT_TRUE(replaceFile(folder / "file", "new"));
   ::umask(mask);
@@ -170,13 +170,13 @@ TEST_F(FileTest, MakesAFileThatIsNotThereWithDefaultPermissions) {
   EXPECT_EQ(permissions("file"), 0640U);
 }
 
-TEST_F(FileTest, KeepsThePermissionBitsOfTheOldFile) {
+TEST_F(File, KeepsThePermissionBitsOfTheOldFile) {
   ::chmod(folder.write("file", "old").c_str(), 0604);
   EXPECT_TRUE(replaceFile(folder / "file", "new"));
   EXPECT_EQ(permissions("file"), 0604U);
 }
 
-TEST_F(FileTest, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
+TEST_F(File, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
   folder.write("real/file", "old");
   std::filesystem::create_symlink("real/file", folder / "link");
   std::filesystem::create_symlink(folder / "link", folder / "link2");
@@ -187,7 +187,7 @@ TEST_F(FileTest, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
   EXPECT_EQ(folder.names("real"), Names{"file"});
 }
 
-TEST_F(FileTest, AChainOfLinksIsFollowedAsFarAsTheSystemFollowsIt) {
+TEST_F(File, AChainOfLinksIsFollowedAsFarAsTheSystemFollowsIt) {
   folder.write("link0", "old");
   for (int i = 1; i <= 41; ++i) {
     std::filesystem::create_symlink("link" + std::to_string(i - 1),
@@ -200,7 +200,7 @@ TEST_F(FileTest, AChainOfLinksIsFollowedAsFarAsTheSystemFollowsIt) {
   EXPECT_FALSE(replaceFile(folder / "link41", "newer"));
 }
 
-TEST_F(FileTest, ANameAsLongAsNamesCanBeIsReplaced) {
+TEST_F(File, ANameAsLongAsNamesCanBeIsReplaced) {
   const std::string name(255, 'n');
   folder.write(name, "old");
   EXPECT_TRUE(replaceFile(folder / name, "new"));
@@ -208,7 +208,7 @@ TEST_F(FileTest, ANameAsLongAsNamesCanBeIsReplaced) {
 }
 
 // Only root may give a file away; without it the owner is the same to begin with.
-TEST_F(FileTest, KeepsOwnerAndGroupOfTheOldFileWhereAllowed) {
+TEST_F(File, KeepsOwnerAndGroupOfTheOldFileWhereAllowed) {
   folder.write("inside/file", "old");
   if (::geteuid() == 0) {
     ASSERT_EQ(::chown((folder / "inside").c_str(), 0, 100), 0);
@@ -225,7 +225,7 @@ TEST_F(FileTest, KeepsOwnerAndGroupOfTheOldFileWhereAllowed) {
   EXPECT_EQ(after.st_gid, before.st_gid);
 }
 
-TEST_F(FileTest, KeepsTheGroupInAFolderThatHandsDownItsOwn) {
+TEST_F(File, KeepsTheGroupInAFolderThatHandsDownItsOwn) {
   folder.write("inside/file", "old");
   if (::geteuid() == 0) {
     ASSERT_EQ(::chown((folder / "inside").c_str(), 0, 100), 0);
@@ -237,26 +237,26 @@ TEST_F(FileTest, KeepsTheGroupInAFolderThatHandsDownItsOwn) {
   EXPECT_EQ(after.st_gid, ::getegid());
 }
 
-TEST_F(FileTest, LinksInACircleAreNotReplaced) {
+TEST_F(File, LinksInACircleAreNotReplaced) {
   std::filesystem::create_symlink("b", folder / "a");
   std::filesystem::create_symlink("a", folder / "b");
   EXPECT_FALSE(replaceFile(folder / "a", "new"));
   EXPECT_EQ(folder.names(), (Names{"a", "b"}));
 }
 
-TEST_F(FileTest, AFolderInThePlaceIsLeftAloneAndNoTemporaryFileStays) {
+TEST_F(File, AFolderInThePlaceIsLeftAloneAndNoTemporaryFileStays) {
   folder.write("place/inside", "x");
   EXPECT_FALSE(replaceFile(folder / "place", "new"));
   EXPECT_EQ(folder.names(), Names{"place"});
   EXPECT_EQ(folder.read("place/inside"), "x");
 }
 
-TEST_F(FileTest, AMissingFolderMakesTheReplacementFail) {
+TEST_F(File, AMissingFolderMakesTheReplacementFail) {
   EXPECT_FALSE(replaceFile(folder / "no/file", "new"));
   EXPECT_TRUE(folder.names().empty());
 }
 
-TEST_F(FileTest, AFullDiskLeavesTheOldFileAndNoTemporaryFile) {
+TEST_F(File, AFullDiskLeavesTheOldFileAndNoTemporaryFile) {
   folder.write("file", "old");
   const pid_t child = ::fork();
   if (child == 0) {
@@ -272,7 +272,7 @@ TEST_F(FileTest, AFullDiskLeavesTheOldFileAndNoTemporaryFile) {
   EXPECT_EQ(folder.names(), Names{"file"});
 }
 
-TEST_F(FileTest, ACrashAtAnySystemCallLeavesTheOldFileOrTheNewOne) {
+TEST_F(File, ACrashAtAnySystemCallLeavesTheOldFileOrTheNewOne) {
   const std::string oldBytes(3000, 'o');
   const std::string newBytes(70000, 'n');
   bool sawOld = false;
@@ -293,19 +293,19 @@ TEST_F(FileTest, ACrashAtAnySystemCallLeavesTheOldFileOrTheNewOne) {
   EXPECT_GT(n, 8);  // at least open, write, fsync, close and rename, and what lies between
 }
 
-TEST_F(FileTest, AppendsAtTheEnd) {
+TEST_F(File, AppendsAtTheEnd) {
   folder.write("file", "one\n");
   appendToFile(folder / "file", {"two", "", "\n"});
   EXPECT_EQ(folder.read("file"), "one\ntwo\n");
 }
 
-TEST_F(FileTest, AppendingNeverMakesAFile) {
+TEST_F(File, AppendingNeverMakesAFile) {
   appendToFile(folder / "missing", {"x"});
   appendToFile(folder.path(), {"x"});
   EXPECT_TRUE(folder.names().empty());
 }
 
-TEST_F(FileTest, AppendsMorePiecesThanTheSystemTakesAtOnce) {
+TEST_F(File, AppendsMorePiecesThanTheSystemTakesAtOnce) {
   folder.write("file", "");
   std::vector<std::string_view> pieces;
   std::string all;
@@ -317,7 +317,7 @@ TEST_F(FileTest, AppendsMorePiecesThanTheSystemTakesAtOnce) {
   EXPECT_EQ(folder.read("file"), all);
 }
 
-TEST_F(FileTest, AppendsAsMuchAsThereIsRoomForAndThenRaises) {
+TEST_F(File, AppendsAsMuchAsThereIsRoomForAndThenRaises) {
   const kelvane::testing::FullFile full;
   std::filesystem::resize_file(full.path(), std::filesystem::file_size(full.path()) - 7);
   EXPECT_THROW(appendToFile(full.path(), {"one", "two", "three"}), Exception);
@@ -325,7 +325,7 @@ TEST_F(FileTest, AppendsAsMuchAsThereIsRoomForAndThenRaises) {
   EXPECT_EQ(bytes.substr(bytes.size() - 7), "onetwot");
 }
 
-TEST_F(FileTest, OnlyARegularFileIsAppendedTo) {
+TEST_F(File, OnlyARegularFileIsAppendedTo) {
   ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
   appendToFile(folder / "fifo", {"nobody listens"});
   const int reader = ::open((folder / "fifo").c_str(), O_RDONLY | O_NONBLOCK);
@@ -336,13 +336,13 @@ TEST_F(FileTest, OnlyARegularFileIsAppendedTo) {
   EXPECT_NO_THROW(appendToFile("/dev/full", {"x"}));
 }
 
-TEST_F(FileTest, AFailingAppendTellsPathAndCause) {
+TEST_F(File, AFailingAppendTellsPathAndCause) {
   const kelvane::testing::FullFile full;
   EXPECT_EQ(reasonOf([&] { appendToFile(full.path(), {"x"}); }),
             "write " + full.path() + ": File too large");
 }
 
-TEST_F(FileTest, KnowsFoldersAndSizes) {
+TEST_F(File, KnowsFoldersAndSizes) {
   folder.write("inside/file", "12345");
   EXPECT_TRUE(isFolder(folder / "inside"));
   EXPECT_FALSE(isFolder(folder / "inside/file"));
@@ -351,7 +351,7 @@ TEST_F(FileTest, KnowsFoldersAndSizes) {
   EXPECT_EQ(fileSize(folder / "missing"), 0U);
 }
 
-TEST_F(FileTest, MovesAFile) {
+TEST_F(File, MovesAFile) {
   folder.write("a", "x");
   EXPECT_TRUE(movePath(folder / "a", folder / "b"));
   EXPECT_EQ(folder.names(), Names{"b"});
@@ -359,7 +359,7 @@ TEST_F(FileTest, MovesAFile) {
   EXPECT_EQ(folder.names(), Names{"b"});
 }
 
-TEST_F(FileTest, AMoveReplacesAFile) {
+TEST_F(File, AMoveReplacesAFile) {
   folder.write("a", "new");
   folder.write("b", "old");
   EXPECT_TRUE(movePath(folder / "a", folder / "b"));
@@ -367,7 +367,7 @@ TEST_F(FileTest, AMoveReplacesAFile) {
   EXPECT_EQ(folder.read("b"), "new");
 }
 
-TEST_F(FileTest, AMoveThatFailsLeavesBothWhereTheyWere) {
+TEST_F(File, AMoveThatFailsLeavesBothWhereTheyWere) {
   folder.write("file", "x");
   folder.write("full/inside", "y");
   EXPECT_FALSE(movePath(folder / "file", folder / "full"));
@@ -377,7 +377,7 @@ TEST_F(FileTest, AMoveThatFailsLeavesBothWhereTheyWere) {
 }
 
 // Where there is no second disk these are moves like any other.
-TEST_F(FileTest, MovesAWholeFolderToAnotherDisk) {
+TEST_F(File, MovesAWholeFolderToAnotherDisk) {
   const kelvane::testing::TempFolder other("", secondDisk());
   other.write("from/deep/file", "x");
   EXPECT_TRUE(movePath(other / "from", folder / "to"));
@@ -385,7 +385,7 @@ TEST_F(FileTest, MovesAWholeFolderToAnotherDisk) {
   EXPECT_TRUE(other.names().empty());
 }
 
-TEST_F(FileTest, AMoveToAnotherDiskThatFailsLeavesTheFileWhereItWas) {
+TEST_F(File, AMoveToAnotherDiskThatFailsLeavesTheFileWhereItWas) {
   const kelvane::testing::TempFolder other("", secondDisk());
   other.write("from", "x");
   folder.write("full/inside", "y");
@@ -395,7 +395,7 @@ TEST_F(FileTest, AMoveToAnotherDiskThatFailsLeavesTheFileWhereItWas) {
   EXPECT_EQ(folder.read("full/inside"), "y");
 }
 
-TEST_F(FileTest, MakesOrEmptiesAFile) {
+TEST_F(File, MakesOrEmptiesAFile) {
   folder.write("full", "x");
   EXPECT_TRUE(createEmptyFile(folder / "full"));
   EXPECT_TRUE(createEmptyFile(folder / "new"));

@@ -1,6 +1,7 @@
 // What the system is asked is put in its place for single tests: the linker leads calls of sleep()
-// and of native::executablePath() here.
+// and readlink() here.
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <optional>
@@ -22,13 +23,23 @@ std::optional<std::string> otherExecutable;
 
 }  // namespace
 
-std::string realExecutablePath() __asm__(
-    "__real__ZN7kelvane8platform6native14executablePathB5cxx11Ev");
-std::string wrappedExecutablePath() __asm__(
-    "__wrap__ZN7kelvane8platform6native14executablePathB5cxx11Ev");
-std::string wrappedExecutablePath() { return otherExecutable.value_or(realExecutablePath()); }
+extern "C" {
+ssize_t __real_readlink(const char* path, char* buffer, std::size_t size);
+ssize_t __wrap_readlink(const char* path, char* buffer, std::size_t size);
+unsigned __wrap_sleep(unsigned seconds);
+}
 
-extern "C" unsigned __wrap_sleep(unsigned seconds);
+ssize_t __wrap_readlink(const char* path, char* buffer, std::size_t size) {
+  if (!otherExecutable || path != std::string("/proc/self/exe")) {
+    return __real_readlink(path, buffer, size);
+  }
+  if (otherExecutable->empty()) {
+    errno = ENOENT;
+    return -1;
+  }
+  return static_cast<ssize_t>(otherExecutable->copy(buffer, size));
+}
+
 unsigned __wrap_sleep(unsigned seconds) {
   slept.push_back(seconds);
   if (remainders.empty()) return 0;

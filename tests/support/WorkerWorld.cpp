@@ -2,12 +2,12 @@
 
 #include "log/iLog.h"
 #include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/LogLine.h"
 
 namespace kelvane::testing {
 namespace {
 
-constexpr char kJobFile[] = "shared/utility/command/BGPLog.json";
 constexpr char kLogFile[] = "shared/utility/logs/TarselVistrelUtility.txt";
 
 bool isOfTheStore(const std::string& line) {

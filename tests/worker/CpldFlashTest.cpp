@@ -9,6 +9,7 @@
 #include "log/iLog.h"
 #include "platform/Json.h"
 #include "tests/support/FullFile.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
@@ -306,7 +307,7 @@ TEST_F(CpldFlash, AnEntryWithoutAFilePathShowsNull) {
 
 TEST_F(CpldFlash, AVanishedJobFileCostsAnErrorLinePerPublishAndTheFlashGoesOn) {
   framework.cpldProgress = {{0, 0, 37}};
-  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  std::filesystem::remove(folder / testing::kJobFile);
   framework.onCall = nullptr;
   host.onSleep = nullptr;
   EXPECT_EQ(run(), 0U);

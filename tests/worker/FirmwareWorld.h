@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
@@ -25,8 +27,7 @@ class FirmwareWorld : public testing::WorkerWorld {
 
   // Writes a waiting job with these input parameters, and runs it.
   void runJob(const std::string& inputs) {
-    writeJobs(R"([{"log_id":"17","job_id":"updateFW","state_id":"WAIT","input_parameters":)" +
-              inputs + "}]");
+    writeJobs(testing::waitingJob("updateFW", platform::parseJson(inputs)));
     watchJobFile([](const platform::Value& jobs) { return describe(jobs.at(0)); });
     worker.run("17");
   }

@@ -8,6 +8,7 @@
 #include "platform/Exception.h"
 #include "platform/Json.h"
 #include "tests/support/FullFile.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
@@ -23,7 +24,7 @@ constexpr char kThree[] = R"([{"log_id":"1","n":1},{"log_id":"2","n":2},{"log_id
 class JobFile : public testing::WorkerWorld {
  protected:
   static Value query(const char* logId) { return Value::dictionary({{"log_id", logId}}); }
-  void removeJobs() { std::filesystem::remove(shared() + "utility/command/BGPLog.json"); }
+  void removeJobs() { std::filesystem::remove(folder / testing::kJobFile); }
 };
 
 TEST_F(JobFile, ReadsTheTopLevel) {
@@ -111,9 +112,9 @@ TEST_F(JobFile, AQueryOnATopLevelObjectLogsTheReasonAfterTheArrayLine) {
 TEST_F(JobFile, WritingReplacesTheFileByPrettyPrintedJson) {
   worker.writeJSONFile(Value::array({query("1")}));
   EXPECT_EQ(jobText(), "[\n  {\n    \"log_id\": \"1\"\n  }\n]");
-  EXPECT_THAT(log(), ElementsAre("writeJSONFile: writeJSONFile, newArray = (",
-                                 "writeJSONFile: writeJSONFile, _BGPPath = " + shared() +
-                                     "utility/command/BGPLog.json"));
+  EXPECT_THAT(
+      log(), ElementsAre("writeJSONFile: writeJSONFile, newArray = (",
+                         "writeJSONFile: writeJSONFile, _BGPPath = " + folder / testing::kJobFile));
 }
 
 TEST_F(JobFile, WhatJsonHasNoFormForWritesNothingButTheLogLines) {
@@ -147,11 +148,11 @@ TEST_F(JobFile, AnUpdateChangesEveryRecordWithTheLogIdAndNoOther) {
 TEST_F(JobFile, AnUpdateLogsWhatItReadAndWhatItWrites) {
   writeJobs(kThree);
   worker.updateJSONFile(query("2"));
-  EXPECT_THAT(log(), ElementsAre("updateJSONFile: currentJobArray = (",
-                                 "updateJSONFile: updateJSONFile, newJobArray = (",
-                                 "writeJSONFile: writeJSONFile, newArray = (",
-                                 "writeJSONFile: writeJSONFile, _BGPPath = " + shared() +
-                                     "utility/command/BGPLog.json"));
+  EXPECT_THAT(
+      log(), ElementsAre("updateJSONFile: currentJobArray = (",
+                         "updateJSONFile: updateJSONFile, newJobArray = (",
+                         "writeJSONFile: writeJSONFile, newArray = (",
+                         "writeJSONFile: writeJSONFile, _BGPPath = " + folder / testing::kJobFile));
 }
 
 TEST_F(JobFile, AnUpdateWithAnUnknownLogIdRewritesTheSameRecordsPrettyPrinted) {
@@ -196,7 +197,7 @@ TEST_F(JobFile, AnUpdateOfADamagedFileReplacesItByAnEmptyArray) {
 TEST_F(JobFile, AnUpdateOfAMissingFileRaises) {
   removeJobs();
   EXPECT_THROW(worker.updateJSONFile(query("1")), Exception);
-  EXPECT_FALSE(std::filesystem::exists(shared() + "utility/command/BGPLog.json"));
+  EXPECT_FALSE(std::filesystem::exists(folder / testing::kJobFile));
 }
 
 TEST_F(JobFile, AnUpdateMeetingALogIdThatIsNoStringRaisesAndWritesNothing) {

@@ -12,6 +12,7 @@
 #include "log/iLog.h"
 #include "platform/Json.h"
 #include "tests/support/FullFile.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
@@ -46,7 +47,7 @@ class JobRunner : public testing::WorkerWorld {
 
 TEST_F(JobRunner, InitialisesEveryPath) {
   EXPECT_EQ(worker.GroupContainerPath(), Value(shared()));
-  EXPECT_EQ(worker.BGPPath(), Value(shared() + "utility/command/BGPLog.json"));
+  EXPECT_EQ(worker.BGPPath(), Value(folder / testing::kJobFile));
   EXPECT_EQ(_logPath, shared() + "utility/logs/TarselVistrelUtility.txt");
   EXPECT_TRUE(worker.EngineRunnerPath().isNothing());
   EXPECT_TRUE(worker.onlineUpdateDict().isNothing());
@@ -82,7 +83,7 @@ TEST_F(JobRunner, MissingProductSettingsAreLoggedAndLeaveTheRest) {
   std::filesystem::remove(folder / "Contents/Resources/Config/setting.json");
   EXPECT_EQ(&initOther(), &other);
   EXPECT_TRUE(other.settingDict().isNothing());
-  EXPECT_EQ(other.BGPPath(), Value(shared() + "utility/command/BGPLog.json"));
+  EXPECT_EQ(other.BGPPath(), Value(folder / testing::kJobFile));
   EXPECT_THAT(log(), ElementsAre("init error: open " + folder.path() +
                                  "/Contents/Resources/Config/setting.json: "
                                  "No such file or directory"));
@@ -208,7 +209,7 @@ TEST_F(JobRunner, WithoutALogIdNothingIsRead) {
 }
 
 TEST_F(JobRunner, AMissingJobFileIsLoggedAndNothingRuns) {
-  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  std::filesystem::remove(folder / testing::kJobFile);
   worker.run("17");
   EXPECT_THAT(log(), ElementsAre("run error: open " + shared() +
                                  "utility/command/BGPLog.json: No such file or directory"));
@@ -424,7 +425,7 @@ TEST_F(JobRunner, ALogFileThatIsAbsentDoesNotKeepTheJobFromRunning) {
 // --- what is no regular file: at once as if it could not be read, or as if there were no log
 
 TEST_F(JobRunner, AJobFileThatIsAPipeCannotBeRead) {
-  const std::string path = shared() + "utility/command/BGPLog.json";
+  const std::string path = folder / testing::kJobFile;
   std::filesystem::remove(path);
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
   worker.run("17");

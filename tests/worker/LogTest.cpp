@@ -23,14 +23,14 @@ const std::array<std::uint8_t, 5> kFirstSwitches = {iLog_enable_debug, iLog_enab
                                                     iLog_enable_warning, iLog_enable_error,
                                                     iLog_enable_critical};
 
-class LogTest : public ::testing::Test {
+class Log : public ::testing::Test {
  protected:
-  LogTest() {
+  Log() {
     iLog_host = &host;
     folder.write("log.txt", "");
     setLogPath((folder / "log.txt").c_str());
   }
-  ~LogTest() override {
+  ~Log() override {
     setLogPath("");
     iLog_host = nullptr;
     iLog_enable_debug = iLog_enable_info = iLog_enable_warning = 1;
@@ -50,13 +50,13 @@ std::string cut(const char* function) {
   return name;
 }
 
-TEST_F(LogTest, ALineHasItsFieldsInOrder) {
+TEST_F(Log, ALineHasItsFieldsInOrder) {
   iLog_tell(0, "/a/b/JobRunner.cpp", 120, "-[Kelvane run:]", "count = %d, %@", 3,
             platform::Value("x"));
   EXPECT_EQ(written(), "[14:03:07] [JobRunner.cpp][120][run][debug] count = 3, x\n");
 }
 
-TEST_F(LogTest, LinesAreAppendedInCallOrder) {
+TEST_F(Log, LinesAreAppendedInCallOrder) {
   folder.write("log.txt", "earlier\n");
   iLog_tell(0, "f", 1, "-[Kelvane run:]", "one");
   iLog_tell(3, "f", -2, "-[Kelvane run:]", "two");
@@ -64,31 +64,31 @@ TEST_F(LogTest, LinesAreAppendedInCallOrder) {
             "earlier\n[14:03:07] [f][1][run][debug] one\n[14:03:07] [f][-2][run][error] two\n");
 }
 
-TEST_F(LogTest, TheMessagesOwnLineFeedStays) {
+TEST_F(Log, TheMessagesOwnLineFeedStays) {
   iLog_tell(0, "f", 1, "-[Kelvane run:]", "text\n");
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n\n");
 }
 
-TEST_F(LogTest, BeforeAPathIsSetNothingIsWrittenAndNothingFails) {
+TEST_F(Log, BeforeAPathIsSetNothingIsWrittenAndNothingFails) {
   setLogPath("");
   tell(0);
   EXPECT_EQ(written(), "");
 }
 
-TEST_F(LogTest, TheLogFileIsNeverCreated) {
+TEST_F(Log, TheLogFileIsNeverCreated) {
   setLogPath((folder / "absent.txt").c_str());
   tell(0);
   EXPECT_EQ(folder.names(), std::vector<std::string>{"log.txt"});
 }
 
-TEST_F(LogTest, AFolderInPlaceOfTheFileDropsTheLine) {
+TEST_F(Log, AFolderInPlaceOfTheFileDropsTheLine) {
   folder.write("place/inside", "x");
   setLogPath((folder / "place").c_str());
   tell(0);
   EXPECT_EQ(folder.names("place"), std::vector<std::string>{"inside"});
 }
 
-TEST_F(LogTest, AFileThatComesBackIsWrittenAgain) {
+TEST_F(Log, AFileThatComesBackIsWrittenAgain) {
   ASSERT_EQ(std::remove((folder / "log.txt").c_str()), 0);
   tell(0);
   folder.write("log.txt", "");
@@ -96,7 +96,7 @@ TEST_F(LogTest, AFileThatComesBackIsWrittenAgain) {
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][error] text\n");
 }
 
-TEST_F(LogTest, EveryLevelHasItsName) {
+TEST_F(Log, EveryLevelHasItsName) {
   for (int level = 0; level <= 4; ++level) tell(level);
   EXPECT_EQ(written(),
             "[14:03:07] [f][1][run][debug] text\n[14:03:07] [f][1][run][info] text\n"
@@ -104,7 +104,7 @@ TEST_F(LogTest, EveryLevelHasItsName) {
             "[14:03:07] [f][1][run][critical] text\n");
 }
 
-TEST_F(LogTest, LevelSevenIsDebugByNameAndBySwitch) {
+TEST_F(Log, LevelSevenIsDebugByNameAndBySwitch) {
   tell(7);
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n");
   iLog_enable_debug = 0;
@@ -114,17 +114,17 @@ TEST_F(LogTest, LevelSevenIsDebugByNameAndBySwitch) {
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n");
 }
 
-TEST_F(LogTest, OnlyTheValueOneSwitchesALevelOn) {
+TEST_F(Log, OnlyTheValueOneSwitchesALevelOn) {
   iLog_enable_error = 2;
   tell(3);
   EXPECT_EQ(written(), "");
 }
 
-TEST_F(LogTest, EverySwitchIsOnBeforeAnyoneSetsIt) {
+TEST_F(Log, EverySwitchIsOnBeforeAnyoneSetsIt) {
   EXPECT_EQ(kFirstSwitches, (std::array<std::uint8_t, 5>{1, 1, 1, 1, 1}));
 }
 
-TEST_F(LogTest, EverySwitchIsOnAtOneAndAtNothingElse) {
+TEST_F(Log, EverySwitchIsOnAtOneAndAtNothingElse) {
   std::uint8_t* switches[] = {&iLog_enable_debug, &iLog_enable_info, &iLog_enable_warning,
                               &iLog_enable_error, &iLog_enable_critical};
   for (int level = 0; level < 5; ++level) {
@@ -136,13 +136,13 @@ TEST_F(LogTest, EverySwitchIsOnAtOneAndAtNothingElse) {
   }
 }
 
-TEST_F(LogTest, ASwitchThatIsOffSilencesItsLevelAlone) {
+TEST_F(Log, ASwitchThatIsOffSilencesItsLevelAlone) {
   iLog_enable_warning = 0;
   for (int level = 1; level <= 3; ++level) tell(level);
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][info] text\n[14:03:07] [f][1][run][error] text\n");
 }
 
-TEST_F(LogTest, EachLevelGoesByItsOwnSwitch) {
+TEST_F(Log, EachLevelGoesByItsOwnSwitch) {
   std::uint8_t* switches[] = {&iLog_enable_debug, &iLog_enable_info, &iLog_enable_warning,
                               &iLog_enable_error, &iLog_enable_critical};
   for (int off = 0; off < 5; ++off) {
@@ -152,13 +152,13 @@ TEST_F(LogTest, EachLevelGoesByItsOwnSwitch) {
   }
 }
 
-TEST_F(LogTest, AFileWithoutASlashIsPrintedWhole) {
+TEST_F(Log, AFileWithoutASlashIsPrintedWhole) {
   EXPECT_STREQ(_base_file_name("jobs"), "jobs");
   EXPECT_STREQ(_base_file_name("/a/b/jobs"), "jobs");
   EXPECT_STREQ(_base_file_name("a/"), "");
 }
 
-TEST_F(LogTest, FunctionNamesAreCut) {
+TEST_F(Log, FunctionNamesAreCut) {
   EXPECT_EQ(cut("-[Kelvane run:]"), "run");
   EXPECT_EQ(cut("-[Kelvane init:]"), "init");
   EXPECT_EQ(cut("-[Kelvane readJSONFile]"), "readJSONFile]");
@@ -169,33 +169,33 @@ TEST_F(LogTest, FunctionNamesAreCut) {
   EXPECT_EQ(cut(""), "");
 }
 
-TEST_F(LogTest, APlainFunctionNameLeavesItsFieldEmpty) {
+TEST_F(Log, APlainFunctionNameLeavesItsFieldEmpty) {
   iLog_tell(0, "f", 1, "main", "text");
   EXPECT_EQ(written(), "[14:03:07] [f][1][][debug] text\n");
 }
 
-TEST_F(LogTest, ALongFunctionNameIsNotTruncated) {
+TEST_F(Log, ALongFunctionNameIsNotTruncated) {
   const std::string name(1000, 'n');
   EXPECT_EQ(cut(("-[Kelvane " + name + ":]").c_str()), name);
 }
 
-TEST_F(LogTest, NonAsciiTextComesOutAsUtf8) {
+TEST_F(Log, NonAsciiTextComesOutAsUtf8) {
   iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@ %s", platform::Value("\xC3\xA9"), "\xE2\x82\xAC");
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] \xC3\xA9 \xE2\x82\xAC\n");
 }
 
-TEST_F(LogTest, BytesThatAreNoTextAreReplaced) {
+TEST_F(Log, BytesThatAreNoTextAreReplaced) {
   iLog_tell(0, "f", 1, "-[Kelvane run:]", "%s", "a\xC3");
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] a\xEF\xBF\xBD\n");
 }
 
-TEST_F(LogTest, AFailingWriteRaises) {
+TEST_F(Log, AFailingWriteRaises) {
   const testing::FullFile full;
   setLogPath(full.path().c_str());
   EXPECT_THROW(tell(0), platform::Exception);
 }
 
-TEST_F(LogTest, TellingACaughtExceptionNeverRaises) {
+TEST_F(Log, TellingACaughtExceptionNeverRaises) {
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("the reason, 100 % %@"));
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][error] the reason, 100 % %@\n");
   const testing::FullFile full;
@@ -203,7 +203,7 @@ TEST_F(LogTest, TellingACaughtExceptionNeverRaises) {
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("reason"));
 }
 
-TEST_F(LogTest, NoFileStaysOpen) {
+TEST_F(Log, NoFileStaysOpen) {
   const auto openFiles = [] {
     const std::filesystem::directory_iterator all("/proc/self/fd");
     return std::distance(begin(all), end(all));
@@ -213,7 +213,7 @@ TEST_F(LogTest, NoFileStaysOpen) {
   EXPECT_EQ(openFiles(), before);
 }
 
-TEST_F(LogTest, APathOf511BytesWorks) {
+TEST_F(Log, APathOf511BytesWorks) {
   std::string path = folder.path();
   while (path.size() < 400) path += "/" + std::string(90, 'd');
   path += "/" + std::string(510 - path.size(), 'f');
@@ -225,20 +225,20 @@ TEST_F(LogTest, APathOf511BytesWorks) {
             "[14:03:07] [f][1][run][debug] text\n");
 }
 
-TEST_F(LogTest, ALaterPathLeavesNothingOfTheEarlierOne) {
+TEST_F(Log, ALaterPathLeavesNothingOfTheEarlierOne) {
   setLogPath(std::string(511, 'x').c_str());
   setLogPath("y");
   EXPECT_STREQ(_logPath, "y");
   for (std::size_t i = 1; i < sizeof _logPath; ++i) EXPECT_EQ(_logPath[i], '\0');
 }
 
-using LogDeathTest = LogTest;
+using LogDeathTest = Log;
 
 TEST_F(LogDeathTest, APathOf512BytesEndsTheProcess) {
   EXPECT_EXIT(setLogPath(std::string(512, 'x').c_str()), ::testing::KilledBySignal(SIGABRT), "");
 }
 
-TEST_F(LogTest, WithoutAHostTheSystemsClockIsUsed) {
+TEST_F(Log, WithoutAHostTheSystemsClockIsUsed) {
   iLog_host = nullptr;
   tell(0);
   EXPECT_THAT(written(), ::testing::MatchesRegex("\\[[0-2][0-9]:[0-5][0-9]:[0-5][0-9]\\] "

@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 
 #include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/PropertyLists.h"
 #include "tests/support/WorkerWorld.h"
 
@@ -58,11 +59,7 @@ class OnlineUpdate : public testing::WorkerWorld {
                               {"folder", folder / "engine folder"}});
   }
   void runJob(const char* command, const Value& inputs) {
-    writeJobs(
-        *platform::printJson(Value::array({Value::dictionary({{"log_id", "17"},
-                                                              {"job_id", command},
-                                                              {"state_id", "WAIT"},
-                                                              {"input_parameters", inputs}})})));
+    writeJobs(testing::waitingJob(command, inputs));
     worker.run("17");
   }
   void query(const Value& inputs) { runJob("getOnlineUpdateData", inputs); }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
@@ -28,8 +29,7 @@ class SoftwareInstallation : public testing::WorkerWorld {
     worker.setSettingDict(Value::dictionary({{"AppPath", folder / "Installed.app"}}));
   }
   std::string job(const std::string& inputs) const {
-    return R"([{"log_id":"17","job_id":"updateSW","state_id":"WAIT","input_parameters":)" + inputs +
-           "}]";
+    return testing::waitingJob("updateSW", platform::parseJson(inputs));
   }
   // The job file's first record as the job runner hands it over.
   Value handedOver() const {
@@ -160,7 +160,7 @@ TEST_F(SoftwareInstallation, AJobWhoseRecordIsGoneFreesTheLastRecordOfTheFile) {
 
 TEST_F(SoftwareInstallation, NothingIsRemovedBeforeTheJobIsMarkedRunning) {
   const Value record = platform::parseJson(job(package())).at(0);
-  fs::remove(shared() + "utility/command/BGPLog.json");
+  fs::remove(folder / testing::kJobFile);
   worker.updateSW(record);
   EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
   EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: open ")));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Json.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
 
 namespace kelvane {
@@ -89,7 +90,7 @@ TEST_F(StatusReporting, InputParametersThatAreNoListAreLoggedOnce) {
 TEST_F(StatusReporting, AVanishedJobFileIsLoggedOnceAtTheStart) {
   const Value record =
       platform::parseJson(R"({"log_id":"17","input_parameters":[{"wwn":"A","file_path":"/a"}]})");
-  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  std::filesystem::remove(folder / testing::kJobFile);
   worker.initUpgradeFWStatus(record);
   EXPECT_THAT(log(), ElementsAre(StartsWith("initUpgradeFWStatus error: open ")));
 }
@@ -220,7 +221,7 @@ TEST_F(StatusReporting, ADamagedJobFileHasNoRecordsAndIsNotWritten) {
 }
 
 TEST_F(StatusReporting, AVanishedJobFileIsLoggedOncePerUpdate) {
-  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  std::filesystem::remove(folder / testing::kJobFile);
   update(R"({"wwn":"A","n":1})");
   EXPECT_THAT(log(), ElementsAre(StartsWith("updateFWUpdateStatus error: open ")));
 }

@@ -8,6 +8,7 @@
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "tests/support/FullFile.h"
+#include "tests/support/JobFiles.h"
 #include "tests/worker/FirmwareWorld.h"
 
 namespace kelvane {
@@ -278,9 +279,9 @@ TEST_F(UpdateSequence, ARecordWithoutAStateIsLeftAsItIs) {
 TEST_F(UpdateSequence, AVanishedJobFileLeavesNothingToFinish) {
   const Value record =
       platform::parseJson(R"({"log_id":"17","state_id":"WAIT","input_parameters":[]})");
-  std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+  std::filesystem::remove(folder / testing::kJobFile);
   EXPECT_EQ(worker.updateFW(record), Value::dictionary());
-  EXPECT_FALSE(std::filesystem::exists(shared() + "utility/command/BGPLog.json"));
+  EXPECT_FALSE(std::filesystem::exists(folder / testing::kJobFile));
 }
 
 TEST_F(UpdateSequence, AJobFileThatVanishesDuringTheFlashCostsErrorLinesOnly) {
@@ -290,7 +291,7 @@ TEST_F(UpdateSequence, AJobFileThatVanishesDuringTheFlashCostsErrorLinesOnly) {
                  "input_parameters":[{"wwn":"W0","file_path":"/i"}]}])");
   framework.onCall = [this] {
     if (framework.count("zr_flashQVXFImage") == 1) {
-      std::filesystem::remove(shared() + "utility/command/BGPLog.json");
+      std::filesystem::remove(folder / testing::kJobFile);
     }
   };
   worker.run("17");

@@ -5,6 +5,7 @@
 
 #include "console/checks/ProcessChecks.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
@@ -17,7 +18,7 @@ using ::testing::IsEmpty;
 class ProcessChecks : public ::testing::Test {
  protected:
   ProcessChecks() {
-    folder.write("shared/utility/command/BGPLog.json", "[]");
+    folder.write(testing::kJobFile, "[]");
     folder.write("Manager.app/Contents/Resources/Kelvane", "");
     folder.write("Manager.app/Contents/Resources/Config/setting.json",
                  R"({"AppPath": "/Applications/Manager.app"})");

@@ -16,12 +16,12 @@ namespace fs = std::filesystem;
 
 using platform::Value;
 
-class CheckTest : public ConsoleWorld {
+class Check : public ConsoleWorld {
  protected:
   // A shared folder without findings.
-  CheckTest() {
+  Check() {
     makeWorker("");
-    folder.write(kTestJobFile, "[]");
+    folder.write(testing::kJobFile, "[]");
     folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
     folder.write("shared/utility/config/setting.json",
                  R"({"AppPath": ")" + (folder / "Manager.app") + "\"}");
@@ -37,30 +37,30 @@ class CheckTest : public ConsoleWorld {
   CheckOptions options{folder / "shared", ""};
 };
 
-TEST_F(CheckTest, WithoutFindingsItSaysWhatWasLookedAt) {
+TEST_F(Check, WithoutFindingsItSaysWhatWasLookedAt) {
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(),
             "no findings\n"
             "  job file  " +
-                (folder / kTestJobFile) + "\n" + "  log       " +
+                (folder / testing::kJobFile) + "\n" + "  log       " +
                 (folder / "shared/utility/logs/TarselVistrelUtility.txt") + "\n  settings  " +
                 (folder / "shared/utility/config/setting.json") +
                 "\n  bundle    none was given, none was looked at\n");
 }
 
-TEST_F(CheckTest, BeforeTheFirstJobItSaysThatThereIsNoJobFileYet) {
-  fs::remove(folder / kTestJobFile);
+TEST_F(Check, BeforeTheFirstJobItSaysThatThereIsNoJobFileYet) {
+  fs::remove(folder / testing::kJobFile);
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_NE(shown.str().find((folder / kTestJobFile) + " (there is none yet)\n"),
+  EXPECT_NE(shown.str().find((folder / testing::kJobFile) + " (there is none yet)\n"),
             std::string::npos);
 }
 
-TEST_F(CheckTest, FindingsAreShownWithTheirMeaningAndCounted) {
+TEST_F(Check, FindingsAreShownWithTheirMeaningAndCounted) {
   fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
-  folder.write(kTestJobFile, "{}");
+  folder.write(testing::kJobFile, "{}");
   EXPECT_EQ(run(), kFindings);
   EXPECT_EQ(shown.str(),
-            "error: " + (folder / kTestJobFile) +
+            "error: " + (folder / testing::kJobFile) +
                 " is an object, not an array of records\n"
                 "  means  The worker finds no job in it and starts nothing.\n"
                 "  to do  Put the records into an array, or move the file away.\n"
@@ -73,39 +73,39 @@ TEST_F(CheckTest, FindingsAreShownWithTheirMeaningAndCounted) {
                 "1 error, 1 warning\n");
 }
 
-TEST_F(CheckTest, SeveritiesAreColoured) {
+TEST_F(Check, SeveritiesAreColoured) {
   fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
-  folder.write(kTestJobFile, "{}");
+  folder.write(testing::kJobFile, "{}");
   screen.colour = true;
   run();
   EXPECT_EQ(shown.str().rfind("\x1b[31merror\x1b[0m: ", 0), 0U);
   EXPECT_NE(shown.str().find("\n\x1b[33mwarning\x1b[0m: open "), std::string::npos);
 }
 
-TEST_F(CheckTest, ForMachinesTheFindingsAreAList) {
+TEST_F(Check, ForMachinesTheFindingsAreAList) {
   screen.json = true;
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(), "[]\n");
   shown.str("");
-  folder.write(kTestJobFile, "{}");
+  folder.write(testing::kJobFile, "{}");
   EXPECT_EQ(run(), kFindings);
   const Value all = platform::parseJson(shown.str());
   ASSERT_EQ(all.count(), 1U);
   EXPECT_EQ(all.at(0).get("severity"), Value("error"));
   EXPECT_EQ(all.at(0).get("what"),
-            Value((folder / kTestJobFile) + " is an object, not an array of records"));
+            Value((folder / testing::kJobFile) + " is an object, not an array of records"));
   EXPECT_TRUE(all.at(0).get("meaning").isString());
   EXPECT_TRUE(all.at(0).get("advice").isString());
 }
 
-TEST_F(CheckTest, AMissingSharedFolderIsTheOneFindingOfIt) {
+TEST_F(Check, AMissingSharedFolderIsTheOneFindingOfIt) {
   fs::remove_all(folder / "shared");
   EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " does not exist\n");
   folder.write("shared", "");
   EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " does not exist\n");
 }
 
-TEST_F(CheckTest, ASharedFolderThatCannotBeEnteredIsTheOneFindingOfIt) {
+TEST_F(Check, ASharedFolderThatCannotBeEnteredIsTheOneFindingOfIt) {
   fs::permissions(folder.path(), fs::perms(0755));
   const testing::PermissionBits bits(folder / "shared", 0);
   EXPECT_EQ(testing::asOrdinaryUser([this] { return found(); }),
@@ -113,13 +113,13 @@ TEST_F(CheckTest, ASharedFolderThatCannotBeEnteredIsTheOneFindingOfIt) {
                 " cannot be entered: Permission denied\n");
 }
 
-TEST_F(CheckTest, ADownloadAreaThatCannotBeMadeIsAnError) {
+TEST_F(Check, ADownloadAreaThatCannotBeMadeIsAnError) {
   folder.write("shared/tmp", "");
   EXPECT_EQ(found(), "error: the download area cannot be changed: " + (folder / "shared/tmp") +
                          ": Not a directory\n");
 }
 
-TEST_F(CheckTest, LeftoversAreToldWhereNoWorkerRuns) {
+TEST_F(Check, LeftoversAreToldWhereNoWorkerRuns) {
   folder.write("shared/utility/command/.replace-a1b2c3", "");
   folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img", "");
   EXPECT_EQ(found(), "warning: " + (folder / "shared/utility/command/.replace-a1b2c3") +
@@ -128,36 +128,36 @@ TEST_F(CheckTest, LeftoversAreToldWhereNoWorkerRuns) {
                          " is left over\n");
 }
 
-TEST_F(CheckTest, WhileAWorkerRunsItsTemporaryFilesAreNoFinding) {
+TEST_F(Check, WhileAWorkerRunsItsTemporaryFilesAreNoFinding) {
   folder.write("shared/utility/command/.replace-a1b2c3", "");
   folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img", "");
-  folder.write(kTestJobFile, R"([{"log_id": "18", "job_id": "updateSW", "state_id": "RUN",
+  folder.write(testing::kJobFile, R"([{"log_id": "18", "job_id": "updateSW", "state_id": "RUN",
                                   "input_parameters": {}}])");
   EXPECT_EQ(asLines(findingsOf(folder / "shared/", "",
                                [](const std::string& logId) { return logId == "18"; })),
             "");
 }
 
-TEST_F(CheckTest, ASharedFolderThatEveryoneMayWriteIsAWarning) {
+TEST_F(Check, ASharedFolderThatEveryoneMayWriteIsAWarning) {
   const testing::PermissionBits bits(folder / "shared", 0777);
   EXPECT_EQ(found(), "warning: " + (folder / "shared/") + " can be written by everyone\n");
 }
 
-TEST_F(CheckTest, ADamagedJobFileDoesNotKeepItFromLookingAtTheRest) {
-  folder.write(kTestJobFile, "");
+TEST_F(Check, ADamagedJobFileDoesNotKeepItFromLookingAtTheRest) {
+  folder.write(testing::kJobFile, "");
   folder.write("shared/utility/config/setting.json", "{}");
-  EXPECT_EQ(found(), "error: " + (folder / kTestJobFile) + " is not JSON: it is empty\n" +
+  EXPECT_EQ(found(), "error: " + (folder / testing::kJobFile) + " is not JSON: it is empty\n" +
                          "error: " + (folder / "shared/utility/config/setting.json") +
                          ": \"AppPath\" is missing\n");
 }
 
-TEST_F(CheckTest, WithoutASharedFolderItIsBadUsage) {
+TEST_F(Check, WithoutASharedFolderItIsBadUsage) {
   options.sharedFolder = "";
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: the shared folder is missing\n");
 }
 
-TEST_F(CheckTest, TheBundlesSlashDoesNotCount) {
+TEST_F(Check, TheBundlesSlashDoesNotCount) {
   options.bundle = folder / "Manager.app///";
   EXPECT_EQ(run(), kFindings);
   EXPECT_NE(shown.str().find(folder / "Manager.app/Contents/Frameworks"), std::string::npos);

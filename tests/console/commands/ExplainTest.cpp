@@ -13,7 +13,7 @@ namespace {
 
 using platform::Value;
 
-class ExplainTest : public ConsoleWorld {
+class Explain : public ConsoleWorld {
  protected:
   int run(const std::string& subject) {
     options.subject = subject;
@@ -23,15 +23,16 @@ class ExplainTest : public ConsoleWorld {
   void addJob(const std::string& logId) {
     options.sharedFolder = folder / "shared";
     folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
-    folder.write(kTestJobFile, R"([{"log_id": ")" + logId +
-                                   R"(", "job_id": "downloadOnlineUpdateFile", "state_id": "FREE",
+    folder.write(testing::kJobFile,
+                 R"([{"log_id": ")" + logId +
+                     R"(", "job_id": "downloadOnlineUpdateFile", "state_id": "FREE",
                                        "result": 0, "resultStr": "no error"}])");
   }
 
   ExplainOptions options;
 };
 
-TEST_F(ExplainTest, ACodeInHexadecimalDigits) {
+TEST_F(Explain, ACodeInHexadecimalDigits) {
   EXPECT_EQ(run("0x0402"), kSuccess);
   EXPECT_EQ(shown.str(),
             "result 1026 (0x0402), kZorDeviceNotFound: the device was not found\n"
@@ -42,7 +43,7 @@ TEST_F(ExplainTest, ACodeInHexadecimalDigits) {
             "  try again  yes\n");
 }
 
-TEST_F(ExplainTest, EveryKnownCodeInDecimalDigits) {
+TEST_F(Explain, EveryKnownCodeInDecimalDigits) {
   for (const ResultCode& code : resultCodes()) {
     shown.str("");
     EXPECT_EQ(run(std::to_string(code.code)), kSuccess);
@@ -52,7 +53,7 @@ TEST_F(ExplainTest, EveryKnownCodeInDecimalDigits) {
   }
 }
 
-TEST_F(ExplainTest, ABare259IsExplainedForBothCommands) {
+TEST_F(Explain, ABare259IsExplainedForBothCommands) {
   screen.json = true;
   EXPECT_EQ(run("259"), kSuccess);
   const Value all = platform::parseJson(shown.str());
@@ -63,7 +64,7 @@ TEST_F(ExplainTest, ABare259IsExplainedForBothCommands) {
   EXPECT_EQ(all.at(1).get("note"), Value("This is so for updateFW."));
 }
 
-TEST_F(ExplainTest, ANumberThatIsInNoTableIsAStatusOfTheFramework) {
+TEST_F(Explain, ANumberThatIsInNoTableIsAStatusOfTheFramework) {
   EXPECT_EQ(run("0x8052"), kNotFound);
   EXPECT_EQ(shown.str().substr(0, shown.str().find('\n')),
             "result 32850 (0x8052): a status of the controller framework's own");
@@ -71,14 +72,14 @@ TEST_F(ExplainTest, ANumberThatIsInNoTableIsAStatusOfTheFramework) {
   EXPECT_EQ(shown.str().find("note"), std::string::npos);
 }
 
-TEST_F(ExplainTest, ANumberThatIsNoJobEitherSaysSo) {
+TEST_F(Explain, ANumberThatIsNoJobEitherSaysSo) {
   addJob("17");
   EXPECT_EQ(run("18"), kNotFound);
   EXPECT_NE(shown.str().find("note       No job of the job file has this log id.\n"),
             std::string::npos);
 }
 
-TEST_F(ExplainTest, WhatIsNeitherIsNotFound) {
+TEST_F(Explain, WhatIsNeitherIsNotFound) {
   for (const char* subject :
        {"seventeen", "0x", "0x8050x", "4294967296", "-1", " 1", "0x100000000"}) {
     messages.str("");
@@ -89,14 +90,14 @@ TEST_F(ExplainTest, WhatIsNeitherIsNotFound) {
   EXPECT_EQ(shown.str(), "");
 }
 
-TEST_F(ExplainTest, ALogIdThatIsNotThereIsNotFound) {
+TEST_F(Explain, ALogIdThatIsNotThereIsNotFound) {
   addJob("17");
   EXPECT_EQ(run("seventeen"), kNotFound);
-  EXPECT_EQ(messages.str(), "kelvane-console: no job seventeen in " + (folder / kTestJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: no job seventeen in " + (folder / testing::kJobFile) +
                                 ", and it is no result code\n");
 }
 
-TEST_F(ExplainTest, AJob) {
+TEST_F(Explain, AJob) {
   addJob("17");
   EXPECT_EQ(run("17"), kSuccess);
   EXPECT_EQ(shown.str(),
@@ -108,7 +109,7 @@ TEST_F(ExplainTest, AJob) {
             "  note       The log has no lines of this job.\n");
 }
 
-TEST_F(ExplainTest, ALogIdWinsOverACodeAndSaysHowToAskForThat) {
+TEST_F(Explain, ALogIdWinsOverACodeAndSaysHowToAskForThat) {
   addJob("259");
   EXPECT_EQ(run("259"), kSuccess);
   EXPECT_EQ(shown.str().rfind("job 259 (downloadOnlineUpdateFile): ", 0), 0U);
@@ -119,23 +120,23 @@ TEST_F(ExplainTest, ALogIdWinsOverACodeAndSaysHowToAskForThat) {
   EXPECT_EQ(shown.str().rfind("result 259 (0x0103), kFileNotFound", 0), 0U);
 }
 
-TEST_F(ExplainTest, AMissingLogIsToldInANote) {
+TEST_F(Explain, AMissingLogIsToldInANote) {
   addJob("17");
   std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   EXPECT_EQ(run("17"), kSuccess);
   EXPECT_NE(shown.str().find("TarselVistrelUtility.txt does not exist"), std::string::npos);
 }
 
-TEST_F(ExplainTest, ADamagedJobFileHidesJobsButNoCodes) {
+TEST_F(Explain, ADamagedJobFileHidesJobsButNoCodes) {
   addJob("17");
-  folder.write(kTestJobFile, "[");
+  folder.write(testing::kJobFile, "[");
   EXPECT_EQ(run("seventeen"), kJobFileFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / kTestJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / testing::kJobFile) +
                                 " is damaged (no JSON array): left as it is\n");
   EXPECT_EQ(run("0x0402"), kSuccess);
 }
 
-TEST_F(ExplainTest, WithoutASubjectItIsBadUsage) {
+TEST_F(Explain, WithoutASubjectItIsBadUsage) {
   EXPECT_EQ(run(""), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: the code or log id is missing\n");
 }

@@ -12,10 +12,10 @@
 namespace kelvane::console {
 namespace {
 
-class JobsTest : public ConsoleWorld {
+class Jobs : public ConsoleWorld {
  protected:
-  JobsTest() {
-    folder.write(kTestJobFile, R"([
+  Jobs() {
+    folder.write(testing::kJobFile, R"([
       {"log_id": "1", "job_id": "updateSW", "state_id": "FREE", "result": 0, "resultStr": "fine"},
       {"log_id": "2", "job_id": "updateFW", "state_id": "RUN", "result": 0, "resultStr": "fine",
        "n": 12345678901234567890123,
@@ -30,7 +30,7 @@ class JobsTest : public ConsoleWorld {
   int runWatch(const std::string& logId) { return runHere(watch, {folder / "shared", logId}); }
 };
 
-TEST_F(JobsTest, ListIsATable) {
+TEST_F(Jobs, ListIsATable) {
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(),
             "Log id  Command              State  Result  Text\n"
@@ -40,43 +40,43 @@ TEST_F(JobsTest, ListIsATable) {
             "     -  (no record)\n");
 }
 
-TEST_F(JobsTest, ListForMachinesIsARecordALine) {
+TEST_F(Jobs, ListForMachinesIsARecordALine) {
   screen.json = true;
-  folder.write(kTestJobFile, R"([{"log_id": "1", "a": [1, 2]}, {"log_id": "2"}])");
+  folder.write(testing::kJobFile, R"([{"log_id": "1", "a": [1, 2]}, {"log_id": "2"}])");
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(), "{\"log_id\":\"1\",\"a\":[1,2]}\n{\"log_id\":\"2\"}\n");
 }
 
-TEST_F(JobsTest, ASharedFolderThatIsNotThereIsBadUsage) {
+TEST_F(Jobs, ASharedFolderThatIsNotThereIsBadUsage) {
   EXPECT_EQ(runHere(list, {"/nowhere"}), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: the shared folder /nowhere does not exist\n");
 }
 
-TEST_F(JobsTest, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
-  std::filesystem::remove(folder / kTestJobFile);
-  ASSERT_EQ(::mkfifo((folder / kTestJobFile).c_str(), 0600), 0);
+TEST_F(Jobs, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
+  std::filesystem::remove(folder / testing::kJobFile);
+  ASSERT_EQ(::mkfifo((folder / testing::kJobFile).c_str(), 0600), 0);
   EXPECT_EQ(runList(), kJobFileFailed);
   EXPECT_EQ(messages.str(),
-            "kelvane-console: " + (folder / kTestJobFile) + " is no regular file\n");
+            "kelvane-console: " + (folder / testing::kJobFile) + " is no regular file\n");
 }
 
-TEST_F(JobsTest, ALogIdThatIsNoStringIsShownAsThat) {
-  folder.write(kTestJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
+TEST_F(Jobs, ALogIdThatIsNoStringIsShownAsThat) {
+  folder.write(testing::kJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(),
             "       Log id  Command  State  Result  Text\n"
             "9 (no string)           WAIT\n");
 }
 
-TEST_F(JobsTest, WithoutAJobFileTheListIsEmpty) {
-  std::filesystem::remove(folder / kTestJobFile);
+TEST_F(Jobs, WithoutAJobFileTheListIsEmpty) {
+  std::filesystem::remove(folder / testing::kJobFile);
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(), "Log id  Command  State  Result  Text\n");
 }
 
-TEST_F(JobsTest, ADamagedJobFileIsTold) {
-  folder.write(kTestJobFile, "[{");
-  const std::string message = "kelvane-console: " + (folder / kTestJobFile) +
+TEST_F(Jobs, ADamagedJobFileIsTold) {
+  folder.write(testing::kJobFile, "[{");
+  const std::string message = "kelvane-console: " + (folder / testing::kJobFile) +
                               " is damaged (no JSON array): left as it is\n";
   EXPECT_EQ(runList(), kJobFileFailed);
   EXPECT_EQ(runShow("1"), kJobFileFailed);
@@ -84,7 +84,7 @@ TEST_F(JobsTest, ADamagedJobFileIsTold) {
   EXPECT_EQ(messages.str(), message + message + message);
 }
 
-TEST_F(JobsTest, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
+TEST_F(Jobs, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
   EXPECT_EQ(runShow("2"), kSuccess);
   EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
             "job 2: running\n"
@@ -94,7 +94,7 @@ TEST_F(JobsTest, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
   EXPECT_NE(shown.str().find("  \"n\": 12345678901234567890123,\n"), std::string::npos);
 }
 
-TEST_F(JobsTest, ShowOfAQueryHasItsPackages) {
+TEST_F(Jobs, ShowOfAQueryHasItsPackages) {
   screen.charset = Charset::ascii;
   EXPECT_EQ(runShow("3"), kSuccess);
   EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
@@ -106,20 +106,20 @@ TEST_F(JobsTest, ShowOfAQueryHasItsPackages) {
   EXPECT_EQ(shown.str().find('\x1b'), std::string::npos);
 }
 
-TEST_F(JobsTest, ShowForMachinesIsTheRecord) {
+TEST_F(Jobs, ShowForMachinesIsTheRecord) {
   screen.json = true;
   EXPECT_EQ(runShow("2"), kSuccess);
   EXPECT_EQ(platform::parseJson(shown.str()).get("log_id"), platform::Value("2"));
 }
 
-TEST_F(JobsTest, AJobThatIsNotThereIsNotFound) {
+TEST_F(Jobs, AJobThatIsNotThereIsNotFound) {
   EXPECT_EQ(runShow("9"), kNotFound);
   EXPECT_EQ(runWatch("9"), kNotFound);
-  const std::string message = "kelvane-console: no job 9 in " + (folder / kTestJobFile) + "\n";
+  const std::string message = "kelvane-console: no job 9 in " + (folder / testing::kJobFile) + "\n";
   EXPECT_EQ(messages.str(), message + message);
 }
 
-TEST_F(JobsTest, WatchOfAFinishedJobIsItsResult) {
+TEST_F(Jobs, WatchOfAFinishedJobIsItsResult) {
   EXPECT_EQ(runWatch("3"), kSuccess);
   EXPECT_EQ(shown.str(),
             "result 0: \n"
@@ -127,7 +127,7 @@ TEST_F(JobsTest, WatchOfAFinishedJobIsItsResult) {
             "p�       1           -  -       -\n");
 }
 
-TEST_F(JobsTest, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
+TEST_F(Jobs, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
   EXPECT_EQ(runWatch("2"), kWorkerFailed);
   EXPECT_EQ(messages.str(),
             "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "

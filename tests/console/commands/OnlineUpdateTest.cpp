@@ -8,9 +8,9 @@
 namespace kelvane::console {
 namespace {
 
-class QueryTest : public ConsoleWorld {
+class Query : public ConsoleWorld {
  protected:
-  QueryTest() {
+  Query() {
     options.engine.url = "file:///srv/updates";
     options.product = "manager";
     options.version = "1.0";
@@ -24,7 +24,7 @@ class QueryTest : public ConsoleWorld {
   QueryOptions options;
 };
 
-TEST_F(QueryTest, TheWorkerFindsOneDictionaryOfParameters) {
+TEST_F(Query, TheWorkerFindsOneDictionaryOfParameters) {
   makeWorkerThatLooks();
   run();
   const platform::Value record = seenRecord();
@@ -36,14 +36,14 @@ TEST_F(QueryTest, TheWorkerFindsOneDictionaryOfParameters) {
   EXPECT_EQ(inputs.get("folder").string(), folder / "shared/tmp/EngineRunner");
 }
 
-TEST_F(QueryTest, WithoutAVersionAnyIsNewer) {
+TEST_F(Query, WithoutAVersionAnyIsNewer) {
   makeWorkerThatLooks();
   options.version = "";
   run();
   EXPECT_EQ(seenRecord().get("input_parameters").get("version").string(), "0");
 }
 
-TEST_F(QueryTest, OfferedPackagesAreShownAsATable) {
+TEST_F(Query, OfferedPackagesAreShownAsATable) {
   makeWorkerThatLeaves("FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [
     {"ProductID": "manager", "Version": "2.0", "Size": 12345678, "MinimumOSVersion": "10.15.0",
      "Codebase": "https://updates.example/a/Manager.zip"},
@@ -56,7 +56,7 @@ TEST_F(QueryTest, OfferedPackagesAreShownAsATable) {
             "t3       3.1           17  -        -\n");
 }
 
-TEST_F(QueryTest, ForMachinesThereIsNoTable) {
+TEST_F(Query, ForMachinesThereIsNoTable) {
   makeWorkerThatLeaves(
       "FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [{"ProductID": "manager"}])");
   screen.json = true;
@@ -64,28 +64,28 @@ TEST_F(QueryTest, ForMachinesThereIsNoTable) {
   EXPECT_EQ(shown.str().find("Product "), std::string::npos);
 }
 
-TEST_F(QueryTest, WithoutACatalogueItIsNoSuccess) {
+TEST_F(Query, WithoutACatalogueItIsNoSuccess) {
   makeWorkerThatLeaves("FREE", "0");
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: the update engine left no catalogue\n");
 }
 
-TEST_F(QueryTest, FolderThatIsNotEmptyIsRefused) {
+TEST_F(Query, FolderThatIsNotEmptyIsRefused) {
   options.engine.folder = folder / "mine";
   folder.write("mine/.hidden", "");
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") +
                                 " is not empty: it would be removed with everything in it\n");
-  EXPECT_FALSE(platform::exists(folder / kTestJobFile));
+  EXPECT_FALSE(platform::exists(folder / testing::kJobFile));
 }
 
-TEST_F(QueryTest, FileInPlaceOfTheFolderIsRefused) {
+TEST_F(Query, FileInPlaceOfTheFolderIsRefused) {
   options.engine.folder = folder.write("mine", "");
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") + " is a file\n");
 }
 
-TEST_F(QueryTest, EmptyTextsAreRefused) {
+TEST_F(Query, EmptyTextsAreRefused) {
   options.product = "";
   EXPECT_EQ(run(), kBadUsage);
   options.product = "manager";
@@ -96,9 +96,9 @@ TEST_F(QueryTest, EmptyTextsAreRefused) {
             "kelvane-console: the service's URL is missing\n");
 }
 
-class DownloadTest : public ConsoleWorld {
+class Download : public ConsoleWorld {
  protected:
-  DownloadTest() {
+  Download() {
     options.engine = {"/srv/updates", folder / "new"};
     options.products = {"t3=3.1", "manager"};
   }
@@ -111,7 +111,7 @@ class DownloadTest : public ConsoleWorld {
   DownloadOptions options;
 };
 
-TEST_F(DownloadTest, TheWorkerFindsAListOfParameters) {
+TEST_F(Download, TheWorkerFindsAListOfParameters) {
   makeWorkerThatLooks();
   run();
   const platform::Value record = seenRecord();
@@ -128,7 +128,7 @@ TEST_F(DownloadTest, TheWorkerFindsAListOfParameters) {
   }
 }
 
-TEST_F(DownloadTest, DownloadsAreShownWithTheirPresence) {
+TEST_F(Download, DownloadsAreShownWithTheirPresence) {
   const std::string image = folder.write("FW_T3.img", "x");
   makeWorkerThatLeaves("FREE", "259",
                        R"(, "job_id": "downloadOnlineUpdateFile", "output": [
@@ -145,7 +145,7 @@ TEST_F(DownloadTest, DownloadsAreShownWithTheirPresence) {
                 "manager  2.0      2.5 GB  no\n");
 }
 
-TEST_F(DownloadTest, NoProductIsRefused) {
+TEST_F(Download, NoProductIsRefused) {
   options.products.clear();
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: no product is given\n");

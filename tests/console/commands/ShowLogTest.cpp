@@ -9,9 +9,9 @@
 namespace kelvane::console {
 namespace {
 
-class ShowLogTest : public ConsoleWorld {
+class ShowLog : public ConsoleWorld {
  protected:
-  ShowLogTest() {
+  ShowLog() {
     options.sharedFolder = folder / "shared";
     folder.write("shared/utility/logs/TarselVistrelUtility.txt",
                  "[14:03:07] [a.cpp][1][run][debug] jobs = (\n    1,\n    2\n)\n"
@@ -24,7 +24,7 @@ class ShowLogTest : public ConsoleWorld {
   ShowLogOptions options;
 };
 
-TEST_F(ShowLogTest, OneLineAnEntryObjectsFolded) {
+TEST_F(ShowLog, OneLineAnEntryObjectsFolded) {
   screen.charset = Charset::ascii;
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(),
@@ -33,20 +33,20 @@ TEST_F(ShowLogTest, OneLineAnEntryObjectsFolded) {
             "14:03:09 run: two ... (1 more line)\n");
 }
 
-TEST_F(ShowLogTest, FullShowsObjectsWhole) {
+TEST_F(ShowLog, FullShowsObjectsWhole) {
   options.full = true;
   options.function = "run";
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(), "14:03:07 run: jobs = (\n    1,\n    2\n)\n14:03:09 run: two\nlines\n");
 }
 
-TEST_F(ShowLogTest, LevelIsTheLeastThatIsShown) {
+TEST_F(ShowLog, LevelIsTheLeastThatIsShown) {
   options.level = "warning";
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(), "14:03:08 error init: open /x\xEF\xBF\xBD: none\n");
 }
 
-TEST_F(ShowLogTest, ErrorsAreRedWhereThereAreColours) {
+TEST_F(ShowLog, ErrorsAreRedWhereThereAreColours) {
   options.level = "error";
   screen.colour = true;
   screen.charset = Charset::ascii;
@@ -54,7 +54,7 @@ TEST_F(ShowLogTest, ErrorsAreRedWhereThereAreColours) {
   EXPECT_EQ(shown.str(), "\x1b[31m14:03:08 error init: open /x?: none\x1b[0m\n");
 }
 
-TEST_F(ShowLogTest, ForMachinesALineOfJsonEach) {
+TEST_F(ShowLog, ForMachinesALineOfJsonEach) {
   screen.json = true;
   options.function = "run";
   EXPECT_EQ(run(), kSuccess);
@@ -67,7 +67,7 @@ TEST_F(ShowLogTest, ForMachinesALineOfJsonEach) {
             "\n");
 }
 
-TEST_F(ShowLogTest, WithoutALogThereIsNoneToShow) {
+TEST_F(ShowLog, WithoutALogThereIsNoneToShow) {
   std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   EXPECT_EQ(run(), kNotFound);
 }

@@ -16,9 +16,9 @@
 namespace kelvane::console {
 namespace {
 
-class UpdateFwTest : public ConsoleWorld {
+class UpdateFw : public ConsoleWorld {
  protected:
-  UpdateFwTest() { options.updates = {"5000A1=" + folder.write("a=b.img", "image")}; }
+  UpdateFw() { options.updates = {"5000A1=" + folder.write("a=b.img", "image")}; }
 
   int run() {
     options.job = job;
@@ -28,7 +28,7 @@ class UpdateFwTest : public ConsoleWorld {
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
     EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
-    EXPECT_FALSE(platform::exists(folder / kTestJobFile));
+    EXPECT_FALSE(platform::exists(folder / testing::kJobFile));
   }
 
   // A pipe for a worker that lives until a line comes.
@@ -47,20 +47,20 @@ class UpdateFwTest : public ConsoleWorld {
   std::fstream line;
 };
 
-TEST_F(UpdateFwTest, Result0IsSuccess) {
+TEST_F(UpdateFw, Result0IsSuccess) {
   makeWorkerThatLeaves("FREE", "0");
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(messages.str(), "");
   EXPECT_EQ(shownAtTheEnd(), "result 0: the text\n");
 }
 
-TEST_F(UpdateFwTest, AnotherResultIsAFailedJob) {
+TEST_F(UpdateFw, AnotherResultIsAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(shownAtTheEnd(), "result 32852: the text\n");
 }
 
-TEST_F(UpdateFwTest, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {
+TEST_F(UpdateFw, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {
   makeWorkerThatLooks();
   options.updates.push_back("5000A2=" + std::filesystem::relative(folder / "a=b.img").string());
   run();
@@ -76,7 +76,7 @@ TEST_F(UpdateFwTest, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {
   EXPECT_EQ(inputs.at(1).get("file_path").string().front(), '/');
 }
 
-TEST_F(UpdateFwTest, WorkerThatDiesInWait) {
+TEST_F(UpdateFw, WorkerThatDiesInWait) {
   makeWorker("exit 0");
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(),
@@ -85,7 +85,7 @@ TEST_F(UpdateFwTest, WorkerThatDiesInWait) {
             "submit it again\n");
 }
 
-TEST_F(UpdateFwTest, WorkerThatDiesInRun) {
+TEST_F(UpdateFw, WorkerThatDiesInRun) {
   makeWorkerThatLeaves("RUN", "0");
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_NE(
@@ -96,7 +96,7 @@ TEST_F(UpdateFwTest, WorkerThatDiesInRun) {
       << messages.str();
 }
 
-TEST_F(UpdateFwTest, WorkerThatDiesWhileAControllerMayBeFlashed) {
+TEST_F(UpdateFw, WorkerThatDiesWhileAControllerMayBeFlashed) {
   makeWorkerThatLeaves("RUN", "0", R"(, "job_id": "updateFW")");
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_NE(messages.str().find(
@@ -107,7 +107,7 @@ TEST_F(UpdateFwTest, WorkerThatDiesWhileAControllerMayBeFlashed) {
       << messages.str();
 }
 
-TEST_F(UpdateFwTest, HowToFollowAgainIsQuotedForAShell) {
+TEST_F(UpdateFw, HowToFollowAgainIsQuotedForAShell) {
   makeWorker("read word < " + makeLine());
   interrupt = true;
   job.logId = "it's 7";
@@ -116,7 +116,7 @@ TEST_F(UpdateFwTest, HowToFollowAgainIsQuotedForAShell) {
   endWorker();
 }
 
-TEST_F(UpdateFwTest, WorkerThatLosesTheRecord) {
+TEST_F(UpdateFw, WorkerThatLosesTheRecord) {
   makeWorker("echo '[]' > \"$2utility/command/BGPLog.json\"");
   EXPECT_EQ(run(), kJobFileFailed);
   EXPECT_EQ(
@@ -125,23 +125,23 @@ TEST_F(UpdateFwTest, WorkerThatLosesTheRecord) {
       "job file\n");
 }
 
-TEST_F(UpdateFwTest, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
+TEST_F(UpdateFw, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
   job.worker = folder / "none";
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: start " + (folder / "none") +
                                 ": No such file or directory; job 1 stays waiting in " +
-                                (folder / kTestJobFile) + "\n");
-  EXPECT_NE(folder.read(kTestJobFile).find("\"WAIT\""), std::string::npos);
+                                (folder / testing::kJobFile) + "\n");
+  EXPECT_NE(folder.read(testing::kJobFile).find("\"WAIT\""), std::string::npos);
 }
 
-TEST_F(UpdateFwTest, GivenWorkerIsTakenBeforeTheBundles) {
+TEST_F(UpdateFw, GivenWorkerIsTakenBeforeTheBundles) {
   makeWorkerThatLeaves("FREE", "0");
   job.worker = job.bundle + "/Contents/Resources/Kelvane";
   job.bundle = "/nowhere";
   EXPECT_EQ(run(), kSuccess);
 }
 
-TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
+TEST_F(UpdateFw, InterruptTellsThatTheWorkerGoesOn) {
   makeWorker("read word < " + makeLine());
   interrupt = true;
   job.logId = "job-7";
@@ -153,37 +153,37 @@ TEST_F(UpdateFwTest, InterruptTellsThatTheWorkerGoesOn) {
   endWorker();
 }
 
-TEST_F(UpdateFwTest, DamagedJobFileStartsNoWorker) {
+TEST_F(UpdateFw, DamagedJobFileStartsNoWorker) {
   makeWorker("touch \"$2started\"");
-  folder.write(kTestJobFile, "[{");
+  folder.write(testing::kJobFile, "[{");
   EXPECT_EQ(run(), kJobFileFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / kTestJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / testing::kJobFile) +
                                 " is damaged (no JSON array): left as it is\n");
-  EXPECT_EQ(folder.read(kTestJobFile), "[{");
+  EXPECT_EQ(folder.read(testing::kJobFile), "[{");
 }
 
-TEST_F(UpdateFwTest, MissingImageIsRefused) {
+TEST_F(UpdateFw, MissingImageIsRefused) {
   options.updates.push_back("5000A2=/nowhere/x.img");
   expectRefused("image /nowhere/x.img does not exist");
 }
 
-TEST_F(UpdateFwTest, FolderAsImageIsRefused) {
+TEST_F(UpdateFw, FolderAsImageIsRefused) {
   options.updates = {"5000A1=/tmp"};
   expectRefused("image /tmp is a folder");
 }
 
-TEST_F(UpdateFwTest, ImagePathThatTheWorkerWouldCutIsRefused) {
+TEST_F(UpdateFw, ImagePathThatTheWorkerWouldCutIsRefused) {
   const std::string tooLong = folder.write(std::string(250, 'x'), "");
   options.updates = {"5000A1=" + tooLong};
   expectRefused("image " + tooLong + ": the path is longer than 255 bytes");
 }
 
-TEST_F(UpdateFwTest, UpdateOfAnotherFormIsRefused) {
+TEST_F(UpdateFw, UpdateOfAnotherFormIsRefused) {
   options.updates = {"5000A1"};
   expectRefused("\"5000A1\" is not of the form WWN=IMAGE");
 }
 
-TEST_F(UpdateFwTest, EmptyPartsAreRefused) {
+TEST_F(UpdateFw, EmptyPartsAreRefused) {
   options.updates = {"=/bin/true"};
   expectRefused("the WWN of \"=/bin/true\" is missing");
   options.updates = {"5000A1="};
@@ -191,29 +191,29 @@ TEST_F(UpdateFwTest, EmptyPartsAreRefused) {
   expectRefused("the image is missing");
 }
 
-TEST_F(UpdateFwTest, WhatIsNotUtf8IsRefused) {
+TEST_F(UpdateFw, WhatIsNotUtf8IsRefused) {
   options.updates = {"50\xFF=/bin/true"};
   expectRefused("the WWN of \"50�=/bin/true\" is not UTF-8: 50�");
 }
 
-TEST_F(UpdateFwTest, NoBundleAndNoWorkerIsRefused) {
+TEST_F(UpdateFw, NoBundleAndNoWorkerIsRefused) {
   job.bundle = "";
   expectRefused("neither a bundle nor a worker is given");
 }
 
-TEST_F(UpdateFwTest, EmptySharedFolderIsRefused) {
+TEST_F(UpdateFw, EmptySharedFolderIsRefused) {
   job.sharedFolder = "";
   expectRefused("the shared folder is missing");
 }
 
-TEST_F(UpdateFwTest, SharedFolderThatIsNotThereIsRefused) {
+TEST_F(UpdateFw, SharedFolderThatIsNotThereIsRefused) {
   job.sharedFolder = "/nowhere/shared";
   expectRefused("the shared folder /nowhere/shared does not exist");
 }
 
-TEST_F(UpdateFwTest, TakenLogIdIsRefused) {
+TEST_F(UpdateFw, TakenLogIdIsRefused) {
   job.logId = "7";
-  folder.write(kTestJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
+  folder.write(testing::kJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: log id 7 is taken: its job is in state RUN\n");
 }

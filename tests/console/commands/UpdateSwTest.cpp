@@ -10,9 +10,9 @@
 namespace kelvane::console {
 namespace {
 
-class UpdateSwTest : public ConsoleWorld {
+class UpdateSw : public ConsoleWorld {
  protected:
-  UpdateSwTest() {
+  UpdateSw() {
     folder.write("New.app/new", "");
     folder.write("Installed.app/old", "");
     folder.write("Manager.app/Contents/Resources/Config/setting.json",
@@ -27,13 +27,13 @@ class UpdateSwTest : public ConsoleWorld {
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
     EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
-    EXPECT_FALSE(platform::exists(folder / kTestJobFile));
+    EXPECT_FALSE(platform::exists(folder / testing::kJobFile));
   }
 
   UpdateSwOptions options;
 };
 
-TEST_F(UpdateSwTest, TheWorkerFindsThePackage) {
+TEST_F(UpdateSw, TheWorkerFindsThePackage) {
   makeWorkerThatLooks();
   options.package = std::filesystem::relative(folder / "New.app").string();
   run();
@@ -43,14 +43,14 @@ TEST_F(UpdateSwTest, TheWorkerFindsThePackage) {
   EXPECT_TRUE(std::filesystem::equivalent(path, folder / "New.app"));
 }
 
-TEST_F(UpdateSwTest, TellsWhereTheApplicationStands) {
+TEST_F(UpdateSw, TellsWhereTheApplicationStands) {
   makeWorkerThatLeaves("FREE", "0");
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shownAtTheEnd(),
             "result 0: the text\ninstalled at " + (folder / "Installed.app") + "\n");
 }
 
-TEST_F(UpdateSwTest, AnApplicationThatIsGoneIsNoSuccess) {
+TEST_F(UpdateSw, AnApplicationThatIsGoneIsNoSuccess) {
   makeWorkerThatLeaves("FREE", "0");
   std::filesystem::remove_all(folder / "Installed.app");
   EXPECT_EQ(run(), kJobFailed);
@@ -59,7 +59,7 @@ TEST_F(UpdateSwTest, AnApplicationThatIsGoneIsNoSuccess) {
                                 ": it was removed, and the new one was not copied\n");
 }
 
-TEST_F(UpdateSwTest, WithoutSettingsTheResultCounts) {
+TEST_F(UpdateSw, WithoutSettingsTheResultCounts) {
   makeWorkerThatLeaves("FREE", "0");
   for (const char* settings : {"", "[]", "{}", R"({"AppPath": 5})"}) {
     folder.write("Manager.app/Contents/Resources/Config/setting.json", settings);
@@ -70,17 +70,17 @@ TEST_F(UpdateSwTest, WithoutSettingsTheResultCounts) {
   EXPECT_EQ(run(), kSuccess);
 }
 
-TEST_F(UpdateSwTest, MissingPackageIsRefused) {
+TEST_F(UpdateSw, MissingPackageIsRefused) {
   options.package = "/nowhere/New.app";
   expectRefused("package /nowhere/New.app does not exist");
 }
 
-TEST_F(UpdateSwTest, FileIsNoApplicationBundle) {
+TEST_F(UpdateSw, FileIsNoApplicationBundle) {
   options.package = folder.write("New.dmg", "");
   expectRefused("package " + options.package + " is no application bundle: it is a file");
 }
 
-TEST_F(UpdateSwTest, PackageInsideTheReplacedApplicationIsRefused) {
+TEST_F(UpdateSw, PackageInsideTheReplacedApplicationIsRefused) {
   for (const char* inside : {"Installed.app", "Installed.app/Contents/New.app"}) {
     options.package = folder / inside;
     std::filesystem::create_directories(options.package);
@@ -90,7 +90,7 @@ TEST_F(UpdateSwTest, PackageInsideTheReplacedApplicationIsRefused) {
   }
 }
 
-TEST_F(UpdateSwTest, PackageWhoseNameOnlyBeginsAlikeIsNot) {
+TEST_F(UpdateSw, PackageWhoseNameOnlyBeginsAlikeIsNot) {
   makeWorkerThatLeaves("FREE", "0");
   options.package = folder / "Installed.app.new";
   std::filesystem::create_directories(options.package);

@@ -30,7 +30,7 @@ std::string taken(const std::string& logId) { return start() + look(logId, "WAIT
 
 LogStretch stretch(const std::string& log) { return stretchOf(parseLog(log), "17"); }
 
-TEST(LogStretchTest, HasTheErrorsAndTheLastStepOfTheJob) {
+TEST(LogStretch, HasTheErrorsAndTheLastStepOfTheJob) {
   const LogStretch found =
       stretch(taken("17") + line("updateFW", "one") + error("updateFW", "cause") +
               line("updateFW", "  ...  50 percent\nmore") + line("updateJSONFile", "all") +
@@ -40,7 +40,7 @@ TEST(LogStretchTest, HasTheErrorsAndTheLastStepOfTheJob) {
   EXPECT_EQ(found.lastStep, "14:03:07 updateFW: ...  50 percent");
 }
 
-TEST(LogStretchTest, OtherJobsBeforeAndAfterItAreNotPartOfIt) {
+TEST(LogStretch, OtherJobsBeforeAndAfterItAreNotPartOfIt) {
   const LogStretch found =
       stretch(taken("16") + error("updateFW", "before") + taken("17") + line("updateFW", "mine") +
               taken("18") + error("updateFW", "after") + line("updateFW", "last"));
@@ -48,24 +48,24 @@ TEST(LogStretchTest, OtherJobsBeforeAndAfterItAreNotPartOfIt) {
   EXPECT_EQ(found.lastStep, "14:03:07 updateFW: mine");
 }
 
-TEST(LogStretchTest, TheLastOfSeveralCounts) {
+TEST(LogStretch, TheLastOfSeveralCounts) {
   EXPECT_EQ(stretch(taken("17") + line("updateFW", "old") + taken("17") + line("updateFW", "new"))
                 .lastStep,
             "14:03:07 updateFW: new");
 }
 
-TEST(LogStretchTest, AJobThatWasOnlyLookedAtWasNotTaken) {
+TEST(LogStretch, AJobThatWasOnlyLookedAtWasNotTaken) {
   EXPECT_FALSE(stretch(start() + look("17", "WAIT") + look("18", "WAIT")).isFound);
   EXPECT_FALSE(stretch(start() + look("17", "FREE")).isFound);
   EXPECT_FALSE(stretch(taken("170") + line("updateFW", "x")).isFound);
   EXPECT_FALSE(stretch("").isFound);
 }
 
-TEST(LogStretchTest, AJobThatIsBehindOthersWasTaken) {
+TEST(LogStretch, AJobThatIsBehindOthersWasTaken) {
   EXPECT_TRUE(stretch(start() + look("16", "FREE") + look("17", "WAIT")).isFound);
 }
 
-TEST(LogStretchTest, AnErrorAtTheWorkersStartIsPartOfIt) {
+TEST(LogStretch, AnErrorAtTheWorkersStartIsPartOfIt) {
   const std::string settings = error("init", "open setting.json: No such file");
   EXPECT_THAT(stretch(settings + taken("17")).errors,
               ElementsAre("14:03:07 init: open setting.json: No such file"));
@@ -73,14 +73,14 @@ TEST(LogStretchTest, AnErrorAtTheWorkersStartIsPartOfIt) {
               IsEmpty());
 }
 
-TEST(LogStretchTest, AnErrorOfTheJobRunnerBelongsToTheWorkerThatLookedBefore) {
+TEST(LogStretch, AnErrorOfTheJobRunnerBelongsToTheWorkerThatLookedBefore) {
   EXPECT_THAT(stretch(taken("17") + error("run", "no string")).errors,
               ElementsAre("14:03:07 run: no string"));
   EXPECT_THAT(stretch(taken("17") + line("updateFW", "x") + error("run", "open: No")).errors,
               IsEmpty());
 }
 
-TEST(LogStretchTest, AWorkerWithoutALogIdIsAnother) {
+TEST(LogStretch, AWorkerWithoutALogIdIsAnother) {
   EXPECT_EQ(stretch(taken("17") + line("updateFW", "x") + line("run", "Fail, logid = nil") +
                     line("updateFW", "y"))
                 .lastStep,

@@ -26,7 +26,7 @@ class ScriptedWorker : public Worker {
 };
 
 // A job file that has its next version at each wait; the last version stays.
-class FollowerTest : public ::testing::Test, public Clock {
+class Follower : public ::testing::Test, public Clock {
  protected:
   Followed followVersions(std::vector<std::string> versions) {
     versions_ = std::move(versions);
@@ -88,7 +88,7 @@ class FollowerTest : public ::testing::Test, public Clock {
   std::size_t next_ = 0;
 };
 
-TEST_F(FollowerTest, ShowsEachChangeAndTheResult) {
+TEST_F(Follower, ShowsEachChangeAndTheResult) {
   const Followed followed =
       followVersions({waiting(), waiting(), running(0, 0, 0), running(50, 0, 25),
                       running(50, 0, 25), running(100, 37, 68), finished("0", "no error")});
@@ -105,7 +105,7 @@ TEST_F(FollowerTest, ShowsEachChangeAndTheResult) {
   EXPECT_EQ(waits, std::vector<std::chrono::milliseconds>(6, std::chrono::milliseconds(200)));
 }
 
-TEST_F(FollowerTest, FailedJobIsFinishedWithItsResult) {
+TEST_F(Follower, FailedJobIsFinishedWithItsResult) {
   const Followed followed =
       followVersions({running(100, 10, 55), finished("32852", "flash error")});
   EXPECT_EQ(followed.outcome, Outcome::finished);
@@ -113,7 +113,7 @@ TEST_F(FollowerTest, FailedJobIsFinishedWithItsResult) {
   EXPECT_EQ(followed.last.status.result, "32852");
 }
 
-TEST_F(FollowerTest, MissingOrDamagedFileIsPassedOver) {
+TEST_F(Follower, MissingOrDamagedFileIsPassedOver) {
   const Followed followed = followVersions({running(10, 0, 5), kMissing, "", "[{\"log_id\"", "[]",
                                             running(20, 0, 10), finished("0", "no error")});
   EXPECT_EQ(followed.outcome, Outcome::finished);
@@ -125,21 +125,21 @@ TEST_F(FollowerTest, MissingOrDamagedFileIsPassedOver) {
             "result 0: no error\n");
 }
 
-TEST_F(FollowerTest, RunningWorkerIsFollowedHoweverLongTheFileIsMissing) {
+TEST_F(Follower, RunningWorkerIsFollowedHoweverLongTheFileIsMissing) {
   std::vector<std::string> versions(100, kMissing);
   versions.push_back(finished("0", "no error"));
   EXPECT_EQ(followVersions(versions).outcome, Outcome::finished);
   EXPECT_EQ(waits.size(), 100U);
 }
 
-TEST_F(FollowerTest, WorkerThatEndsInWaitLeavesTheJobUnfinished) {
+TEST_F(Follower, WorkerThatEndsInWaitLeavesTheJobUnfinished) {
   workerEndsAtWait = 1;
   const Followed followed = followVersions({waiting()});
   EXPECT_EQ(followed.outcome, Outcome::workerEnded);
   EXPECT_EQ(followed.last.status.state, "WAIT");
 }
 
-TEST_F(FollowerTest, WorkerThatEndsInRunLeavesTheJobUnfinished) {
+TEST_F(Follower, WorkerThatEndsInRunLeavesTheJobUnfinished) {
   workerEndsAtWait = 2;
   const Followed followed = followVersions({waiting(), running(0, 0, 0), running(50, 0, 25)});
   EXPECT_EQ(followed.outcome, Outcome::workerEnded);
@@ -148,14 +148,14 @@ TEST_F(FollowerTest, WorkerThatEndsInRunLeavesTheJobUnfinished) {
             (std::vector<ControllerStatus>{{"5000A1", 50, 0, 25}}));
 }
 
-TEST_F(FollowerTest, WhatTheWorkerWroteLastIsSeenAfterItsEnd) {
+TEST_F(Follower, WhatTheWorkerWroteLastIsSeenAfterItsEnd) {
   workerEndsAtWait = 1;
   EXPECT_EQ(followVersions({running(0, 0, 0), finished("0", "no error")}).outcome,
             Outcome::finished);
 }
 
 // The job is finished while the follower asks whether the worker has ended.
-TEST_F(FollowerTest, FileIsReadAfterTheEndIsSeen) {
+TEST_F(Follower, FileIsReadAfterTheEndIsSeen) {
   class EndsWhileAsked : public Worker {
    public:
     explicit EndsWhileAsked(std::function<void()> finish) : finish_(std::move(finish)) {}
@@ -174,26 +174,26 @@ TEST_F(FollowerTest, FileIsReadAfterTheEndIsSeen) {
   EXPECT_EQ(follow(JobFile(folder / ""), "18", ending, *this, view).outcome, Outcome::finished);
 }
 
-TEST_F(FollowerTest, FileMissingForAMomentAfterTheEndIsPassedOver) {
+TEST_F(Follower, FileMissingForAMomentAfterTheEndIsPassedOver) {
   worker.ended = true;
   EXPECT_EQ(followVersions({kMissing, "[", finished("0", "no error")}).outcome, Outcome::finished);
 }
 
-TEST_F(FollowerTest, RecordMissingAfterTheEndIsLost) {
+TEST_F(Follower, RecordMissingAfterTheEndIsLost) {
   worker.ended = true;
   EXPECT_EQ(followVersions({"[]"}).outcome, Outcome::recordLost);
   EXPECT_EQ(waits.size(), 4U);
   EXPECT_EQ(shown.str(), "");
 }
 
-TEST_F(FollowerTest, InterruptLeavesTheWorkerAlone) {
+TEST_F(Follower, InterruptLeavesTheWorkerAlone) {
   interruptedAtWait = 2;
   const Followed followed = followVersions({waiting(), running(0, 0, 0), running(50, 0, 25)});
   EXPECT_EQ(followed.outcome, Outcome::interrupted);
   EXPECT_EQ(followed.last.status.state, "RUN");
 }
 
-TEST_F(FollowerTest, TellsTheTimeSinceTheStartAndSinceTheLastChange) {
+TEST_F(Follower, TellsTheTimeSinceTheStartAndSinceTheLastChange) {
   interruptedAtWait = 5;
   const Followed followed =
       followVersions({waiting(), running(0, 0, 0), running(0, 0, 0), kMissing, running(0, 0, 0)});
@@ -201,7 +201,7 @@ TEST_F(FollowerTest, TellsTheTimeSinceTheStartAndSinceTheLastChange) {
   EXPECT_EQ(followed.last.silence, std::chrono::milliseconds(600));
 }
 
-TEST_F(FollowerTest, LastLookHoldsTheRecord) {
+TEST_F(Follower, LastLookHoldsTheRecord) {
   const Followed followed = followVersions({finished("0", "no error")});
   EXPECT_EQ(followed.last.record.get("resultStr").string(), "no error");
 }

@@ -143,14 +143,14 @@ struct Choice {
   const char* logId;
 };
 
-class NextLogIdTest : public ::testing::TestWithParam<Choice> {};
+class NextLogId : public ::testing::TestWithParam<Choice> {};
 
-TEST_P(NextLogIdTest, IsAboveAllNumbers) {
+TEST_P(NextLogId, IsAboveAllNumbers) {
   EXPECT_EQ(nextLogId(parseJson(GetParam().records)), GetParam().logId) << GetParam().records;
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, NextLogIdTest,
+    All, NextLogId,
     ::testing::Values(Choice{"[]", "1"}, Choice{R"([{"log_id": "17"}, {"log_id": "3"}])", "18"},
                       Choice{R"([{"log_id": "9"}, {"log_id": "10"}])", "11"},
                       Choice{R"([{"log_id": "99"}])", "100"}, Choice{R"([{"log_id": "0"}])", "1"},

@@ -10,18 +10,19 @@
 
 #include "console/job/Processes.h"
 #include "console/job/Worker.h"
+#include "tests/support/JobFiles.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {
 
-class ProcessesTest : public ::testing::Test {
+class Processes : public ::testing::Test {
  protected:
-  ProcessesTest() {
+  Processes() {
     ::mkfifo((folder / "18").c_str(), 0600);
     setState("RUN");
   }
-  ~ProcessesTest() override { end(); }
+  ~Processes() override { end(); }
 
   // A process that is called by this name with the log id 18 and this shared folder, and lives
   // until end(): it reads the pipe "18" in its current folder.
@@ -41,8 +42,7 @@ class ProcessesTest : public ::testing::Test {
     process_ = 0;
   }
   void setState(const std::string& state) const {
-    folder.write("shared/utility/command/BGPLog.json",
-                 R"([{"log_id": "18", "state_id": ")" + state + "\"}]");
+    folder.write(testing::kJobFile, R"([{"log_id": "18", "state_id": ")" + state + "\"}]");
   }
   bool runs(const std::string& logId = "18") const { return workerRuns(logId, folder / "shared/"); }
   bool hasEnded() const { return ForeignWorker("18", folder / "shared/").hasEnded(); }
@@ -54,7 +54,7 @@ class ProcessesTest : public ::testing::Test {
   std::ofstream line_;
 };
 
-TEST_F(ProcessesTest, AWorkerIsFoundByItsNameJobAndFolder) {
+TEST_F(Processes, AWorkerIsFoundByItsNameJobAndFolder) {
   EXPECT_FALSE(runs());
   start("/any/where/Kelvane", folder / "shared/");
   EXPECT_TRUE(runs());
@@ -64,7 +64,7 @@ TEST_F(ProcessesTest, AWorkerIsFoundByItsNameJobAndFolder) {
   EXPECT_FALSE(runs());
 }
 
-TEST_F(ProcessesTest, TheSharedFolderMayBeWrittenInAnyWay) {
+TEST_F(Processes, TheSharedFolderMayBeWrittenInAnyWay) {
   for (const char* spelling : {"shared", "./shared/", "shared//."}) {
     start("Kelvane", spelling);
     EXPECT_TRUE(runs()) << spelling;
@@ -72,12 +72,12 @@ TEST_F(ProcessesTest, TheSharedFolderMayBeWrittenInAnyWay) {
   }
 }
 
-TEST_F(ProcessesTest, UnderAnotherNameItIsTheSameWorker) {
+TEST_F(Processes, UnderAnotherNameItIsTheSameWorker) {
   start("/any/where/Worker-2", folder / "shared/");
   EXPECT_TRUE(runs());
 }
 
-TEST_F(ProcessesTest, WithoutAFolderItWorksInItsCurrentOneAndIsKnownByItsName) {
+TEST_F(Processes, WithoutAFolderItWorksInItsCurrentOneAndIsKnownByItsName) {
   start("Kelvane", "");
   EXPECT_TRUE(workerRuns("18", folder / ""));
   EXPECT_FALSE(runs());
@@ -86,19 +86,19 @@ TEST_F(ProcessesTest, WithoutAFolderItWorksInItsCurrentOneAndIsKnownByItsName) {
   EXPECT_FALSE(workerRuns("18", folder / ""));
 }
 
-TEST_F(ProcessesTest, ForeignWorkerHasEndedWhenNoneRunsAndTheJobIsInRun) {
+TEST_F(Processes, ForeignWorkerHasEndedWhenNoneRunsAndTheJobIsInRun) {
   EXPECT_TRUE(hasEnded());
   start("Kelvane", folder / "shared/");
   EXPECT_FALSE(hasEnded());
 }
 
-TEST_F(ProcessesTest, BeforeRunAWorkerMayStillBeStarted) {
+TEST_F(Processes, BeforeRunAWorkerMayStillBeStarted) {
   setState("WAIT");
   EXPECT_FALSE(hasEnded());
 }
 
-TEST_F(ProcessesTest, WithoutItsRecordAJobThatNobodyRunsIsOver) {
-  folder.write("shared/utility/command/BGPLog.json", "[");
+TEST_F(Processes, WithoutItsRecordAJobThatNobodyRunsIsOver) {
+  folder.write(testing::kJobFile, "[");
   EXPECT_TRUE(hasEnded());
   setState("DONE");
   EXPECT_TRUE(hasEnded());

@@ -13,9 +13,9 @@ namespace {
 constexpr char kFrame[] =
     ".\\\" @SYNOPSIS@\n.\\\" @COMMANDS@\n.\\\" @OPTIONS@\n.\\\" @ENVIRONMENT@\nend\n";
 
-class ManualPageTest : public ::testing::Test {
+class ManualPage : public ::testing::Test {
  protected:
-  ManualPageTest() {
+  ManualPage() {
     table.name = "tool";
     table.commands.resize(2);
     table.commands[0].name = "add";
@@ -39,56 +39,56 @@ class ManualPageTest : public ::testing::Test {
   CommandTable table;
 };
 
-TEST_F(ManualPageTest, KeepsWhatIsWrittenByHand) { EXPECT_TRUE(shows("\nend\n")); }
+TEST_F(ManualPage, KeepsWhatIsWrittenByHand) { EXPECT_TRUE(shows("\nend\n")); }
 
-TEST_F(ManualPageTest, RefusesAFrameWithoutAPlaceForAPart) {
+TEST_F(ManualPage, RefusesAFrameWithoutAPlaceForAPart) {
   EXPECT_THROW(manualPage("end\n", table), std::runtime_error);
 }
 
-TEST_F(ManualPageTest, SynopsisBracketsWhatMayBeLeftOut) {
+TEST_F(ManualPage, SynopsisBracketsWhatMayBeLeftOut) {
   table.commands[0].options = {option("--size", "BYTES"), option("--all", "")};
   table.commands[0].options[0].required = true;
   EXPECT_TRUE(shows("\\fBtool add\\fR\n\\fB\\-\\-size\\fR \\fIBYTES\\fR\n[\\fB\\-\\-all\\fR]\n"));
 }
 
-TEST_F(ManualPageTest, SynopsisHasDotsForSeveralValues) {
+TEST_F(ManualPage, SynopsisHasDotsForSeveralValues) {
   table.commands[0].arguments = {{.names = {"files"}, .valueName = "FILE", .repeated = true}};
   EXPECT_TRUE(shows("[\\fIFILE\\fR ...]\n"));
 }
 
-TEST_F(ManualPageTest, OptionOfOneCommandStandsWithIt) {
+TEST_F(ManualPage, OptionOfOneCommandStandsWithIt) {
   table.commands[0].options = {option("--size", "BYTES")};
   EXPECT_TRUE(shows(".TP\n\\fB\\-\\-size\\fR \\fIBYTES\\fR\nWhat size does.\n.SS take\\-out"));
   EXPECT_EQ(countOf("What size does."), 1U);
 }
 
-TEST_F(ManualPageTest, OptionOfSeveralCommandsIsDescribedOnce) {
+TEST_F(ManualPage, OptionOfSeveralCommandsIsDescribedOnce) {
   table.commands[0].options = {option("--all", "")};
   table.commands[1].options = table.commands[0].options;
   EXPECT_EQ(countOf("What all does."), 1U);
   EXPECT_GT(page().find("What all does."), page().find(".SS take\\-out"));
 }
 
-TEST_F(ManualPageTest, TellsTheChoices) {
+TEST_F(ManualPage, TellsTheChoices) {
   table.commands[0].options = {option("--level", "LEVEL")};
   table.commands[0].options[0].choices = {"low", "high"};
   EXPECT_TRUE(shows("What level does.\nOne of: low, high.\n"));
 }
 
-TEST_F(ManualPageTest, NamesEachVariableOnce) {
+TEST_F(ManualPage, NamesEachVariableOnce) {
   table.commands[0].options = {option("--all", "")};
   table.commands[0].options[0].variable = "TOOL_ALL";
   table.commands[1].options = table.commands[0].options;
   EXPECT_EQ(countOf("\\fBTOOL_ALL\\fR\nStands in for \\fB\\-\\-all\\fR"), 1U);
 }
 
-TEST_F(ManualPageTest, NamesTheVariableOfAnOptionBeforeTheSubCommand) {
+TEST_F(ManualPage, NamesTheVariableOfAnOptionBeforeTheSubCommand) {
   table.options = {option("--all", "")};
   table.options[0].variable = "TOOL_ALL";
   EXPECT_TRUE(shows("\\fBTOOL_ALL\\fR\nStands in for \\fB\\-\\-all\\fR"));
 }
 
-TEST_F(ManualPageTest, ExamplesKeepTheirLines) {
+TEST_F(ManualPage, ExamplesKeepTheirLines) {
   table.commands[0].footer = "Example:\n  tool add \\\n    more";
   EXPECT_TRUE(shows(".PP\nExample:\n.RS 4\n.nf\ntool add \\e\n  more\n.fi\n.RE\n"));
 }

@@ -20,9 +20,9 @@ using Words = std::vector<std::string>;
 
 std::string scriptFor(const std::string& shell) { return completionScript(shell, commandTable()); }
 
-class BashCompletionTest : public ::testing::Test {
+class BashCompletion : public ::testing::Test {
  protected:
-  BashCompletionTest() {
+  BashCompletion() {
     std::filesystem::create_directories(folder / "an image");
     folder.write("an image.img", "");
     folder.write("other.txt", "");
@@ -45,23 +45,23 @@ class BashCompletionTest : public ::testing::Test {
   testing::TempFolder folder;
 };
 
-TEST_F(BashCompletionTest, OffersEverySubCommandFirst) {
+TEST_F(BashCompletion, OffersEverySubCommandFirst) {
   const Words found = offered({""});
   for (const Command& command : commandTable().commands) {
     EXPECT_EQ(std::count(found.begin(), found.end(), command.name), 1) << command.name;
   }
 }
 
-TEST_F(BashCompletionTest, CompletesASubCommand) {
+TEST_F(BashCompletion, CompletesASubCommand) {
   EXPECT_EQ(offered({"update"}), (Words{"update-fw", "update-sw"}));
 }
 
-TEST_F(BashCompletionTest, CompletesOptionsOfTheSubCommand) {
+TEST_F(BashCompletion, CompletesOptionsOfTheSubCommand) {
   EXPECT_EQ(offered({"query", "--u"}), Words{"--url"});
   EXPECT_EQ(offered({"update-fw", "--u"}), Words());
 }
 
-TEST_F(BashCompletionTest, OffersEveryOptionOfEverySubCommand) {
+TEST_F(BashCompletion, OffersEveryOptionOfEverySubCommand) {
   for (const Command& command : commandTable().commands) {
     const Words found = offered({command.name, "-"});
     for (const Option& option : command.options) {
@@ -71,37 +71,37 @@ TEST_F(BashCompletionTest, OffersEveryOptionOfEverySubCommand) {
   }
 }
 
-TEST_F(BashCompletionTest, OffersFoldersForAFolder) {
+TEST_F(BashCompletion, OffersFoldersForAFolder) {
   EXPECT_EQ(offered({"query", "--shared", ""}), Words{"an image"});
 }
 
-TEST_F(BashCompletionTest, OffersFilesForAPath) {
+TEST_F(BashCompletion, OffersFilesForAPath) {
   EXPECT_EQ(offered({"query", "--worker", "o"}), Words{"other.txt"});
 }
 
-TEST_F(BashCompletionTest, ReadsAValueAfterAnEqualsSign) {
+TEST_F(BashCompletion, ReadsAValueAfterAnEqualsSign) {
   EXPECT_EQ(offered({"query", "--shared", "="}), Words{"an image"});
   EXPECT_EQ(offered({"query", "--worker", "=", "o"}), Words{"other.txt"});
 }
 
-TEST_F(BashCompletionTest, OffersNothingForAValueThatIsTheUsersOwn) {
+TEST_F(BashCompletion, OffersNothingForAValueThatIsTheUsersOwn) {
   EXPECT_EQ(offered({"query", "--log-id", ""}), Words());
 }
 
-TEST_F(BashCompletionTest, OffersFoldersForAnApplication) {
+TEST_F(BashCompletion, OffersFoldersForAnApplication) {
   EXPECT_EQ(offered({"update-sw", "an"}), Words{"an image"});
 }
 
-TEST_F(BashCompletionTest, OffersImagesBehindAController) {
+TEST_F(BashCompletion, OffersImagesBehindAController) {
   EXPECT_EQ(offered({"update-fw", "5000A1", "=", "an"}), (Words{"an image", "an image.img"}));
 }
 
-TEST_F(BashCompletionTest, OffersWordsWhereThereAreFew) {
+TEST_F(BashCompletion, OffersWordsWhereThereAreFew) {
   EXPECT_EQ(offered({"completion", ""}), (Words{"bash", "fish", "zsh"}));
   EXPECT_EQ(offered({"completion", "z"}), Words{"zsh"});
 }
 
-TEST_F(BashCompletionTest, LeavesTheUsersVariablesAlone) {
+TEST_F(BashCompletion, LeavesTheUsersVariablesAlone) {
   const auto ended = testing::runProgram(
       {"/usr/bin/env", "bash", "--norc", "-c",
        scriptFor("bash") + "word=mine\nCOMP_WORDS=(kelvane-console q)\nCOMP_CWORD=1\n"

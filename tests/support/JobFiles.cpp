@@ -1,0 +1,15 @@
+#include "tests/support/JobFiles.h"
+
+#include "platform/Json.h"
+
+namespace kelvane::testing {
+
+using platform::Value;
+
+std::string waitingJob(const std::string& command, const Value& inputs, const std::string& logId) {
+  const Value record = Value::dictionary(
+      {{"log_id", logId}, {"job_id", command}, {"state_id", "WAIT"}, {"input_parameters", inputs}});
+  return *platform::printJson(Value::array({record}));
+}
+
+}  // namespace kelvane::testing
