@@ -50,6 +50,10 @@ std::string escaped(const std::string& text) {
   return safe;
 }
 
+std::string between(const char* opening, const std::string& text, const char* closing) {
+  return opening + text + closing;
+}
+
 std::string actionFor(const OptionShape& option) {
   switch (kindOf(option)) {
     case ValueKind::folder:
@@ -59,7 +63,7 @@ std::string actionFor(const OptionShape& option) {
     case ValueKind::assignedFile:
       return "{compset -P \"*=\" && _files}";
     case ValueKind::choice:
-      return "(" + joined(option.choices, " ") + ")";
+      return between("(", joined(option.choices, " "), ")");
     default:
       return " ";
   }
@@ -67,12 +71,12 @@ std::string actionFor(const OptionShape& option) {
 
 // The names of an option that has several: one of them excludes the others.
 std::string exclusion(const OptionShape& option) {
-  return option.names.size() > 1 ? "(" + joined(option.names, " ") + ")" : std::string();
+  return option.names.size() > 1 ? between("(", joined(option.names, " "), ")") : std::string();
 }
 
 // What follows an option's name.
 std::string explanation(const OptionShape& option) {
-  std::string text = "[" + escaped(option.description) + "]";
+  std::string text = between("[", escaped(option.description), "]");
   if (kindOf(option) == ValueKind::none) return text;
   return text + ":" + escaped(option.valueName) + ":" + actionFor(option);
 }
