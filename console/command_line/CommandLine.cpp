@@ -248,6 +248,7 @@ CommandLine::CommandLine() : commands_(std::make_unique<Commands>()) {
   Commands& all = *commands_;
   all.app.require_subcommand(1);
   all.app.footer(kFooter);
+  all.app.set_version_flag("--version", "kelvane-console " KELVANE_VERSION, "Show the version");
   onCall(addQuery(all.app, all.query, all.json), all.query, all.json, all.exitCode, query);
   onCall(addDownload(all.app, all.download, all.json), all.download, all.json, all.exitCode,
          download);

@@ -31,14 +31,19 @@ using Names = std::set<std::string>;
 
 constexpr char kWorkerSources[] = "Modules/Mac/FWUpdater/Kelvane_mac/";
 
+// With version and date, as it was when the project was configured.
+std::string builtPage(const std::string& name) {
+  return platform::readFile(KELVANE_BUILD "/docs/man/" + name);
+}
+
 std::string consolePage() {
   const console::CommandLine commandLine;
-  return console::manualPage(readSource("docs/man/kelvane-console.1.in"),
+  return console::manualPage(builtPage("kelvane-console.1.in"),
                              console::shapeOf(commandLine.app()));
 }
 
 std::string pageNamed(const std::string& name) {
-  return name == "kelvane-console.1" ? consolePage() : readSource("docs/man/" + name);
+  return name == "kelvane-console.1" ? consolePage() : builtPage(name);
 }
 
 // What stands between this heading and the next one of its kind (".SH" or ".SS").
@@ -109,7 +114,8 @@ TEST_P(ManualPageNamed, HasTheSectionsThatReadersLookFor) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Manual, ManualPageNamed,
-                         ::testing::Values("kelvane-console.1", "Kelvane.1", "kelvane-job-file.5"),
+                         ::testing::Values("kelvane-console.1", "Kelvane.1", "kelvane-job-file.5",
+                                           "make-image.1", "make-service.1"),
                          [](const auto& test) {
                            std::string name = test.param;
                            std::erase_if(name, [](char c) { return c == '-' || c == '.'; });

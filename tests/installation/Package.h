@@ -9,8 +9,9 @@
 
 namespace kelvane::testing {
 
-// A package of a kind, "TGZ" or "DEB", in a folder of its own; made with a umask that keeps new
-// folders to whoever makes them. Raises, with the complaint, where cpack fails.
+// A package of a kind, "TGZ", "DEB" or "SOURCE" (the source archive), in a folder of its own; made
+// with a umask that keeps new folders to whoever makes them. Raises, with the complaint, where
+// cpack fails.
 class Package {
  public:
   explicit Package(const std::string& kind);
