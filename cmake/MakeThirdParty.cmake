@@ -10,8 +10,8 @@ cmake_policy(VERSION 3.25)
 include(${table})
 find_program(dpkg_query dpkg-query)
 
-# The C library's own start-up code, of which every program on its systems has some.
-set(of_the_system "/libc_nonshared\\.a$")
+# The C library's and the compiler's own start-up code, of which every program has some.
+set(of_the_system "/libc_nonshared\\.a$|/libclang_rt[^/]*\\.a$")
 
 # The archives with a member in the program, ours left out, which the map names relative to the
 # build's folder or in it.
@@ -53,7 +53,10 @@ macro(note_paths)
       endif()
     endforeach()
     if(NOT known)
-      message(FATAL_ERROR "${program} holds ${path}, which cmake/ThirdParty.cmake does not know")
+      message(WARNING "${program} holds ${path}, which cmake/ThirdParty.cmake does not know")
+      get_filename_component(name ${path} NAME_WE)
+      set(kelvane_${name}_LICENSE "licence not known")
+      note(${name} ${path})
     endif()
   endforeach()
 endmacro()
@@ -99,7 +102,9 @@ function(entry_of name version package result)
   if(version)
     list(APPEND members "\"version\": \"${version}\"")
   endif()
-  list(APPEND members "\"licenses\": [{\"expression\": \"${kelvane_${name}_LICENSE}\"}]")
+  if(NOT kelvane_${name}_LICENSE STREQUAL "licence not known")
+    list(APPEND members "\"licenses\": [{\"expression\": \"${kelvane_${name}_LICENSE}\"}]")
+  endif()
   if(package)
     string(REPLACE ":" "%3A" purl "${package}@${version}")
     string(REPLACE "+" "%2B" purl "${purl}")

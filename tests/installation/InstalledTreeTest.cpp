@@ -17,6 +17,8 @@ namespace {
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::IsEmpty;
+using ::testing::Key;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 using ::testing::UnorderedElementsAreArray;
@@ -68,6 +70,20 @@ TEST_F(InstalledTree, TheWorkerNeedsZorapiAndWhatItBringsAlong) {
               UnorderedElementsAreArray(broughtAlong()));
   EXPECT_THAT(broughtAlong(), Contains("libZORAPI.so"));
 }
+
+#ifdef KELVANE_RUNTIME_LINKED_IN
+TEST_F(InstalledTree, TheWorkerAndTheFrameworkHaveTheCxxRuntimeInThem) {
+  for (const char* name : {"Contents/Resources/Kelvane", "Contents/Frameworks/libZORAPI.so"}) {
+    EXPECT_THAT(neededLibraries(path(name)), Not(Contains(StartsWith("libstdc++")))) << name;
+    EXPECT_THAT(neededLibraries(path(name)), Not(Contains(StartsWith("libgcc_s")))) << name;
+  }
+}
+
+TEST_F(InstalledTree, TheWorkerLoadsNoSecondCxxRuntime) {
+  EXPECT_THAT(loadedLibraries(path("Contents/Resources/Kelvane")),
+              Not(Contains(Key(StartsWith("libstdc++")))));
+}
+#endif
 
 TEST_F(InstalledTree, NothingNeedsMoreThanTheRuntimeAndWhatIsBroughtAlong) {
   for (const std::string& binary : binaries()) {

@@ -11,6 +11,7 @@
 #include "platform/Json.h"
 #include "tests/installation/Elf.h"
 #include "tests/installation/InstalledTree.h"
+#include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::testing {
@@ -123,6 +124,24 @@ TEST_P(ThirdParty, NoticesHoldTheTextsOfEachLibrary) {
   EXPECT_THAT(notices, Not(HasSubstr("not found")));
   EXPECT_THAT(notices, HasSubstr("Copyright"));
   for (const std::string& name : components()) EXPECT_THAT(notices, HasSubstr("\n" + name + " "));
+}
+
+TEST(ThirdPartyWithoutPackages, HasTheVersionsThatAreKnownAndSaysWhatIsMissing) {
+  const TempFolder folder;
+  const Ended ended = runProgram(
+      {KELVANE_CMAKE, "-DCMAKE_IGNORE_PATH=/usr/bin;/bin;/usr/sbin;/sbin",
+       "-Dtable=" KELVANE_BUILD "/third-party/libraries.cmake", "-Dcomponent=console",
+       "-Dbase=" + folder / "console", "-Dprograms=" KELVANE_BUILD "/console/kelvane-console", "-P",
+       KELVANE_SOURCES "cmake/MakeThirdParty.cmake"},
+      "/");
+  ASSERT_EQ(ended.exitStatus, 0) << ended.err;
+  const Value list = platform::parseJson(folder.read("console.cdx.json")).get("components");
+  ASSERT_GT(list.count(), 0U);
+  for (std::size_t i = 0; i < list.count(); ++i) {
+    EXPECT_THAT(list.at(i).get("version").string(), Not(IsEmpty()));
+    EXPECT_TRUE(list.at(i).get("purl").isNothing());
+  }
+  EXPECT_THAT(folder.read("console-notices.txt"), HasSubstr("whoever ships it has to add them"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, ThirdParty, ::testing::ValuesIn(kPlaces),
