@@ -8,10 +8,13 @@ include(CheckPIESupported)
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# The flags that the compiler knows.
-foreach(flag -fstack-protector-strong -fstack-clash-protection
-             -fcf-protection=full           # x86
-             -mbranch-protection=standard)  # ARM
+# The flags that the compiler knows; clang takes those of other processors too.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+  set(control_flow -mbranch-protection=standard)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86|AMD64|i.86")
+  set(control_flow -fcf-protection=full)
+endif()
+foreach(flag -fstack-protector-strong -fstack-clash-protection ${control_flow})
   string(MAKE_C_IDENTIFIER "KELVANE_HAS${flag}" known)
   check_cxx_compiler_flag(${flag} ${known})
   if(${known})

@@ -128,10 +128,11 @@ TEST_P(ThirdParty, NoticesHoldTheTextsOfEachLibrary) {
 
 TEST(ThirdPartyWithoutPackages, HasTheVersionsThatAreKnownAndSaysWhatIsMissing) {
   const TempFolder folder;
+  const std::string build = KELVANE_BUILD;
   const Ended ended = runProgram(
       {KELVANE_CMAKE, "-DCMAKE_IGNORE_PATH=/usr/bin;/bin;/usr/sbin;/sbin",
-       "-Dtable=" KELVANE_BUILD "/third-party/libraries.cmake", "-Dcomponent=console",
-       "-Dbase=" + folder / "console", "-Dprograms=" KELVANE_BUILD "/console/kelvane-console", "-P",
+       "-Dtable=" + build + "/third-party/libraries.cmake", "-Dcomponent=console",
+       "-Dbase=" + folder / "console", "-Dprograms=" + build + "/console/kelvane-console", "-P",
        KELVANE_SOURCES "cmake/MakeThirdParty.cmake"},
       "/");
   ASSERT_EQ(ended.exitStatus, 0) << ended.err;
