@@ -73,10 +73,10 @@ BENCHMARK(describeJobs)->Arg(1 << 20)->Unit(benchmark::kMillisecond);
 
 // One percentage into the job file: two reads, one write, and the log's dumps.
 void progressStep(benchmark::State& state) {
-  const kelvane::testing::TempFolder folder;
+  const kelvane::test::TempFolder folder;
   folder.write("utility/command/BGPLog.json", jobFile(static_cast<std::size_t>(state.range(0))));
   const std::string log = folder.write("utility/logs/TarselVistrelUtility.txt", "");
-  kelvane::testing::FakeHost host;
+  kelvane::test::FakeHost host;
   kelvane::Kelvane worker(host);
   worker.init(folder.path() + "/");
   const Value update =
@@ -102,7 +102,7 @@ void runWorker(const std::vector<std::string>& arguments) {
 
 // A whole process that finds no job of its log id.
 void wholeProcess(benchmark::State& state) {
-  const kelvane::testing::TempFolder folder;
+  const kelvane::test::TempFolder folder;
   folder.write("utility/command/BGPLog.json", jobFile(static_cast<std::size_t>(state.range(0))));
   for (auto _ : state) runWorker({KELVANE_WORKER, "none", folder.path() + "/"});
 }

@@ -281,7 +281,7 @@ std::string hiddenBeside(const std::string& path, const char* prefix) {
     std::size_t length = kLongest;
     while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0U) == 0x80U) --length;
     name.resize(length);
-    name += "-" + std::to_string(whole);
+    name.append("-").append(std::to_string(whole));
   }
   return path.substr(0, start) + prefix + name;
 }

@@ -56,7 +56,7 @@ Value integerOf(std::string_view text) {
   if (!isNegative || *number == 0) return Value::number(std::to_string(*number));
   constexpr std::uint64_t kLowest = std::uint64_t{1} << 63U;  // of the signed numbers, without sign
   if (*number > kLowest) return {};
-  return Value::number("-" + std::to_string(*number));
+  return Value::number(std::string("-").append(std::to_string(*number)));
 }
 
 // Decimal, or one of the words for what is not finite.

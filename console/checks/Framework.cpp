@@ -136,10 +136,7 @@ Findings frameworkFindings(const std::string& path) {
     return {{Severity::error, path + " cannot be loaded: " + trial.fault, kNoWorker, kPutBack}};
   }
   if (trial.missing.empty()) return {};
-  return {{Severity::error, path + " lacks " + joined(trial.missing, ", "),
-           "The worker dies when it calls what is missing, or at its start: a firmware job stays "
-           "in state RUN or WAIT.",
-           kPutBack}};
+  return {{Severity::error, path + " lacks " + joined(trial.missing, ", "), kNoWorker, kPutBack}};
 }
 
 }  // namespace kelvane::console

@@ -17,7 +17,9 @@ namespace {
 constexpr char kNoUpdates[] =
     "No job of the file can be updated: every one that is started stays as it is.";
 
-std::string inBrackets(std::size_t index) { return "[" + std::to_string(index) + "]"; }
+std::string inBrackets(std::size_t index) {
+  return std::string("[").append(std::to_string(index)).append("]");
+}
 
 std::string valueText(const Value& value) {
   return platform::printJsonLine(value).value_or("a value that JSON has no form for");

@@ -60,7 +60,14 @@ class Parser {
   explicit Parser(const CommandTable& table) : app_(table.description, table.name), table_(table) {
     app_.require_subcommand(1);
     app_.footer(table.footer);
-    for (const Option& option : table.options) add(app_, option, general_);
+    for (const Option& option : table.options) {
+      if (isVersion(option)) {
+        app_.set_version_flag(joined(option.names, ","), table.name + " " + table.version,
+                              option.description);
+      } else {
+        add(app_, option, general_);
+      }
+    }
     for (const Command& command : table.commands) addCommand(command);
   }
 

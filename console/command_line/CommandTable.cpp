@@ -16,6 +16,7 @@ namespace kelvane::console {
 namespace {
 
 constexpr char kHelpOption[] = "--help";
+constexpr char kVersionOption[] = "--version";
 
 constexpr char kFooter[] =
     "Exit status: 0 success, 1 the job failed or check has findings, 2 bad usage,\n"
@@ -34,11 +35,20 @@ Option helpFlag() {
           .description = "Print this help message and exit"};
 }
 
+Option versionFlag() {
+  return {.names = {kVersionOption}, .kind = ValueKind::none, .description = "Show the version"};
+}
+
+bool isNamed(const Option& option, const char* name) {
+  return std::count(option.names.begin(), option.names.end(), name) != 0;
+}
+
 CommandTable makeTable() {
   CommandTable table{.name = "kelvane-console",
+                     .version = KELVANE_VERSION,
                      .description = "Submits jobs to the enclosure worker and follows them.",
                      .footer = kFooter,
-                     .options = {helpFlag()},
+                     .options = {helpFlag(), versionFlag()},
                      .commands = allCommands()};
   for (Command& command : table.commands) {
     command.options.insert(command.options.begin(), helpFlag());
@@ -60,8 +70,8 @@ const Command& commandNamed(const std::string& name, const CommandTable& table) 
   throw std::out_of_range("there is no sub-command " + name);
 }
 
-bool isHelp(const Option& option) {
-  return std::count(option.names.begin(), option.names.end(), kHelpOption) != 0;
-}
+bool isHelp(const Option& option) { return isNamed(option, kHelpOption); }
+
+bool isVersion(const Option& option) { return isNamed(option, kVersionOption); }
 
 }  // namespace kelvane::console

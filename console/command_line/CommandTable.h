@@ -9,7 +9,8 @@
 namespace kelvane::console {
 
 struct CommandTable {
-  std::string name;  // of the program
+  std::string name;     // of the program
+  std::string version;  // "1.0.0"
   std::string description;
   std::string footer;
   std::vector<Option> options;    // before the sub-command
@@ -24,5 +25,8 @@ const Command& commandNamed(const std::string& name, const CommandTable& table =
 
 // Whether it asks for the help, which the command line answers itself.
 bool isHelp(const Option& option);
+
+// The same of the program's version.
+bool isVersion(const Option& option);
 
 }  // namespace kelvane::console

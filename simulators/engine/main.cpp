@@ -23,6 +23,10 @@ void run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && argv[1] == std::string("--version")) {
+    std::cout << "EngineRunner " KELVANE_VERSION "\n";
+    return 0;
+  }
   try {
     run({argv + std::min(argc, 1), argv + argc});
     return 0;

@@ -111,6 +111,7 @@ int show(const std::string& path) {
 
 int run(int argc, char** argv) {
   CLI::App app("Makes and shows firmware images for the simulated controllers.", "make-image");
+  app.set_version_flag("--version", "make-image " KELVANE_VERSION, "Show the version");
   app.require_subcommand(1);
   Options options;
   CLI::App* standard = app.add_subcommand("standard", "Make a standard image");

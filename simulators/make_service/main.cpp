@@ -12,6 +12,7 @@ namespace {
 
 int run(int argc, char** argv) {
   CLI::App app("Makes a service folder for the simulated update engine.", "make-service");
+  app.set_version_flag("--version", "make-service " KELVANE_VERSION, "Show the version");
   std::string description;
   std::string folder;
   app.add_option("description", description, "The JSON file that says what the service offers")

@@ -52,7 +52,7 @@ class ConsoleWorld : public ::testing::Test, public Clock {
   // What was shown from the result on; whether the waiting job was seen before is a race.
   std::string shownAtTheEnd() const;
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   JobOptions job;
   bool interrupt = false;
   std::chrono::milliseconds time{0};

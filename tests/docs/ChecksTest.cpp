@@ -46,7 +46,7 @@ TEST(Checks, KnowEveryCommand) {
 }
 
 TEST(Checks, LookForLeftoversInEveryFolderOfTheDownloadArea) {
-  const testing::TempFolder folder;
+  const test::TempFolder folder;
   for (const std::string name : paths::kProductFolders) {
     folder.write("tmp/OnlineUpdate/" + name + "/.incoming-a", "");
   }
@@ -57,7 +57,7 @@ TEST(Checks, LookForLeftoversInEveryFolderOfTheDownloadArea) {
 TEST(Checks, LookForTheLeftoversThatThePageNames) {
   const std::string page = section(readSource("docs/job-file.md"), "### What a kill leaves");
   for (const char* prefix : {platform::kArrivingPrefix, platform::kLeavingPrefix}) {
-    const testing::TempFolder folder;
+    const test::TempFolder folder;
     folder.write(std::string("tmp/OnlineUpdate/FW/") + prefix + "a", "");
     EXPECT_EQ(console::leftoverDownloadFindings(folder / "").size(), 1U) << prefix;
     EXPECT_THAT(page, HasSubstr(std::string("`") + prefix + "`"));

@@ -24,7 +24,7 @@ bool announcesOutput(const std::string& prose) {
 class Reader {
  public:
   Reader(const std::string& page, const std::string& text)
-      : page_(page), lines_(testing::splitLines(text)) {}
+      : page_(page), lines_(test::splitLines(text)) {}
 
   std::vector<CommandBlock> read() {
     while (at_ < lines_.size()) {

@@ -21,10 +21,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using test::splitLines;
 using ::testing::AnyOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using testing::splitLines;
 
 enum class Instead {
   lookUp,  // it takes minutes: what it names has to exist
@@ -51,8 +51,11 @@ constexpr NotRun kNotRun[] = {
      "build/default/benchmarks/worker_benchmark",
      Instead::lookUp, "measures for a minute"},
     {"CONTRIBUTING.md",
-     "cpack --config build/default/CPackConfig.cmake -B packages     tar.gz and Debian package",
+     "cpack --config build/default/CPackConfig.cmake -B packages         tar.gz and Debian package",
      Instead::lookUp, "PackageTest makes the packages"},
+    {"CONTRIBUTING.md",
+     "cmake --preset default && cmake --build --preset default && ctest --preset default",
+     Instead::lookUp, "builds everything and runs this test"},
     {"docs/bundle.md", "xcode-select --install", Instead::none, "for macOS"},
     {"docs/bundle.md",
      "cmake --preset default -DKELVANE_BUILD_TESTS=OFF "
@@ -60,6 +63,8 @@ constexpr NotRun kNotRun[] = {
      Instead::lookUp, "for macOS"},
     {"docs/bundle.md", "cd /Applications/Manager.app/Contents", Instead::none, "for macOS"},
     {"docs/bundle.md", "cpack --config build/default/CPackConfig.cmake -B packages",
+     Instead::lookUp, "PackageTest makes the packages"},
+    {"docs/bundle.md", "cpack --config build/default/CPackSourceConfig.cmake -B packages",
      Instead::lookUp, "PackageTest makes the packages"},
     {"docs/simulators.md",
      "EngineRunner dryrun|run -productid PRODUCT -version VERSION -url SERVICE -folder FOLDER",
@@ -138,8 +143,8 @@ class ExampleWorld : public Installation {
 
   void expectToRun(const std::string& page) const {
     const auto blocks = runBlocksOf(page);
-    const testing::Ended ended =
-        testing::runProgram({"/bin/sh", "-ec", here(scriptOf(blocks))}, folder.path(), environment);
+    const test::Ended ended =
+        test::runProgram({"/bin/sh", "-ec", here(scriptOf(blocks))}, folder.path(), environment);
     EXPECT_EQ(ended.exitStatus, 0) << page << "\n" << ended.out << ended.err;
     std::size_t start = 0;
     for (const CommandBlock& block : blocks) {

@@ -15,7 +15,7 @@ namespace {
 // What the program asks of its libraries, as far as it is C; with the versions cut off.
 std::set<std::string> askedFor(const std::string& program) {
   const auto listed =
-      testing::runProgram({"/usr/bin/env", "nm", "-D", "--undefined-only", "-P", program}, "/");
+      test::runProgram({"/usr/bin/env", "nm", "-D", "--undefined-only", "-P", program}, "/");
   EXPECT_EQ(listed.exitStatus, 0) << listed.err;
   std::istringstream lines(listed.out);
   std::set<std::string> names;

@@ -46,14 +46,14 @@ json withFault(const std::string& example, const Fault& fault) {
 
 bool isRefused(const std::string& example, const Fault& fault) {
   const json file = json::array({withFault(example, fault)});
-  return !testing::validateJobFile(file.dump()).empty();
+  return !test::validateJobFile(file.dump()).empty();
 }
 
 class WaitingFault : public ::testing::TestWithParam<Fault> {};
 
 TEST_P(WaitingFault, IsRefused) {
   const json record = withFault(workedExample(GetParam().command).before, GetParam());
-  EXPECT_THAT(testing::validateWaitingJob(record.dump()), Not(IsEmpty()));
+  EXPECT_THAT(test::validateWaitingJob(record.dump()), Not(IsEmpty()));
 }
 
 constexpr Fault kWaiting[] = {

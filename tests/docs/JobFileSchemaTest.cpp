@@ -30,7 +30,7 @@ std::ostream& operator<<(std::ostream& out, const Document& document) {
 
 class OddJobFile : public ::testing::TestWithParam<Document> {};
 
-TEST_P(OddJobFile, IsValid) { EXPECT_THAT(testing::validateJobFile(GetParam().text), IsEmpty()); }
+TEST_P(OddJobFile, IsValid) { EXPECT_THAT(test::validateJobFile(GetParam().text), IsEmpty()); }
 
 constexpr Document kOdd[] = {
     {"no records", "[]"},
@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(All, OddJobFile, ::testing::ValuesIn(kOdd));
 class WrongJobFile : public ::testing::TestWithParam<Document> {};
 
 TEST_P(WrongJobFile, IsRefused) {
-  EXPECT_THAT(testing::validateJobFile(GetParam().text), Not(IsEmpty()));
+  EXPECT_THAT(test::validateJobFile(GetParam().text), Not(IsEmpty()));
 }
 
 constexpr Document kWrong[] = {
@@ -115,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(All, WrongJobFile, ::testing::ValuesIn(kWrong));
 class WrongWaitingJob : public ::testing::TestWithParam<Document> {};
 
 TEST_P(WrongWaitingJob, IsRefused) {
-  EXPECT_THAT(testing::validateWaitingJob(GetParam().text), Not(IsEmpty()));
+  EXPECT_THAT(test::validateWaitingJob(GetParam().text), Not(IsEmpty()));
 }
 
 constexpr Document kWrongWaiting[] = {
@@ -141,21 +141,21 @@ TEST(WaitingJob, TakesAnImagePathOf255BytesAndNoLongerOne) {
            R"("file_path":")" +
            std::string(length, 'x') + R"("}]})";
   };
-  EXPECT_THAT(testing::validateWaitingJob(job(255)), IsEmpty());
-  EXPECT_THAT(testing::validateWaitingJob(job(256)), Not(IsEmpty()));
+  EXPECT_THAT(test::validateWaitingJob(job(255)), IsEmpty());
+  EXPECT_THAT(test::validateWaitingJob(job(256)), Not(IsEmpty()));
 }
 
 TEST(WaitingJob, IsWhatTheConsoleAdds) {
-  const testing::TempFolder folder;
+  const test::TempFolder folder;
   const console::JobFile file(folder.path() + "/");
   const Value input = Value::dictionary({{"wwn", "A"}, {"file_path", "/a.img"}});
   const std::string logId = file.add({"", "updateFW", Value::array({input})});
   const Value added = file.find(logId);
-  EXPECT_THAT(testing::validateWaitingJob(*platform::printJson(added)), IsEmpty());
+  EXPECT_THAT(test::validateWaitingJob(*platform::printJson(added)), IsEmpty());
 }
 
 TEST(Violation, NamesItsPlace) {
-  const auto violations = testing::validateJobFile(R"([{"log_id":"1"},{"log_id":2}])");
+  const auto violations = test::validateJobFile(R"([{"log_id":"1"},{"log_id":2}])");
   ASSERT_THAT(violations, Not(IsEmpty()));
   EXPECT_THAT(violations, ::testing::Contains(::testing::StartsWith("<root>[1][log_id]: ")));
 }

@@ -41,7 +41,7 @@ TEST_F(LogPageRun, StartsAsThePageShows) {
 }
 
 TEST_F(LogPageRun, TellsOfAMissingJobFileAsThePageShows) {
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   runWorker({"17", folder / "Users/ann/Shared/"});
   EXPECT_EQ(writtenLog(), comparableLog(shownLogs().at(1)));
 }
@@ -66,7 +66,7 @@ TEST_F(LogPageRun, EndsAFirmwareJobWithTheLineOfThePage) {
 
 TEST(LogPage, ShowsLinesThatCanBeTakenApart) {
   for (const std::string& block : shownLogs()) {
-    EXPECT_TRUE(testing::parseLogLine(testing::splitLines(block).at(0))) << block;
+    EXPECT_TRUE(test::parseLogLine(test::splitLines(block).at(0))) << block;
   }
 }
 
@@ -97,7 +97,7 @@ class LogPageTexts : public PageWorld {
     update("0x4301", "{}", "zr_verifyFlashImage", "0x0001");
     update("0x4301", "{}", "zr_mac_getNVRAM", "0x0001");
     update("0x4801", "{}", "zr_checkQVXFFlashImage", "0x0001");
-    std::filesystem::remove(folder / testing::kJobFile);
+    std::filesystem::remove(folder / test::kJobFile);
     runWorker({"17", folder / "Users/ann/Shared/"});
   }
 

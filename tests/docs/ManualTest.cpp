@@ -23,18 +23,21 @@
 namespace kelvane::docs {
 namespace {
 
+using test::splitLines;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using testing::splitLines;
 
 using Names = std::set<std::string>;
 
-std::string consolePage() {
-  return console::manualPage(readSource("docs/man/kelvane-console.1.in"));
+// With version and date, as it was when the project was configured.
+std::string builtPage(const std::string& name) {
+  return platform::readFile(KELVANE_BUILD "/docs/man/" + name);
 }
 
+std::string consolePage() { return console::manualPage(builtPage("kelvane-console.1.in")); }
+
 std::string pageNamed(const std::string& name) {
-  return name == "kelvane-console.1" ? consolePage() : readSource("docs/man/" + name);
+  return name == "kelvane-console.1" ? consolePage() : builtPage(name);
 }
 
 // What stands between this heading and the next one of its kind (".SH" or ".SS").
@@ -71,8 +74,8 @@ Names exitCodes() {
 
 // The page as a terminal shows it, without bold and underlined characters.
 std::string formatted(const std::string& page) {
-  const testing::TempFolder folder;
-  const auto ended = testing::runProgram(
+  const test::TempFolder folder;
+  const auto ended = test::runProgram(
       {"/usr/bin/env", "groff", "-man", "-Tascii", "-P-cbou", folder.write("page", page)},
       folder.path());
   EXPECT_EQ(ended.exitStatus, 0) << ended.err;
@@ -82,10 +85,10 @@ std::string formatted(const std::string& page) {
 class ManualPageNamed : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(ManualPageNamed, IsFormattedWithoutAWarning) {
-  const testing::TempFolder folder;
-  const auto ended = testing::runProgram({"/usr/bin/env", "groff", "-man", "-Tutf8", "-ww", "-z",
-                                          folder.write("page", pageNamed(GetParam()))},
-                                         folder.path());
+  const test::TempFolder folder;
+  const auto ended = test::runProgram({"/usr/bin/env", "groff", "-man", "-Tutf8", "-ww", "-z",
+                                       folder.write("page", pageNamed(GetParam()))},
+                                      folder.path());
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.err, "");
 }
@@ -98,7 +101,8 @@ TEST_P(ManualPageNamed, HasTheSectionsThatReadersLookFor) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Manual, ManualPageNamed,
-                         ::testing::Values("kelvane-console.1", "Kelvane.1", "kelvane-job-file.5"),
+                         ::testing::Values("kelvane-console.1", "Kelvane.1", "kelvane-job-file.5",
+                                           "make-image.1", "make-service.1"),
                          [](const auto& test) {
                            std::string name = test.param;
                            std::erase_if(name, [](char c) { return c == '-' || c == '.'; });
@@ -132,8 +136,8 @@ TEST(ConsoleManual, LeavesNoPlaceEmpty) {
 }
 
 TEST(ConsoleManual, IsBuiltAsItIsShown) {
-  EXPECT_EQ(testing::splitLines(platform::readFile(KELVANE_BUILT_MANUAL "kelvane-console.1")),
-            testing::splitLines(consolePage()));
+  EXPECT_EQ(test::splitLines(platform::readFile(KELVANE_BUILT_MANUAL "kelvane-console.1")),
+            test::splitLines(consolePage()));
 }
 
 TEST(Completions, AreBuiltAsTheyArePrinted) {
@@ -179,10 +183,10 @@ TEST(JobFileManual, ShowsAJobThatAnApplicationMayAdd) {
   const std::string example = part(pageNamed("kelvane-job-file.5"), ".SH EXAMPLES");
   const std::size_t start = example.find("[\n");
   const std::string jobs = example.substr(start, example.find(".fi") - start);
-  EXPECT_THAT(testing::validateJobFile(jobs), IsEmpty());
+  EXPECT_THAT(test::validateJobFile(jobs), IsEmpty());
   const platform::Value parsed = platform::parseJson(jobs);
   ASSERT_EQ(parsed.count(), 1U);
-  EXPECT_THAT(testing::validateWaitingJob(*platform::printJson(parsed.at(0))), IsEmpty());
+  EXPECT_THAT(test::validateWaitingJob(*platform::printJson(parsed.at(0))), IsEmpty());
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 namespace kelvane::docs {
 
-using testing::splitLines;
+using test::splitLines;
 
 namespace {
 

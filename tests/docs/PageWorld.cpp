@@ -56,8 +56,8 @@ WorkedExample workedExample(const std::string& command) {
 
 std::string comparableLog(const std::string& log) {
   std::string comparable;
-  for (const std::string& text : testing::splitLines(log)) {
-    const auto line = testing::parseLogLine(text);
+  for (const std::string& text : test::splitLines(log)) {
+    const auto line = test::parseLogLine(text);
     comparable += line ? "[14:03:07] [" + line->file + "][1][" + line->function + "][" +
                              line->level + "] " + line->message
                        : text;
@@ -87,7 +87,7 @@ void PageWorld::writeEngine() const {
   const std::string resources = "Applications/Manager.app/Contents/Resources/";
   const std::string engine = folder.write(resources + "EngineRunner", kEngine);
   ::chmod(engine.c_str(), 0755);
-  folder.write(resources + "catalogue", testing::xmlPropertyList(kCatalogue));
+  folder.write(resources + "catalogue", test::xmlPropertyList(kCatalogue));
 }
 
 std::string PageWorld::here(const std::string& pageText) const {

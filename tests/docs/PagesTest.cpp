@@ -41,7 +41,7 @@ std::string anchorOf(const std::string& heading) {
 }
 
 bool hasAnchor(const std::string& page, const std::string& anchor) {
-  for (const std::string& line : testing::splitLines(page)) {
+  for (const std::string& line : test::splitLines(page)) {
     if (line.rfind('#', 0) == 0 && anchorOf(line) == anchor) return true;
   }
   return false;

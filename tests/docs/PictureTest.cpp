@@ -28,7 +28,7 @@ constexpr std::size_t kCommandLines = 3;
 // The lines of text that the picture shows, from the top.
 Lines shown() {
   Lines found;
-  for (const std::string& line : testing::splitLines(readSource("docs/console.svg"))) {
+  for (const std::string& line : test::splitLines(readSource("docs/console.svg"))) {
     if (line.rfind("<text ", 0) != 0) continue;
     const std::size_t start = line.find('>') + 1;
     found.push_back(line.substr(start, line.rfind("</text>") - start));

@@ -28,14 +28,14 @@ TEST_P(WorkedExampleOf, IsWhatTheWorkerWrites) {
 TEST_P(WorkedExampleOf, IsValidInEveryState) {
   const WorkedExample example = workedExample(GetParam());
   for (const std::string& text : {example.before, example.during, example.after}) {
-    EXPECT_THAT(testing::validateJobFile(text), IsEmpty()) << text;
+    EXPECT_THAT(test::validateJobFile(text), IsEmpty()) << text;
   }
 }
 
 TEST_P(WorkedExampleOf, StartsWithAValidWaitingJob) {
   const platform::Value jobs = platform::parseJson(workedExample(GetParam()).before);
   ASSERT_EQ(jobs.count(), 1U);
-  EXPECT_THAT(testing::validateWaitingJob(*platform::printJson(jobs.at(0))), IsEmpty());
+  EXPECT_THAT(test::validateWaitingJob(*platform::printJson(jobs.at(0))), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Page, WorkedExampleOf,

@@ -17,10 +17,10 @@ namespace kelvane {
 namespace {
 
 using platform::Value;
+using test::PseudoTerminal;
+using test::TerminalForm;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::PseudoTerminal;
-using testing::TerminalForm;
 
 using Lines = std::vector<std::string>;
 
@@ -31,7 +31,7 @@ constexpr int kInterrupted = 130;
 class ConsoleScreen : public ::testing::Test {
  protected:
   ConsoleScreen() {
-    folder.write(testing::kJobFile, R"([
+    folder.write(test::kJobFile, R"([
       {"log_id": "17", "job_id": "updateFW", "state_id": "RUN", "output": [
         {"wwn": "5000A1B2C3D4E5F6", "cpld_percentage": 100, "fw_percentage": 37,
          "total_percentage": 68},
@@ -60,7 +60,7 @@ class ConsoleScreen : public ::testing::Test {
     return shown({"watch", "--shared", "shared", "18"}, form);
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   std::map<std::string, std::string> environment;
   int exitStatus = -1;
   std::string output;
@@ -199,7 +199,7 @@ TEST_F(ConsoleScreen, AnInterruptEndsWhatFollowsNoJobAtOnce) {
                   "state_id": "FREE", "input_parameters": []})";
     log += "[14:03:07] [JobRunner.cpp][100][run][debug] logId = " + std::to_string(i) + "\n";
   }
-  folder.write(testing::kJobFile, jobs + "]");
+  folder.write(test::kJobFile, jobs + "]");
   folder.write("shared/utility/logs/TarselVistrelUtility.txt", log);
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"list"}, {"show", "1"}, {"log"}, {"check"}, {"explain", "1"}}) {
@@ -220,17 +220,17 @@ class ConsoleJob : public OnlineInstallation {
   // The versions are kept by number, and two programs write here.
   ConsoleJob() { environment.erase("KELVANE_TEST_VERSIONS"); }
 
-  testing::Ended console(const std::string& subCommand, const std::vector<std::string>& more,
-                         bool needsBundle = true) const {
+  test::Ended console(const std::string& subCommand, const std::vector<std::string>& more,
+                      bool needsBundle = true) const {
     std::vector<std::string> argv = {KELVANE_CONSOLE, subCommand, "--shared", shared()};
     if (needsBundle) argv.insert(argv.end(), {"--bundle", bundle.path()});
     argv.insert(argv.end(), more.begin(), more.end());
-    return testing::runProgram(argv, folder.path(), environment);
+    return test::runProgram(argv, folder.path(), environment);
   }
 };
 
 TEST_F(ConsoleJob, QueryShowsThePackages) {
-  const testing::Ended ended = console("query", {"--url", folder / "service", "fw3", "1.0"});
+  const test::Ended ended = console("query", {"--url", folder / "service", "fw3", "1.0"});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.err, "");
   EXPECT_THAT(ended.out, HasSubstr("result 0: no error\n"));
@@ -239,13 +239,13 @@ TEST_F(ConsoleJob, QueryShowsThePackages) {
 
 TEST_F(ConsoleJob, QueryWithoutACatalogueFails) {
   writeFaults(R"({"catalogue": "none"})");
-  const testing::Ended ended = console("query", {"--url", folder / "service", "fw3"});
+  const test::Ended ended = console("query", {"--url", folder / "service", "fw3"});
   EXPECT_EQ(ended.exitStatus, 1);
   EXPECT_EQ(ended.err, "kelvane-console: the update engine left no catalogue\n");
 }
 
 TEST_F(ConsoleJob, DownloadShowsWhatIsThereAndWhatIsNot) {
-  const testing::Ended ended = console("download", {"--url", folder / "service", "fw3", "fw2"});
+  const test::Ended ended = console("download", {"--url", folder / "service", "fw3", "fw2"});
   EXPECT_EQ(ended.exitStatus, 1);
   EXPECT_THAT(ended.out, HasSubstr("result 259: file is not found\n"));
   EXPECT_THAT(ended.out,
@@ -255,7 +255,7 @@ TEST_F(ConsoleJob, DownloadShowsWhatIsThereAndWhatIsNot) {
 
 TEST_F(ConsoleJob, UpdateSwReplacesTheApplication) {
   folder.write("Installed.app/old", "");
-  const testing::Ended ended = console("update-sw", {folder / "Manager.app"});
+  const test::Ended ended = console("update-sw", {folder / "Manager.app"});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_THAT(ended.out, HasSubstr("installed at " + (folder / "Installed.app") + "\n"));
   EXPECT_EQ(folder.read("Installed.app/Contents/version"), "2.0");
@@ -266,7 +266,7 @@ TEST_F(ConsoleJob, UpdateFwFlashes) {
                   "cpld": "1.0", "usb_bridge": "1.0"}])");
   const std::string image =
       makeImage("new.img", {"qvxf", "--product", "0x48", "--firmware", "2.0"});
-  const testing::Ended ended = console("update-fw", {"50000000000000A1=" + image});
+  const test::Ended ended = console("update-fw", {"50000000000000A1=" + image});
   EXPECT_EQ(ended.exitStatus, 0) << ended.err;
   EXPECT_EQ(fleet().get("controllers").at(0).get("firmware"), Value("2.0"));
 }
@@ -282,7 +282,7 @@ TEST_F(ConsoleJob, AfterwardsTheJobCanBeListedShownAndReadInTheLog) {
 }
 
 TEST_F(ConsoleJob, JsonIsOneLineForEachVersionAndNothingElse) {
-  const testing::Ended ended = console("query", {"--json", "--url", folder / "service", "fw3"});
+  const test::Ended ended = console("query", {"--json", "--url", folder / "service", "fw3"});
   EXPECT_EQ(ended.exitStatus, 0);
   std::istringstream lines(ended.out);
   Value last;
@@ -298,20 +298,20 @@ TEST_F(ConsoleJob, BadUsageIsItsOwnExitStatusAndHelpIsNone) {
        {std::vector<std::string>{}, {"chek"}, {"query"}, {"log", "--level", "loud"}}) {
     std::vector<std::string> argv = {KELVANE_CONSOLE};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
-    EXPECT_EQ(testing::runProgram(argv, folder.path()).exitStatus, 2);
+    EXPECT_EQ(test::runProgram(argv, folder.path()).exitStatus, 2);
   }
-  const testing::Ended help = testing::runProgram({KELVANE_CONSOLE, "--help"}, folder.path());
+  const test::Ended help = test::runProgram({KELVANE_CONSOLE, "--help"}, folder.path());
   EXPECT_EQ(help.exitStatus, 0);
   EXPECT_THAT(help.out, HasSubstr("update-fw"));
 }
 
 TEST_F(ConsoleJob, AnUnknownSubCommandIsNamed) {
-  EXPECT_THAT(testing::runProgram({KELVANE_CONSOLE, "chek"}, folder.path()).err,
+  EXPECT_THAT(test::runProgram({KELVANE_CONSOLE, "chek"}, folder.path()).err,
               HasSubstr("there is no sub-command chek\n"));
 }
 
 TEST_F(ConsoleJob, OutputThatCannotBeWrittenIsNoSuccess) {
-  const testing::Ended ended = testing::runProgram(
+  const test::Ended ended = test::runProgram(
       {"/bin/sh", "-c", std::string(KELVANE_CONSOLE) + " explain 0 > /dev/full"}, folder.path());
   EXPECT_EQ(ended.exitStatus, 70);
   EXPECT_EQ(ended.err, "kelvane-console: standard output cannot be written\n");

@@ -35,12 +35,12 @@ TEST_F(Crash, AtAnySystemCallLeavesTheJobFileInOneOfItsVersions) {
   int n = 1;
   for (bool killed = true; killed; ++n) {
     writeJobs(kWaiting);
-    killed = testing::killedBeforeSystemCall(n, [&] {
+    killed = test::killedBeforeSystemCall(n, [&] {
       ::setenv("ZORAPI_FLEET", (folder / "fleet.json").c_str(), 1);
       ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // the leak check traces, too
       ::execl(program.c_str(), program.c_str(), "17", folderArgument.c_str(), nullptr);
     });
-    const std::string left = folder.read(testing::kJobFile);
+    const std::string left = folder.read(test::kJobFile);
     ASSERT_TRUE(versionTexts.contains(left)) << "killed before system call " << n << ": " << left;
     seen.insert(left);
   }

@@ -188,14 +188,14 @@ TEST_F(Explain, AJobThatRunsAndThenTheSameWithItsWorkerKilled) {
 // --- the command itself
 
 TEST_F(Explain, ACodeNeedsNoSharedFolder) {
-  const testing::Ended ended = console({"explain", "0x8050"});
+  const test::Ended ended = console({"explain", "0x8050"});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_THAT(ended.out, StartsWith("result 32848 (0x8050), kZorFlashProcessRunning: "));
   EXPECT_EQ(console({"explain", "0x8052"}).exitStatus, 5);
 }
 
 TEST_F(Explain, WhatIsNeitherJobNorCodeIsNotFound) {
-  const testing::Ended ended = console({"explain", "--shared", shared(), "x"});
+  const test::Ended ended = console({"explain", "--shared", shared(), "x"});
   EXPECT_EQ(ended.exitStatus, 5);
   EXPECT_EQ(ended.err,
             "kelvane-console: no job x in " + jobFile() + ", and it is no result code\n");

@@ -64,7 +64,7 @@ class Fault : public OnlineInstallation {
   // The log without its times.
   std::string logText() const {
     std::string text;
-    for (const std::string& line : testing::splitLines(log())) {
+    for (const std::string& line : test::splitLines(log())) {
       const bool hasTime = line.rfind('[', 0) == 0;
       text += line.substr(hasTime ? line.find(']') : 0) + "\n";
     }
@@ -112,7 +112,7 @@ TEST_F(Fault, ADiskThatRefusesPermissionsOrTimesKeepsTheCopy) {
   for (const char* call : {"fchmod", "futimens", "utimensat"}) {
     environment["KELVANE_FAULT_REFUSE"] = call;
     clear();
-    folder.write(testing::kJobFile, "[]");
+    folder.write(test::kJobFile, "[]");
     download({"sw"});
     EXPECT_FALSE(folder.read("done").empty()) << call;
     EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/SW/Manager.app/Contents/deep/file"), "bytes")

@@ -51,8 +51,8 @@ class FirmwareJob : public Installation {
   // The log without times and line numbers, object dumps folded to their first line.
   Lines logLines() const {
     Lines lines;
-    for (const std::string& text : testing::splitLines(log())) {
-      const auto line = testing::parseLogLine(text);
+    for (const std::string& text : test::splitLines(log())) {
+      const auto line = test::parseLogLine(text);
       if (line) {
         lines.push_back(
             fmt::format("{}[{}][{}] {}", line->file, line->function, line->level, line->message));
@@ -225,7 +225,7 @@ TEST_F(FirmwareJob, TheLogIsTheSequenceOfLinesOfAStandardJob) {
   updateFirmware({{"50000000000000A1", image}});
   ASSERT_EQ(result(), 0);
 
-  const std::string path = folder / testing::kJobFile;
+  const std::string path = folder / test::kJobFile;
   const Lines write = {"JobFile.cpp[updateJSONFile][debug] currentJobArray = (",
                        "JobFile.cpp[updateJSONFile][debug] updateJSONFile, newJobArray = (",
                        "JobFile.cpp[writeJSONFile][debug] writeJSONFile, newArray = (",
@@ -302,19 +302,19 @@ TEST_F(FirmwareJob, AFileSizeLimitIsAWriteThatFails) {
       std::string(5000, 'x') + "\"}]";
   writeJobs(text);
   std::filesystem::remove(shared() + "utility/logs/TarselVistrelUtility.txt");
-  const testing::Ended ended =
-      testing::runProgram({"/bin/sh", "-c", "ulimit -f 1; exec \"$0\" 17 \"$1\"",
-                           bundle / "Contents/Resources/Kelvane", shared()},
-                          folder.path(), {{"ZORAPI_FLEET", folder / "fleet.json"}});
+  const test::Ended ended =
+      test::runProgram({"/bin/sh", "-c", "ulimit -f 1; exec \"$0\" 17 \"$1\"",
+                        bundle / "Contents/Resources/Kelvane", shared()},
+                       folder.path(), {{"ZORAPI_FLEET", folder / "fleet.json"}});
   EXPECT_EQ(ended.exitStatus, 0);
-  EXPECT_EQ(folder.read(testing::kJobFile), text);
+  EXPECT_EQ(folder.read(test::kJobFile), text);
   EXPECT_EQ(folder.names("shared/utility/command"), Lines{"BGPLog.json"});
 }
 
 TEST_F(FirmwareJob, AMissingFleetIsADiscoveryError) {
   writeJobs(R"([{"log_id":"17","job_id":"updateFW","state_id":"WAIT",
                  "input_parameters":[{"wwn":"50000000000000A1","file_path":"/i"}]}])");
-  const testing::Ended ended = runWorker({"17", shared()});
+  const test::Ended ended = runWorker({"17", shared()});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_THAT(ended.err, HasSubstr("fleet.json"));
   EXPECT_NE(result(), 0);

@@ -10,7 +10,7 @@
 namespace kelvane {
 
 using platform::Value;
-using testing::splitLines;
+using test::splitLines;
 
 namespace fs = std::filesystem;
 
@@ -55,18 +55,16 @@ std::string Installation::makeImage(const std::string& name,
                                     std::vector<std::string> options) const {
   options.insert(options.begin(), KELVANE_MAKE_IMAGE);
   options.push_back(folder / name);
-  const testing::Ended made = testing::runProgram(options, folder.path());
+  const test::Ended made = test::runProgram(options, folder.path());
   EXPECT_EQ(made.exitStatus, 0) << made.err;
   return folder / name;
 }
 
-void Installation::writeJobs(const std::string& json) const {
-  folder.write(testing::kJobFile, json);
-}
+void Installation::writeJobs(const std::string& json) const { folder.write(test::kJobFile, json); }
 
-Value Installation::jobs() const { return platform::parseJson(folder.read(testing::kJobFile)); }
+Value Installation::jobs() const { return platform::parseJson(folder.read(test::kJobFile)); }
 
-testing::Ended Installation::runWorker(const std::vector<std::string>& arguments) const {
+test::Ended Installation::runWorker(const std::vector<std::string>& arguments) const {
   validateVersions();
   fs::remove_all(folder / "versions");
   fs::create_directories(folder / "versions");
@@ -74,7 +72,7 @@ testing::Ended Installation::runWorker(const std::vector<std::string>& arguments
   fs::remove(folder / "writes");
   std::vector<std::string> argv = {worker};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
-  return testing::runProgram(argv, folder.path(), environment);
+  return test::runProgram(argv, folder.path(), environment);
 }
 
 void Installation::updateFirmware(
@@ -83,8 +81,8 @@ void Installation::updateFirmware(
   for (const auto& [wwn, image] : inputs) {
     entries.append(Value::dictionary({{"wwn", wwn}, {"file_path", image}}));
   }
-  writeJobs(testing::waitingJob("updateFW", entries));
-  const testing::Ended ended = runWorker({"17", shared()});
+  writeJobs(test::waitingJob("updateFW", entries));
+  const test::Ended ended = runWorker({"17", shared()});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.out, "");
   EXPECT_EQ(ended.err, "");
@@ -101,7 +99,7 @@ std::vector<Value> Installation::versions() const {
 void Installation::validateVersions() const {
   for (const std::string& name : folder.names("versions")) {
     const std::string text = folder.read("versions/" + name);
-    for (const std::string& violation : testing::validateJobFile(text)) {
+    for (const std::string& violation : test::validateJobFile(text)) {
       ADD_FAILURE() << violation << " in the job file\n" << text;
     }
   }

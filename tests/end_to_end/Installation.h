@@ -32,7 +32,7 @@ class Installation : public ::testing::Test {
   void writeJobs(const std::string& json) const;
   platform::Value jobs() const;
   // Runs `worker`; its sleeps and job file versions are kept until the next run.
-  testing::Ended runWorker(const std::vector<std::string>& arguments) const;
+  test::Ended runWorker(const std::vector<std::string>& arguments) const;
   // Runs a firmware job with log id "17" over these WWNs and images, alone in the job file.
   void updateFirmware(const std::vector<std::pair<std::string, std::string>>& inputs) const;
 
@@ -52,8 +52,8 @@ class Installation : public ::testing::Test {
 
   void validateVersions() const;
 
-  testing::TempFolder bundle{".app"};
-  testing::TempFolder folder;
+  test::TempFolder bundle{".app"};
+  test::TempFolder folder;
   std::string worker = bundle / "Contents/Resources/Kelvane";
   std::map<std::string, std::string> environment;
 };

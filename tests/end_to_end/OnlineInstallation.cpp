@@ -29,7 +29,7 @@ OnlineInstallation::OnlineInstallation() {
 
 void OnlineInstallation::makeService(const std::string& description) const {
   folder.write("description.json", description);
-  const testing::Ended made = testing::runProgram(
+  const test::Ended made = test::runProgram(
       {KELVANE_MAKE_SERVICE, folder / "description.json", folder / "service"}, folder.path());
   EXPECT_EQ(made.exitStatus, 0) << made.err;
 }
@@ -41,19 +41,19 @@ Value OnlineInstallation::parameters(const std::string& product) const {
                             {"folder", engineFolder()}});
 }
 
-testing::Ended OnlineInstallation::runJob(const std::string& command, const Value& inputs) const {
-  writeJobs(testing::waitingJob(command, inputs));
-  testing::Ended ended = runWorker({"17", shared()});
+test::Ended OnlineInstallation::runJob(const std::string& command, const Value& inputs) const {
+  writeJobs(test::waitingJob(command, inputs));
+  test::Ended ended = runWorker({"17", shared()});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.out, "");
   return ended;
 }
 
-testing::Ended OnlineInstallation::query(const std::string& product) const {
+test::Ended OnlineInstallation::query(const std::string& product) const {
   return runJob("getOnlineUpdateData", parameters(product));
 }
 
-testing::Ended OnlineInstallation::download(const std::vector<std::string>& products) const {
+test::Ended OnlineInstallation::download(const std::vector<std::string>& products) const {
   Value inputs = Value::array();
   for (const std::string& product : products) inputs.append(parameters(product));
   return runJob("downloadOnlineUpdateFile", inputs);

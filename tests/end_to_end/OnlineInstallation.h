@@ -19,9 +19,9 @@ class OnlineInstallation : public Installation {
   void writeFaults(const std::string& json) const { folder.write("service/service.json", json); }
   platform::Value parameters(const std::string& product) const;
   // Runs a job with log id "17", alone in the job file, and expects a quiet worker.
-  testing::Ended runJob(const std::string& command, const platform::Value& inputs) const;
-  testing::Ended query(const std::string& product = "fw3") const;
-  testing::Ended download(const std::vector<std::string>& products) const;
+  test::Ended runJob(const std::string& command, const platform::Value& inputs) const;
+  test::Ended query(const std::string& product = "fw3") const;
+  test::Ended download(const std::vector<std::string>& products) const;
 
   platform::Value job() const { return jobs().at(0); }
   // The states of the job file's versions.

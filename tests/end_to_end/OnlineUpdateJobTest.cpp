@@ -169,7 +169,7 @@ TEST_F(OnlineJob, APackageLargerThanAGibibyteIsMovedWithItsHoles) {
 
 TEST_F(OnlineJob, AServiceThatIsNotThereIsAFailedQueryOfTheEngineAlone) {
   fs::remove_all(folder / "service");
-  const testing::Ended ended = query();
+  const test::Ended ended = query();
   EXPECT_THAT(ended.err, HasSubstr("EngineRunner: "));  // the worker's standard error is its own
   EXPECT_THAT(states(), ElementsAre("RUN", "FREE"));
   EXPECT_FALSE(job().has("output"));

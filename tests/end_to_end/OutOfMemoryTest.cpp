@@ -23,10 +23,11 @@ class OutOfMemory : public OnlineInstallation {
   }
 
   // Runs the job with a request failing, one in every `step` of them, until none does.
-  // The first request is the runtime's own, for the exceptions that tell of those that fail.
+  // The first requests are the runtime's own, for the exceptions that tell of those that fail:
+  // one of the worker's runtime and one of the simulated framework's.
   void expectAnEnd(const char* variable, const std::string& command, const Value& inputs,
                    int step) {
-    int n = 2;
+    int n = 3;
     for (;; n += step) {
       environment[variable] = std::to_string(n);
       std::filesystem::remove(folder / "done");
@@ -35,7 +36,7 @@ class OutOfMemory : public OnlineInstallation {
                                                                 {"job_id", command},
                                                                 {"state_id", "WAIT"},
                                                                 {"input_parameters", inputs}})})));
-      const testing::Ended ended = runWorker({"17", shared()});
+      const test::Ended ended = runWorker({"17", shared()});
       ASSERT_EQ(ended.exitStatus, 0) << variable << "=" << n << ": " << ended.err;
       ASSERT_EQ(jobs().at(0).get("log_id"), Value("17")) << variable << "=" << n;
       if (!std::filesystem::exists(folder / "done")) break;

@@ -17,7 +17,7 @@ TEST_F(SoftwareJob, ReplacesTheInstalledBundleByTheNewOne) {
   writeJobs(R"([{"log_id":"17","job_id":"updateSW","state_id":"WAIT","input_parameters":
                 {"file_path":")" +
             (folder / "New.app") + "\"}}]");
-  const testing::Ended ended = runWorker({"17", shared()});
+  const test::Ended ended = runWorker({"17", shared()});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_EQ(ended.err, "");
   EXPECT_EQ(folder.names("Manager.app/Contents"), std::vector<std::string>{"new"});

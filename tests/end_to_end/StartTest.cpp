@@ -20,7 +20,7 @@ constexpr char kUnknownCommand[] =
 using Start = Installation;
 
 TEST_F(Start, WithoutAnArgumentItSaysSoAndExitsWithZero) {
-  const testing::Ended ended = runWorker({});
+  const test::Ended ended = runWorker({});
   EXPECT_EQ(ended.err, "Fail: Kelvane params <= 1\n");
   EXPECT_EQ(ended.out, "");
   EXPECT_EQ(ended.exitStatus, 0);
@@ -82,15 +82,15 @@ TEST_F(Start, MissingProductSettingsAreLogged) {
 TEST_F(Start, EveryBadJobFileEndsWithZeroAndStaysAsItIs) {
   for (const char* text : {"", "no json", "{}", "[5]", "[{\"log_id\": 17}]", "[[]]", "\xFF"}) {
     writeJobs(text);
-    const testing::Ended ended = runWorker({"17", shared()});
+    const test::Ended ended = runWorker({"17", shared()});
     EXPECT_EQ(ended.exitStatus, 0) << text;
     EXPECT_EQ(ended.err, "");
-    EXPECT_EQ(folder.read(testing::kJobFile), text);
+    EXPECT_EQ(folder.read(test::kJobFile), text);
   }
 }
 
 TEST_F(Start, AMissingSharedFolderEndsWithZero) {
-  const testing::Ended ended = runWorker({"17", folder / "missing/"});
+  const test::Ended ended = runWorker({"17", folder / "missing/"});
   EXPECT_EQ(ended.exitStatus, 0);
   EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
 }
@@ -113,7 +113,7 @@ TEST_F(Start, TheLogFileIsNeverCreated) {
 TEST_F(Start, AnUnknownCommandLeavesTheFileAsItIs) {
   writeJobs(kUnknownCommand);
   EXPECT_EQ(runWorker({"17", shared()}).exitStatus, 0);
-  EXPECT_EQ(folder.read(testing::kJobFile), kUnknownCommand);
+  EXPECT_EQ(folder.read(test::kJobFile), kUnknownCommand);
   EXPECT_TRUE(versions().empty());
 }
 

@@ -29,7 +29,7 @@ std::vector<std::string> inShort(const std::string& json) {
 
 SupportInstallation::SupportInstallation() {
   install(KELVANE_CONSOLE, "bin/kelvane-console");
-  for (const testing::TempFolder* each : {&bundle, &folder}) ::chmod(each->path().c_str(), 0755);
+  for (const test::TempFolder* each : {&bundle, &folder}) ::chmod(each->path().c_str(), 0755);
   folder.write("Installed.app/Contents/version", "1.0");
   writeJobs("[]");
   bundle.write("Contents/Resources/Config/setting.json",
@@ -40,13 +40,13 @@ SupportInstallation::SupportInstallation() {
                    (folder / "Installed.app") + "\"}");
 }
 
-testing::Ended SupportInstallation::console(const std::vector<std::string>& arguments) const {
+test::Ended SupportInstallation::console(const std::vector<std::string>& arguments) const {
   std::vector<std::string> argv = {bundle / "bin/kelvane-console"};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
-  return testing::runProgram(argv, folder.path());
+  return test::runProgram(argv, folder.path());
 }
 
-testing::Ended SupportInstallation::check() const {
+test::Ended SupportInstallation::check() const {
   return console({"check", "--shared", shared(), "--bundle", bundle.path()});
 }
 
@@ -55,7 +55,7 @@ std::vector<std::string> SupportInstallation::checkCommand() const {
 }
 
 std::vector<std::string> SupportInstallation::findings() const {
-  const testing::Ended ended = console(checkCommand());
+  const test::Ended ended = console(checkCommand());
   std::vector<std::string> found = inShort(ended.out);
   EXPECT_EQ(ended.exitStatus, found.empty() ? 0 : 1) << ended.out << ended.err;
   EXPECT_EQ(ended.err, "");
@@ -63,11 +63,11 @@ std::vector<std::string> SupportInstallation::findings() const {
 }
 
 std::vector<std::string> SupportInstallation::findingsOfOrdinaryUser() const {
-  return inShort(testing::asOrdinaryUser([this] { return console(checkCommand()).out; }));
+  return inShort(test::asOrdinaryUser([this] { return console(checkCommand()).out; }));
 }
 
 Value SupportInstallation::explained() const {
-  const testing::Ended ended = console({"explain", "--json", "--shared", shared(), "17"});
+  const test::Ended ended = console({"explain", "--json", "--shared", shared(), "17"});
   EXPECT_EQ(ended.exitStatus, 0) << ended.err;
   const Value all = platform::parseJson(ended.out);
   EXPECT_EQ(all.count(), 1U) << ended.out;
@@ -77,7 +77,7 @@ Value SupportInstallation::explained() const {
 void SupportInstallation::addFirmwareJob() const {
   const platform::Value entry =
       platform::Value::dictionary({{"wwn", "50000000000000A1"}, {"file_path", "/no.img"}});
-  writeJobs(testing::waitingJob("updateFW", platform::Value::array({entry})));
+  writeJobs(test::waitingJob("updateFW", platform::Value::array({entry})));
 }
 
 void SupportInstallation::installFramework(const std::string& library) const {

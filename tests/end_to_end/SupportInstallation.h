@@ -14,8 +14,8 @@ class SupportInstallation : public OnlineInstallation {
  protected:
   SupportInstallation();
 
-  testing::Ended console(const std::vector<std::string>& arguments) const;
-  testing::Ended check() const;
+  test::Ended console(const std::vector<std::string>& arguments) const;
+  test::Ended check() const;
   // The findings of check in short, "error: what is wrong" each, and expects its exit status to go
   // with them.
   std::vector<std::string> findings() const;
@@ -29,7 +29,7 @@ class SupportInstallation : public OnlineInstallation {
   void addFirmwareJob() const;
   void installFramework(const std::string& library) const;
 
-  std::string jobFile() const { return folder / testing::kJobFile; }
+  std::string jobFile() const { return folder / test::kJobFile; }
   std::string logFile() const { return shared() + "utility/logs/TarselVistrelUtility.txt"; }
   std::string sharedSettings() const { return shared() + "utility/config/setting.json"; }
   std::string productSettings() const { return bundle / "Contents/Resources/Config/setting.json"; }

@@ -39,10 +39,10 @@ Names piecesOf(const std::string& component) {
 
 // What the component installs, but for what is below "share".
 Names installedBy(const std::string& component) {
-  const testing::TempFolder prefix;
-  testing::installComponent(component, prefix.path());
+  const test::TempFolder prefix;
+  test::installComponent(component, prefix.path());
   Names found;
-  for (const std::string& name : testing::filesBelow(prefix.path())) {
+  for (const std::string& name : test::filesBelow(prefix.path())) {
     if (!name.starts_with("share/")) found.insert(name);
   }
   return found;
@@ -66,21 +66,21 @@ class BundlePage : public ::testing::Test {
   }
 
   // Runs the commands as they stand there, with a bundle of the test's own.
-  testing::Ended run(std::string commands) const {
+  test::Ended run(std::string commands) const {
     const std::string name = "/tmp/Manager.app";
     for (auto at = commands.find(name); at != commands.npos; at = commands.find(name)) {
       commands.replace(at, name.size(), bundle.path());
     }
     const std::string tools = fs::path(KELVANE_CMAKE).parent_path();
-    testing::Ended ended =
-        testing::runProgram({"/bin/sh", "-ec", commands}, folder.path(),
-                            {{"PATH", tools + ":/usr/bin:/bin"}, {"LD_LIBRARY_PATH", ""}});
+    test::Ended ended =
+        test::runProgram({"/bin/sh", "-ec", commands}, folder.path(),
+                         {{"PATH", tools + ":/usr/bin:/bin"}, {"LD_LIBRARY_PATH", ""}});
     EXPECT_EQ(ended.exitStatus, 0) << commands << ended.err;
     return ended;
   }
 
-  testing::TempFolder bundle{".app"};
-  testing::TempFolder folder;
+  test::TempFolder bundle{".app"};
+  test::TempFolder folder;
 };
 
 TEST_F(BundlePage, ItsCommandsMakeABundleWithAWorkerThatRuns) {

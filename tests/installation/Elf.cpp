@@ -3,21 +3,38 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include "tests/support/LogLine.h"
 #include "tests/support/Program.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
+
+// What readelf says of the file with these options, line by line.
+std::vector<std::string> linesOf(const std::string& path, const std::vector<std::string>& options) {
+  std::vector<std::string> argv = {KELVANE_READELF, "--wide"};
+  argv.insert(argv.end(), options.begin(), options.end());
+  argv.push_back(path);
+  const Ended read = runProgram(argv, "/", {{"LC_ALL", "C"}});
+  if (read.exitStatus != 0 || !read.err.empty()) throw std::runtime_error(path + ": " + read.err);
+  return splitLines(read.out);
+}
+
+bool hasLineWith(const std::vector<std::string>& lines, const std::vector<std::string>& words) {
+  return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
+    return std::all_of(words.begin(), words.end(), [&](const std::string& word) {
+      return line.find(word) != std::string::npos;
+    });
+  });
+}
 
 // What stands in brackets in the lines of the dynamic section with this tag, such as "(NEEDED)".
 std::vector<std::string> dynamicEntries(const std::string& path, const std::string& tag) {
-  const Ended read =
-      runProgram({KELVANE_READELF, "--dynamic", "--wide", path}, "/", {{"LC_ALL", "C"}});
-  if (read.exitStatus != 0 || !read.err.empty()) throw std::runtime_error(path + ": " + read.err);
   std::vector<std::string> found;
-  for (const std::string& line : splitLines(read.out)) {
+  for (const std::string& line : linesOf(path, {"--dynamic"})) {
     if (line.find(tag) == std::string::npos) continue;
     const std::size_t start = line.find('[') + 1;
     found.push_back(line.substr(start, line.rfind(']') - start));
@@ -69,6 +86,33 @@ std::map<std::string, std::string> loadedLibraries(const std::string& program) {
   return found;
 }
 
+std::set<std::string> definedSymbols(const std::string& path) {
+  std::set<std::string> found;
+  for (const std::string& line : linesOf(path, {"--symbols"})) {
+    std::istringstream columns(line);
+    const std::vector<std::string> words{std::istream_iterator<std::string>(columns), {}};
+    constexpr std::size_t kSection = 6;
+    constexpr std::size_t kName = 7;
+    if (words.size() > kName && words[kSection] != "UND") found.insert(words[kName]);
+  }
+  return found;
+}
+
+Hardening hardeningOf(const std::string& path) {
+  const std::vector<std::string> segments = linesOf(path, {"--segments"});
+  const std::vector<std::string> dynamic = linesOf(path, {"--dynamic"});
+  const std::vector<std::string> imported = linesOf(path, {"--dyn-syms"});
+  Hardening found;
+  found.positionIndependent = hasLineWith(linesOf(path, {"--file-header"}), {"Type:", "DYN"});
+  found.readOnlyRelocations = hasLineWith(segments, {"GNU_RELRO"});
+  found.immediateBinding = hasLineWith(dynamic, {"(FLAGS_1)", "NOW"});
+  found.stackWithoutCode = hasLineWith(segments, {"GNU_STACK", " RW "});
+  found.stackProtector = hasLineWith(imported, {" UND __stack_chk_fail"});
+  found.fortified = hasLineWith(imported, {" UND __", "_chk@"});
+  found.controlFlow = hasLineWith(linesOf(path, {"--notes"}), {"x86 feature:", "IBT", "SHSTK"});
+  return found;
+}
+
 bool isSystemRuntime(const std::string& library) {
   return isOneOf({"libc.so.6", "libm.so.6", "libgcc_s.so.1", "libstdc++.so.6"}, library) ||
          library.rfind("ld-linux", 0) == 0;
@@ -82,4 +126,4 @@ bool isSanitizer(const std::string& library) {
 #endif
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

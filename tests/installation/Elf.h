@@ -2,10 +2,11 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 bool isElf(const std::string& path);
 
@@ -20,6 +21,21 @@ std::vector<std::string> runPaths(const std::string& path);
 // "" where there is none. Nothing of the program is run.
 std::map<std::string, std::string> loadedLibraries(const std::string& program);
 
+// The names of the functions and data that are in it; all of them, where it is not stripped.
+std::set<std::string> definedSymbols(const std::string& path);
+
+// What of cmake/Hardening.cmake can be seen of it from outside.
+struct Hardening {
+  bool positionIndependent = false;
+  bool readOnlyRelocations = false;
+  bool immediateBinding = false;
+  bool stackWithoutCode = false;
+  bool stackProtector = false;
+  bool fortified = false;    // calls of the C library that know the size of what they write to
+  bool controlFlow = false;  // of x86 processors
+};
+Hardening hardeningOf(const std::string& path);
+
 // Of the system's C and C++ runtime.
 bool isSystemRuntime(const std::string& library);
 // Of the compiler's runtime for sanitizers, in a build with them. No other build may need it.
@@ -28,4 +44,4 @@ inline bool isRuntime(const std::string& library) {
   return isSystemRuntime(library) || isSanitizer(library);
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

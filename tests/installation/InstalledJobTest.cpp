@@ -25,7 +25,7 @@ class InstalledJob : public OnlineInstallation {
     fs::remove(bundle / "Contents/Resources/Kelvane");
     fs::remove(bundle / "Contents/Resources/EngineRunner");
     for (const char* component : {"worker", "simulators"}) {
-      testing::installComponent(component, bundle.path());
+      test::installComponent(component, bundle.path());
     }
     environment["LD_LIBRARY_PATH"] = "";
     makeImage("FW_T3.img", {"standard", "--product", "0x43", "--firmware", "2.0"});
@@ -60,7 +60,7 @@ class InstalledJob : public OnlineInstallation {
     EXPECT_THAT(violations(), IsEmpty());
   }
 
-  testing::TempFolder elsewhere{".app"};
+  test::TempFolder elsewhere{".app"};
 };
 
 TEST_F(InstalledJob, AQueryADownloadAndAFirmwareJobSucceed) {

@@ -7,16 +7,26 @@
 #include "tests/installation/Elf.h"
 #include "tests/support/Program.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 namespace fs = std::filesystem;
 
-void installComponent(const std::string& component, const std::string& prefix) {
-  const Ended installed = runProgram(
-      {KELVANE_CMAKE, "--install", KELVANE_BUILD, "--prefix", prefix, "--component", component},
-      "/");
+namespace {
+
+void install(const std::string& prefix, const std::vector<std::string>& options) {
+  std::vector<std::string> argv = {KELVANE_CMAKE, "--install", KELVANE_BUILD, "--prefix", prefix};
+  argv.insert(argv.end(), options.begin(), options.end());
+  const Ended installed = runProgram(argv, "/");
   if (installed.exitStatus != 0) throw std::runtime_error(installed.err);
 }
+
+}  // namespace
+
+void installComponent(const std::string& component, const std::string& prefix) {
+  install(prefix, {"--component", component});
+}
+
+void installPlainly(const std::string& prefix) { install(prefix, {}); }
 
 std::vector<std::string> filesBelow(const std::string& folder) {
   std::vector<std::string> found;
@@ -37,4 +47,4 @@ std::vector<std::string> binariesBelow(const std::string& folder) {
   return found;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

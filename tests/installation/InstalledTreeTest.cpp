@@ -11,12 +11,14 @@
 #include "tests/installation/InstalledTree.h"
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::IsEmpty;
+using ::testing::Key;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 using ::testing::UnorderedElementsAreArray;
@@ -68,6 +70,20 @@ TEST_F(InstalledTree, TheWorkerNeedsZorapiAndWhatItBringsAlong) {
               UnorderedElementsAreArray(broughtAlong()));
   EXPECT_THAT(broughtAlong(), Contains("libZORAPI.so"));
 }
+
+#ifdef KELVANE_RUNTIME_LINKED_IN
+TEST_F(InstalledTree, TheWorkerAndTheFrameworkHaveTheCxxRuntimeInThem) {
+  for (const char* name : {"Contents/Resources/Kelvane", "Contents/Frameworks/libZORAPI.so"}) {
+    EXPECT_THAT(neededLibraries(path(name)), Not(Contains(StartsWith("libstdc++")))) << name;
+    EXPECT_THAT(neededLibraries(path(name)), Not(Contains(StartsWith("libgcc_s")))) << name;
+  }
+}
+
+TEST_F(InstalledTree, TheWorkerLoadsNoSecondCxxRuntime) {
+  EXPECT_THAT(loadedLibraries(path("Contents/Resources/Kelvane")),
+              Not(Contains(Key(StartsWith("libstdc++")))));
+}
+#endif
 
 TEST_F(InstalledTree, NothingNeedsMoreThanTheRuntimeAndWhatIsBroughtAlong) {
   for (const std::string& binary : binaries()) {
@@ -137,4 +153,4 @@ TEST_F(InstalledTree, EveryPageIsInTheDocumentation) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 namespace fs = std::filesystem;
 
@@ -20,9 +20,10 @@ std::string outputOf(const std::vector<std::string>& argv) {
 }  // namespace
 
 Package::Package(const std::string& kind) {
-  const std::string settings = KELVANE_BUILD "/CPackConfig.cmake";
-  outputOf({"/bin/sh", "-c", R"(umask 077; exec "$@")", "sh", KELVANE_CPACK, "-G", kind, "--config",
-            settings, "-B", folder_.path()});
+  const std::string settings = kind == "SOURCE" ? "/CPackSourceConfig.cmake" : "/CPackConfig.cmake";
+  outputOf({"/bin/sh", "-c", R"(umask 077; exec "$@")", "sh", KELVANE_CPACK, "-G",
+            kind == "DEB" ? kind : "TGZ", "--config", KELVANE_BUILD + settings, "-B",
+            folder_.path()});
   const std::string ending = kind == "DEB" ? ".deb" : ".tar.gz";
   for (const std::string& name : folder_.names()) {
     if (name.ends_with(ending)) path_ = folder_ / name;
@@ -61,4 +62,4 @@ Ended DebianRoot::dpkg(std::vector<std::string> arguments) const {
   return runProgram(arguments, "/", {{"PATH", "/usr/sbin:/usr/bin:/sbin:/bin"}, {"LC_ALL", "C"}});
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

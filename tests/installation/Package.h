@@ -7,10 +7,11 @@
 #include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
-// A package of a kind, "TGZ" or "DEB", in a folder of its own; made with a umask that keeps new
-// folders to whoever makes them. Raises, with the complaint, where cpack fails.
+// A package of a kind, "TGZ", "DEB" or "SOURCE" (the source archive), in a folder of its own; made
+// with a umask that keeps new folders to whoever makes them. Raises, with the complaint, where
+// cpack fails.
 class Package {
  public:
   explicit Package(const std::string& kind);
@@ -41,4 +42,4 @@ class DebianRoot {
   TempFolder log_;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

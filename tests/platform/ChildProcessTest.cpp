@@ -96,7 +96,7 @@ class ChildProcessTest : public ::testing::Test {
     return WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM;
   }
 
-  kelvane::testing::TempFolder folder;
+  kelvane::test::TempFolder folder;
 
  private:
   int fifo_ = -1;

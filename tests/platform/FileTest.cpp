@@ -26,7 +26,7 @@ using Names = std::vector<std::string>;
 
 class File : public ::testing::Test {
  protected:
-  kelvane::testing::TempFolder folder;
+  kelvane::test::TempFolder folder;
 
   static std::string secondDisk() {
     return std::filesystem::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
@@ -280,8 +280,8 @@ TEST_F(File, ACrashAtAnySystemCallLeavesTheOldFileOrTheNewOne) {
   int n = 1;
   for (;; ++n) {
     folder.write("file", oldBytes);
-    const bool killed = kelvane::testing::killedBeforeSystemCall(
-        n, [&] { replaceFile(folder / "file", newBytes); });
+    const bool killed =
+        kelvane::test::killedBeforeSystemCall(n, [&] { replaceFile(folder / "file", newBytes); });
     const std::string left = folder.read("file");
     ASSERT_TRUE(left == oldBytes || left == newBytes) << "killed before system call " << n;
     sawOld = sawOld || left == oldBytes;
@@ -318,7 +318,7 @@ TEST_F(File, AppendsMorePiecesThanTheSystemTakesAtOnce) {
 }
 
 TEST_F(File, AppendsAsMuchAsThereIsRoomForAndThenRaises) {
-  const kelvane::testing::FullFile full;
+  const kelvane::test::FullFile full;
   std::filesystem::resize_file(full.path(), std::filesystem::file_size(full.path()) - 7);
   EXPECT_THROW(appendToFile(full.path(), {"one", "two", "three"}), Exception);
   const std::string bytes = readFile(full.path());
@@ -337,7 +337,7 @@ TEST_F(File, OnlyARegularFileIsAppendedTo) {
 }
 
 TEST_F(File, AFailingAppendTellsPathAndCause) {
-  const kelvane::testing::FullFile full;
+  const kelvane::test::FullFile full;
   EXPECT_EQ(reasonOf([&] { appendToFile(full.path(), {"x"}); }),
             "write " + full.path() + ": File too large");
 }
@@ -378,7 +378,7 @@ TEST_F(File, AMoveThatFailsLeavesBothWhereTheyWere) {
 
 // Where there is no second disk these are moves like any other.
 TEST_F(File, MovesAWholeFolderToAnotherDisk) {
-  const kelvane::testing::TempFolder other("", secondDisk());
+  const kelvane::test::TempFolder other("", secondDisk());
   other.write("from/deep/file", "x");
   EXPECT_TRUE(movePath(other / "from", folder / "to"));
   EXPECT_EQ(folder.read("to/deep/file"), "x");
@@ -386,7 +386,7 @@ TEST_F(File, MovesAWholeFolderToAnotherDisk) {
 }
 
 TEST_F(File, AMoveToAnotherDiskThatFailsLeavesTheFileWhereItWas) {
-  const kelvane::testing::TempFolder other("", secondDisk());
+  const kelvane::test::TempFolder other("", secondDisk());
   other.write("from", "x");
   folder.write("full/inside", "y");
   EXPECT_FALSE(movePath(other / "from", folder / "full"));

@@ -51,7 +51,7 @@ class FileTree : public ::testing::Test {
     return bytes;
   }
 
-  kelvane::testing::TempFolder folder;
+  kelvane::test::TempFolder folder;
 };
 
 TEST_F(FileTree, ListsOneLevelHiddenNamesToo) {
@@ -261,7 +261,7 @@ TEST_F(FileTree, AnEmptyFileIsCopied) {
 TEST_F(FileTree, HolesStayWhereTheyAreBetweenTwoDisks) {
   // Where there is no second disk this is a copy like any other.
   const std::string root = fs::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
-  const kelvane::testing::TempFolder other("", root);
+  const kelvane::test::TempFolder other("", root);
   makeWithHoles(other / "from", 3 * kHole + 1, {{10, "start"}, {kHole + 7, numbered(100'001)}});
   EXPECT_TRUE(copyTree(other / "from", folder / "to"));
   EXPECT_EQ(folder.read("to"), other.read("from"));
@@ -279,7 +279,7 @@ TEST_F(FileTree, CopiesBetweenTwoDisks) {
   // Where there is no second disk this is a copy like any other.
   const std::string bytes(300'000, 'x');
   const std::string from = fs::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
-  const kelvane::testing::TempFolder other("", from);
+  const kelvane::test::TempFolder other("", from);
   EXPECT_TRUE(copyTree(other.write("from", bytes), folder / "to"));
   EXPECT_EQ(folder.read("to"), bytes);
 }
@@ -310,7 +310,7 @@ TEST_F(FileTree, AFailedCopyOfAFolderLeavesNothing) {
   folder.write("from/zlast/inside", "x");
   ::chmod((folder / "from/readonly").c_str(), 0555);
   {
-    const kelvane::testing::FullFile full;  // so that a file of this size cannot be made
+    const kelvane::test::FullFile full;  // so that a file of this size cannot be made
     EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
   }
   EXPECT_EQ(folder.names(), Names{"from"});
@@ -396,8 +396,8 @@ TEST_F(FileTree, KilledAnywhereACopyIsThereWholeOrNotAtAll) {
   bool killed = true;
   for (int n = 1; killed; ++n) {
     fs::remove_all(folder / "to");
-    killed = kelvane::testing::killedBeforeSystemCall(
-        n, [&] { copyTree(folder / "from", folder / "to"); });
+    killed =
+        kelvane::test::killedBeforeSystemCall(n, [&] { copyTree(folder / "from", folder / "to"); });
     if (exists(folder / "to")) {
       ASSERT_EQ(described(folder / "to"), whole) << "killed before system call " << n;
     } else {
@@ -416,7 +416,7 @@ TEST_F(FileTree, KilledAnywhereWhatIsDiscardedIsThereWholeOrNotAtAll) {
     folder.write("to/a", "12345");
     folder.write("to/deep/b", "1234567");
     const std::string whole = described(folder / "to");
-    killed = kelvane::testing::killedBeforeSystemCall(n, [&] { discardTree(folder / "to"); });
+    killed = kelvane::test::killedBeforeSystemCall(n, [&] { discardTree(folder / "to"); });
     if (exists(folder / "to")) {
       ASSERT_EQ(described(folder / "to"), whole) << "killed before system call " << n;
       sawWhole = true;

@@ -12,8 +12,8 @@
 namespace kelvane::platform {
 namespace {
 
-using kelvane::testing::binaryPropertyList;
-using kelvane::testing::xmlPropertyList;
+using kelvane::test::binaryPropertyList;
+using kelvane::test::xmlPropertyList;
 
 constexpr char kEveryKind[] =
     "<dict><key>s</key><string>text \xC3\xA9 &amp;</string><key>i</key><integer>42</integer>"
@@ -39,7 +39,7 @@ class PropertyList : public ::testing::Test {
     return readPropertyList(folder.write("list.plist", bytes));
   }
 
-  kelvane::testing::TempFolder folder;
+  kelvane::test::TempFolder folder;
 };
 
 TEST_F(PropertyList, ReadsEveryKindFromXml) {

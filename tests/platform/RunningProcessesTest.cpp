@@ -65,7 +65,7 @@ std::vector<RunningProcess> processesWithId(long id) {
 }
 
 TEST(RunningProcesses, HaveTheirArgumentsAndCurrentFolderOnceEach) {
-  const testing::TempFolder folder;
+  const test::TempFolder folder;
   const Reader reader(folder.path());
   const auto found = processesWithId(reader.id());
   ASSERT_EQ(found.size(), 1U);
@@ -76,7 +76,7 @@ TEST(RunningProcesses, HaveTheirArgumentsAndCurrentFolderOnceEach) {
 TEST(RunningProcesses, DoNotHoldOneThatHasEnded) {
   long id = 0;
   {
-    const testing::TempFolder folder;
+    const test::TempFolder folder;
     id = Reader(folder.path()).id();
   }
   EXPECT_TRUE(processesWithId(id).empty());

@@ -10,7 +10,7 @@
 
 #include "tests/simulators/SimulatedWorld.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 // Breaks the contract in a world where the image has been examined; gives the status.
 using Breach = std::function<std::uint32_t(SimulatedWorld&)>;
@@ -27,4 +27,4 @@ inline void expectBreach(const std::string& text, const Breach& breach) {
   expectBreach(world, text, breach);
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -4,7 +4,7 @@
 
 #include "tests/simulators/Breach.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 void expectBreachAtStart(const std::string& text, const Breach& breach) {
@@ -230,4 +230,4 @@ TEST(SimulatedContract, PathEnds) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

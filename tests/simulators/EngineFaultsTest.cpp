@@ -15,7 +15,7 @@
 #include "tests/simulators/EngineWorld.h"
 #include "tests/support/LogLine.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using ::testing::ElementsAre;
@@ -303,4 +303,4 @@ TEST_F(EngineFault, AMistakeInTheFileIsToldWithItsPath) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -9,7 +9,7 @@
 #include "tests/simulators/EngineWorld.h"
 #include "tests/support/PropertyLists.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using ::testing::ElementsAre;
@@ -38,6 +38,14 @@ class UpdateEngine : public EngineWorld {
     return ended.err.substr(14, ended.err.find('\n') - 14);
   }
 };
+
+TEST_F(UpdateEngine, TellsItsVersionAndDoesNothingElse) {
+  const Ended ended = run({engine, "--version"});
+  EXPECT_EQ(ended.exitStatus, 0);
+  EXPECT_EQ(ended.out, "EngineRunner " KELVANE_VERSION "\n");
+  EXPECT_EQ(ended.err, "");
+  EXPECT_EQ(usageComplaint({"--version", "dryrun"}), "--version: is not a known verb");
+}
 
 TEST_F(UpdateEngine, ADryRunLeavesTheCatalogueAlone) {
   const Ended ended = dryrun();
@@ -273,4 +281,4 @@ TEST_F(UpdateEngine, SettingsThatCannotBeUsedAreTold) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

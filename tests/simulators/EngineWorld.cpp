@@ -5,7 +5,7 @@
 
 #include "tests/support/PropertyLists.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 namespace fs = std::filesystem;
 
@@ -53,4 +53,4 @@ Ended EngineWorld::script(const std::string& commands) const {
   return run(argv);
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -10,7 +10,7 @@
 #include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 class EngineWorld : public ::testing::Test {
  protected:
@@ -37,4 +37,4 @@ class EngineWorld : public ::testing::Test {
   std::map<std::string, std::string> environment;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -2,7 +2,7 @@
 
 #include "tests/simulators/Breach.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 // The same where a firmware flash runs.
@@ -268,4 +268,4 @@ TEST(SimulatedContract, FlashedNvramIsTheOnePrepared) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

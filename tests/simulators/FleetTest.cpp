@@ -10,7 +10,7 @@
 namespace kelvane::simulator {
 namespace {
 
-using kelvane::testing::TempFolder;
+using kelvane::test::TempFolder;
 
 constexpr char kController[] =
     R"("wwn":"500a098000000001","product_id":"0x4301","firmware":"1","cpld":"1","usb_bridge":"1")";

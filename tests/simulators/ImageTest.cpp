@@ -11,7 +11,7 @@
 namespace kelvane::simulator {
 namespace {
 
-using kelvane::testing::TempFolder;
+using kelvane::test::TempFolder;
 
 Image smallImage() {
   Image image;

@@ -11,7 +11,7 @@
 #include "tests/simulators/SimulatedWorld.h"
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using platform::Value;
@@ -99,4 +99,4 @@ TEST(SimulatedLibrary, FindsTheFleetBesideItself) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -11,7 +11,7 @@
 #include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using platform::Value;
@@ -279,4 +279,4 @@ TEST_F(MakeService, BothArgumentsAreNeeded) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

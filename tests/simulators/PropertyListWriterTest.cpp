@@ -38,7 +38,7 @@ std::string complaint(const Value& value) {
 }
 
 TEST(PropertyListWriter, EveryKindIsReadAgain) {
-  const testing::TempFolder folder;
+  const test::TempFolder folder;
   for (const PropertyListForm form : kForms) {
     const std::string path = folder.write("list.plist", printPropertyList(everyKind(), form));
     EXPECT_EQ(platform::readPropertyList(path), everyKind());

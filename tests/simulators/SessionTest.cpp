@@ -7,7 +7,7 @@
 #include "simulators/controllers/Status.h"
 #include "tests/simulators/SimulatedWorld.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using simulator::describeStatus;
@@ -334,4 +334,4 @@ TEST(SimulatedStatus, EveryCodeHasAText) {
 }
 
 }  // namespace
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -4,7 +4,7 @@
 
 #include "platform/Json.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 using platform::Value;
 using simulator::Image;
@@ -200,4 +200,4 @@ std::string SimulatedWorld::stored(const std::string& key) const {
   return fleet.get("controllers").at(0).get(key).string();
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -12,7 +12,7 @@
 #include "tests/support/TempFolder.h"
 #include "zorapi/zorapi.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 class MemoryJournal : public simulator::Journal {
  public:
@@ -95,4 +95,4 @@ class SimulatedWorld {
   FlashProgress progress_ = {};
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 FakeFramework* current = nullptr;
@@ -141,20 +141,20 @@ const char* FakeFramework::describe(std::uint32_t status) {
   return generic.c_str();
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test
 
-using kelvane::testing::bufferText;
-using kelvane::testing::current;
-using kelvane::testing::next;
-using kelvane::testing::pageText;
-using kelvane::testing::text;
-using kelvane::testing::zeroedOr;
+using kelvane::test::bufferText;
+using kelvane::test::current;
+using kelvane::test::next;
+using kelvane::test::pageText;
+using kelvane::test::text;
+using kelvane::test::zeroedOr;
 
 extern "C" {
 
 std::uint32_t zr_initialize(const InitParm* parm) {
   return current->called("zr_initialize",
-                         kelvane::testing::isTheFixedInitParm(*parm) ? "fixed words" : "wrong!");
+                         kelvane::test::isTheFixedInitParm(*parm) ? "fixed words" : "wrong!");
 }
 
 std::uint32_t zr_discover(std::uint32_t zero) {
@@ -201,12 +201,12 @@ std::uint32_t zr_getControllerInfo(std::uint16_t adapterNumber, std::uint32_t se
   const std::uint32_t status = current->called(
       "zr_getControllerInfo",
       fmt::format("{}, {}, {}, {}, {}", adapterNumber, sel,
-                  kelvane::testing::isTheFixedRequest(*request) ? "request" : "wrong request!",
-                  kelvane::testing::isZero(buffer, size) ? "zeroed" : "dirty!", size));
+                  kelvane::test::isTheFixedRequest(*request) ? "request" : "wrong request!",
+                  kelvane::test::isZero(buffer, size) ? "zeroed" : "dirty!", size));
   if (status != 0) return status;
   const std::uint16_t productId = current->devices.at(adapterNumber).productId;
   std::memcpy(
-      current->infoBuffer + kelvane::testing::kPage0At + offsetof(ControllerInfoPage, ci_ProductID),
+      current->infoBuffer + kelvane::test::kPage0At + offsetof(ControllerInfoPage, ci_ProductID),
       &productId, sizeof productId);
   return 0;
 }
@@ -216,7 +216,7 @@ std::uint32_t decod_locateBufferCtrlInfo(void* buffer, std::uint32_t size, std::
   const std::uint32_t status =
       current->called("decod_locateBufferCtrlInfo",
                       fmt::format("{}, {}, {}, {}", bufferText(buffer), size, zero, pageNumber));
-  const std::size_t at = pageNumber == 0 ? kelvane::testing::kPage0At : kelvane::testing::kPage1At;
+  const std::size_t at = pageNumber == 0 ? kelvane::test::kPage0At : kelvane::test::kPage1At;
   if (status == 0) *page = current->infoBuffer + at;
   return status;
 }
@@ -247,8 +247,8 @@ std::uint32_t zr_getCPLDImageInfo(FlashParm* flash, CpldParm* cpld, FwImgInfo* i
                                   void* page1) {
   const std::uint32_t status = current->called(
       "zr_getCPLDImageInfo", fmt::format("{}, {}, {}, {}0, {}1", text(flash), text(cpld),
-                                         text(image), pageText(page0, kelvane::testing::kPage0At),
-                                         pageText(page1, kelvane::testing::kPage1At)));
+                                         text(image), pageText(page0, kelvane::test::kPage0At),
+                                         pageText(page1, kelvane::test::kPage1At)));
   cpld->at0 = 0xC1;
   image->at4 = 0xCD;
   return status;
@@ -262,7 +262,7 @@ std::uint32_t zr_getUSBImageInfo(FlashParm* flash, UsbParm* usb) {
 }
 
 std::uint32_t zr_initializeFlashProcess(ControllerAddress addr, std::uint32_t sel) {
-  return kelvane::testing::addressed("zr_initializeFlashProcess", addr, sel);
+  return kelvane::test::addressed("zr_initializeFlashProcess", addr, sel);
 }
 
 std::uint32_t zr_checkFlashImage(ControllerAddress addr, std::uint32_t sel, void* controllerInfo,
@@ -293,11 +293,11 @@ std::uint32_t zr_flashImageEx(ControllerAddress addr, std::uint32_t sel, std::ui
 
 std::uint32_t zr_getFlashProgress(ControllerAddress addr, std::uint32_t sel,
                                   FlashProgress* progress) {
-  return kelvane::testing::flashProgress("zr_getFlashProgress", addr, sel, progress);
+  return kelvane::test::flashProgress("zr_getFlashProgress", addr, sel, progress);
 }
 
 std::uint32_t zr_finalizeFlashProcess(ControllerAddress addr, std::uint32_t sel) {
-  return kelvane::testing::addressed("zr_finalizeFlashProcess", addr, sel);
+  return kelvane::test::addressed("zr_finalizeFlashProcess", addr, sel);
 }
 
 std::uint32_t zr_checkQVXFFlashImage(ControllerAddress addr, std::uint32_t sel, FlashParm* flash,
@@ -321,20 +321,20 @@ std::uint32_t zr_analyzeQVXFImage(ControllerAddress addr, std::uint32_t sel,
 }
 
 std::uint32_t zr_flashQVXFImage(ControllerAddress addr, std::uint32_t sel) {
-  return kelvane::testing::addressed("zr_flashQVXFImage", addr, sel);
+  return kelvane::test::addressed("zr_flashQVXFImage", addr, sel);
 }
 
 std::uint32_t zr_getFlashQVXFImageStatus(ControllerAddress addr, std::uint32_t sel,
                                          FlashProgress* progress) {
-  return kelvane::testing::flashProgress("zr_getFlashQVXFImageStatus", addr, sel, progress);
+  return kelvane::test::flashProgress("zr_getFlashQVXFImageStatus", addr, sel, progress);
 }
 
 std::uint32_t zr_finializeQVXFImage(ControllerAddress addr, std::uint32_t sel) {
-  return kelvane::testing::addressed("zr_finializeQVXFImage", addr, sel);
+  return kelvane::test::addressed("zr_finializeQVXFImage", addr, sel);
 }
 
 std::uint32_t zr_initializeCPLDProcess(ControllerAddress addr, std::uint32_t sel) {
-  return kelvane::testing::addressed("zr_initializeCPLDProcess", addr, sel);
+  return kelvane::test::addressed("zr_initializeCPLDProcess", addr, sel);
 }
 
 std::uint32_t zr_flashCPLDBin(ControllerAddress addr, std::uint32_t sel, FlashParm* flash,
@@ -363,7 +363,7 @@ std::uint32_t zr_getCPLDProgress(ControllerAddress addr, std::uint32_t sel,
 }
 
 std::uint32_t zr_finalizeCPLDProcess(ControllerAddress addr, std::uint32_t sel) {
-  return kelvane::testing::addressed("zr_finalizeCPLDProcess", addr, sel);
+  return kelvane::test::addressed("zr_finalizeCPLDProcess", addr, sel);
 }
 
 std::uint32_t zr_mac_checkUSBFWVersion(ControllerAddress addr, std::uint32_t sel, UsbParm* usb,

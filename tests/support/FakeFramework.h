@@ -12,7 +12,7 @@
 
 #include "zorapi/zorapi.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 class FakeFramework {
  public:
@@ -69,4 +69,4 @@ class FakeFramework {
   std::map<std::uint32_t, std::string> genericDescriptions_;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -6,7 +6,7 @@
 
 #include "platform/Host.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 class FakeHost : public platform::Host {
  public:
@@ -30,4 +30,4 @@ class FakeHost : public platform::Host {
   platform::Value folder;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -3,7 +3,7 @@
 #include <csignal>
 #include <filesystem>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 constexpr rlim_t kSize = 1 << 20;
@@ -23,4 +23,4 @@ FullFile::~FullFile() {
   std::signal(SIGXFSZ, signalBefore_);
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -7,7 +7,7 @@
 
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 // While there is one, no file of this process grows beyond 1 MiB; this one has that size (as a
 // hole) from the start, so that appending to it fails with "File too large".
@@ -27,4 +27,4 @@ class FullFile {
   void (*signalBefore_)(int);
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

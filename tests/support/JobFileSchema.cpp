@@ -11,7 +11,7 @@
 #include <valijson/validation_results.hpp>
 #include <valijson/validator.hpp>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 using Adapter = valijson::adapters::NlohmannJsonAdapter;
@@ -65,4 +65,4 @@ std::vector<std::string> validateWaitingJob(const std::string& text) {
   return validate(*schema, text);
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -22,7 +22,7 @@ bool isJobFile(std::string_view path) { return path.ends_with("/BGPLog.json"); }
 void examine(const char* path) {
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  for (const std::string& violation : kelvane::testing::validateJobFile(text)) {
+  for (const std::string& violation : kelvane::test::validateJobFile(text)) {
     ADD_FAILURE() << violation << " in the job file\n" << text;
   }
 }

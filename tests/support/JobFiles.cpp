@@ -2,7 +2,7 @@
 
 #include "platform/Json.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 using platform::Value;
 
@@ -12,4 +12,4 @@ std::string waitingJob(const std::string& command, const Value& inputs, const st
   return *platform::printJson(Value::array({record}));
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -5,7 +5,7 @@
 
 #include "platform/Value.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 // The job file in a test's folder, where the folder "shared" is the shared one. Written out, as a
 // witness of its own.
@@ -15,4 +15,4 @@ inline constexpr char kJobFile[] = "shared/utility/command/BGPLog.json";
 std::string waitingJob(const std::string& command, const platform::Value& inputs,
                        const std::string& logId = "17");
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 // Takes `before`, and then a field up to `end`, off the front of the text.
@@ -41,4 +41,4 @@ std::vector<std::string> splitLines(const std::string& text) {
   return lines;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

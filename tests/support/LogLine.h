@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 // "[time] [file][line][function][level] message"; of a message over several lines the first.
 struct LogLine {
@@ -22,4 +22,4 @@ std::optional<LogLine> parseLogLine(const std::string& text);
 
 std::vector<std::string> splitLines(const std::string& text);
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -8,7 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 constexpr unsigned kNobody = 65534;
@@ -65,4 +65,4 @@ PermissionBits::PermissionBits(const std::string& path, unsigned bits) : path_(p
 
 PermissionBits::~PermissionBits() { ::chmod(path_.c_str(), before_); }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 // Runs the action in a child process without the super user's rights; what it returned.
 std::string asOrdinaryUser(const std::function<std::string()>& action);
@@ -25,4 +25,4 @@ class PermissionBits {
   unsigned before_ = 0;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

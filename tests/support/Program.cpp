@@ -10,7 +10,7 @@
 
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 void openAs(int stream, const std::string& path, int flags) {
@@ -51,4 +51,4 @@ Ended runProgram(const std::vector<std::string>& argv, const std::string& folder
   return ended;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

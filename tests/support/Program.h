@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 struct Ended {
   int exitStatus = -1;  // -1 where a signal ended it
@@ -24,4 +24,4 @@ Ended runProgram(const std::vector<std::string>& argv, const std::string& folder
 [[noreturn]] void becomeProgram(const std::vector<std::string>& argv, const std::string& folder,
                                 const std::map<std::string, std::string>& variables);
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

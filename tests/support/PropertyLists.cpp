@@ -6,7 +6,7 @@
 
 #include <plist/plist.h>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 std::string xmlPropertyList(const std::string& content) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n" + content +
@@ -27,4 +27,4 @@ std::string binaryPropertyList(const std::string& content) {
   return binary;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -11,7 +11,7 @@
 
 #include "tests/support/Program.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 // A terminal's screen, as far as the console uses it.
@@ -153,4 +153,4 @@ std::vector<std::string> PseudoTerminal::screen() const {
   return screen.lines();
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

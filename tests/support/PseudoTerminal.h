@@ -7,7 +7,7 @@
 
 #include <sys/types.h>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 struct TerminalForm {
   unsigned short columns = 80;
@@ -47,4 +47,4 @@ class PseudoTerminal {
   std::string output_;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

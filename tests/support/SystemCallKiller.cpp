@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 [[noreturn]] void runTraced(const std::function<void()>& action) {
@@ -42,4 +42,4 @@ bool killedBeforeSystemCall(int n, const std::function<void()>& action) {
   return true;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

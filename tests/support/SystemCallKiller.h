@@ -3,10 +3,10 @@
 
 #include <functional>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 // Whether the child was killed before its n-th system call (from 1); false where it ended by
 // itself earlier.
 bool killedBeforeSystemCall(int n, const std::function<void()>& action);
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 namespace fs = std::filesystem;
 
@@ -45,4 +45,4 @@ std::vector<std::string> TempFolder::names(const std::string& folder) const {
   return found;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 class TempFolder {
  public:
@@ -29,4 +29,4 @@ class TempFolder {
   std::string path_;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

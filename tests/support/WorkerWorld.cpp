@@ -5,7 +5,7 @@
 #include "tests/support/JobFiles.h"
 #include "tests/support/LogLine.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 namespace {
 
 constexpr char kLogFile[] = "shared/utility/logs/TarselVistrelUtility.txt";
@@ -79,4 +79,4 @@ std::vector<std::string> WorkerWorld::versions() {
   return versions_;
 }
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

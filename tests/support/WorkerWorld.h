@@ -13,7 +13,7 @@
 #include "tests/support/FakeHost.h"
 #include "tests/support/TempFolder.h"
 
-namespace kelvane::testing {
+namespace kelvane::test {
 
 class WorkerWorld : public ::testing::Test {
  protected:
@@ -55,4 +55,4 @@ class WorkerWorld : public ::testing::Test {
   std::function<std::string(const platform::Value&)> describe_;
 };
 
-}  // namespace kelvane::testing
+}  // namespace kelvane::test

@@ -31,7 +31,7 @@ std::string codebase(const std::string& url) {
   return "<key>Codebase</key><string>" + url + "</string>";
 }
 
-class Catalogue : public testing::WorkerWorld {
+class Catalogue : public test::WorkerWorld {
  protected:
   Catalogue() {
     worker.setSettingDict(platform::parseJson(
@@ -40,8 +40,8 @@ class Catalogue : public testing::WorkerWorld {
     host.version = {14, 2, 1};
   }
   void writeRules(const std::string& rules) const {
-    folder.write("d/Offers.plist", testing::xmlPropertyList("<dict><key>Rules</key><array>" +
-                                                            rules + "</array></dict>"));
+    folder.write("d/Offers.plist", test::xmlPropertyList("<dict><key>Rules</key><array>" + rules +
+                                                         "</array></dict>"));
   }
   Value parameters(const std::string& product) const {
     return Value::dictionary({{"productid", product}, {"version", "0"}, {"folder", folder / "d"}});
@@ -96,7 +96,7 @@ TEST_F(Catalogue, WithoutWhatItNeedsThereAreNoRules) {
   EXPECT_TRUE(worker.getUpdateEngineData(record).isNothing());  // no file
   folder.write("d/Offers.plist", "damaged");
   EXPECT_TRUE(worker.getUpdateEngineData(record).isNothing());
-  folder.write("d/Offers.plist", testing::xmlPropertyList("<dict/>"));
+  folder.write("d/Offers.plist", test::xmlPropertyList("<dict/>"));
   EXPECT_TRUE(worker.getUpdateEngineData(record).isNothing());
   writeRules("");
   EXPECT_EQ(worker.getUpdateEngineData(record), Value::array());
@@ -216,7 +216,7 @@ TEST_F(Catalogue, WithoutAFolderOrACatalogueTheAnswerIsEmpty) {
 
 TEST_F(Catalogue, RulesThatAreNoListAreLoggedOnce) {
   folder.write("d/Offers.plist",
-               testing::xmlPropertyList("<dict><key>Rules</key><string>text</string></dict>"));
+               test::xmlPropertyList("<dict><key>Rules</key><string>text</string></dict>"));
   EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("fw")), Value::dictionary());
   EXPECT_THAT(log(), ElementsAre(StartsWith("getUpdateEngineDataInDownloadFolder error: ")));
 }
@@ -265,8 +265,8 @@ TEST_F(Catalogue, WithoutARuleTheParametersStay) {
 
 TEST_F(Catalogue, ADownloadFolderReplacesTheElementsOwn) {
   folder.write("area/FW_T3.img", "image");
-  folder.write("area/Offers.plist", testing::xmlPropertyList("<dict><key>Rules</key><array>" +
-                                                             rule("fw3", "3") + "</array></dict>"));
+  folder.write("area/Offers.plist", test::xmlPropertyList("<dict><key>Rules</key><array>" +
+                                                          rule("fw3", "3") + "</array></dict>"));
   const Value found =
       worker.getDownloadFileData(Value::array({parameters("fw3")}), folder / "area").at(0);
   EXPECT_EQ(found.get("folder"), Value(folder / "area"));

@@ -22,7 +22,7 @@ using ::testing::StartsWith;
 
 using Lines = std::vector<std::string>;
 
-class CpldFlash : public testing::WorkerWorld {
+class CpldFlash : public test::WorkerWorld {
  protected:
   CpldFlash() {
     writeJobs(R"([{"log_id":"17","output":[{"wwn":"A","file_path":"/img","fw_percentage":0}]}])");
@@ -307,7 +307,7 @@ TEST_F(CpldFlash, AnEntryWithoutAFilePathShowsNull) {
 
 TEST_F(CpldFlash, AVanishedJobFileCostsAnErrorLinePerPublishAndTheFlashGoesOn) {
   framework.cpldProgress = {{0, 0, 37}};
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   framework.onCall = nullptr;
   host.onSleep = nullptr;
   EXPECT_EQ(run(), 0U);
@@ -322,7 +322,7 @@ TEST_F(CpldFlash, AVanishedJobFileCostsAnErrorLinePerPublishAndTheFlashGoesOn) {
 
 TEST_F(CpldFlash, AnExceptionLeavesTheProcessOpenAndGivesTheStatusHeld) {
   framework.answer("zr_flashCPLDBin", 1, 0x8050);
-  const testing::FullFile full;
+  const test::FullFile full;
   framework.onCall = [&] {
     if (framework.count("zr_initializeCPLDProcess") == 1) setLogPath(full.path().c_str());
   };
@@ -331,7 +331,7 @@ TEST_F(CpldFlash, AnExceptionLeavesTheProcessOpenAndGivesTheStatusHeld) {
 }
 
 TEST_F(CpldFlash, AnExceptionBeforeAnyCallGivesZero) {
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   EXPECT_EQ(run(), 0U);
   EXPECT_TRUE(framework.calls.empty());

@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
 
-class DownloadArea : public testing::WorkerWorld {
+class DownloadArea : public test::WorkerWorld {
  protected:
   DownloadArea() {
     worker.setSettingDict(platform::parseJson(
@@ -350,7 +350,7 @@ TEST_F(DownloadArea, APackageThatCannotBeCopiedWholeIsNotThereAndTheOthersAre) {
   fs::resize_file(folder.write("engine/Manager.app/large", "x"), 2 << 20);
   folder.write("shared/tmp/OnlineUpdate/SW/Manager.app/old", "old");
   {
-    const testing::FullFile full;  // so that a file of this size cannot be made
+    const test::FullFile full;  // so that a file of this size cannot be made
     worker.syncDownloadFiles(record("sw"));
   }
   EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW"), (Names{"Catalogue.plist", "package.img"}));
@@ -372,7 +372,7 @@ TEST_F(DownloadArea, OfAPackageThatHoldsAPipeTheOtherEntriesArrive) {
 TEST_F(DownloadArea, WhatWasCopiedBeforeTheLogFailedArrives) {
   makeDownload();
   fs::create_directories(area("SW"));
-  const testing::FullFile full;
+  const test::FullFile full;
   fs::resize_file(full.path(), fs::file_size(full.path()) - 100);  // room for one line
   setLogPath(full.path().c_str());
   worker.syncFiles(folder / "engine", area("SW"));
@@ -408,7 +408,7 @@ TEST_F(DownloadArea, KilledAnywhereNoPackageIsThereInPart) {
     folder.write("engine/Manager.app/deep/b", "new too");
     folder.write("shared/tmp/OnlineUpdate/SW/Manager.app/a", "old one");
     folder.write("shared/tmp/OnlineUpdate/SW/Manager.app/deep/b", "old");
-    killed = testing::killedBeforeSystemCall(n, [&] { worker.syncDownloadFiles(record("sw")); });
+    killed = test::killedBeforeSystemCall(n, [&] { worker.syncDownloadFiles(record("sw")); });
     const std::string left = described(package);
     ASSERT_THAT(left, ::testing::AnyOf("", "a 3\nb 7\n", "a 7\nb 3\n"))
         << "killed before system call " << n;

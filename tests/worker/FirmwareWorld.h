@@ -15,7 +15,7 @@ namespace kelvane {
 
 using Lines = std::vector<std::string>;
 
-class FirmwareWorld : public testing::WorkerWorld {
+class FirmwareWorld : public test::WorkerWorld {
  protected:
   // One adapter per controller; their WWNs are "W0", "W1" and so on.
   void controllers(std::initializer_list<std::uint16_t> productIds) {
@@ -27,7 +27,7 @@ class FirmwareWorld : public testing::WorkerWorld {
 
   // Writes a waiting job with these input parameters, and runs it.
   void runJob(const std::string& inputs) {
-    writeJobs(testing::waitingJob("updateFW", platform::parseJson(inputs)));
+    writeJobs(test::waitingJob("updateFW", platform::parseJson(inputs)));
     watchJobFile([](const platform::Value& jobs) { return describe(jobs.at(0)); });
     worker.run("17");
   }

@@ -21,10 +21,10 @@ using ::testing::StartsWith;
 
 constexpr char kThree[] = R"([{"log_id":"1","n":1},{"log_id":"2","n":2},{"log_id":"3","n":3}])";
 
-class JobFile : public testing::WorkerWorld {
+class JobFile : public test::WorkerWorld {
  protected:
   static Value query(const char* logId) { return Value::dictionary({{"log_id", logId}}); }
-  void removeJobs() { std::filesystem::remove(folder / testing::kJobFile); }
+  void removeJobs() { std::filesystem::remove(folder / test::kJobFile); }
 };
 
 TEST_F(JobFile, ReadsTheTopLevel) {
@@ -112,9 +112,9 @@ TEST_F(JobFile, AQueryOnATopLevelObjectLogsTheReasonAfterTheArrayLine) {
 TEST_F(JobFile, WritingReplacesTheFileByPrettyPrintedJson) {
   worker.writeJSONFile(Value::array({query("1")}));
   EXPECT_EQ(jobText(), "[\n  {\n    \"log_id\": \"1\"\n  }\n]");
-  EXPECT_THAT(
-      log(), ElementsAre("writeJSONFile: writeJSONFile, newArray = (",
-                         "writeJSONFile: writeJSONFile, _BGPPath = " + folder / testing::kJobFile));
+  EXPECT_THAT(log(),
+              ElementsAre("writeJSONFile: writeJSONFile, newArray = (",
+                          "writeJSONFile: writeJSONFile, _BGPPath = " + folder / test::kJobFile));
 }
 
 TEST_F(JobFile, WhatJsonHasNoFormForWritesNothingButTheLogLines) {
@@ -126,7 +126,7 @@ TEST_F(JobFile, WhatJsonHasNoFormForWritesNothingButTheLogLines) {
 
 TEST_F(JobFile, WritingLogsBeforeItWrites) {
   writeJobs(kThree);
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   EXPECT_THROW(worker.writeJSONFile(Value::array()), Exception);
   EXPECT_EQ(jobText(), kThree);
@@ -148,11 +148,11 @@ TEST_F(JobFile, AnUpdateChangesEveryRecordWithTheLogIdAndNoOther) {
 TEST_F(JobFile, AnUpdateLogsWhatItReadAndWhatItWrites) {
   writeJobs(kThree);
   worker.updateJSONFile(query("2"));
-  EXPECT_THAT(
-      log(), ElementsAre("updateJSONFile: currentJobArray = (",
-                         "updateJSONFile: updateJSONFile, newJobArray = (",
-                         "writeJSONFile: writeJSONFile, newArray = (",
-                         "writeJSONFile: writeJSONFile, _BGPPath = " + folder / testing::kJobFile));
+  EXPECT_THAT(log(),
+              ElementsAre("updateJSONFile: currentJobArray = (",
+                          "updateJSONFile: updateJSONFile, newJobArray = (",
+                          "writeJSONFile: writeJSONFile, newArray = (",
+                          "writeJSONFile: writeJSONFile, _BGPPath = " + folder / test::kJobFile));
 }
 
 TEST_F(JobFile, AnUpdateWithAnUnknownLogIdRewritesTheSameRecordsPrettyPrinted) {
@@ -197,7 +197,7 @@ TEST_F(JobFile, AnUpdateOfADamagedFileReplacesItByAnEmptyArray) {
 TEST_F(JobFile, AnUpdateOfAMissingFileRaises) {
   removeJobs();
   EXPECT_THROW(worker.updateJSONFile(query("1")), Exception);
-  EXPECT_FALSE(std::filesystem::exists(folder / testing::kJobFile));
+  EXPECT_FALSE(std::filesystem::exists(folder / test::kJobFile));
 }
 
 TEST_F(JobFile, AnUpdateMeetingALogIdThatIsNoStringRaisesAndWritesNothing) {
@@ -230,7 +230,7 @@ TEST_F(JobFile, AnUpdateOfATopLevelObjectRaisesAfterTheArrayLine) {
 
 TEST_F(JobFile, AnUpdateWhoseLogFailsRaisesAndWritesNothing) {
   writeJobs(kThree);
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   EXPECT_THROW(worker.updateJSONFile(query("1")), Exception);
   EXPECT_EQ(jobText(), kThree);

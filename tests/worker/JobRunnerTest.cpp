@@ -25,7 +25,7 @@ using ::testing::StartsWith;
 
 // Jobs of the command "updateFW" whose one entry names no controller: they end "FREE" with "device
 // not found".
-class JobRunner : public testing::WorkerWorld {
+class JobRunner : public test::WorkerWorld {
  protected:
   static std::string job(const std::string& logId, const std::string& state,
                          const std::string& more = R"("input_parameters":[{}])") {
@@ -47,7 +47,7 @@ class JobRunner : public testing::WorkerWorld {
 
 TEST_F(JobRunner, InitialisesEveryPath) {
   EXPECT_EQ(worker.GroupContainerPath(), Value(shared()));
-  EXPECT_EQ(worker.BGPPath(), Value(folder / testing::kJobFile));
+  EXPECT_EQ(worker.BGPPath(), Value(folder / test::kJobFile));
   EXPECT_EQ(_logPath, shared() + "utility/logs/TarselVistrelUtility.txt");
   EXPECT_TRUE(worker.EngineRunnerPath().isNothing());
   EXPECT_TRUE(worker.onlineUpdateDict().isNothing());
@@ -83,7 +83,7 @@ TEST_F(JobRunner, MissingProductSettingsAreLoggedAndLeaveTheRest) {
   std::filesystem::remove(folder / "Contents/Resources/Config/setting.json");
   EXPECT_EQ(&initOther(), &other);
   EXPECT_TRUE(other.settingDict().isNothing());
-  EXPECT_EQ(other.BGPPath(), Value(folder / testing::kJobFile));
+  EXPECT_EQ(other.BGPPath(), Value(folder / test::kJobFile));
   EXPECT_THAT(log(), ElementsAre("init error: open " + folder.path() +
                                  "/Contents/Resources/Config/setting.json: "
                                  "No such file or directory"));
@@ -209,7 +209,7 @@ TEST_F(JobRunner, WithoutALogIdNothingIsRead) {
 }
 
 TEST_F(JobRunner, AMissingJobFileIsLoggedAndNothingRuns) {
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   worker.run("17");
   EXPECT_THAT(log(), ElementsAre("run error: open " + shared() +
                                  "utility/command/BGPLog.json: No such file or directory"));
@@ -408,7 +408,7 @@ TEST_F(JobRunner, ATopLevelObjectOrARecordThatIsNoneIsAnErrorAfterTheArrayLine) 
 TEST_F(JobRunner, ALogThatCannotBeWrittenEndsTheRunQuietly) {
   const std::string text = "[" + job("17", "WAIT") + "]";
   writeJobs(text);
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   worker.run("17");
   EXPECT_EQ(jobText(), text);
@@ -425,7 +425,7 @@ TEST_F(JobRunner, ALogFileThatIsAbsentDoesNotKeepTheJobFromRunning) {
 // --- what is no regular file: at once as if it could not be read, or as if there were no log
 
 TEST_F(JobRunner, AJobFileThatIsAPipeCannotBeRead) {
-  const std::string path = folder / testing::kJobFile;
+  const std::string path = folder / test::kJobFile;
   std::filesystem::remove(path);
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
   worker.run("17");

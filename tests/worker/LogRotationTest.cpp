@@ -29,7 +29,7 @@ class LogRotation : public ::testing::Test {
   }
   void rotate(const std::string& name = "log.txt") const { renameFile(Value(folder / name)); }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
 };
 
 std::string generation(const char* path, unsigned long n = 3) {
@@ -59,7 +59,7 @@ TEST_F(LogRotation, OddNamesHaveAGenerationToo) {
 }
 
 TEST_F(LogRotation, APathThatIsNoTextIsLoggedAndGivesTheFolderSoFar) {
-  testing::FakeHost host;
+  test::FakeHost host;
   iLog_host = &host;
   folder.write("log.txt", "");
   setLogPath((folder / "log.txt").c_str());
@@ -140,7 +140,7 @@ TEST_F(LogRotation, TheNewFileHasTheDefaultPermissions) {
 }
 
 TEST_F(LogRotation, TheLogGoesOnInTheNewFile) {
-  testing::FakeHost host;
+  test::FakeHost host;
   iLog_host = &host;
   makeFile("log.txt", kThreshold);
   setLogPath((folder / "log.txt").c_str());

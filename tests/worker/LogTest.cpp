@@ -40,8 +40,8 @@ class Log : public ::testing::Test {
   void tell(int level) { iLog_tell(level, "f", 1, "-[Kelvane run:]", "text"); }
   std::string written() const { return folder.read("log.txt"); }
 
-  testing::TempFolder folder;
-  testing::FakeHost host;
+  test::TempFolder folder;
+  test::FakeHost host;
 };
 
 std::string cut(const char* function) {
@@ -190,7 +190,7 @@ TEST_F(Log, BytesThatAreNoTextAreReplaced) {
 }
 
 TEST_F(Log, AFailingWriteRaises) {
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   EXPECT_THROW(tell(0), platform::Exception);
 }
@@ -198,7 +198,7 @@ TEST_F(Log, AFailingWriteRaises) {
 TEST_F(Log, TellingACaughtExceptionNeverRaises) {
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("the reason, 100 % %@"));
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][error] the reason, 100 % %@\n");
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   iLog_tellCaught("f", 1, "-[Kelvane run:]", platform::Exception("reason"));
 }

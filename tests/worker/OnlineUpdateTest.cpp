@@ -30,13 +30,13 @@ namespace fs = std::filesystem;
 // Shell that goes on until a signal comes; without one it ends by itself, late.
 constexpr char kUntilASignal[] = "until [ $((i+=1)) -gt 20000000 ]; do :; done";
 
-class OnlineUpdate : public testing::WorkerWorld {
+class OnlineUpdate : public test::WorkerWorld {
  protected:
   OnlineUpdate() {
     worker.setSettingDict(platform::parseJson(
         R"({"online_update_plist_name":"Offers","product_id_tarsel2fw":"fw2"})"));
     folder.write("catalogue",
-                 testing::xmlPropertyList(
+                 test::xmlPropertyList(
                      "<dict><key>Rules</key><array><dict><key>ProductID</key><string>fw2</string>"
                      "<key>Version</key><string>2</string><key>Size</key><integer>7</integer>"
                      "<key>Hash256</key><string>h</string></dict></array></dict>"));
@@ -59,7 +59,7 @@ class OnlineUpdate : public testing::WorkerWorld {
                               {"folder", folder / "engine folder"}});
   }
   void runJob(const char* command, const Value& inputs) {
-    writeJobs(testing::waitingJob(command, inputs));
+    writeJobs(test::waitingJob(command, inputs));
     worker.run("17");
   }
   void query(const Value& inputs) { runJob("getOnlineUpdateData", inputs); }
@@ -143,14 +143,14 @@ TEST_F(OnlineUpdate, AnEngineWithoutACatalogueEndsTheQueryWithoutOutput) {
 }
 
 TEST_F(OnlineUpdate, AnEmptyListOfRulesIsStillAnOutput) {
-  folder.write("catalogue", testing::binaryPropertyList("<dict><key>Rules</key><array/></dict>"));
+  folder.write("catalogue", test::binaryPropertyList("<dict><key>Rules</key><array/></dict>"));
   engine();
   query(parameters());
   EXPECT_EQ(job().get("output"), Value::array());
 }
 
 TEST_F(OnlineUpdate, ARuleThatJsonHasNoFormForLeavesTheJobRunning) {
-  folder.write("catalogue", testing::xmlPropertyList(
+  folder.write("catalogue", test::xmlPropertyList(
                                 "<dict><key>Rules</key><array><data>AA==</data></array></dict>"));
   engine();
   query(parameters());
@@ -499,8 +499,8 @@ std::string nestedRule(int containers) {
   for (int i = 3; i < containers; ++i) arrays += "<array>";
   std::string ends;
   for (int i = 3; i < containers; ++i) ends += "</array>";
-  return testing::xmlPropertyList("<dict><key>Rules</key><array><dict><key>x</key>" + arrays +
-                                  ends + "</dict></array></dict>");
+  return test::xmlPropertyList("<dict><key>Rules</key><array><dict><key>x</key>" + arrays + ends +
+                               "</dict></array></dict>");
 }
 
 TEST_F(OnlineUpdate, ACatalogueAsDeepAsCanBeReadCanBeWritten) {

@@ -85,7 +85,7 @@ TEST(OutOfMemoryRegex, RaisesOrAnswers) {
 
 // Where no name for a generation can be built, the file is neither moved nor emptied.
 TEST(OutOfMemoryRotation, NeverLosesTheLog) {
-  const testing::TempFolder folder;
+  const test::TempFolder folder;
   const std::string path = folder / "a log file whose name needs memory of its own.txt";
   const std::string generation = folder / "a log file whose name needs memory of its own(1).txt";
   constexpr std::uintmax_t kSize = 104'857'600;

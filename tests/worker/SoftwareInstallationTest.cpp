@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
 
-class SoftwareInstallation : public testing::WorkerWorld {
+class SoftwareInstallation : public test::WorkerWorld {
  protected:
   SoftwareInstallation() {
     folder.write("Installed.app/Contents/old", "old");
@@ -29,7 +29,7 @@ class SoftwareInstallation : public testing::WorkerWorld {
     worker.setSettingDict(Value::dictionary({{"AppPath", folder / "Installed.app"}}));
   }
   std::string job(const std::string& inputs) const {
-    return testing::waitingJob("updateSW", platform::parseJson(inputs));
+    return test::waitingJob("updateSW", platform::parseJson(inputs));
   }
   // The job file's first record as the job runner hands it over.
   Value handedOver() const {
@@ -160,7 +160,7 @@ TEST_F(SoftwareInstallation, AJobWhoseRecordIsGoneFreesTheLastRecordOfTheFile) {
 
 TEST_F(SoftwareInstallation, NothingIsRemovedBeforeTheJobIsMarkedRunning) {
   const Value record = platform::parseJson(job(package())).at(0);
-  fs::remove(folder / testing::kJobFile);
+  fs::remove(folder / test::kJobFile);
   worker.updateSW(record);
   EXPECT_EQ(folder.names("Installed.app/Contents"), Names{"old"});
   EXPECT_THAT(log(), ElementsAre(StartsWith("updateSW error: open ")));

@@ -15,7 +15,7 @@ using platform::Value;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
-class StatusReporting : public testing::WorkerWorld {
+class StatusReporting : public test::WorkerWorld {
  protected:
   // Starts the first job of the file as the job runner hands it over.
   void start() { worker.initUpgradeFWStatus(jobs().at(0)); }
@@ -90,7 +90,7 @@ TEST_F(StatusReporting, InputParametersThatAreNoListAreLoggedOnce) {
 TEST_F(StatusReporting, AVanishedJobFileIsLoggedOnceAtTheStart) {
   const Value record =
       platform::parseJson(R"({"log_id":"17","input_parameters":[{"wwn":"A","file_path":"/a"}]})");
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   worker.initUpgradeFWStatus(record);
   EXPECT_THAT(log(), ElementsAre(StartsWith("initUpgradeFWStatus error: open ")));
 }
@@ -221,7 +221,7 @@ TEST_F(StatusReporting, ADamagedJobFileHasNoRecordsAndIsNotWritten) {
 }
 
 TEST_F(StatusReporting, AVanishedJobFileIsLoggedOncePerUpdate) {
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   update(R"({"wwn":"A","n":1})");
   EXPECT_THAT(log(), ElementsAre(StartsWith("updateFWUpdateStatus error: open ")));
 }

@@ -279,9 +279,9 @@ TEST_F(UpdateSequence, ARecordWithoutAStateIsLeftAsItIs) {
 TEST_F(UpdateSequence, AVanishedJobFileLeavesNothingToFinish) {
   const Value record =
       platform::parseJson(R"({"log_id":"17","state_id":"WAIT","input_parameters":[]})");
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   EXPECT_EQ(worker.updateFW(record), Value::dictionary());
-  EXPECT_FALSE(std::filesystem::exists(folder / testing::kJobFile));
+  EXPECT_FALSE(std::filesystem::exists(folder / test::kJobFile));
 }
 
 TEST_F(UpdateSequence, AJobFileThatVanishesDuringTheFlashCostsErrorLinesOnly) {
@@ -291,7 +291,7 @@ TEST_F(UpdateSequence, AJobFileThatVanishesDuringTheFlashCostsErrorLinesOnly) {
                  "input_parameters":[{"wwn":"W0","file_path":"/i"}]}])");
   framework.onCall = [this] {
     if (framework.count("zr_flashQVXFImage") == 1) {
-      std::filesystem::remove(folder / testing::kJobFile);
+      std::filesystem::remove(folder / test::kJobFile);
     }
   };
   worker.run("17");
@@ -838,7 +838,7 @@ TEST_F(UpdateSequence, ALogThatFailsEndsTheJobWithoutAnUpdate) {
   controllers({0x4801});
   writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[]}])");
   const std::string text = jobText();
-  const testing::FullFile full;
+  const test::FullFile full;
   setLogPath(full.path().c_str());
   EXPECT_TRUE(worker.updateFW(jobs().at(0)).isNothing());
   EXPECT_EQ(jobText(), text);

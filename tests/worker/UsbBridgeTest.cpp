@@ -20,7 +20,7 @@ constexpr char kFlash[] = "zr_mac_flashUSBFWbin(3/0, 0, flash[4301  0], usb[b 1]
 constexpr char kSet[] = "zr_mac_setNVRAM(3/0, 0, flash[4301  0], usb[b 1], nvram[a1])";
 constexpr char kWrite[] = "zr_mac_flashNVRAM(3/0, 0, nvram[a2])";
 
-class UsbBridge : public testing::WorkerWorld {
+class UsbBridge : public test::WorkerWorld {
  protected:
   UsbBridge() {
     flash.productId = 0x4301;

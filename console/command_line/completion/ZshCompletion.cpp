@@ -51,6 +51,10 @@ std::string escaped(const std::string& text) {
   return safe;
 }
 
+std::string between(const char* opening, const std::string& text, const char* closing) {
+  return opening + text + closing;
+}
+
 std::string actionFor(const Option& option) {
   switch (option.kind) {
     case ValueKind::folder:
@@ -60,7 +64,7 @@ std::string actionFor(const Option& option) {
     case ValueKind::assignedFile:
       return "{compset -P \"*=\" && _files}";
     case ValueKind::choice:
-      return "(" + joined(option.choices, " ") + ")";
+      return between("(", joined(option.choices, " "), ")");
     case ValueKind::none:
     case ValueKind::text:
       break;
@@ -70,12 +74,12 @@ std::string actionFor(const Option& option) {
 
 // The names of an option that has several: one of them excludes the others.
 std::string exclusion(const Option& option) {
-  return option.names.size() > 1 ? "(" + joined(option.names, " ") + ")" : std::string();
+  return option.names.size() > 1 ? between("(", joined(option.names, " "), ")") : std::string();
 }
 
 // What follows an option's name.
 std::string explanation(const Option& option) {
-  std::string text = "[" + escaped(option.description) + "]";
+  std::string text = between("[", escaped(option.description), "]");
   if (option.kind == ValueKind::none) return text;
   return text + ":" + escaped(option.valueName) + ":" + actionFor(option);
 }

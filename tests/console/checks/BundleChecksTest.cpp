@@ -25,12 +25,12 @@ class BundleChecks : public ::testing::Test {
  protected:
   BundleChecks() { install(bundle); }
 
-  static void install(const testing::TempFolder& folder, const std::string& below = "") {
+  static void install(const test::TempFolder& folder, const std::string& below = "") {
     ::chmod(folder.write(below + "Contents/Resources/Kelvane", "#!/bin/sh\n").c_str(), 0755);
   }
   std::vector<std::string> found() const { return inShort(bundleFindings(bundle.path())); }
 
-  testing::TempFolder bundle{".app"};
+  test::TempFolder bundle{".app"};
 };
 
 TEST_F(BundleChecks, MissingBundleIsTheOneError) {
@@ -42,7 +42,7 @@ TEST_F(BundleChecks, MissingBundleIsTheOneError) {
 }
 
 TEST_F(BundleChecks, BundleTwoLevelsBelowTheRootIsFineAlsoThroughALink) {
-  const testing::TempFolder other;
+  const test::TempFolder other;
   fs::create_symlink(bundle.path(), other / "link.app");
   EXPECT_THAT(found(), Not(Contains(::testing::HasSubstr("levels below"))));
   EXPECT_THAT(inShort(bundleFindings(other / "link.app")),
@@ -50,7 +50,7 @@ TEST_F(BundleChecks, BundleTwoLevelsBelowTheRootIsFineAlsoThroughALink) {
 }
 
 TEST_F(BundleChecks, DeeperBundleIsAnErrorThatNamesWhatTheWorkerTakesForIt) {
-  const testing::TempFolder outer;
+  const test::TempFolder outer;
   install(outer, "Manager.app/");
   const Findings findings = bundleFindings(outer / "Manager.app");
   EXPECT_EQ(findings.at(0),
@@ -97,7 +97,7 @@ TEST_F(BundleChecks, LibrariesThatAreBroughtAlongHaveToBeLibraries) {
 }
 
 TEST_F(BundleChecks, WorkerThatIsALinkIsAnErrorAsItTakesAnotherPlaceForItsOwn) {
-  const testing::TempFolder other;
+  const test::TempFolder other;
   install(other);
   const std::string worker = workerIn(bundle.path());
   fs::remove(worker);

@@ -31,7 +31,7 @@ class CatalogueChecks : public ::testing::Test {
     return {"warning: the catalogue " + (folder / "Offers.plist") + " is no regular file"};
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
 };
 
 constexpr char kQuery[] = R"({"folder": "FOLDER"})";

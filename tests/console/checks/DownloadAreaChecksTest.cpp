@@ -18,7 +18,7 @@ class DownloadAreaChecks : public ::testing::Test {
   std::vector<std::string> leftovers() const {
     return inShort(leftoverDownloadFindings(folder / ""));
   }
-  testing::TempFolder folder;
+  test::TempFolder folder;
 };
 
 TEST_F(DownloadAreaChecks, PackagesAreNoLeftovers) {

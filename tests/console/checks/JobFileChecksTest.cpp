@@ -16,9 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using test::PermissionBits;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::PermissionBits;
 
 class JobFileChecks : public ::testing::Test {
  protected:
@@ -28,10 +28,10 @@ class JobFileChecks : public ::testing::Test {
   }
   std::vector<std::string> found() const { return inShort(jobFileFindings(path)); }
   std::string foundByOrdinaryUser() const {
-    return testing::asOrdinaryUser([this] { return asLines(jobFileFindings(path)); });
+    return test::asOrdinaryUser([this] { return asLines(jobFileFindings(path)); });
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   std::string path = folder / "jobs/file";
 };
 

@@ -21,7 +21,7 @@ std::vector<std::string> found(const std::string& path) { return inShort(logFile
 
 class LogFileChecks : public ::testing::Test {
  protected:
-  testing::TempFolder folder;
+  test::TempFolder folder;
   std::string path = folder.write("log.txt", "");
 };
 
@@ -52,8 +52,8 @@ TEST_F(LogFileChecks, PipeOrDeviceInItsPlaceIsAWarning) {
 
 TEST_F(LogFileChecks, FileThatCannotBeWrittenIsAWarning) {
   ::chmod(folder.path().c_str(), 0755);
-  const testing::PermissionBits bits(path, 0444);
-  EXPECT_EQ(testing::asOrdinaryUser([this] { return asLines(logFileFindings(path)); }),
+  const test::PermissionBits bits(path, 0444);
+  EXPECT_EQ(test::asOrdinaryUser([this] { return asLines(logFileFindings(path)); }),
             "warning: " + path + " cannot be written: Permission denied\n");
 }
 

@@ -18,7 +18,7 @@ using ::testing::IsEmpty;
 class ProcessChecks : public ::testing::Test {
  protected:
   ProcessChecks() {
-    folder.write(testing::kJobFile, "[]");
+    folder.write(test::kJobFile, "[]");
     folder.write("Manager.app/Contents/Resources/Kelvane", "");
     folder.write("Manager.app/Contents/Resources/Config/setting.json",
                  R"({"AppPath": "/Applications/Manager.app"})");
@@ -39,7 +39,7 @@ class ProcessChecks : public ::testing::Test {
     return inShort(installationProcessFindings(bundle, processes));
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   std::string shared = folder / "shared/";
   std::string bundle = folder / "Manager.app";
   RunningProcess remover{42, {"/bin/rm", "-Rf", "/Applications/Manager.app"}, "/"};

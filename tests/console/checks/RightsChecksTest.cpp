@@ -12,9 +12,9 @@
 namespace kelvane::console {
 namespace {
 
+using test::PermissionBits;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::PermissionBits;
 
 constexpr char kSettings[] = "utility/config/setting.json";
 
@@ -28,7 +28,7 @@ class RightsChecks : public ::testing::Test {
   }
   std::vector<std::string> found() const { return inShort(rightsFindings(folder / "")); }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
 };
 
 TEST_F(RightsChecks, WhatItsOwnerAloneMayWriteIsFine) { EXPECT_THAT(found(), IsEmpty()); }

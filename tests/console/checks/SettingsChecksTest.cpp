@@ -36,7 +36,7 @@ class SettingsChecks : public ::testing::Test {
     return inShort(sharedSettingsFindings(folder / "shared.json"));
   }
   std::string foundByOrdinaryUser() const {
-    return testing::asOrdinaryUser(
+    return test::asOrdinaryUser(
         [this] { return asLines(sharedSettingsFindings(folder / "shared.json")); });
   }
   std::vector<std::string> foundInProduct() const {
@@ -47,7 +47,7 @@ class SettingsChecks : public ::testing::Test {
     return (folder / "product.json") + ": \"" + key + "\"";
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   std::string engine = folder / "Manager.app/Contents/Resources/EngineRunner";
   Value product = Value::dictionary();
 };
@@ -108,7 +108,7 @@ TEST_F(SettingsChecks, EngineHasToBeAnExecutableFile) {
 
 TEST_F(SettingsChecks, EngineInAFolderThatCannotBeEnteredIsToldByItsCause) {
   ::chmod((folder / "shared.json").c_str(), 0644);
-  const testing::PermissionBits bits(folder / "Manager.app/Contents/Resources", 0);
+  const test::PermissionBits bits(folder / "Manager.app/Contents/Resources", 0);
   EXPECT_EQ(foundByOrdinaryUser(),
             "error: the update engine " + engine + " cannot be executed: Permission denied\n");
 }
@@ -148,8 +148,8 @@ TEST_F(SettingsChecks, ApplicationWhoseFolderCannotBeChangedIsAnError) {
   fs::create_directories(folder / "fixed/Manager.app");
   product.set("AppPath", folder / "fixed/Manager.app");
   EXPECT_THAT(foundInProduct(), IsEmpty());
-  const testing::PermissionBits bits(folder / "fixed", 0555);
-  EXPECT_EQ(testing::asOrdinaryUser(
+  const test::PermissionBits bits(folder / "fixed", 0555);
+  EXPECT_EQ(test::asOrdinaryUser(
                 [this] { return asLines(productSettingsFindings(folder / "product.json")); }),
             "error: the application's folder cannot be changed: " + (folder / "fixed") +
                 ": Permission denied\n");

@@ -21,7 +21,7 @@ class Check : public ConsoleWorld {
   // A shared folder without findings.
   Check() {
     makeWorker("");
-    folder.write(testing::kJobFile, "[]");
+    folder.write(test::kJobFile, "[]");
     folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
     folder.write("shared/utility/config/setting.json",
                  R"({"AppPath": ")" + (folder / "Manager.app") + "\"}");
@@ -42,25 +42,25 @@ TEST_F(Check, WithoutFindingsItSaysWhatWasLookedAt) {
   EXPECT_EQ(shown.str(),
             "no findings\n"
             "  job file  " +
-                (folder / testing::kJobFile) + "\n" + "  log       " +
+                (folder / test::kJobFile) + "\n" + "  log       " +
                 (folder / "shared/utility/logs/TarselVistrelUtility.txt") + "\n  settings  " +
                 (folder / "shared/utility/config/setting.json") +
                 "\n  bundle    none was given, none was looked at\n");
 }
 
 TEST_F(Check, BeforeTheFirstJobItSaysThatThereIsNoJobFileYet) {
-  fs::remove(folder / testing::kJobFile);
+  fs::remove(folder / test::kJobFile);
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_NE(shown.str().find((folder / testing::kJobFile) + " (there is none yet)\n"),
+  EXPECT_NE(shown.str().find((folder / test::kJobFile) + " (there is none yet)\n"),
             std::string::npos);
 }
 
 TEST_F(Check, FindingsAreShownWithTheirMeaningAndCounted) {
   fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
-  folder.write(testing::kJobFile, "{}");
+  folder.write(test::kJobFile, "{}");
   EXPECT_EQ(run(), kFindings);
   EXPECT_EQ(shown.str(),
-            "error: " + (folder / testing::kJobFile) +
+            "error: " + (folder / test::kJobFile) +
                 " is an object, not an array of records\n"
                 "  means  The worker finds no job in it and starts nothing.\n"
                 "  to do  Put the records into an array, or move the file away.\n"
@@ -75,7 +75,7 @@ TEST_F(Check, FindingsAreShownWithTheirMeaningAndCounted) {
 
 TEST_F(Check, SeveritiesAreColoured) {
   fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
-  folder.write(testing::kJobFile, "{}");
+  folder.write(test::kJobFile, "{}");
   screen.colour = true;
   run();
   EXPECT_EQ(shown.str().rfind("\x1b[31merror\x1b[0m: ", 0), 0U);
@@ -87,13 +87,13 @@ TEST_F(Check, ForMachinesTheFindingsAreAList) {
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(), "[]\n");
   shown.str("");
-  folder.write(testing::kJobFile, "{}");
+  folder.write(test::kJobFile, "{}");
   EXPECT_EQ(run(), kFindings);
   const Value all = platform::parseJson(shown.str());
   ASSERT_EQ(all.count(), 1U);
   EXPECT_EQ(all.at(0).get("severity"), Value("error"));
   EXPECT_EQ(all.at(0).get("what"),
-            Value((folder / testing::kJobFile) + " is an object, not an array of records"));
+            Value((folder / test::kJobFile) + " is an object, not an array of records"));
   EXPECT_TRUE(all.at(0).get("meaning").isString());
   EXPECT_TRUE(all.at(0).get("advice").isString());
 }
@@ -107,8 +107,8 @@ TEST_F(Check, AMissingSharedFolderIsTheOneFindingOfIt) {
 
 TEST_F(Check, ASharedFolderThatCannotBeEnteredIsTheOneFindingOfIt) {
   fs::permissions(folder.path(), fs::perms(0755));
-  const testing::PermissionBits bits(folder / "shared", 0);
-  EXPECT_EQ(testing::asOrdinaryUser([this] { return found(); }),
+  const test::PermissionBits bits(folder / "shared", 0);
+  EXPECT_EQ(test::asOrdinaryUser([this] { return found(); }),
             "error: the shared folder " + (folder / "shared/") +
                 " cannot be entered: Permission denied\n");
 }
@@ -131,7 +131,7 @@ TEST_F(Check, LeftoversAreToldWhereNoWorkerRuns) {
 TEST_F(Check, WhileAWorkerRunsItsTemporaryFilesAreNoFinding) {
   folder.write("shared/utility/command/.replace-a1b2c3", "");
   folder.write("shared/tmp/OnlineUpdate/FW/.incoming-FW_T3.img", "");
-  folder.write(testing::kJobFile, R"([{"log_id": "18", "job_id": "updateSW", "state_id": "RUN",
+  folder.write(test::kJobFile, R"([{"log_id": "18", "job_id": "updateSW", "state_id": "RUN",
                                   "input_parameters": {}}])");
   EXPECT_EQ(asLines(findingsOf(folder / "shared/", "",
                                [](const std::string& logId) { return logId == "18"; })),
@@ -139,14 +139,14 @@ TEST_F(Check, WhileAWorkerRunsItsTemporaryFilesAreNoFinding) {
 }
 
 TEST_F(Check, ASharedFolderThatEveryoneMayWriteIsAWarning) {
-  const testing::PermissionBits bits(folder / "shared", 0777);
+  const test::PermissionBits bits(folder / "shared", 0777);
   EXPECT_EQ(found(), "warning: " + (folder / "shared/") + " can be written by everyone\n");
 }
 
 TEST_F(Check, ADamagedJobFileDoesNotKeepItFromLookingAtTheRest) {
-  folder.write(testing::kJobFile, "");
+  folder.write(test::kJobFile, "");
   folder.write("shared/utility/config/setting.json", "{}");
-  EXPECT_EQ(found(), "error: " + (folder / testing::kJobFile) + " is not JSON: it is empty\n" +
+  EXPECT_EQ(found(), "error: " + (folder / test::kJobFile) + " is not JSON: it is empty\n" +
                          "error: " + (folder / "shared/utility/config/setting.json") +
                          ": \"AppPath\" is missing\n");
 }

@@ -23,9 +23,8 @@ class Explain : public ConsoleWorld {
   void addJob(const std::string& logId) {
     options.sharedFolder = folder / "shared";
     folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
-    folder.write(testing::kJobFile,
-                 R"([{"log_id": ")" + logId +
-                     R"(", "job_id": "downloadOnlineUpdateFile", "state_id": "FREE",
+    folder.write(test::kJobFile, R"([{"log_id": ")" + logId +
+                                     R"(", "job_id": "downloadOnlineUpdateFile", "state_id": "FREE",
                                        "result": 0, "resultStr": "no error"}])");
   }
 
@@ -93,7 +92,7 @@ TEST_F(Explain, WhatIsNeitherIsNotFound) {
 TEST_F(Explain, ALogIdThatIsNotThereIsNotFound) {
   addJob("17");
   EXPECT_EQ(run("seventeen"), kNotFound);
-  EXPECT_EQ(messages.str(), "kelvane-console: no job seventeen in " + (folder / testing::kJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: no job seventeen in " + (folder / test::kJobFile) +
                                 ", and it is no result code\n");
 }
 
@@ -129,9 +128,9 @@ TEST_F(Explain, AMissingLogIsToldInANote) {
 
 TEST_F(Explain, ADamagedJobFileHidesJobsButNoCodes) {
   addJob("17");
-  folder.write(testing::kJobFile, "[");
+  folder.write(test::kJobFile, "[");
   EXPECT_EQ(run("seventeen"), kJobFileFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / testing::kJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / test::kJobFile) +
                                 " is damaged (no JSON array): left as it is\n");
   EXPECT_EQ(run("0x0402"), kSuccess);
 }

@@ -15,7 +15,7 @@ namespace {
 class Jobs : public ConsoleWorld {
  protected:
   Jobs() {
-    folder.write(testing::kJobFile, R"([
+    folder.write(test::kJobFile, R"([
       {"log_id": "1", "job_id": "updateSW", "state_id": "FREE", "result": 0, "resultStr": "fine"},
       {"log_id": "2", "job_id": "updateFW", "state_id": "RUN", "result": 0, "resultStr": "fine",
        "n": 12345678901234567890123,
@@ -42,7 +42,7 @@ TEST_F(Jobs, ListIsATable) {
 
 TEST_F(Jobs, ListForMachinesIsARecordALine) {
   screen.json = true;
-  folder.write(testing::kJobFile, R"([{"log_id": "1", "a": [1, 2]}, {"log_id": "2"}])");
+  folder.write(test::kJobFile, R"([{"log_id": "1", "a": [1, 2]}, {"log_id": "2"}])");
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(), "{\"log_id\":\"1\",\"a\":[1,2]}\n{\"log_id\":\"2\"}\n");
 }
@@ -53,15 +53,15 @@ TEST_F(Jobs, ASharedFolderThatIsNotThereIsBadUsage) {
 }
 
 TEST_F(Jobs, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
-  std::filesystem::remove(folder / testing::kJobFile);
-  ASSERT_EQ(::mkfifo((folder / testing::kJobFile).c_str(), 0600), 0);
+  std::filesystem::remove(folder / test::kJobFile);
+  ASSERT_EQ(::mkfifo((folder / test::kJobFile).c_str(), 0600), 0);
   EXPECT_EQ(runList(), kJobFileFailed);
   EXPECT_EQ(messages.str(),
-            "kelvane-console: " + (folder / testing::kJobFile) + " is no regular file\n");
+            "kelvane-console: " + (folder / test::kJobFile) + " is no regular file\n");
 }
 
 TEST_F(Jobs, ALogIdThatIsNoStringIsShownAsThat) {
-  folder.write(testing::kJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
+  folder.write(test::kJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(),
             "       Log id  Command  State  Result  Text\n"
@@ -69,14 +69,14 @@ TEST_F(Jobs, ALogIdThatIsNoStringIsShownAsThat) {
 }
 
 TEST_F(Jobs, WithoutAJobFileTheListIsEmpty) {
-  std::filesystem::remove(folder / testing::kJobFile);
+  std::filesystem::remove(folder / test::kJobFile);
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(), "Log id  Command  State  Result  Text\n");
 }
 
 TEST_F(Jobs, ADamagedJobFileIsTold) {
-  folder.write(testing::kJobFile, "[{");
-  const std::string message = "kelvane-console: " + (folder / testing::kJobFile) +
+  folder.write(test::kJobFile, "[{");
+  const std::string message = "kelvane-console: " + (folder / test::kJobFile) +
                               " is damaged (no JSON array): left as it is\n";
   EXPECT_EQ(runList(), kJobFileFailed);
   EXPECT_EQ(runShow("1"), kJobFileFailed);
@@ -115,7 +115,7 @@ TEST_F(Jobs, ShowForMachinesIsTheRecord) {
 TEST_F(Jobs, AJobThatIsNotThereIsNotFound) {
   EXPECT_EQ(runShow("9"), kNotFound);
   EXPECT_EQ(runWatch("9"), kNotFound);
-  const std::string message = "kelvane-console: no job 9 in " + (folder / testing::kJobFile) + "\n";
+  const std::string message = "kelvane-console: no job 9 in " + (folder / test::kJobFile) + "\n";
   EXPECT_EQ(messages.str(), message + message);
 }
 

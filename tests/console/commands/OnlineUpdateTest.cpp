@@ -76,7 +76,7 @@ TEST_F(Query, FolderThatIsNotEmptyIsRefused) {
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") +
                                 " is not empty: it would be removed with everything in it\n");
-  EXPECT_FALSE(platform::exists(folder / testing::kJobFile));
+  EXPECT_FALSE(platform::exists(folder / test::kJobFile));
 }
 
 TEST_F(Query, FileInPlaceOfTheFolderIsRefused) {

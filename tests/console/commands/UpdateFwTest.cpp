@@ -28,7 +28,7 @@ class UpdateFw : public ConsoleWorld {
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
     EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
-    EXPECT_FALSE(platform::exists(folder / testing::kJobFile));
+    EXPECT_FALSE(platform::exists(folder / test::kJobFile));
   }
 
   // A pipe for a worker that lives until a line comes.
@@ -130,8 +130,8 @@ TEST_F(UpdateFw, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: start " + (folder / "none") +
                                 ": No such file or directory; job 1 stays waiting in " +
-                                (folder / testing::kJobFile) + "\n");
-  EXPECT_NE(folder.read(testing::kJobFile).find("\"WAIT\""), std::string::npos);
+                                (folder / test::kJobFile) + "\n");
+  EXPECT_NE(folder.read(test::kJobFile).find("\"WAIT\""), std::string::npos);
 }
 
 TEST_F(UpdateFw, GivenWorkerIsTakenBeforeTheBundles) {
@@ -155,11 +155,11 @@ TEST_F(UpdateFw, InterruptTellsThatTheWorkerGoesOn) {
 
 TEST_F(UpdateFw, DamagedJobFileStartsNoWorker) {
   makeWorker("touch \"$2started\"");
-  folder.write(testing::kJobFile, "[{");
+  folder.write(test::kJobFile, "[{");
   EXPECT_EQ(run(), kJobFileFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / testing::kJobFile) +
+  EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / test::kJobFile) +
                                 " is damaged (no JSON array): left as it is\n");
-  EXPECT_EQ(folder.read(testing::kJobFile), "[{");
+  EXPECT_EQ(folder.read(test::kJobFile), "[{");
 }
 
 TEST_F(UpdateFw, MissingImageIsRefused) {
@@ -213,7 +213,7 @@ TEST_F(UpdateFw, SharedFolderThatIsNotThereIsRefused) {
 
 TEST_F(UpdateFw, TakenLogIdIsRefused) {
   job.logId = "7";
-  folder.write(testing::kJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
+  folder.write(test::kJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
   EXPECT_EQ(run(), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: log id 7 is taken: its job is in state RUN\n");
 }

@@ -27,7 +27,7 @@ class UpdateSw : public ConsoleWorld {
   void expectRefused(const std::string& message) {
     EXPECT_EQ(run(), kBadUsage);
     EXPECT_EQ(messages.str(), "kelvane-console: " + message + "\n");
-    EXPECT_FALSE(platform::exists(folder / testing::kJobFile));
+    EXPECT_FALSE(platform::exists(folder / test::kJobFile));
   }
 
   UpdateSwOptions options;

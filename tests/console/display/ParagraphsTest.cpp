@@ -51,7 +51,7 @@ TEST_F(Paragraphs, NoLineIsLongerThanTheScreen) {
   const std::string path = "/" + std::string(60, 'x') + "/\xC3\xA9\xC3\xA9\xC3\xA9";
   for (screen.columns = 1; screen.columns < 90; ++screen.columns) {
     for (const std::string& line :
-         testing::splitLines(shown({"error: open " + path, Colour::red}, {{"means", path}}))) {
+         test::splitLines(shown({"error: open " + path, Colour::red}, {{"means", path}}))) {
       EXPECT_LE(columnsOf(line), screen.columns) << line;
     }
   }

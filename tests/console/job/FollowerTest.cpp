@@ -62,7 +62,7 @@ class Follower : public ::testing::Test, public Clock {
   std::size_t interruptedAtWait = 0;
   std::chrono::milliseconds time{1'000'000};
   std::vector<std::chrono::milliseconds> waits;
-  testing::TempFolder folder;
+  test::TempFolder folder;
   ScriptedWorker worker;
   std::ostringstream shown;
   PlainView view{shown, Charset::utf8};

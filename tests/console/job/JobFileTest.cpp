@@ -33,7 +33,7 @@ class JobFileTest : public ::testing::Test {
     return 0;
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   JobFile file{folder / ""};
 };
 

@@ -53,7 +53,7 @@ TEST(ParseLog, AnEmptyMessageAndAnEmptyLogAreFine) {
 }
 
 TEST(ReadLog, GivesTheTextOrSaysThatThereIsNone) {
-  const testing::TempFolder folder;
+  const test::TempFolder folder;
   try {
     readLog(folder / "");
     ADD_FAILURE();

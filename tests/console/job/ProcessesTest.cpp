@@ -42,12 +42,12 @@ class Processes : public ::testing::Test {
     process_ = 0;
   }
   void setState(const std::string& state) const {
-    folder.write(testing::kJobFile, R"([{"log_id": "18", "state_id": ")" + state + "\"}]");
+    folder.write(test::kJobFile, R"([{"log_id": "18", "state_id": ")" + state + "\"}]");
   }
   bool runs(const std::string& logId = "18") const { return workerRuns(logId, folder / "shared/"); }
   bool hasEnded() const { return ForeignWorker("18", folder / "shared/").hasEnded(); }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
   pid_t process_ = 0;
 
  private:
@@ -98,7 +98,7 @@ TEST_F(Processes, BeforeRunAWorkerMayStillBeStarted) {
 }
 
 TEST_F(Processes, WithoutItsRecordAJobThatNobodyRunsIsOver) {
-  folder.write(testing::kJobFile, "[");
+  folder.write(test::kJobFile, "[");
   EXPECT_TRUE(hasEnded());
   setState("DONE");
   EXPECT_TRUE(hasEnded());

@@ -65,7 +65,7 @@ class WorkerTest : public ::testing::Test {
     return "started";
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
 };
 
 TEST_F(WorkerTest, StartsAProgramAndSeesItsEnd) {

@@ -34,15 +34,15 @@ class BashCompletion : public ::testing::Test {
     script += ")\nCOMP_CWORD=" + std::to_string(words.size()) +
               "\n_kelvane_console\nfor word in \"${COMPREPLY[@]}\"; do echo \"$word\"; done\n";
     const auto ended =
-        testing::runProgram({"/usr/bin/env", "bash", "--norc", "-c", script}, folder.path());
+        test::runProgram({"/usr/bin/env", "bash", "--norc", "-c", script}, folder.path());
     EXPECT_EQ(ended.exitStatus, 0);
     EXPECT_EQ(ended.err, "");
-    Words found = testing::splitLines(ended.out);
+    Words found = test::splitLines(ended.out);
     std::sort(found.begin(), found.end());
     return found;
   }
 
-  testing::TempFolder folder;
+  test::TempFolder folder;
 };
 
 TEST_F(BashCompletion, OffersEverySubCommandFirst) {
@@ -102,7 +102,7 @@ TEST_F(BashCompletion, OffersWordsWhereThereAreFew) {
 }
 
 TEST_F(BashCompletion, LeavesTheUsersVariablesAlone) {
-  const auto ended = testing::runProgram(
+  const auto ended = test::runProgram(
       {"/usr/bin/env", "bash", "--norc", "-c",
        scriptFor("bash") + "word=mine\nCOMP_WORDS=(kelvane-console q)\nCOMP_CWORD=1\n"
                            "_kelvane_console\necho $word $command $COMPREPLY"},

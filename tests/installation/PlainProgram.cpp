@@ -1,0 +1,2 @@
+// Built without any of the hardening.
+int main() { return 0; }
