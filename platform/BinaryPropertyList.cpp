@@ -8,12 +8,12 @@
 #include <string_view>
 #include <utility>
 
-#include <fmt/format.h>
 #include <plist/plist.h>
 
 #include "platform/BinaryPropertyListLimits.h"
 #include "platform/Exception.h"
 #include "platform/FreeMemory.h"
+#include "platform/Text.h"
 #include "platform/Utf8.h"
 
 namespace kelvane::platform {
@@ -67,7 +67,7 @@ Value integerOf(plist_t node) {
 Value realOf(plist_t node) {
   double number = 0;
   ::plist_get_real_val(node, &number);
-  return Value::number(fmt::format("{}", number));
+  return Value::number(shortestText(number));
 }
 
 Value booleanOf(plist_t node) {

@@ -161,6 +161,8 @@ std::size_t placeholderLength(std::string_view text) {
 
 }  // namespace
 
+std::string shortestText(double number) { return fmt::format("{}", number); }
+
 std::string describe(const Value& value) {
   if (!value.isArray() && !value.isDictionary()) return plainText(value);
   std::string out;

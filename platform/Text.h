@@ -18,6 +18,9 @@ namespace kelvane::platform {
 // "(null)".
 std::string describe(const Value& value);
 
+// The shortest decimal digits that are read back as the same number.
+std::string shortestText(double number);
+
 // The pieces between the separators, empty ones too: a list of one at the least.
 Value split(std::string_view text, char separator);
 

@@ -18,9 +18,9 @@
 #include <utility>
 
 #include <expat.h>
-#include <fmt/format.h>
 
 #include "platform/PropertyList.h"
+#include "platform/Text.h"
 #include "platform/ValueBuilder.h"
 
 namespace kelvane::platform {
@@ -66,7 +66,7 @@ Value realOf(std::string_view text) {
   char* end = nullptr;
   const double number = std::strtod(digits.c_str(), &end);
   if (*end != '\0') return {};
-  return Value::number(fmt::format("{}", number));
+  return Value::number(shortestText(number));
 }
 
 // "2026-01-31T23:59:59Z"

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <fmt/format.h>
-
 #include "console/checks/Access.h"
 #include "console/checks/BundleChecks.h"
 #include "console/checks/CatalogueChecks.h"
@@ -51,7 +49,7 @@ void show(const Finding& finding, const Screen& screen) {
 }
 
 std::string counted(std::ptrdiff_t count, const char* what) {
-  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 void showSum(const Findings& findings, const Screen& screen) {

@@ -5,8 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include <fmt/format.h>
-
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
@@ -19,6 +17,7 @@
 #include "console/job/LogFile.h"
 #include "console/job/Processes.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -68,9 +67,9 @@ Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
       explainJob(record, circumstancesOf(options.subject, asPrefix(options.sharedFolder)));
   const std::optional<std::int64_t> code = codeOf(options.subject);
   if (code && isKnownCode(*code)) {
+    if (!explanation.note.empty()) explanation.note += ' ';
     explanation.note +=
-        (explanation.note.empty() ? "" : " ") +
-        fmt::format("\"explain 0x{:04X}\" explains the result of that number.", *code);
+        platform::format("\"explain 0x%04lX\" explains the result of that number.", *code);
   }
   return explanation;
 }

@@ -1,8 +1,7 @@
 #include "console/display/JobText.h"
 
-#include <fmt/format.h>
-
 #include "contract/JobFile.h"
+#include "platform/Text.h"
 
 namespace kelvane::console {
 namespace {
@@ -31,16 +30,16 @@ std::string timeText(std::chrono::milliseconds time) {
   const auto all = std::chrono::duration_cast<std::chrono::seconds>(time).count();
   const auto hours = all / 3600;
   const auto minutes = all / 60 % 60;
-  if (hours == 0) return fmt::format("{}:{:02}", minutes, all % 60);
-  return fmt::format("{}:{:02}:{:02}", hours, minutes, all % 60);
+  if (hours == 0) return platform::format("%ld:%02ld", minutes, all % 60);
+  return platform::format("%ld:%02ld:%02ld", hours, minutes, all % 60);
 }
 
 std::string silenceText(const Look& look) {
   if (look.silence < kLongSilence || look.status.isFinished()) return {};
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(look.silence).count();
   const bool flashes = look.status.state == job::kRun && look.status.command == job::kUpdateFW;
-  return fmt::format("no news for {} s{}", seconds,
-                     flashes ? "; a flash may be silent for minutes, do not unplug" : "");
+  return platform::format("no news for %ld s%s", seconds,
+                          flashes ? "; a flash may be silent for minutes, do not unplug" : "");
 }
 
 }  // namespace kelvane::console

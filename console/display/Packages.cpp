@@ -1,6 +1,7 @@
 #include "console/display/Packages.h"
 
-#include <fmt/format.h>
+#include <array>
+#include <charconv>
 
 #include "contract/Catalogue.h"
 #include "contract/JobFile.h"
@@ -29,7 +30,9 @@ std::string sizeText(const Value& size) {
     amount /= 1000;
     unit = next;
   }
-  return fmt::format("{:.1f} {}", amount, unit);
+  std::array<char, 32> digits;  // of numbers below 1000 and of the largest number of terabytes
+  const auto end = std::to_chars(digits.begin(), digits.end(), amount, std::chars_format::fixed, 1);
+  return std::string(digits.data(), end.ptr) + " " + unit;
 }
 
 std::string fileName(const Value& codebase) {

@@ -1,23 +1,19 @@
 #include "console/explain/CodeExplanation.h"
 
-#include <fmt/format.h>
-
 #include "console/explain/ResultCodes.h"
 #include "contract/JobFile.h"
+#include "platform/Text.h"
 
 namespace kelvane::console {
 namespace {
 
-// A download's own code, among the framework's statuses.
-constexpr std::int64_t kFileNotFound = 259;
-
 std::string numberText(std::int64_t code) {
-  return fmt::format("result {} (0x{:04X})", code, code);
+  return platform::format("result %ld (0x%04lX)", code, code);
 }
 
 Explanation known(const ResultCode& code) {
   Explanation explanation;
-  explanation.subject = fmt::format("{}, {}: {}", numberText(code.code), code.name, code.text);
+  explanation.subject = platform::format("%@, %s: %s", numberText(code.code), code.name, code.text);
   explanation.meaning = code.meaning;
   explanation.whoActs = code.whoActs;
   explanation.advice = code.advice;
@@ -48,7 +44,7 @@ bool isKnownCode(std::int64_t code) { return findResultCode(code) != nullptr; }
 std::vector<Explanation> explainCode(std::int64_t code) {
   const ResultCode* found = findResultCode(code);
   if (found == nullptr) return {frameworkStatus(code)};
-  if (code != kFileNotFound) return {known(*found)};
+  if (code != job::kFileNotFound) return {known(*found)};
   Explanation download = known(*found);
   download.note = "This is so for downloadOnlineUpdateFile alone.";
   Explanation firmware = frameworkStatus(code);
@@ -58,7 +54,7 @@ std::vector<Explanation> explainCode(std::int64_t code) {
 
 Explanation explainResult(std::int64_t code, const std::string& command, const std::string& text) {
   const ResultCode* found = findResultCode(code);
-  const bool isOfFramework = code == kFileNotFound && command == job::kUpdateFW;
+  const bool isOfFramework = code == job::kFileNotFound && command == job::kUpdateFW;
   if (found != nullptr && !isOfFramework) return known(*found);
   Explanation explanation = frameworkStatus(code);
   explanation.subject += ", which says \"" + text + "\"";

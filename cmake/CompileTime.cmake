@@ -1,0 +1,17 @@
+# What keeps the compiler's time short.
+
+# Headers that most sources include are read once for all: the standard library's for the programs
+# (platform/CMakeLists.txt), the test library's for the tests (tests/support). A preset without that
+# proves that every source includes what it needs.
+option(KELVANE_PRECOMPILED_HEADERS "Precompile what most sources include" ON)
+
+function(kelvane_precompiled target headers)
+  if(KELVANE_PRECOMPILED_HEADERS)
+    target_precompile_headers(${target} REUSE_FROM ${headers})
+  endif()
+endfunction()
+
+# For a source that is mostly the command line's library, whose result nobody waits for.
+function(kelvane_optimise_little source)
+  set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS -O1)
+endfunction()
