@@ -162,16 +162,19 @@ std::string readFile(const std::string& path) {
   if (!S_ISREG(entry.st_mode) && !S_ISDIR(entry.st_mode)) {  // a folder's reading tells its cause
     throw Exception("open " + path + ": not a regular file");
   }
-  std::string bytes;
-  bytes.reserve(static_cast<std::size_t>(entry.st_size));
-  std::array<char, 65536> block;
+  // Room for one byte more than there should be: the second reading tells the end.
+  std::string bytes(static_cast<std::size_t>(entry.st_size) + 1, '\0');
+  std::size_t filled = 0;
   for (;;) {
-    const ssize_t got =
-        restarted([&] { return ::read(file.number(), block.data(), block.size()); });
+    const ssize_t got = restarted(
+        [&] { return ::read(file.number(), bytes.data() + filled, bytes.size() - filled); });
     if (got < 0) raise("read", path);
-    if (got == 0) return bytes;
-    bytes.append(block.data(), static_cast<std::size_t>(got));
+    filled += static_cast<std::size_t>(got);
+    if (got == 0) break;
+    if (filled == bytes.size()) bytes.resize(2 * bytes.size());
   }
+  bytes.resize(filled);
+  return bytes;
 }
 
 bool replaceFile(const std::string& path, std::string_view bytes) {
@@ -192,15 +195,21 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   return true;
 }
 
-void appendToFile(const std::string& path, const std::vector<std::string_view>& pieces) {
-  const Descriptor file = openFile(path, O_WRONLY | O_APPEND);
+FileEnd::FileEnd(std::string path)
+    : path_(std::move(path)), file_(openFile(path_, O_WRONLY | O_APPEND)) {
   struct stat entry = {};
-  if (!file.isOpen() || ::fstat(file.number(), &entry) != 0 || !S_ISREG(entry.st_mode)) return;
+  if (file_.isOpen() && (::fstat(file_.number(), &entry) != 0 || !S_ISREG(entry.st_mode))) {
+    file_.close();
+  }
+}
+
+void FileEnd::append(const std::vector<std::string_view>& pieces) {
   std::vector<iovec> all;
+  all.reserve(pieces.size());
   for (const std::string_view piece : pieces) {
     if (!piece.empty()) all.push_back({const_cast<char*>(piece.data()), piece.size()});
   }
-  if (!writeAll(file.number(), std::move(all))) raise("write", path);
+  if (!writeAll(file_.number(), std::move(all))) raise("write", path_);
 }
 
 bool synchroniseTree(const std::string& path) {

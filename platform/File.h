@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Descriptor.h"
+
 namespace kelvane::platform {
 
 // Whether the text can be a path at all.
@@ -85,11 +87,20 @@ std::string readFile(const std::string& path);
 // then as it was, and no temporary file is left.
 bool replaceFile(const std::string& path, std::string_view bytes);
 
-// Appends the pieces, one behind the other, at the file's current end: all in one step, as far as
-// the disk has room. Where the file cannot be opened (it is not there, is no regular file, may not
-// be written) nothing happens: a file is never created. Raises where it was opened and the writing
-// failed.
-void appendToFile(const std::string& path, const std::vector<std::string_view>& pieces);
+// The end of a file that is there: one that is not, is no regular file or may not be written is not
+// opened, and never created.
+class FileEnd {
+ public:
+  explicit FileEnd(std::string path);
+  bool isOpen() const { return file_.isOpen(); }
+  // Appends the pieces, one behind the other, at the file's current end: all in one step, as far as
+  // the disk has room. Raises where that failed.
+  void append(const std::vector<std::string_view>& pieces);
+
+ private:
+  std::string path_;
+  Descriptor file_;
+};
 
 // The path without its last component, "/" at the least; a trailing "/" does not count.
 std::string withoutLastComponent(const std::string& path);

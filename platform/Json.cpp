@@ -50,6 +50,8 @@ class Events : public nlohmann::json_sax<nlohmann::json> {
 
 enum class Form { lines, oneLine };
 
+constexpr std::size_t kLongestRemembered = std::size_t{4} << 20U;
+
 class Printer {
  public:
   explicit Printer(Form form) : form_(form) {}
@@ -68,9 +70,8 @@ class Printer {
       case Value::Kind::string:
         return printString(value.string());
       case Value::Kind::array:
-        return printArray(value, level);
       case Value::Kind::dictionary:
-        return printDictionary(value, level);
+        return printContainer(value, level);
       case Value::Kind::nothing:
       case Value::Kind::data:
       case Value::Kind::date:
@@ -131,6 +132,25 @@ class Printer {
     }
     text_ += '"';
     return isUtf8(text);
+  }
+
+  // Those of the job file's records that an update leaves alone remember their text.
+  bool printContainer(const Value& container, int level) {
+    const bool isRemembered = form_ == Form::lines && level == 1;
+    if (isRemembered) {
+      if (const std::string* text = container.rememberedText(Value::Form::json, 1)) {
+        text_ += *text;
+        return true;
+      }
+    }
+    const std::size_t start = text_.size();
+    if (!(container.isArray() ? printArray(container, level) : printDictionary(container, level))) {
+      return false;
+    }
+    if (isRemembered && text_.size() - start <= kLongestRemembered) {
+      container.rememberText(Value::Form::json, 1, std::string(text_, start));
+    }
+    return true;
   }
 
   bool printArray(const Value& array, int level) {

@@ -22,14 +22,26 @@ Value parse(std::string_view bytes) {
 
 }  // namespace
 
-Value readPropertyList(const std::string& path) {
+Value parsePropertyList(std::string_view bytes) {
   try {
-    const std::string bytes = readFile(path);
-    const Value root = parse(withoutByteOrderMark(bytes));
+    Value root = parse(withoutByteOrderMark(bytes));
     return root.isDictionary() ? root : Value();
   } catch (const Exception&) {
     return {};
   }
+}
+
+Value readPropertyList(const std::string& path, ParsedBytes& last) {
+  try {
+    return last.valueOf(readFile(path));
+  } catch (const Exception&) {
+    return {};
+  }
+}
+
+Value readPropertyList(const std::string& path) {
+  ParsedBytes nothing(parsePropertyList);
+  return readPropertyList(path, nothing);
 }
 
 }  // namespace kelvane::platform

@@ -89,6 +89,11 @@ void appendQuoted(std::string& out, const std::string& text) {
   out += '"';
 }
 
+// Containers this far in remember their texts: the job file's array and its records, of which an
+// update changes one. A longer text than this is not kept.
+constexpr std::size_t kRememberedLevels = 2;
+constexpr std::size_t kLongestRemembered = std::size_t{4} << 20U;
+
 void appendBlanks(std::string& out, std::size_t level) { out.append(4 * level, ' '); }
 
 void appendContainer(std::string& out, const Value& container, std::size_t level);
@@ -126,7 +131,7 @@ void appendDictionaryContents(std::string& out, const Value& dictionary, std::si
   }
 }
 
-void appendContainer(std::string& out, const Value& container, std::size_t level) {
+void appendFresh(std::string& out, const Value& container, std::size_t level) {
   const bool isArray = container.isArray();
   appendBlanks(out, level);
   out += isArray ? "(\n" : "{\n";
@@ -137,6 +142,21 @@ void appendContainer(std::string& out, const Value& container, std::size_t level
   }
   appendBlanks(out, level);
   out += isArray ? ')' : '}';
+}
+
+void appendContainer(std::string& out, const Value& container, std::size_t level) {
+  const bool isRemembered = level < kRememberedLevels;
+  if (isRemembered) {
+    if (const std::string* text = container.rememberedText(Value::Form::shown, level)) {
+      out += *text;
+      return;
+    }
+  }
+  const std::size_t start = out.size();
+  appendFresh(out, container, level);
+  if (isRemembered && level > 0 && out.size() - start <= kLongestRemembered) {
+    container.rememberText(Value::Form::shown, level, std::string(out, start));
+  }
 }
 
 // One placeholder of a format, from its "%" to its conversion letter, that is not "%@".
@@ -181,6 +201,7 @@ Value split(std::string_view text, char separator) {
 }
 
 FilledFormat::FilledFormat(std::string_view format, const std::vector<FormatArgument>& arguments) {
+  made_.reserve(arguments.size());  // so that no piece moves
   auto next = arguments.begin();
   while (!format.empty()) {
     const std::size_t plain = std::min(format.find('%'), format.size());
@@ -208,6 +229,8 @@ void FilledFormat::add(const std::string& placeholder, const FormatArgument& arg
   } else if (const auto* value = std::get_if<Value>(&argument)) {
     if (value->isString()) {
       pieces_.push_back(value->string());
+    } else if (value->isArray() || value->isDictionary()) {
+      addContainer(*value);
     } else {
       addMade(describe(*value));
     }
@@ -220,9 +243,20 @@ void FilledFormat::add(const std::string& placeholder, const FormatArgument& arg
   }
 }
 
-void FilledFormat::addMade(std::string text) {
+void FilledFormat::addMade(std::string&& text) {
   made_.push_back(std::move(text));
   pieces_.push_back(made_.back());
+}
+
+// The text stays with the container: other lines show the same one.
+void FilledFormat::addContainer(const Value& container) {
+  const std::string* text = container.rememberedText(Value::Form::shown, 0);
+  if (text == nullptr) {
+    std::string made = describe(container);
+    if (made.size() > kLongestRemembered) return addMade(std::move(made));
+    text = &container.rememberText(Value::Form::shown, 0, std::move(made));
+  }
+  pieces_.push_back(*text);
 }
 
 std::string joined(const std::vector<std::string_view>& pieces) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,10 +42,11 @@ class FilledFormat {
 
  private:
   void add(const std::string& placeholder, const FormatArgument& argument);
-  void addMade(std::string text);
+  void addMade(std::string&& text);
+  void addContainer(const Value& container);
 
   std::vector<std::string_view> pieces_;
-  std::deque<std::string> made_;  // the texts of pieces that are not someone else's
+  std::vector<std::string> made_;  // the texts of pieces that are not someone else's
 };
 
 // The pieces one behind the other.

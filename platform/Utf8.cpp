@@ -1,6 +1,9 @@
 #include "platform/Utf8.h"
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace kelvane::platform {
 namespace {
@@ -39,10 +42,24 @@ std::size_t sequenceLength(std::string_view bytes, std::size_t start) {
   return length;
 }
 
+// Where the first block begins that is not all ASCII; most text is nothing else.
+std::size_t skipAscii(std::string_view bytes, std::size_t start) {
+  std::array<std::uint64_t, 8> block;
+  for (; bytes.size() - start >= sizeof block; start += sizeof block) {
+    std::memcpy(block.data(), bytes.data() + start, sizeof block);
+    std::uint64_t all = 0;
+    for (const std::uint64_t word : block) all |= word;
+    if ((all & 0x8080808080808080U) != 0) break;
+  }
+  return start;
+}
+
 // The length of the well-formed text at the start of the bytes.
 std::size_t validPrefix(std::string_view bytes, std::size_t start) {
   std::size_t end = start;
   while (end < bytes.size()) {
+    end = skipAscii(bytes, end);
+    if (end == bytes.size()) break;
     const std::size_t length = sequenceLength(bytes, end);
     if (length == 0) break;
     end += length;

@@ -1,5 +1,6 @@
 #include "platform/Value.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -11,11 +12,46 @@
 
 namespace kelvane::platform {
 
+// What a container remembers of itself. A copy of the container remembers nothing.
+class Value::Texts {
+ public:
+  Texts() = default;
+  Texts(const Texts& /*other*/) {}
+  Texts& operator=(const Texts&) = delete;
+  ~Texts() = default;
+
+  const std::string* find(Form form, std::size_t level) const {
+    const Text* text = texts_[static_cast<std::size_t>(form)].get();
+    return text != nullptr && text->level == level ? &text->text : nullptr;
+  }
+  const std::string& set(Form form, std::size_t level, std::string&& text) {
+    auto& place = texts_[static_cast<std::size_t>(form)];
+    place = std::make_unique<Text>(Text{level, std::move(text)});
+    return place->text;
+  }
+  void forget() {
+    for (auto& text : texts_) text.reset();
+  }
+
+ private:
+  struct Text {
+    std::size_t level;
+    std::string text;
+  };
+  std::array<std::unique_ptr<Text>, 2> texts_;
+};
+
+struct Value::Array {
+  Elements elements;
+  mutable Texts texts;
+};
+
 // Entries in the order of their first setting, found by a scan while they are few and by an index
 // once they are many, so that no file can make the look-up quadratic.
 class Value::Dictionary {
  public:
   const Entries& entries() const { return entries_; }
+  mutable Texts texts;
 
   const Value* find(std::string_view key) const {
     const std::size_t position = positionOf(key);
@@ -99,7 +135,7 @@ Value Value::number(std::string digits) {
 }
 Value Value::data(std::string bytes) { return Value(std::in_place_type<Data>, {std::move(bytes)}); }
 Value Value::array() {
-  return Value(std::in_place_type<std::shared_ptr<Elements>>, std::make_shared<Elements>());
+  return Value(std::in_place_type<std::shared_ptr<Array>>, std::make_shared<Array>());
 }
 Value Value::dictionary() {
   return Value(std::in_place_type<std::shared_ptr<Dictionary>>, std::make_shared<Dictionary>());
@@ -164,14 +200,15 @@ const Value& Value::at(std::size_t index) const {
 
 const Value::Elements& Value::elements() const& {
   if (isNothing()) return kNoElements;
-  return *expect<std::shared_ptr<Elements>>("its elements");
+  return expect<std::shared_ptr<Array>>("its elements")->elements;
 }
 
 Value::Elements& Value::ownElements() {
   if (!isArray()) refuse("its elements");
-  auto& shared = std::get<std::shared_ptr<Elements>>(storage_);
-  if (shared.use_count() > 1) shared = std::make_shared<Elements>(*shared);
-  return *shared;
+  auto& shared = std::get<std::shared_ptr<Array>>(storage_);
+  if (shared.use_count() > 1) shared = std::make_shared<Array>(*shared);
+  shared->texts.forget();
+  return shared->elements;
 }
 
 void Value::append(Value element) {
@@ -194,6 +231,7 @@ Value::Dictionary& Value::ownDictionary() {
   if (!isDictionary()) refuse("its entries");
   auto& shared = std::get<std::shared_ptr<Dictionary>>(storage_);
   if (shared.use_count() > 1) shared = std::make_shared<Dictionary>(*shared);
+  shared->texts.forget();
   return *shared;
 }
 
@@ -215,6 +253,19 @@ const Value::Entries& Value::entries() const& {
 const Value& Value::asDictionary() const {
   if (!isDictionary()) refuse("its entries");
   return *this;
+}
+
+Value::Texts& Value::texts() const {
+  if (isArray()) return std::get<std::shared_ptr<Array>>(storage_)->texts;
+  return expect<std::shared_ptr<Dictionary>>("its text")->texts;
+}
+
+const std::string* Value::rememberedText(Form form, std::size_t level) const {
+  return texts().find(form, level);
+}
+
+const std::string& Value::rememberText(Form form, std::size_t level, std::string&& text) const {
+  return texts().set(form, level, std::move(text));
 }
 
 bool Value::operator==(const Value& other) const {

@@ -90,10 +90,19 @@ class Value {
   // This value, which must be a dictionary: a record before it is changed.
   const Value& asDictionary() const;
 
+  // A container's own text, remembered until the container is changed; for those who make texts of
+  // values. Null where none was made in this form at this level.
+  enum class Form { shown, json };
+  const std::string* rememberedText(Form form, std::size_t level) const;
+  // Remembers it, instead of one of another level; returns it as it is kept.
+  const std::string& rememberText(Form form, std::size_t level, std::string&& text) const;
+
   // Same kind and content; numbers by their digits, dictionaries regardless of order.
   bool operator==(const Value& other) const;
 
  private:
+  class Texts;
+  struct Array;
   class Dictionary;
   struct Null {};
   struct Number {
@@ -103,13 +112,14 @@ class Value {
     std::string bytes;
   };
   using Storage = std::variant<std::monostate, Null, bool, Number, std::string, Data, Date,
-                               std::shared_ptr<Elements>, std::shared_ptr<Dictionary>>;
+                               std::shared_ptr<Array>, std::shared_ptr<Dictionary>>;
 
   template <typename Held>
   explicit Value(std::in_place_type_t<Held> kind, Held held) : storage_(kind, std::move(held)) {}
   template <typename T>
   const T& expect(const char* what) const;
   [[noreturn]] void refuse(const char* what) const;
+  Texts& texts() const;
   Elements& ownElements();
   Dictionary& ownDictionary();
 

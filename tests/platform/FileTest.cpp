@@ -22,6 +22,11 @@
 namespace kelvane::platform {
 namespace {
 
+void appendToFile(const std::string& path, const std::vector<std::string_view>& pieces) {
+  FileEnd end(path);
+  if (end.isOpen()) end.append(pieces);
+}
+
 using Names = std::vector<std::string>;
 
 class File : public ::testing::Test {

@@ -44,6 +44,65 @@ TEST_F(JobFile, ReadingWhatIsNotJsonGivesNothing) {
   EXPECT_TRUE(log().empty());
 }
 
+// --- a file that someone else writes between two looks
+
+TEST_F(JobFile, AnotherFileOfTheSameSizeAndTimeIsSeen) {
+  namespace fs = std::filesystem;
+  writeJobs(R"([{"log_id":"1"}])");
+  const auto time = fs::last_write_time(folder / test::kJobFile);
+  worker.readJSONFile();
+  writeJobs(R"([{"log_id":"2"}])");
+  fs::last_write_time(folder / test::kJobFile, time);
+  EXPECT_EQ(worker.readJSONFile(), platform::parseJson(R"([{"log_id":"2"}])"));
+}
+
+TEST_F(JobFile, AFileThatIsCutShortIsSeen) {
+  writeJobs(kThree);
+  worker.readJSONFile();
+  writeJobs(std::string(kThree).substr(0, 20));
+  EXPECT_TRUE(worker.readJSONFile().isNothing());
+  writeJobs(kThree);
+  EXPECT_EQ(worker.readJSONFile(), platform::parseJson(kThree));
+}
+
+TEST_F(JobFile, AFileThatALinkHasTakenThePlaceOfIsSeen) {
+  writeJobs(kThree);
+  worker.readJSONFile();
+  folder.write("elsewhere", R"([{"log_id":"9"}])");
+  removeJobs();
+  std::filesystem::create_symlink(folder / "elsewhere", folder / test::kJobFile);
+  EXPECT_EQ(worker.readJSONFile(), platform::parseJson(R"([{"log_id":"9"}])"));
+}
+
+TEST_F(JobFile, TheSameBytesAreTheSameValueWhoeverWroteThem) {
+  writeJobs(kThree);
+  const Value first = worker.readJSONFile();
+  writeJobs(kThree);
+  EXPECT_EQ(worker.readJSONFile(), first);
+}
+
+TEST_F(JobFile, WhatSomeoneElseAddsAfterAnUpdateIsKeptByTheNext) {
+  writeJobs(kThree);
+  worker.updateJSONFile(Value::dictionary({{"log_id", "2"}, {"n", "changed"}}));
+  Value jobs = platform::parseJson(jobText());
+  jobs.append(Value::dictionary({{"log_id", "4"}}));
+  writeJobs(*platform::printJson(jobs));
+  worker.updateJSONFile(Value::dictionary({{"log_id", "1"}, {"n", "too"}}));
+  EXPECT_EQ(worker.readJSONFile(), platform::parseJson(R"([{"log_id":"1","n":"too"},
+      {"log_id":"2","n":"changed"},{"log_id":"3","n":3},{"log_id":"4"}])"));
+}
+
+TEST_F(JobFile, AWriteThatFailedIsNotRemembered) {
+  writeJobs(kThree);
+  worker.readJSONFile();
+  worker.setBGPPath(folder / "no folder/BGPLog.json");
+  worker.writeJSONFile(Value::array());
+  worker.setBGPPath(folder / test::kJobFile);
+  EXPECT_EQ(worker.readJSONFile(), platform::parseJson(kThree));
+}
+
+// --- what the store does
+
 TEST_F(JobFile, TheQueryFindsTheRecordWithItsLogId) {
   writeJobs(kThree);
   EXPECT_EQ(worker.readJSONFileDict(query("2")).get("n").integerValue(), 2);

@@ -9,6 +9,9 @@
 #include <cstdint>
 
 #include "platform/Host.h"
+#include "platform/Json.h"
+#include "platform/ParsedBytes.h"
+#include "platform/PropertyList.h"
 #include "platform/Value.h"
 
 // Records of the framework, which zorapi.h lays down.
@@ -139,6 +142,7 @@ class Kelvane {
              platform::Value& result);
   void download(const platform::Value& record, const platform::Value& primary,
                 platform::Value& result);
+  platform::Value rulesIn(const std::string& catalogue);
   platform::Value selectRule(const platform::Value& rules, const platform::Value& productId) const;
   platform::Value expectedPackagePath(const platform::Value& parameters) const;
 
@@ -152,6 +156,8 @@ class Kelvane {
   platform::Value _EngineRunnerPath;    // string: the update engine, or nothing
   platform::Value _onlineUpdateDict;    // dictionary; shared with the application's code, unused
   platform::Value _settingDict;         // dictionary: the product settings, or nothing
+  platform::ParsedBytes _jobFile{platform::parseJson};
+  platform::ParsedBytes _catalogue{platform::parsePropertyList};
 };
 
 }  // namespace kelvane

@@ -14,7 +14,7 @@ namespace kelvane {
 
 using platform::Value;
 
-Value Kelvane::readJSONFile() { return platform::parseJson(platform::readFile(_BGPPath.string())); }
+Value Kelvane::readJSONFile() { return _jobFile.valueOf(platform::readFile(_BGPPath.string())); }
 
 Value Kelvane::readJSONFileDict(const Value& query) {
   Value current = Value::dictionary();
@@ -35,10 +35,12 @@ Value Kelvane::readJSONFileDict(const Value& query) {
 }
 
 void Kelvane::writeJSONFile(const Value& records) {
-  const std::optional<std::string> text = platform::printJson(records);
+  std::optional<std::string> text = platform::printJson(records);
   KELVANE_LOG("writeJSONFile:", "writeJSONFile, newArray = %@", records);
   KELVANE_LOG("writeJSONFile:", "writeJSONFile, _BGPPath = %@", _BGPPath);
-  if (text) platform::replaceFile(_BGPPath.string(), *text);
+  if (!text) return;
+  platform::replaceFile(_BGPPath.string(), *text);
+  if (records.isArray()) _jobFile.keep(*std::move(text), records);
 }
 
 void Kelvane::updateJSONFile(const Value& changes) {

@@ -39,11 +39,11 @@ void addUpToNul(std::vector<std::string_view>& text, const std::vector<std::stri
 }
 
 // What is not UTF-8 is mended, in a copy that no other line needs.
-void appendText(const std::string& path, const std::vector<std::string_view>& text) {
+void appendText(platform::FileEnd& log, const std::vector<std::string_view>& text) {
   if (std::all_of(text.begin(), text.end(), platform::isUtf8)) {
-    platform::appendToFile(path, text);
+    log.append(text);
   } else {
-    platform::appendToFile(path, {platform::repairedUtf8(platform::joined(text))});
+    log.append({platform::repairedUtf8(platform::joined(text))});
   }
 }
 
@@ -59,19 +59,20 @@ void setLogPath(const char* path) {
 void iLog_tellList(int level, const char* file, std::int32_t line, const char* function,
                    const char* format, const std::vector<platform::FormatArgument>& arguments) {
   if (_logPath[0] == '\0') return;
-  const std::string path = _logPath;
-  if (!platform::exists(path)) return;
+  platform::FileEnd log(_logPath);
+  if (!log.isOpen()) return;
   const std::string time = timeText();
   if (_check_level(level) == 0) return;
   const platform::FilledFormat message(format, arguments);
+  std::string fields = "[" + time + "] [" + _base_file_name(file) + "][";
+  fields.append(std::to_string(line)).append("][");
   std::string cut;
   _base_function_name(function, cut);
-  const std::string fields = platform::format("[%@] [%s][%d][%s][%s] ", time, _base_file_name(file),
-                                              line, cut.c_str(), _base_level_name(level));
+  fields.append(cut).append("][").append(_base_level_name(level)).append("] ");
   std::vector<std::string_view> text = {fields};
   addUpToNul(text, message.pieces());
   text.emplace_back("\n");
-  appendText(path, text);
+  appendText(log, text);
 }
 
 void iLog_tellCaught(const char* file, std::int32_t line, const char* function,

@@ -23,9 +23,11 @@ using platform::Value;
 
 namespace {
 
-Value rulesIn(const std::string& catalogue) {
-  if (!platform::exists(catalogue)) return {};
-  return platform::readPropertyList(catalogue).get(catalogue::kRules);
+// Whether the rule is of no concern whatever else it holds: most of a large catalogue.
+bool isOfAnother(const Value& rule, const Value& productId) {
+  const Value& ruleProductId = rule.get(catalogue::kProductId);
+  return ruleProductId.isString() && productId.isString() &&
+         ruleProductId.string() != productId.string();
 }
 
 bool isComplete(const Value& rule) {
@@ -100,6 +102,12 @@ void copyFromRule(Value& description, const Value& rule) {
 
 }  // namespace
 
+// Read at every call, and parsed where it differs from the last.
+Value Kelvane::rulesIn(const std::string& catalogue) {
+  if (!platform::exists(catalogue)) return {};
+  return platform::readPropertyList(catalogue, _catalogue).get(catalogue::kRules);
+}
+
 Value Kelvane::getPlistPath(const Value& folder) {
   try {
     return platform::format("%@/%@.plist", folder, _settingDict.get(settings::kCatalogueName));
@@ -139,10 +147,10 @@ Value Kelvane::getUpdateEngineDataInDownloadFolder(const Value& parameters) {
 Value Kelvane::selectRule(const Value& rules, const Value& productId) const {
   std::vector<Value> candidates;
   bool found = false;
-  Value current;
+  const Value* current = nullptr;
   for (const Value& rule : rules.elements()) {
-    current = rule;
-    if (!isComplete(rule)) continue;
+    current = &rule;
+    if (isOfAnother(rule, productId) || !isComplete(rule)) continue;
     if (!platform::equalStrings(rule.get(catalogue::kProductId), productId)) continue;
     found = true;
     if (!platform::equalStrings(productId, _settingDict.get(settings::kProductIdSw))) break;
@@ -153,7 +161,7 @@ Value Kelvane::selectRule(const Value& rules, const Value& productId) const {
     return candidates.front();
   }
   // For software that no rule suits, the catalogue's last entry, whatever its product: meant so.
-  return found ? current : Value::dictionary();
+  return found ? *current : Value::dictionary();
 }
 
 Value Kelvane::getDownloadFileData(const Value& parameterList, const Value& downloadFolder) {

@@ -1,0 +1,41 @@
+// Bytes and what they mean, the last ones remembered: a file that is read again and again is parsed
+// anew only when its bytes differ.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/Value.h"
+
+namespace kelvane::platform {
+
+class ParsedBytes {
+ public:
+  using Parse = Value (*)(std::string_view bytes);
+  explicit ParsedBytes(Parse parse) : parse_(parse) {}
+
+  // What the bytes mean. Raises what the parser raises; what was remembered then stays.
+  const Value& valueOf(std::string bytes) {
+    if (!isKnown_ || bytes != bytes_) {
+      Value value = parse_(bytes);
+      keep(std::move(bytes), std::move(value));
+    }
+    return value_;
+  }
+
+  // Remembers bytes that were made of the value, and would be parsed to it again.
+  void keep(std::string bytes, Value value) {
+    bytes_ = std::move(bytes);
+    value_ = std::move(value);
+    isKnown_ = true;
+  }
+
+ private:
+  Parse parse_;
+  bool isKnown_ = false;
+  std::string bytes_;
+  Value value_;
+};
+
+}  // namespace kelvane::platform

@@ -1,0 +1,159 @@
+// Containers remember the texts that were made of them. Whatever is done to them, what is shown and
+// written is what they hold.
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "platform/Json.h"
+#include "platform/Text.h"
+#include "platform/Value.h"
+
+namespace kelvane::platform {
+namespace {
+
+// The same value, made anew, so that nothing in it remembers anything.
+Value fresh(const Value& value) {
+  if (value.isArray()) {
+    Value made = Value::array();
+    for (const Value& element : value.elements()) made.append(fresh(element));
+    return made;
+  }
+  if (!value.isDictionary()) return value;
+  Value made = Value::dictionary();
+  for (const auto& [key, inner] : value.entries()) made.set(key, fresh(inner));
+  return made;
+}
+
+// Shown and written twice, so that the second time what was remembered is used.
+void expectItsOwnTexts(const Value& value) {
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_EQ(format("%@", value), describe(fresh(value)));
+    EXPECT_EQ(describe(value), describe(fresh(value)));
+    EXPECT_EQ(printJson(value), printJson(fresh(value)));
+    EXPECT_EQ(printJsonLine(value), printJsonLine(fresh(value)));
+  }
+}
+
+Value record(const char* logId) {
+  return Value::dictionary(
+      {{"log_id", logId}, {"output", Value::array({Value::dictionary({{"wwn", "A"}})})}});
+}
+Value jobFile() { return Value::array({record("1"), record("2"), record("3")}); }
+
+TEST(RememberedText, IsWhatWouldBeMadeAnew) { expectItsOwnTexts(jobFile()); }
+
+TEST(RememberedText, OfOneRecordServesTheOthersFile) {
+  const Value first = jobFile();
+  expectItsOwnTexts(first);
+  Value second = Value::array();
+  for (const Value& element : first.elements()) second.append(element);
+  second.append(record("4"));
+  expectItsOwnTexts(second);
+  expectItsOwnTexts(first);
+}
+
+TEST(RememberedText, IsLostWhereAnElementIsAppended) {
+  Value jobs = jobFile();
+  expectItsOwnTexts(jobs);
+  jobs.append(record("4"));
+  expectItsOwnTexts(jobs);
+}
+
+TEST(RememberedText, IsLostWhereAKeyIsSet) {
+  Value job = record("1");
+  expectItsOwnTexts(job);
+  job.set("state_id", "RUN");
+  expectItsOwnTexts(job);
+  job.set("state_id", "FREE");
+  expectItsOwnTexts(job);
+  job.setAll(Value::dictionary({{"log_id", "2"}}));
+  expectItsOwnTexts(job);
+}
+
+TEST(RememberedText, OfARecordThatIsChangedIsNotThatOfItsCopies) {
+  const Value jobs = jobFile();
+  expectItsOwnTexts(jobs);
+  Value changed = jobs.at(1);
+  changed.set("state_id", "RUN");
+  expectItsOwnTexts(changed);
+  expectItsOwnTexts(jobs);
+  expectItsOwnTexts(Value::array({jobs.at(0), changed, jobs.at(2)}));
+}
+
+TEST(RememberedText, OfACopyThatIsChangedWhileTheOriginalIsHeld) {
+  const Value original = jobFile();
+  Value copy = original;
+  expectItsOwnTexts(copy);
+  copy.append("one more");
+  expectItsOwnTexts(copy);
+  expectItsOwnTexts(original);
+}
+
+TEST(RememberedText, OfAnOriginalThatIsChangedWhileACopyIsHeld) {
+  Value original = jobFile();
+  const Value copy = original;
+  expectItsOwnTexts(copy);
+  original.append("one more");
+  expectItsOwnTexts(copy);
+  expectItsOwnTexts(original);
+}
+
+TEST(RememberedText, StandsAtItsDepthAlone) {
+  const Value job = record("1");
+  Value around = job;
+  for (int depth = 0; depth < 4; ++depth) {
+    expectItsOwnTexts(around);
+    expectItsOwnTexts(job);
+    around = Value::array({around});
+  }
+}
+
+TEST(RememberedText, OfAContainerInSeveralPlacesIsThatOfEach) {
+  const Value job = record("1");
+  const Value everywhere = Value::dictionary({{"self", job},
+                                              {"list", Value::array({job, job})},
+                                              {"more", Value::dictionary({{"x", job}})}});
+  expectItsOwnTexts(everywhere);
+  expectItsOwnTexts(Value::array({everywhere, job, everywhere.get("list")}));
+  expectItsOwnTexts(job);
+}
+
+TEST(RememberedText, ALongOneIsMadeAnewEachTime) {
+  const std::string text((std::size_t{4} << 20U) + 1, 'a');
+  const Value list = Value::array({Value::dictionary({{"long", text}})});
+  expectItsOwnTexts(list);
+  EXPECT_EQ(list.rememberedText(Value::Form::shown, 0), nullptr);
+  EXPECT_EQ(list.at(0).rememberedText(Value::Form::shown, 1), nullptr);
+  EXPECT_EQ(list.at(0).rememberedText(Value::Form::json, 1), nullptr);
+}
+
+TEST(RememberedText, IsNotMadeOfWhatHasNoJson) {
+  const Value jobs = Value::array({Value::dictionary({{"when", Date{0}}}), "after"});
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_FALSE(printJson(jobs).has_value());
+    EXPECT_EQ(jobs.at(0).rememberedText(Value::Form::json, 1), nullptr);
+  }
+}
+
+// What an update costs grows with what it changes, not with the file: of the other records' texts
+// none is made again.
+TEST(RememberedText, IsKeptByTheRecordsThatAnUpdateLeavesAlone) {
+  const Value jobs = jobFile();
+  expectItsOwnTexts(jobs);
+  const std::string* shown = jobs.at(0).rememberedText(Value::Form::shown, 1);
+  const std::string* json = jobs.at(0).rememberedText(Value::Form::json, 1);
+  ASSERT_NE(shown, nullptr);
+  ASSERT_NE(json, nullptr);
+  Value changed = jobs.at(1);
+  changed.set("state_id", "RUN");
+  const Value next = Value::array({jobs.at(0), changed, jobs.at(2)});
+  expectItsOwnTexts(next);
+  EXPECT_EQ(next.at(0).rememberedText(Value::Form::shown, 1), shown);
+  EXPECT_EQ(next.at(0).rememberedText(Value::Form::json, 1), json);
+}
+
+}  // namespace
+}  // namespace kelvane::platform
