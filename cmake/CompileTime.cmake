@@ -13,5 +13,6 @@ endfunction()
 
 # For a source that is mostly the command line's library, whose result nobody waits for.
 function(kelvane_optimise_little source)
-  set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS -O1)
+  set_source_files_properties(${source} PROPERTIES
+    COMPILE_OPTIONS $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-O1>)
 endfunction()

@@ -7,6 +7,9 @@ include(CheckPIESupported)
 
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# Nothing shows outside a program or library that is not said to.
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
 # The flags that the compiler knows; clang takes those of other processors too.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
