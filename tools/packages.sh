@@ -4,6 +4,6 @@
 build_packages=(cmake ninja-build g++ nlohmann-json3-dev libfmt-dev libcli11-dev zlib1g-dev
   libplist-dev libexpat1-dev libpcre2-dev libssl-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-base)
-benchmark_packages=(python3 strace gnuplot-nox)
+benchmark_packages=(python3 strace linux-perf gnuplot-nox)
 style_packages=(git clang-format clang-tidy lintian)
 clang_packages=(clang-16 libc++-16-dev libc++abi-16-dev)

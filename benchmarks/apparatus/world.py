@@ -13,7 +13,8 @@ CATALOGUE = "Offers"
 
 class World:
     def __init__(self, build, disk="/tmp"):
-        self.build = Path(build).resolve()
+        self._build = Path(build).resolve()
+        self._built = {}
         # The worker looks for its bundle two levels below the root; this folder is the second.
         self.root = Path(tempfile.mkdtemp(prefix="kelvane-benchmark-", dir=disk)).resolve()
         if len(self.root.parts) != 3:
@@ -46,9 +47,15 @@ class World:
         self.shared_settings.write_text(json.dumps({"AppPath": str(self.root)}))
 
     def built(self, name):
-        found = sorted(path for path in self.build.rglob(name) if path.is_file())
+        """A program of the build tree."""
+        if name not in self._built:
+            self._built[name] = self._find(name)
+        return self._built[name]
+
+    def _find(self, name):
+        found = sorted(path for path in self._build.rglob(name) if path.is_file())
         if not found:
-            raise SystemExit(f"run: {self.build} has no {name}; build it with\n"
+            raise SystemExit(f"run: {self._build} has no {name}; build it with\n"
                              "  cmake --build --preset default --target benchmark_programs")
         return found[0]
 
