@@ -1,7 +1,9 @@
-# The Debian packages that the project needs: to build its programs, to build its tests, to check
-# its style. Sourced by run-demo, run-tests and .ci/run.
+# The Debian packages that the project needs: to build its programs, to build its tests, to measure
+# the worker (benchmarks/run, benchmarks/plot), to check its style. Sourced by run-demo, run-tests and
+# .ci/run; for the third: . tools/packages.sh; tools/install-packages "${benchmark_packages[@]}"
 build_packages=(cmake ninja-build g++ nlohmann-json3-dev libfmt-dev libcli11-dev zlib1g-dev
   libplist-dev libexpat1-dev libpcre2-dev libssl-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-base)
+benchmark_packages=(python3 strace linux-perf gnuplot-nox)
 style_packages=(git clang-format clang-tidy lintian)
 clang_packages=(clang-16 libc++-16-dev libc++abi-16-dev)
