@@ -61,7 +61,9 @@ Value integerOf(plist_t node) {
   ::plist_get_uint_val(node, &number);
   const auto signedNumber = static_cast<std::int64_t>(number);
   if (signedNumber >= 0) return Value::integer(signedNumber);
-  return Value::number(contentOf(node, "integer"));
+  std::string digits = contentOf(node, "integer");
+  if (digits.empty()) throw Exception("a property list's integer cannot be told");
+  return Value::number(std::move(digits));
 }
 
 Value realOf(plist_t node) {

@@ -38,8 +38,9 @@ Descriptor openFile(const std::string& path, int flags) {
   return Descriptor(-1);
 }
 
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 30U;  // what every system takes
+
 bool writeAll(int file, std::string_view bytes) {
-  constexpr std::size_t kMostAtOnce = std::size_t{1} << 30U;  // what every system takes
   while (!bytes.empty()) {
     const std::size_t size = std::min(bytes.size(), kMostAtOnce);
     const ssize_t written = restarted([&] { return ::write(file, bytes.data(), size); });
@@ -60,9 +61,9 @@ void skipWritten(std::vector<iovec>& pieces, std::size_t written) {
 }
 
 bool writeAll(int file, std::vector<iovec> pieces) {
-  constexpr std::size_t kMostAtOnce = 1024;  // what every system takes
+  constexpr std::size_t kMostPieces = 1024;  // what every system takes
   while (!pieces.empty()) {
-    const auto count = static_cast<int>(std::min(pieces.size(), kMostAtOnce));
+    const auto count = static_cast<int>(std::min(pieces.size(), kMostPieces));
     const ssize_t written = restarted([&] { return ::writev(file, pieces.data(), count); });
     if (written < 0) return false;
     skipWritten(pieces, static_cast<std::size_t>(written));
@@ -166,8 +167,9 @@ std::string readFile(const std::string& path) {
   std::string bytes(static_cast<std::size_t>(entry.st_size) + 1, '\0');
   std::size_t filled = 0;
   for (;;) {
-    const ssize_t got = restarted(
-        [&] { return ::read(file.number(), bytes.data() + filled, bytes.size() - filled); });
+    const std::size_t room = std::min(bytes.size() - filled, kMostAtOnce);
+    const ssize_t got =
+        restarted([&] { return ::read(file.number(), bytes.data() + filled, room); });
     if (got < 0) raise("read", path);
     filled += static_cast<std::size_t>(got);
     if (got == 0) break;
@@ -204,6 +206,10 @@ FileEnd::FileEnd(std::string path)
 }
 
 void FileEnd::append(const std::vector<std::string_view>& pieces) {
+  if (pieces.size() == 1) {
+    if (!writeAll(file_.number(), pieces.front())) raise("write", path_);
+    return;
+  }
   std::vector<iovec> all;
   all.reserve(pieces.size());
   for (const std::string_view piece : pieces) {

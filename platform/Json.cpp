@@ -50,11 +50,15 @@ class Events : public nlohmann::json_sax<nlohmann::json> {
 
 enum class Form { lines, oneLine };
 
-constexpr std::size_t kLongestRemembered = std::size_t{4} << 20U;
-
 class Printer {
  public:
   explicit Printer(Form form) : form_(form) {}
+
+  // Room for what is remembered, and the separators between.
+  void reserveFor(const Value& value) {
+    if (form_ == Form::oneLine || !value.isArray()) return;
+    text_.reserve(value.rememberedSize(Value::Form::jsonInside) + 4 * value.count() + 4);
+  }
 
   // Appends the value; false where JSON has no form for it.
   bool print(const Value& value, int level) {
@@ -138,7 +142,7 @@ class Printer {
   bool printContainer(const Value& container, int level) {
     const bool isRemembered = form_ == Form::lines && level == 1;
     if (isRemembered) {
-      if (const std::string* text = container.rememberedText(Value::Form::json, 1)) {
+      if (const std::string* text = container.rememberedText(Value::Form::jsonInside)) {
         text_ += *text;
         return true;
       }
@@ -147,9 +151,7 @@ class Printer {
     if (!(container.isArray() ? printArray(container, level) : printDictionary(container, level))) {
       return false;
     }
-    if (isRemembered && text_.size() - start <= kLongestRemembered) {
-      container.rememberText(Value::Form::json, 1, std::string(text_, start));
-    }
+    if (isRemembered) container.rememberPart(Value::Form::jsonInside, text_, start);
     return true;
   }
 
@@ -189,6 +191,7 @@ class Printer {
 
 std::optional<std::string> printed(const Value& value, Form form) {
   Printer printer(form);
+  printer.reserveFor(value);
   if (!printer.print(value, 0)) return std::nullopt;
   return printer.take();
 }

@@ -15,20 +15,22 @@ class ParsedBytes {
   using Parse = Value (*)(std::string_view bytes);
   explicit ParsedBytes(Parse parse) : parse_(parse) {}
 
-  // What the bytes mean. Raises what the parser raises; what was remembered then stays.
+  // What the bytes mean. Raises what the parser raises, and then remembers nothing.
   const Value& valueOf(std::string bytes) {
     if (!isKnown_ || bytes != bytes_) {
+      keep({}, {});  // nothing of the old ones while the new ones are parsed
       Value value = parse_(bytes);
       keep(std::move(bytes), std::move(value));
     }
     return value_;
   }
 
-  // Remembers bytes that were made of the value, and would be parsed to it again.
+  // Remembers bytes that were made of the value, and would be parsed to it again. What means
+  // nothing may do so for want of memory, and is parsed anew.
   void keep(std::string bytes, Value value) {
     bytes_ = std::move(bytes);
     value_ = std::move(value);
-    isKnown_ = true;
+    isKnown_ = !value_.isNothing();
   }
 
  private:

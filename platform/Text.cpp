@@ -89,11 +89,6 @@ void appendQuoted(std::string& out, const std::string& text) {
   out += '"';
 }
 
-// Containers this far in remember their texts: the job file's array and its records, of which an
-// update changes one. A longer text than this is not kept.
-constexpr std::size_t kRememberedLevels = 2;
-constexpr std::size_t kLongestRemembered = std::size_t{4} << 20U;
-
 void appendBlanks(std::string& out, std::size_t level) { out.append(4 * level, ' '); }
 
 void appendContainer(std::string& out, const Value& container, std::size_t level);
@@ -144,19 +139,20 @@ void appendFresh(std::string& out, const Value& container, std::size_t level) {
   out += isArray ? ')' : '}';
 }
 
+// Containers inside one other remember their texts: the job file's records, of which an update
+// changes one.
 void appendContainer(std::string& out, const Value& container, std::size_t level) {
-  const bool isRemembered = level < kRememberedLevels;
-  if (isRemembered) {
-    if (const std::string* text = container.rememberedText(Value::Form::shown, level)) {
-      out += *text;
-      return;
-    }
+  if (level != 1) {
+    appendFresh(out, container, level);
+    return;
+  }
+  if (const std::string* text = container.rememberedText(Value::Form::shownInside)) {
+    out += *text;
+    return;
   }
   const std::size_t start = out.size();
   appendFresh(out, container, level);
-  if (isRemembered && level > 0 && out.size() - start <= kLongestRemembered) {
-    container.rememberText(Value::Form::shown, level, std::string(out, start));
-  }
+  container.rememberPart(Value::Form::shownInside, out, start);
 }
 
 // One placeholder of a format, from its "%" to its conversion letter, that is not "%@".
@@ -186,6 +182,9 @@ std::string shortestText(double number) { return fmt::format("{}", number); }
 std::string describe(const Value& value) {
   if (!value.isArray() && !value.isDictionary()) return plainText(value);
   std::string out;
+  // An update adds little to what the records are known to take: room for most at once.
+  if (value.isArray())
+    out.reserve(value.rememberedSize(Value::Form::shownInside) + 8 * value.count());
   appendContainer(out, value, 0);
   return out;
 }
@@ -250,11 +249,11 @@ void FilledFormat::addMade(std::string&& text) {
 
 // The text stays with the container: other lines show the same one.
 void FilledFormat::addContainer(const Value& container) {
-  const std::string* text = container.rememberedText(Value::Form::shown, 0);
+  const std::string* text = container.rememberedText(Value::Form::shownAlone);
   if (text == nullptr) {
     std::string made = describe(container);
-    if (made.size() > kLongestRemembered) return addMade(std::move(made));
-    text = &container.rememberText(Value::Form::shown, 0, std::move(made));
+    text = container.rememberText(Value::Form::shownAlone, std::move(made));
+    if (text == nullptr) return addMade(std::move(made));
   }
   pieces_.push_back(*text);
 }

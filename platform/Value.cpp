@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <new>
 
 #include "platform/Exception.h"
 
@@ -18,27 +19,35 @@ class Value::Texts {
   Texts() = default;
   Texts(const Texts& /*other*/) {}
   Texts& operator=(const Texts&) = delete;
-  ~Texts() = default;
+  ~Texts() { forget(); }
 
-  const std::string* find(Form form, std::size_t level) const {
-    const Text* text = texts_[static_cast<std::size_t>(form)].get();
-    return text != nullptr && text->level == level ? &text->text : nullptr;
-  }
-  const std::string& set(Form form, std::size_t level, std::string&& text) {
+  static bool hasRoomFor(std::size_t size) { return size <= kMost - taken_; }
+
+  const std::string* find(Form form) const { return texts_[static_cast<std::size_t>(form)].get(); }
+
+  // Takes the text over in its last step, which cannot fail.
+  const std::string* set(Form form, std::string&& text) {
     auto& place = texts_[static_cast<std::size_t>(form)];
-    place = std::make_unique<Text>(Text{level, std::move(text)});
-    return place->text;
+    if (place != nullptr || !hasRoomFor(text.size())) return nullptr;
+    place.reset(new (std::nothrow) std::string);
+    if (place == nullptr) return nullptr;
+    taken_ += text.size();
+    *place = std::move(text);
+    return place.get();
   }
+
   void forget() {
-    for (auto& text : texts_) text.reset();
+    for (auto& text : texts_) {
+      if (text == nullptr) continue;
+      taken_ -= text->size();
+      text.reset();
+    }
   }
 
  private:
-  struct Text {
-    std::size_t level;
-    std::string text;
-  };
-  std::array<std::unique_ptr<Text>, 2> texts_;
+  static constexpr std::size_t kMost = std::size_t{16} << 20U;
+  static inline std::size_t taken_ = 0;  // by the texts of all containers
+  std::array<std::unique_ptr<std::string>, 3> texts_;
 };
 
 struct Value::Array {
@@ -260,12 +269,28 @@ Value::Texts& Value::texts() const {
   return expect<std::shared_ptr<Dictionary>>("its text")->texts;
 }
 
-const std::string* Value::rememberedText(Form form, std::size_t level) const {
-  return texts().find(form, level);
+const std::string* Value::rememberedText(Form form) const { return texts().find(form); }
+
+const std::string* Value::rememberText(Form form, std::string&& text) const {
+  return texts().set(form, std::move(text));
 }
 
-const std::string& Value::rememberText(Form form, std::size_t level, std::string&& text) const {
-  return texts().set(form, level, std::move(text));
+void Value::rememberPart(Form form, const std::string& text, std::size_t start) const {
+  if (!Texts::hasRoomFor(text.size() - start)) return;
+  try {
+    texts().set(form, std::string(text, start));
+  } catch (const std::bad_alloc&) {
+    return;  // it is made again the next time
+  }
+}
+
+std::size_t Value::rememberedSize(Form form) const {
+  std::size_t size = 0;
+  for (const Value& element : elements()) {
+    if (!element.isArray() && !element.isDictionary()) continue;
+    if (const std::string* text = element.rememberedText(form)) size += text->size();
+  }
+  return size;
 }
 
 bool Value::operator==(const Value& other) const {

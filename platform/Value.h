@@ -90,12 +90,18 @@ class Value {
   // This value, which must be a dictionary: a record before it is changed.
   const Value& asDictionary() const;
 
-  // A container's own text, remembered until the container is changed; for those who make texts of
-  // values. Null where none was made in this form at this level.
-  enum class Form { shown, json };
-  const std::string* rememberedText(Form form, std::size_t level) const;
-  // Remembers it, instead of one of another level; returns it as it is kept.
-  const std::string& rememberText(Form form, std::size_t level, std::string&& text) const;
+  // A container's own text, remembered until the container is changed, for those who make texts of
+  // values: as it is shown alone, as it is shown inside one other, and its JSON inside one other.
+  enum class Form { shownAlone, shownInside, jsonInside };
+  // Null where none is remembered.
+  const std::string* rememberedText(Form form) const;
+  // Remembers a text where none is; returns it as it is kept. Null, and the text as it was, where
+  // there is no room: all texts together take 16 MiB at the most.
+  const std::string* rememberText(Form form, std::string&& text) const;
+  // The same of a part of a text, which is copied.
+  void rememberPart(Form form, const std::string& text, std::size_t start) const;
+  // How many bytes the texts of an array's elements take together, as far as they are remembered.
+  std::size_t rememberedSize(Form form) const;
 
   // Same kind and content; numbers by their digits, dictionaries regardless of order.
   bool operator==(const Value& other) const;

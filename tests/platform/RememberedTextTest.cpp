@@ -121,20 +121,39 @@ TEST(RememberedText, OfAContainerInSeveralPlacesIsThatOfEach) {
   expectItsOwnTexts(job);
 }
 
-TEST(RememberedText, ALongOneIsMadeAnewEachTime) {
-  const std::string text((std::size_t{4} << 20U) + 1, 'a');
-  const Value list = Value::array({Value::dictionary({{"long", text}})});
-  expectItsOwnTexts(list);
-  EXPECT_EQ(list.rememberedText(Value::Form::shown, 0), nullptr);
-  EXPECT_EQ(list.at(0).rememberedText(Value::Form::shown, 1), nullptr);
-  EXPECT_EQ(list.at(0).rememberedText(Value::Form::json, 1), nullptr);
+TEST(RememberedText, AllTogetherHaveALimit) {
+  const std::string megabytes(std::size_t{6} << 20U, 'a');
+  const Value list =
+      Value::array({Value::dictionary({{"a", megabytes}}), Value::dictionary({{"b", megabytes}}),
+                    Value::dictionary({{"c", megabytes}})});
+  const std::string shown = describe(list);
+  EXPECT_NE(list.at(1).rememberedText(Value::Form::shownInside), nullptr);
+  EXPECT_EQ(list.at(2).rememberedText(Value::Form::shownInside), nullptr);
+  EXPECT_EQ(format("%@", list), shown);
+  EXPECT_EQ(list.rememberedText(Value::Form::shownAlone), nullptr);
+  EXPECT_EQ(describe(fresh(list)), shown);
+}
+
+TEST(RememberedText, LeavesItsRoomToOthersWhenItsContainerGoes) {
+  const std::string megabytes(std::size_t{12} << 20U, 'a');
+  for (int time = 0; time < 3; ++time) {
+    const Value list = Value::array({Value::dictionary({{"a", megabytes}})});
+    describe(list);
+    EXPECT_NE(list.at(0).rememberedText(Value::Form::shownInside), nullptr) << time;
+  }
+}
+
+TEST(RememberedText, OfOnePlaceholderOutlivesTheNext) {
+  const Value inner = Value::array({std::string(200, 'x')});
+  EXPECT_EQ(format("%@|%@|%@", inner, Value::array({inner}), inner),
+            describe(inner) + "|" + describe(fresh(Value::array({inner}))) + "|" + describe(inner));
 }
 
 TEST(RememberedText, IsNotMadeOfWhatHasNoJson) {
   const Value jobs = Value::array({Value::dictionary({{"when", Date{0}}}), "after"});
   for (int time = 0; time < 2; ++time) {
     EXPECT_FALSE(printJson(jobs).has_value());
-    EXPECT_EQ(jobs.at(0).rememberedText(Value::Form::json, 1), nullptr);
+    EXPECT_EQ(jobs.at(0).rememberedText(Value::Form::jsonInside), nullptr);
   }
 }
 
@@ -143,16 +162,16 @@ TEST(RememberedText, IsNotMadeOfWhatHasNoJson) {
 TEST(RememberedText, IsKeptByTheRecordsThatAnUpdateLeavesAlone) {
   const Value jobs = jobFile();
   expectItsOwnTexts(jobs);
-  const std::string* shown = jobs.at(0).rememberedText(Value::Form::shown, 1);
-  const std::string* json = jobs.at(0).rememberedText(Value::Form::json, 1);
+  const std::string* shown = jobs.at(0).rememberedText(Value::Form::shownInside);
+  const std::string* json = jobs.at(0).rememberedText(Value::Form::jsonInside);
   ASSERT_NE(shown, nullptr);
   ASSERT_NE(json, nullptr);
   Value changed = jobs.at(1);
   changed.set("state_id", "RUN");
   const Value next = Value::array({jobs.at(0), changed, jobs.at(2)});
   expectItsOwnTexts(next);
-  EXPECT_EQ(next.at(0).rememberedText(Value::Form::shown, 1), shown);
-  EXPECT_EQ(next.at(0).rememberedText(Value::Form::json, 1), json);
+  EXPECT_EQ(next.at(0).rememberedText(Value::Form::shownInside), shown);
+  EXPECT_EQ(next.at(0).rememberedText(Value::Form::jsonInside), json);
 }
 
 }  // namespace

@@ -62,7 +62,8 @@ void Kelvane::initUpgradeFWStatus(const Value& record) {
     const Value entries = progressEntries(record.get(job::kInputParameters));
     if (entries.count() == 0) return;
     Value started = record;
-    startJob(started, Value::dictionary({{job::kOutput, entries}}));
+    started.set(job::kOutput, entries);
+    startJob(started, {});
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("initUpgradeFWStatus:", caught);
   }

@@ -397,9 +397,9 @@ class FirmwareJob {
     Value stored = worker_.readJSONFileDict(record_);
     if (stored.has(job::kStateId)) {
       const std::string description = platform::format("%s", getErrorDescription(status_));
-      worker_.finishJob(
-          stored, Value::dictionary({{job::kResult, Value::integer(status_)},
-                                     {job::kResultStr, platform::repairedUtf8(description)}}));
+      stored.set(job::kResult, Value::integer(status_));
+      stored.set(job::kResultStr, platform::repairedUtf8(description));
+      worker_.finishJob(stored, {});
     }
     UPDATE_LOG("updateAllFW end, retDict = %@", stored);
     return stored;

@@ -38,13 +38,19 @@ void addUpToNul(std::vector<std::string_view>& text, const std::vector<std::stri
   }
 }
 
-// What is not UTF-8 is mended, in a copy that no other line needs.
+// Of a long line nothing is copied; a short one is checked and written faster as one text. What is
+// not UTF-8 is mended.
 void appendText(platform::FileEnd& log, const std::vector<std::string_view>& text) {
-  if (std::all_of(text.begin(), text.end(), platform::isUtf8)) {
+  constexpr std::size_t kLong = 4096;  // bytes
+  std::size_t size = 0;
+  for (const std::string_view piece : text) size += piece.size();
+  if (size >= kLong && std::all_of(text.begin(), text.end(), platform::isUtf8)) {
     log.append(text);
-  } else {
-    log.append({platform::repairedUtf8(platform::joined(text))});
+    return;
   }
+  std::string line = platform::joined(text);
+  if (!platform::isUtf8(line)) line = platform::repairedUtf8(line);
+  log.append({line});
 }
 
 }  // namespace
@@ -59,9 +65,10 @@ void setLogPath(const char* path) {
 void iLog_tellList(int level, const char* file, std::int32_t line, const char* function,
                    const char* format, const std::vector<platform::FormatArgument>& arguments) {
   if (_logPath[0] == '\0') return;
+  // Before the log takes a descriptor: the system may need one to learn the time zone.
+  const std::string time = timeText();
   platform::FileEnd log(_logPath);
   if (!log.isOpen()) return;
-  const std::string time = timeText();
   if (_check_level(level) == 0) return;
   const platform::FilledFormat message(format, arguments);
   std::string fields = "[" + time + "] [" + _base_file_name(file) + "][";

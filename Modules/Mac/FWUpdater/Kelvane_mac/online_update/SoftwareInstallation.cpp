@@ -29,7 +29,8 @@ Value Kelvane::updateSW(const Value& record) {
     const Value& installed = _settingDict.get(settings::kAppPath);
     const Value removal = platform::argumentList(kRemover, {"-Rf", installed});
     const Value copy = platform::argumentList(kCopier, {"-Rf", package, installed});
-    startJob(answer, Value::dictionary({{job::kOutput, inputs}}));
+    answer.set(job::kOutput, inputs);
+    startJob(answer, {});
 
     ChildProcess remover(kRemover, removal);
     KELVANE_LOG("updateSW:", "result = %@", remover.readOutput().text());
