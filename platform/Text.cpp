@@ -252,7 +252,7 @@ void FilledFormat::addContainer(const Value& container) {
   const std::string* text = container.rememberedText(Value::Form::shownAlone);
   if (text == nullptr) {
     std::string made = describe(container);
-    text = container.rememberText(Value::Form::shownAlone, std::move(made));
+    text = container.rememberText(Value::Form::shownAlone, made);
     if (text == nullptr) return addMade(std::move(made));
   }
   pieces_.push_back(*text);

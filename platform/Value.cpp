@@ -26,7 +26,7 @@ class Value::Texts {
   const std::string* find(Form form) const { return texts_[static_cast<std::size_t>(form)].get(); }
 
   // Takes the text over in its last step, which cannot fail.
-  const std::string* set(Form form, std::string&& text) {
+  const std::string* set(Form form, std::string& text) {
     auto& place = texts_[static_cast<std::size_t>(form)];
     if (place != nullptr || !hasRoomFor(text.size())) return nullptr;
     place.reset(new (std::nothrow) std::string);
@@ -271,14 +271,15 @@ Value::Texts& Value::texts() const {
 
 const std::string* Value::rememberedText(Form form) const { return texts().find(form); }
 
-const std::string* Value::rememberText(Form form, std::string&& text) const {
-  return texts().set(form, std::move(text));
+const std::string* Value::rememberText(Form form, std::string& text) const {
+  return texts().set(form, text);
 }
 
 void Value::rememberPart(Form form, const std::string& text, std::size_t start) const {
   if (!Texts::hasRoomFor(text.size() - start)) return;
   try {
-    texts().set(form, std::string(text, start));
+    std::string part(text, start);
+    texts().set(form, part);
   } catch (const std::bad_alloc&) {
     return;  // it is made again the next time
   }

@@ -95,9 +95,9 @@ class Value {
   enum class Form { shownAlone, shownInside, jsonInside };
   // Null where none is remembered.
   const std::string* rememberedText(Form form) const;
-  // Remembers a text where none is; returns it as it is kept. Null, and the text as it was, where
-  // there is no room: all texts together take 16 MiB at the most.
-  const std::string* rememberText(Form form, std::string&& text) const;
+  // Takes a text over where none is remembered; returns it as it is kept. Null, and the text as it
+  // was, where there is no room: all texts together take 16 MiB at the most.
+  const std::string* rememberText(Form form, std::string& text) const;
   // The same of a part of a text, which is copied.
   void rememberPart(Form form, const std::string& text, std::size_t start) const;
   // How many bytes the texts of an array's elements take together, as far as they are remembered.
