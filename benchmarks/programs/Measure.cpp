@@ -32,7 +32,9 @@ int main(int argc, char** argv) {
   ::posix_spawn_file_actions_addopen(&quiet, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   const double start = now();
   pid_t process = 0;
-  if (::posix_spawn(&process, argv[1], &quiet, nullptr, argv + 1, environ) != 0) return 127;
+  const int failure = ::posix_spawn(&process, argv[1], &quiet, nullptr, argv + 1, environ);
+  ::posix_spawn_file_actions_destroy(&quiet);
+  if (failure != 0) return 127;
   int status = 0;
   rusage used = {};
   if (::wait4(process, &status, 0, &used) != process) return 1;
