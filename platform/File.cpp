@@ -19,6 +19,7 @@
 #include "platform/Exception.h"
 #include "platform/Native.h"
 #include "platform/Restarted.h"
+#include "platform/WriteAll.h"
 
 namespace kelvane::platform {
 namespace {
@@ -38,18 +39,6 @@ Descriptor openFile(const std::string& path, int flags) {
   return Descriptor(-1);
 }
 
-constexpr std::size_t kMostAtOnce = std::size_t{1} << 30U;  // what every system takes
-
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const std::size_t size = std::min(bytes.size(), kMostAtOnce);
-    const ssize_t written = restarted([&] { return ::write(file, bytes.data(), size); });
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 // What is left of the pieces behind the bytes that were written.
 void skipWritten(std::vector<iovec>& pieces, std::size_t written) {
   auto piece = pieces.begin();
@@ -60,7 +49,7 @@ void skipWritten(std::vector<iovec>& pieces, std::size_t written) {
   pieces.front().iov_len -= written;
 }
 
-bool writeAll(int file, std::vector<iovec> pieces) {
+bool writePieces(int file, std::vector<iovec> pieces) {
   constexpr std::size_t kMostPieces = 1024;  // what every system takes
   while (!pieces.empty()) {
     const auto count = static_cast<int>(std::min(pieces.size(), kMostPieces));
@@ -206,16 +195,16 @@ FileEnd::FileEnd(std::string path)
 }
 
 void FileEnd::append(const std::vector<std::string_view>& pieces) {
-  if (pieces.size() == 1) {
-    if (!writeAll(file_.number(), pieces.front())) raise("write", path_);
-    return;
-  }
   std::vector<iovec> all;
   all.reserve(pieces.size());
   for (const std::string_view piece : pieces) {
     if (!piece.empty()) all.push_back({const_cast<char*>(piece.data()), piece.size()});
   }
-  if (!writeAll(file_.number(), std::move(all))) raise("write", path_);
+  if (!writePieces(file_.number(), std::move(all))) raise("write", path_);
+}
+
+void FileEnd::append(std::string_view text) {
+  if (!writeAll(file_.number(), text)) raise("write", path_);
 }
 
 bool synchroniseTree(const std::string& path) {

@@ -96,6 +96,7 @@ class FileEnd {
   // Appends the pieces, one behind the other, at the file's current end: all in one step, as far as
   // the disk has room. Raises where that failed.
   void append(const std::vector<std::string_view>& pieces);
+  void append(std::string_view text);
 
  private:
   std::string path_;

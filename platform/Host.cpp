@@ -18,9 +18,11 @@ void SystemHost::sleep(unsigned seconds) {
 
 std::tm SystemHost::localTime() const {
   const std::time_t now = std::time(nullptr);
-  std::tm local = {};
-  ::localtime_r(&now, &local);
-  return local;
+  if (now != brokenDown_) {
+    ::localtime_r(&now, &local_);
+    brokenDown_ = now;
+  }
+  return local_;
 }
 
 SystemVersion SystemHost::systemVersion() const {

@@ -33,6 +33,11 @@ class SystemHost : public Host {
   std::tm localTime() const override;
   SystemVersion systemVersion() const override;
   Value executableFolder() const override;
+
+ private:
+  // The last second that was asked for, and what it is as local time.
+  mutable std::time_t brokenDown_ = -1;
+  mutable std::tm local_ = {};
 };
 
 // From here on a write to a file at its size limit, or to a pipe that nobody reads, fails like any

@@ -54,10 +54,9 @@ class Printer {
  public:
   explicit Printer(Form form) : form_(form) {}
 
-  // Room for what is remembered, and the separators between.
   void reserveFor(const Value& value) {
     if (form_ == Form::oneLine || !value.isArray()) return;
-    text_.reserve(value.rememberedSize(Value::Form::jsonInside) + 4 * value.count() + 4);
+    text_.reserve(value.expectedSize(Value::Form::jsonInside));
   }
 
   // Appends the value; false where JSON has no form for it.

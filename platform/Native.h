@@ -16,8 +16,8 @@ extern const int kForSearch;
 
 timespec modificationTime(const struct stat& entry);
 
-// Writes the bytes of one open file, which has this size, into another, which is empty; holes stay
-// holes where the disk can have them. Returns whether all arrived.
+// Writes the bytes of one open file, which has this size, into another, which is empty; holes of
+// a large one stay holes where the disk can have them. Returns whether all arrived.
 bool copyContents(int from, int to, off_t size);
 
 // Returns once what was written to the open file, or with a folder which names it holds, outlasts

@@ -43,16 +43,26 @@ Code compile(const std::string& pattern) {
 
 }  // namespace
 
-std::optional<std::vector<std::string>> firstMatch(const std::string& pattern,
-                                                   const std::string& text) {
-  const Code code = compile(pattern);
-  const Match match(::pcre2_match_data_create_from_pattern(code.get(), nullptr));
-  if (match == nullptr) throw std::bad_alloc();
+struct Regex::Compiled {
+  Code code;
+  Match match;  // room for what a text matches
+};
+
+Regex::Regex(const std::string& pattern) : compiled_(std::make_unique<Compiled>()) {
+  compiled_->code = compile(pattern);
+  compiled_->match.reset(::pcre2_match_data_create_from_pattern(compiled_->code.get(), nullptr));
+  if (compiled_->match == nullptr) throw std::bad_alloc();
+}
+
+Regex::~Regex() = default;
+
+std::optional<std::vector<std::string>> Regex::firstMatch(const std::string& text) const {
+  pcre2_match_data* match = compiled_->match.get();
   const int groups =
-      ::pcre2_match(code.get(), units(text), text.size(), 0, 0, match.get(), nullptr);
+      ::pcre2_match(compiled_->code.get(), units(text), text.size(), 0, 0, match, nullptr);
   if (groups == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
   if (groups <= 0) return std::nullopt;
-  const PCRE2_SIZE* bounds = ::pcre2_get_ovector_pointer(match.get());
+  const PCRE2_SIZE* bounds = ::pcre2_get_ovector_pointer(match);
   std::vector<std::string> found;
   for (std::size_t i = 0; i < static_cast<std::size_t>(groups); ++i) {
     const PCRE2_SIZE start = bounds[2 * i];

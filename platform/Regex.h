@@ -2,16 +2,31 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace kelvane::platform {
 
-// The groups of the pattern's first match anywhere in the text, the whole match first; nothing
-// where there is none. "." is any character but a line end. The text is UTF-8.
-std::optional<std::vector<std::string>> firstMatch(const std::string& pattern,
-                                                   const std::string& text);
+// A pattern, compiled once for any number of texts. "." is any character but a line end. Not
+// thread-safe.
+class Regex {
+ public:
+  // Raises where the text is no pattern.
+  explicit Regex(const std::string& pattern);
+  ~Regex();
+  Regex(const Regex&) = delete;
+  Regex& operator=(const Regex&) = delete;
+
+  // The groups of the first match anywhere in the text, which is UTF-8, the whole match first;
+  // nothing where there is none.
+  std::optional<std::vector<std::string>> firstMatch(const std::string& text) const;
+
+ private:
+  struct Compiled;
+  std::unique_ptr<Compiled> compiled_;
+};
 
 // Leading blanks skipped, an optional sign, digits as far as they go; 0 where there are none, held
 // at the 64-bit limits.

@@ -161,6 +161,7 @@ std::string cText(const std::string& placeholder, const FormatArgument& argument
     return fmt::sprintf(placeholder, *text == nullptr ? "(null)" : *text);
   }
   if (const auto* number = std::get_if<std::int64_t>(&argument)) {
+    if (placeholder == "%d") return std::to_string(*number);  // most of them
     return fmt::sprintf(placeholder, *number);
   }
   if (const auto* number = std::get_if<std::uint64_t>(&argument)) {
@@ -182,9 +183,7 @@ std::string shortestText(double number) { return fmt::format("{}", number); }
 std::string describe(const Value& value) {
   if (!value.isArray() && !value.isDictionary()) return plainText(value);
   std::string out;
-  // An update adds little to what the records are known to take: room for most at once.
-  if (value.isArray())
-    out.reserve(value.rememberedSize(Value::Form::shownInside) + 8 * value.count());
+  if (value.isArray()) out.reserve(value.expectedSize(Value::Form::shownInside));
   appendContainer(out, value, 0);
   return out;
 }
@@ -199,7 +198,8 @@ Value split(std::string_view text, char separator) {
   }
 }
 
-FilledFormat::FilledFormat(std::string_view format, const std::vector<FormatArgument>& arguments) {
+FilledFormat::FilledFormat(std::string_view format, std::span<const FormatArgument> arguments) {
+  pieces_.reserve(2 * arguments.size() + 1);
   made_.reserve(arguments.size());  // so that no piece moves
   auto next = arguments.begin();
   while (!format.empty()) {
@@ -267,7 +267,7 @@ std::string joined(const std::vector<std::string_view>& pieces) {
   return text;
 }
 
-std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments) {
+std::string formatList(std::string_view format, std::span<const FormatArgument> arguments) {
   return joined(FilledFormat(format, arguments).pieces());
 }
 

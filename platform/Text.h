@@ -1,8 +1,10 @@
 // Text of values, and formats that show them.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -34,7 +36,7 @@ using FormatArgument =
 class FilledFormat {
  public:
   // Raises where the format asks for more arguments than there are or for another kind.
-  FilledFormat(std::string_view format, const std::vector<FormatArgument>& arguments);
+  FilledFormat(std::string_view format, std::span<const FormatArgument> arguments);
   FilledFormat(const FilledFormat&) = delete;
   FilledFormat& operator=(const FilledFormat&) = delete;
 
@@ -53,8 +55,9 @@ class FilledFormat {
 std::string joined(const std::vector<std::string_view>& pieces);
 
 // The same as one text.
-std::string formatList(std::string_view format, const std::vector<FormatArgument>& arguments);
+std::string formatList(std::string_view format, std::span<const FormatArgument> arguments);
 
+// The argument as a format takes it; texts are not copied, and must outlive what is returned.
 template <typename T>
 FormatArgument formatArgument(const T& argument) {
   if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
@@ -65,14 +68,21 @@ FormatArgument formatArgument(const T& argument) {
     return static_cast<const char*>(argument);
   } else if constexpr (std::is_same_v<T, std::optional<std::string_view>>) {
     return argument ? FormatArgument(*argument) : FormatArgument(Value());
+  } else if constexpr (std::is_convertible_v<const T&, std::string_view>) {
+    return std::string_view(argument);
   } else {
     return Value(argument);
   }
 }
 
 template <typename... Arguments>
+std::array<FormatArgument, sizeof...(Arguments)> argumentList(const Arguments&... arguments) {
+  return {formatArgument(arguments)...};
+}
+
+template <typename... Arguments>
 std::string format(std::string_view format, const Arguments&... arguments) {
-  return formatList(format, {formatArgument(arguments)...});
+  return formatList(format, argumentList(arguments...));
 }
 
 }  // namespace kelvane::platform

@@ -42,7 +42,8 @@ std::size_t sequenceLength(std::string_view bytes, std::size_t start) {
   return length;
 }
 
-// Where the first block begins that is not all ASCII; most text is nothing else.
+// Where the first character stands that is not ASCII; most text is nothing else, so that blocks are
+// looked at first.
 std::size_t skipAscii(std::string_view bytes, std::size_t start) {
   std::array<std::uint64_t, 8> block;
   for (; bytes.size() - start >= sizeof block; start += sizeof block) {
@@ -51,6 +52,7 @@ std::size_t skipAscii(std::string_view bytes, std::size_t start) {
     for (const std::uint64_t word : block) all |= word;
     if ((all & 0x8080808080808080U) != 0) break;
   }
+  while (start < bytes.size() && byteAt(bytes, start) < 0x80) ++start;
   return start;
 }
 

@@ -285,13 +285,15 @@ void Value::rememberPart(Form form, const std::string& text, std::size_t start) 
   }
 }
 
-std::size_t Value::rememberedSize(Form form) const {
-  std::size_t size = 0;
+std::size_t Value::expectedSize(Form form) const {
+  constexpr std::size_t kBetween = 8;  // bytes from element to element
+  constexpr std::size_t kSpare = 1024;
+  std::size_t size = kBetween * count();
   for (const Value& element : elements()) {
     if (!element.isArray() && !element.isDictionary()) continue;
     if (const std::string* text = element.rememberedText(form)) size += text->size();
   }
-  return size;
+  return size + size / 16 + kSpare;
 }
 
 bool Value::operator==(const Value& other) const {

@@ -13,6 +13,10 @@ using Groups = std::vector<std::string>;
 
 constexpr char kVersion[] = "(\\w+).(\\w+).(\\w+)";
 
+std::optional<Groups> firstMatch(const std::string& pattern, const std::string& text) {
+  return Regex(pattern).firstMatch(text);
+}
+
 TEST(FirstMatch, GivesTheGroupsOfTheFirstMatch) {
   EXPECT_EQ(firstMatch(kVersion, "10.15.7"), (Groups{"10.15.7", "10", "15", "7"}));
   EXPECT_EQ(firstMatch(kVersion, "-- 10.15.7 11.2.3"), (Groups{"10.15.7", "10", "15", "7"}));
@@ -57,6 +61,14 @@ TEST(FirstMatch, WordCharactersAreThoseOfUnicode) {
 TEST(FirstMatch, ALongTextNeitherOverflowsNorHangs) {
   EXPECT_TRUE(firstMatch(kVersion, std::string(1'000'000, 'a')));
   EXPECT_FALSE(firstMatch(kVersion, std::string(1'000'000, '-')));
+}
+
+TEST(FirstMatch, OneTextLeavesNothingForTheNext) {
+  const Regex pattern("(a)?(b)");
+  EXPECT_EQ(pattern.firstMatch("ab"), (Groups{"ab", "a", "b"}));
+  EXPECT_EQ(pattern.firstMatch("b"), (Groups{"b", "", "b"}));
+  EXPECT_FALSE(pattern.firstMatch("a"));
+  EXPECT_EQ(pattern.firstMatch("ab"), (Groups{"ab", "a", "b"}));
 }
 
 TEST(FirstMatch, WhatIsNoExpressionRaisesAndIsNamed) {

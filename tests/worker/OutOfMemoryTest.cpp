@@ -1,9 +1,6 @@
-// Memory that cannot be had: malloc is replaced for the whole program, and fails for a buffer of
-// the controller information's size while a test wants it to; so is operator new, which fails when
-// a test's count of its calls has run out.
+// Memory that cannot be had.
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -15,39 +12,15 @@
 #include "platform/Regex.h"
 #include "tests/support/TempFolder.h"
 #include "tests/worker/FirmwareWorld.h"
-
-namespace {
-bool refuseInfoBuffer = false;
-int mallocCallsLeft = -1;  // negative: no end
-int newCallsLeft = -1;
-}  // namespace
-
-extern "C" void* __real_malloc(std::size_t size);
-extern "C" void* __wrap_malloc(std::size_t size);
-
-void* __wrap_malloc(std::size_t size) {
-  if (refuseInfoBuffer && size == ZOR_CONTROLLER_INFO_SIZE) return nullptr;
-  if (mallocCallsLeft == 0) return nullptr;
-  if (mallocCallsLeft > 0) --mallocCallsLeft;
-  return __real_malloc(size);
-}
-
-extern "C" void* __real__Znwm(std::size_t size);
-extern "C" void* __wrap__Znwm(std::size_t size);
-
-void* __wrap__Znwm(std::size_t size) {
-  if (newCallsLeft == 0) throw std::bad_alloc();
-  if (newCallsLeft > 0) --newCallsLeft;
-  return __real__Znwm(size);
-}
+#include "tests/worker/Memory.h"
 
 namespace kelvane {
 namespace {
 
 class OutOfMemory : public FirmwareWorld {
  protected:
-  OutOfMemory() { refuseInfoBuffer = true; }
-  ~OutOfMemory() override { refuseInfoBuffer = false; }
+  OutOfMemory() { test::memory::refuseInfoBuffer = true; }
+  ~OutOfMemory() override { test::memory::refuseInfoBuffer = false; }
 };
 
 TEST_F(OutOfMemory, EndsTheJobWithoutTouchingAController) {
@@ -71,13 +44,13 @@ TEST(OutOfMemoryRegex, RaisesOrAnswers) {
   bool answered = false;
   int refused = 0;
   for (int calls = 0; !answered; ++calls) {
-    mallocCallsLeft = calls;
+    test::memory::mallocCallsLeft = calls;
     try {
-      answered = platform::firstMatch("(\\w+).(\\w+)", "a.b").has_value();
+      answered = platform::Regex("(\\w+).(\\w+)").firstMatch("a.b").has_value();
     } catch (const std::bad_alloc&) {
       ++refused;
     }
-    mallocCallsLeft = -1;
+    test::memory::mallocCallsLeft = -1;
     ASSERT_LT(calls, 1000);
   }
   EXPECT_GT(refused, 2);
@@ -95,13 +68,13 @@ TEST(OutOfMemoryRotation, NeverLosesTheLog) {
     std::ofstream(path).close();
     std::filesystem::resize_file(path, kSize);
     const platform::Value log(path);
-    newCallsLeft = calls;
+    test::memory::newCallsLeft = calls;
     try {
       renameFile(log);
     } catch (const std::bad_alloc&) {
-      newCallsLeft = -1;
+      test::memory::newCallsLeft = -1;
     }
-    newCallsLeft = -1;
+    test::memory::newCallsLeft = -1;
     isRotated = std::filesystem::exists(generation);
     ASSERT_EQ(std::filesystem::file_size(isRotated ? generation : path), kSize) << calls;
     ASSERT_LT(calls, 10'000);

@@ -29,13 +29,32 @@ std::string timeText() {
   return text;
 }
 
+// "[time] [file][line][function][level] ".
+std::string fieldsOf(const std::string& time, int level, const char* file, std::int32_t line,
+                     const char* function) {
+  std::string cut;
+  _base_function_name(function, cut);
+  std::string fields;
+  fields.reserve(128);  // most have less
+  fields.append("[").append(time).append("] [").append(_base_file_name(file)).append("][");
+  fields.append(std::to_string(line)).append("][").append(cut).append("][");
+  fields.append(_base_level_name(level)).append("] ");
+  return fields;
+}
+
 // The line takes its message as a C string: of one that holds a NUL character, the part before it.
-void addUpToNul(std::vector<std::string_view>& text, const std::vector<std::string_view>& message) {
+std::vector<std::string_view> wholeLine(const std::string& fields,
+                                        const std::vector<std::string_view>& message) {
+  std::vector<std::string_view> text;
+  text.reserve(message.size() + 2);
+  text.push_back(fields);
   for (const std::string_view piece : message) {
     const std::size_t end = piece.find('\0');
     text.push_back(piece.substr(0, end));
-    if (end != std::string_view::npos) return;
+    if (end != std::string_view::npos) break;
   }
+  text.emplace_back("\n");
+  return text;
 }
 
 // Of a long line nothing is copied; a short one is checked and written faster as one text. What is
@@ -50,7 +69,7 @@ void appendText(platform::FileEnd& log, const std::vector<std::string_view>& tex
   }
   std::string line = platform::joined(text);
   if (!platform::isUtf8(line)) line = platform::repairedUtf8(line);
-  log.append({line});
+  log.append(line);
 }
 
 }  // namespace
@@ -63,7 +82,7 @@ void setLogPath(const char* path) {
 }
 
 void iLog_tellList(int level, const char* file, std::int32_t line, const char* function,
-                   const char* format, const std::vector<platform::FormatArgument>& arguments) {
+                   const char* format, std::span<const platform::FormatArgument> arguments) {
   if (_logPath[0] == '\0') return;
   // Before the log takes a descriptor: the system may need one to learn the time zone.
   const std::string time = timeText();
@@ -71,15 +90,8 @@ void iLog_tellList(int level, const char* file, std::int32_t line, const char* f
   if (!log.isOpen()) return;
   if (_check_level(level) == 0) return;
   const platform::FilledFormat message(format, arguments);
-  std::string fields = "[" + time + "] [" + _base_file_name(file) + "][";
-  fields.append(std::to_string(line)).append("][");
-  std::string cut;
-  _base_function_name(function, cut);
-  fields.append(cut).append("][").append(_base_level_name(level)).append("] ");
-  std::vector<std::string_view> text = {fields};
-  addUpToNul(text, message.pieces());
-  text.emplace_back("\n");
-  appendText(log, text);
+  const std::string fields = fieldsOf(time, level, file, line, function);
+  appendText(log, wholeLine(fields, message.pieces()));
 }
 
 void iLog_tellCaught(const char* file, std::int32_t line, const char* function,

@@ -6,8 +6,8 @@
 
 #include <cstdint>
 #include <exception>
+#include <span>
 #include <string>
-#include <vector>
 
 #include "platform/Host.h"
 #include "platform/Text.h"
@@ -45,12 +45,12 @@ void setLogPath(const char* path);
 // is there: it is never created, and nothing but a regular file is written to. Raises
 // platform::Exception where the file was opened and the writing failed.
 void iLog_tellList(int level, const char* file, std::int32_t line, const char* function,
-                   const char* format, const std::vector<platform::FormatArgument>& arguments);
+                   const char* format, std::span<const platform::FormatArgument> arguments);
 
 template <typename... Arguments>
 void iLog_tell(int level, const char* file, std::int32_t line, const char* function,
                const char* format, const Arguments&... arguments) {
-  iLog_tellList(level, file, line, function, format, {platform::formatArgument(arguments)...});
+  iLog_tellList(level, file, line, function, format, platform::argumentList(arguments...));
 }
 
 // One error line with the reason of a caught exception. Never raises: with a log that cannot be

@@ -39,7 +39,8 @@ bool isComplete(const Value& rule) {
 bool isSatisfied(const Value& rule, const platform::SystemVersion& running) {
   const Value& minimum = rule.get(catalogue::kMinimumOs);
   if (minimum.isNothing()) return false;
-  const auto parts = platform::firstMatch("(\\w+).(\\w+).(\\w+)", minimum.string());
+  static const platform::Regex threeParts("(\\w+).(\\w+).(\\w+)");
+  const auto parts = threeParts.firstMatch(minimum.string());
   if (!parts) return false;
   const platform::SystemVersion wanted = {platform::leadingInteger((*parts)[1]),
                                           platform::leadingInteger((*parts)[2]),
