@@ -1,8 +1,8 @@
 # What keeps the compiler's time short.
 
 # Headers that most sources include are read once for all: the standard library's for the programs
-# (platform/CMakeLists.txt), the test library's for the tests (tests/support). A preset without that
-# proves that every source includes what it needs.
+# (platform/CMakeLists.txt), the test library's for the tests (tests/support). tools/lint reads the
+# sources without them, which proves that each includes what it needs.
 option(KELVANE_PRECOMPILED_HEADERS "Precompile what most sources include" ON)
 
 function(kelvane_precompiled target headers)
