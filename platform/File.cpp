@@ -169,6 +169,11 @@ std::string readFile(const std::string& path) {
 }
 
 bool replaceFile(const std::string& path, std::string_view bytes) {
+  return replaceFile(path, bytes, [] { return true; });
+}
+
+bool replaceFile(const std::string& path, std::string_view bytes,
+                 const std::function<bool()>& mayReplace) {
   if (!canBePath(path)) return false;
   const std::string replaced = resolvedLinks(path);
   if (replaced.empty()) return false;
@@ -177,7 +182,7 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   std::string temporary;
   Descriptor file = makeTemporary(folder, temporary);
   if (!file.isOpen()) return false;
-  if (!fillTemporary(file, replaced, bytes) || !renamePath(temporary, replaced)) {
+  if (!fillTemporary(file, replaced, bytes) || !mayReplace() || !renamePath(temporary, replaced)) {
     ::unlink(temporary.c_str());
     return false;
   }

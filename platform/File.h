@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -86,6 +87,11 @@ std::string readFile(const std::string& path);
 // replaced. Returns false where that failed, or something else than a file stands there; that is
 // then as it was, and no temporary file is left.
 bool replaceFile(const std::string& path, std::string_view bytes);
+
+// The same, unless `mayReplace`, which is asked when the new file is whole and only its name is
+// missing, says no: that is a failure, too.
+bool replaceFile(const std::string& path, std::string_view bytes,
+                 const std::function<bool()>& mayReplace);
 
 // The end of a file that is there: one that is not, is no regular file or may not be written is not
 // opened, and never created.

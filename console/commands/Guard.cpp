@@ -15,7 +15,11 @@ int guarded(std::ostream& messages, Charset charset, const std::function<int()>&
   try {
     return run();
   } catch (const Failure& failure) {
-    messages << kProgram << displayText(failure.what(), charset) << std::endl;
+    messages << kProgram << displayText(failure.what(), charset) << '\n';
+    for (const std::string& detail : failure.details()) {
+      messages << "  " << displayText(detail, charset) << '\n';
+    }
+    messages.flush();
     return failure.exitCode();
   } catch (const std::exception& unexpected) {
     messages << kProgram << unexpected.what() << std::endl;  // there may be no memory for more

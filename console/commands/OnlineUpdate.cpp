@@ -104,18 +104,27 @@ int query(const QueryOptions& options, const Surroundings& surroundings) {
   const Value inputs =
       productParameters(options.product, options.version.empty() ? kNoVersion : options.version,
                         options.engine.url, folder);
-  const Look finished = runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
+  const std::optional<Look> finished =
+      runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
+  return finished ? endOfQuery(*finished, surroundings.screen) : kSuccess;
+}
+
+int endOfQuery(const Look& finished, const Screen& screen) {
   if (!finished.record.get(job::kOutput).isArray()) {
     throw Failure(kJobFailed, "the update engine left no catalogue");
   }
-  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
-  return exitCodeOf(finished);
+  return endOfDownload(finished, screen);
 }
 
 int download(const DownloadOptions& options, const Surroundings& surroundings) {
   const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
-  const Look finished = runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
-  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
+  const std::optional<Look> finished =
+      runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
+  return finished ? endOfDownload(*finished, surroundings.screen) : kSuccess;
+}
+
+int endOfDownload(const Look& finished, const Screen& screen) {
+  if (!screen.json) showPackages(finished.record, screen);
   return exitCodeOf(finished);
 }
 

@@ -33,6 +33,11 @@ struct DownloadOptions {
 int query(const QueryOptions& options, const Surroundings& surroundings);
 int download(const DownloadOptions& options, const Surroundings& surroundings);
 
+// What follows the job, whoever has submitted it: shows the packages and returns the exit code.
+// Raises Failure where a query found no catalogue.
+int endOfQuery(const Look& finished, const Screen& screen);
+int endOfDownload(const Look& finished, const Screen& screen);
+
 Command queryCommand();
 Command downloadCommand();
 

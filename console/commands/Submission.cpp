@@ -1,14 +1,19 @@
 #include "console/commands/Submission.h"
 
+#include "console/checks/Access.h"
 #include "console/checks/BundleChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/commands/Turn.h"
 #include "console/display/ShellQuoting.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
 #include "console/job/JobFile.h"
+#include "console/job/Processes.h"
+#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
+#include "platform/Json.h"
 
 namespace kelvane::console {
 
@@ -19,11 +24,43 @@ namespace {
 constexpr char kWorkerOption[] = "--worker";
 constexpr char kLogIdOption[] = "--log-id";
 constexpr char kVerboseFlag[] = "--verbose";
+constexpr char kWaitFlag[] = "--wait";
+constexpr char kEvenSoFlag[] = "--even-so";
+constexpr char kNoWaitFlag[] = "--no-wait";
 
 std::string workerPath(const JobOptions& options) {
   if (!options.worker.empty()) return options.worker;
   if (options.bundle.empty()) throw Failure(kBadUsage, "neither a bundle nor a worker is given");
   return workerIn(options.bundle);
+}
+
+std::string workerFault(const std::string& worker) {
+  const EntryKind kind = kindOf(worker);
+  if (kind == EntryKind::missing) return " does not exist";
+  if (kind == EntryKind::folder || kind == EntryKind::other) return " is no regular file";
+  if (const std::string cause = refusal(worker, Access::execute); !cause.empty()) {
+    return " cannot be executed: " + cause;
+  }
+  const std::string fault = programFault(worker);
+  return fault.empty() ? "" : " cannot be started: " + fault;
+}
+
+void requireWorker(const std::string& worker) {
+  const std::string fault = workerFault(worker);
+  if (fault.empty()) return;
+  throw Failure(kWorkerFailed, "the worker " + worker + fault + "; nothing was submitted");
+}
+
+TurnWish turnWishOf(const JobOptions& options, const std::string& sharedFolder) {
+  if (options.wait && options.evenSo) {
+    throw Failure(kBadUsage, "--wait and --even-so exclude one another");
+  }
+  TurnWish wish = {.sharedFolder = sharedFolder,
+                   .bundle = options.bundle,
+                   .advice = "--wait waits for the end, --even-so submits all the same"};
+  if (options.wait) wish.whenBusy = WhenBusy::wait;
+  if (options.evenSo) wish.whenBusy = WhenBusy::goOn;
+  return wish;
 }
 
 WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
@@ -32,6 +69,58 @@ WorkerProcess startWorker(const WorkerCommand& command, const JobFile& file) {
   } catch (const Failure& failure) {
     throw Failure(failure.exitCode(), std::string(failure.what()) + "; job " + command.logId +
                                           " stays waiting in " + file.path());
+  }
+}
+
+// A job that was put in, and its worker.
+struct Started {
+  Value record;
+  WorkerProcess worker;
+};
+
+// A process that was only just started may not be seen with its arguments yet.
+void awaitSight(WorkerProcess& worker, const WorkerCommand& command) {
+  constexpr int kMostLooks = 1000;
+  for (int looks = 0; looks < kMostLooks; ++looks) {
+    if (worker.hasEnded() || workerRuns(command.logId, command.sharedFolder)) return;
+  }
+}
+
+// The lock is given back when the worker runs and can be seen by others.
+Started start(const JobOptions& options, const TurnWish& wish, const PutIn& putIn,
+              const Surroundings& surroundings) {
+  WorkerCommand command{.executable = workerPath(options),
+                        .sharedFolder = wish.sharedFolder,
+                        .showOutput = options.verbose};
+  requireWorker(command.executable);
+  const JobFile file(wish.sharedFolder);
+  requireChangeable(file);
+  const JobFileLock lock = takeTurn(file, wish, surroundings);
+  const Value record = putIn(file);
+  command.logId = record.get(job::kLogId).string();
+  if (!options.verbose) {
+    command.standardError = makeStandardError(wish.sharedFolder, command.logId);
+  }
+  Started started{record, startWorker(command, file)};
+  awaitSight(started.worker, command);
+  return started;
+}
+
+void showLogId(const std::string& logId, const Screen& screen) {
+  if (screen.json) {
+    const Value answer = Value::dictionary({{job::kLogId, logId}});
+    screen.out << platform::printJsonLine(answer).value_or("null") << std::endl;
+  } else {
+    screen.out << displayText(logId, screen.charset) << std::endl;
+  }
+}
+
+// Of a job that has failed: what was said, below the result.
+void showStandardError(const std::string& sharedFolder, const Look& finished,
+                       const Screen& screen) {
+  if (screen.json || finished.status.hasSucceeded()) return;
+  for (const std::string& line : standardErrorInShort(sharedFolder, finished.status.logId)) {
+    screen.out << "  " << displayText(line, screen.charset) << std::endl;
   }
 }
 
@@ -70,10 +159,13 @@ void requireFinished(const Followed& followed, const std::string& logId,
     case Outcome::finished:
       return;
     case Outcome::workerEnded:
-      throw Failure(kWorkerFailed, gone + ", and left " + job + " unfinished in state " +
-                                       status.state + ": " + adviceFor(status));
+      throw Failure(kWorkerFailed,
+                    gone + ", and left " + job + " unfinished in state " + status.state + ": " +
+                        adviceFor(status),
+                    standardErrorInShort(sharedFolder, logId));
     case Outcome::recordLost:
-      throw Failure(kJobFileFailed, gone + ", and " + job + " is not to be found in the job file");
+      throw Failure(kJobFileFailed, gone + ", and " + job + " is not to be found in the job file",
+                    standardErrorInShort(sharedFolder, logId));
     case Outcome::interrupted:
       throw Failure(kInterrupted, "interrupted: the worker goes on with " + job +
                                       "; follow it again with: kelvane-console watch --shared " +
@@ -96,6 +188,15 @@ std::vector<Option> jobOptions() {
           {.names = {kVerboseFlag},
            .kind = ValueKind::none,
            .description = "Show what the worker prints"},
+          {.names = {kWaitFlag},
+           .kind = ValueKind::none,
+           .description = "Wait for the end of a job that runs; otherwise that is refused"},
+          {.names = {kEvenSoFlag},
+           .kind = ValueKind::none,
+           .description = "Submit the job though another one runs"},
+          {.names = {kNoWaitFlag},
+           .kind = ValueKind::none,
+           .description = "Print the log id once the worker is started, and end"},
           jsonFlag()};
 }
 
@@ -104,28 +205,42 @@ JobOptions jobOptionsOf(const Given& given) {
           .bundle = given.text(kBundleOption),
           .worker = given.text(kWorkerOption),
           .logId = given.text(kLogIdOption),
-          .verbose = given.has(kVerboseFlag)};
+          .verbose = given.has(kVerboseFlag),
+          .wait = given.has(kWaitFlag),
+          .evenSo = given.has(kEvenSoFlag),
+          .noWait = given.has(kNoWaitFlag)};
 }
 
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
-                    const Surroundings& surroundings) {
+                    const Surroundings& surroundings, const IsMeant& isMeant) {
   const Followed followed =
-      follow(JobFile(sharedFolder), logId, worker, surroundings.clock, surroundings.view);
+      follow(JobFile(sharedFolder), logId, worker, surroundings.clock, surroundings.view, isMeant);
   requireFinished(followed, logId, sharedFolder, worker);
   return followed.last;
 }
 
-Look runJob(const JobOptions& options, const std::string& command, const Value& inputs,
-            const Surroundings& surroundings) {
-  WorkerCommand start;
-  start.executable = workerPath(options);
-  start.sharedFolder = existingShared(options.sharedFolder);
-  start.showOutput = options.verbose;
+std::optional<Look> runRecord(const JobOptions& options, const PutIn& putIn,
+                              const Surroundings& surroundings) {
+  const std::string sharedFolder = existingShared(options.sharedFolder);
+  Started started = start(options, turnWishOf(options, sharedFolder), putIn, surroundings);
+  const std::string& logId = started.record.get(job::kLogId).string();
+  if (options.noWait) {
+    showLogId(logId, surroundings.screen);
+    return std::nullopt;
+  }
+  const auto isMeant = [&](const Value& record) { return isSameJob(record, started.record); };
+  Look finished = followToTheEnd(logId, sharedFolder, started.worker, surroundings, isMeant);
+  discardSilence(sharedFolder, logId);
+  showStandardError(sharedFolder, finished, surroundings.screen);
+  return finished;
+}
+
+std::optional<Look> runJob(const JobOptions& options, const std::string& command,
+                           const Value& inputs, const Surroundings& surroundings) {
   if (!options.logId.empty()) requireText(options.logId, "the log id");
-  const JobFile file(start.sharedFolder);
-  start.logId = file.add({options.logId, command, inputs});
-  WorkerProcess worker = startWorker(start, file);
-  return followToTheEnd(start.logId, start.sharedFolder, worker, surroundings);
+  const NewJob added{options.logId, command, inputs};
+  return runRecord(
+      options, [&](const JobFile& file) { return file.add(added); }, surroundings);
 }
 
 int exitCodeOf(const Look& finished) {

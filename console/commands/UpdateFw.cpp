@@ -1,5 +1,6 @@
 #include "console/commands/UpdateFw.h"
 
+#include "console/checks/Access.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/Given.h"
 #include "console/job/ExitCode.h"
@@ -16,9 +17,16 @@ namespace {
 // The worker takes no more of an image's path: a longer one would lead to another file.
 constexpr std::size_t kMostPathBytes = 255;
 
+// Looked for now, as the worker fails only when it comes to the image's controller.
 std::string absoluteImage(const std::string& path) {
   std::string image = existingPath(path, "image");
   if (platform::isFolder(image)) throw Failure(kBadUsage, "image " + path + " is a folder");
+  if (kindOf(image) == EntryKind::other) {
+    throw Failure(kBadUsage, "image " + path + " is no regular file");
+  }
+  if (const std::string cause = refusal(image, Access::read); !cause.empty()) {
+    throw Failure(kBadUsage, "image " + path + " cannot be read: " + cause);
+  }
   if (image.size() > kMostPathBytes) {
     throw Failure(kBadUsage, "image " + image + ": the path is longer than " +
                                  std::to_string(kMostPathBytes) + " bytes");
@@ -54,7 +62,8 @@ int runUpdateFw(const Given& given, const Surroundings& surroundings) {
 
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
   const Value inputs = inputParameters(options.updates);
-  return exitCodeOf(runJob(options.job, job::kUpdateFW, inputs, surroundings));
+  const std::optional<Look> finished = runJob(options.job, job::kUpdateFW, inputs, surroundings);
+  return finished ? exitCodeOf(*finished) : kSuccess;
 }
 
 Command updateFwCommand() {

@@ -60,7 +60,8 @@ int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
   const std::string installed = installedApplication(options.job.bundle);
   refuseOwnPackage(package, installed);
   const Value inputs = Value::dictionary({{job::kFilePath, package}});
-  const Look finished = runJob(options.job, job::kUpdateSW, inputs, surroundings);
+  const std::optional<Look> finished = runJob(options.job, job::kUpdateSW, inputs, surroundings);
+  if (!finished) return kSuccess;
   if (!installed.empty() && !platform::exists(installed)) {
     throw Failure(kJobFailed, "no application stands at " + installed +
                                   ": it was removed, and the new one was not copied");
@@ -69,7 +70,7 @@ int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
     surroundings.screen.out << "installed at "
                             << displayText(installed, surroundings.screen.charset) << std::endl;
   }
-  return exitCodeOf(finished);
+  return exitCodeOf(*finished);
 }
 
 Command updateSwCommand() {

@@ -35,13 +35,13 @@ class Watch {
 }  // namespace
 
 Followed follow(const JobFile& file, const std::string& logId, Worker& worker, Clock& clock,
-                View& view) {
+                View& view, const IsMeant& isMeant) {
   Watch watch(clock);
   for (int missed = 0;;) {
     // Asked before the file is read, so that what the worker wrote last is seen.
     const bool ended = worker.hasEnded();
     const platform::Value record = file.find(logId);
-    if (!record.isNothing()) {
+    if (!record.isNothing() && (!isMeant || isMeant(record))) {
       const Look& look = watch.take(record);
       view.show(look);
       if (look.status.isFinished()) return {Outcome::finished, look};

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/RunningProcesses.h"
+#include "platform/Value.h"
 
 namespace kelvane::console {
 
@@ -16,5 +17,11 @@ bool workerRuns(const std::string& logId, const std::string& sharedFolder);
 // The same, among these processes.
 bool workerRuns(const std::string& logId, const std::string& sharedFolder,
                 const std::vector<platform::RunningProcess>& processes);
+
+// The log id of the job that a worker runs in this shared folder; empty where none is seen. The
+// worker may have any name where `records`, those of the job file, have the job; one whose job is
+// finished there writes no more, and is none.
+std::string runningJob(const std::string& sharedFolder, const platform::Value& records,
+                       const std::vector<platform::RunningProcess>& processes);
 
 }  // namespace kelvane::console

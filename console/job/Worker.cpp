@@ -21,12 +21,13 @@ namespace {
 // What the child's standard streams are.
 class FileActions {
  public:
-  explicit FileActions(bool showOutput) {
+  explicit FileActions(const WorkerCommand& command) {
     ::posix_spawn_file_actions_init(&actions_);
-    discard(STDIN_FILENO, O_RDONLY);
-    if (showOutput) return;
-    discard(STDOUT_FILENO, O_WRONLY);
-    discard(STDERR_FILENO, O_WRONLY);
+    open(STDIN_FILENO, kSink, O_RDONLY);
+    if (command.showOutput) return;
+    open(STDOUT_FILENO, kSink, O_WRONLY);
+    const bool isKept = !command.standardError.empty();
+    open(STDERR_FILENO, isKept ? command.standardError.c_str() : kSink, O_WRONLY | O_APPEND);
   }
   FileActions(const FileActions&) = delete;
   FileActions& operator=(const FileActions&) = delete;
@@ -35,8 +36,10 @@ class FileActions {
   const posix_spawn_file_actions_t* get() const { return &actions_; }
 
  private:
-  void discard(int stream, int flags) {
-    ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", flags, 0);
+  static constexpr char kSink[] = "/dev/null";
+
+  void open(int stream, const char* path, int flags) {
+    ::posix_spawn_file_actions_addopen(&actions_, stream, path, flags, 0);
   }
 
   posix_spawn_file_actions_t actions_ = {};
@@ -75,7 +78,7 @@ WorkerProcess::WorkerProcess(const WorkerCommand& command) {
   std::string logId = command.logId;
   std::string sharedFolder = command.sharedFolder;
   char* const arguments[] = {executable.data(), logId.data(), sharedFolder.data(), nullptr};
-  const FileActions actions(command.showOutput);
+  const FileActions actions(command);
   const NewSession attributes;
   const int cause = ::posix_spawn(&process_, executable.c_str(), actions.get(), attributes.get(),
                                   arguments, environ);

@@ -36,10 +36,11 @@ class ForeignWorker : public Worker {
 };
 
 struct WorkerCommand {
-  std::string executable;
-  std::string logId;
-  std::string sharedFolder;
-  bool showOutput = false;  // whether its output comes out here; otherwise it is discarded
+  std::string executable = {};
+  std::string logId = {};
+  std::string sharedFolder = {};
+  bool showOutput = false;         // whether its output comes out here; otherwise it is discarded
+  std::string standardError = {};  // the file that gets it where it does not come out here
 };
 
 // A worker process in a session of its own, so that neither an interrupt of the console nor the end

@@ -36,8 +36,15 @@ void ConsoleWorld::makeWorker(const std::string& script) {
 void ConsoleWorld::makeWorkerThatLeaves(const std::string& state, const std::string& result,
                                         const std::string& more) {
   makeWorker(
-      "cat > \"$2utility/command/BGPLog.json\" <<END\n[{\"log_id\": \"$1\", \"state_id\": \"" +
-      state + "\", \"result\": " + result + ", \"resultStr\": \"the text\"" + more + "}]\nEND\n");
+      "file=$2utility/command/BGPLog.json\n"
+      "while IFS= read -r line; do case $line in\n"
+      "*state_id*) cat <<'END'\n\"state_id\": \"" +
+      state + "\", \"result\": " + result + ", \"resultStr\": \"the text\"" + more +
+      ",\nEND\n;;\n"
+      "*) echo \"$line\" ;;\n"
+      "esac; done < \"$file\" > \"$file.new\"\n"
+      "echo ']' >> \"$file.new\"\n"
+      "mv \"$file.new\" \"$file\"\n");
 }
 
 void ConsoleWorld::makeWorkerThatLooks() {

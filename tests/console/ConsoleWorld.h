@@ -41,8 +41,7 @@ class ConsoleWorld : public ::testing::Test, public Clock {
 
   // A worker in the bundle; the shell script sees the log id as $1, the shared folder as $2.
   void makeWorker(const std::string& script);
-  // A worker that leaves a record of this job with this state, result and further keys alone in
-  // the file.
+  // A worker that gives the waiting record, alone in the file, this state, result and further keys.
   void makeWorkerThatLeaves(const std::string& state, const std::string& result,
                             const std::string& more = "");
   // A worker that keeps the record it finds, as `shared/seen`, and leaves it waiting.

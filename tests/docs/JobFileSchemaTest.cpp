@@ -149,8 +149,7 @@ TEST(WaitingJob, IsWhatTheConsoleAdds) {
   const test::TempFolder folder;
   const console::JobFile file(folder.path() + "/");
   const Value input = Value::dictionary({{"wwn", "A"}, {"file_path", "/a.img"}});
-  const std::string logId = file.add({"", "updateFW", Value::array({input})});
-  const Value added = file.find(logId);
+  const Value added = file.add({"", "updateFW", Value::array({input})});
   EXPECT_THAT(test::validateWaitingJob(*platform::printJson(added)), IsEmpty());
 }
 

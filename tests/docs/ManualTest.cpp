@@ -9,6 +9,8 @@
 #include "console/command_line/CommandTable.h"
 #include "console/command_line/completion/Completion.h"
 #include "console/job/ExitCode.h"
+#include "console/job/JobFileLock.h"
+#include "console/job/StandardError.h"
 #include "console/manual/ManualPage.h"
 #include "contract/JobFile.h"
 #include "contract/Paths.h"
@@ -158,7 +160,9 @@ TEST(WorkerManual, NamesEveryPathAndNoOther) {
 }
 
 TEST(ConsoleManual, NamesTheFilesThatItReads) {
-  EXPECT_EQ(textsOf(".I", part(consolePage(), ".SH FILES")), (Names{paths::kJobFile, paths::kLog}));
+  EXPECT_EQ(textsOf(".I", part(consolePage(), ".SH FILES")),
+            (Names{paths::kJobFile, paths::kLog, console::lockPath(paths::kJobFile),
+                   console::standardErrorPath("", "LOG_ID")}));
 }
 
 TEST(WorkerManual, NamesEveryCommandAndNoOther) {

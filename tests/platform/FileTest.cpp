@@ -167,6 +167,18 @@ TEST_F(File, ReplacesAndLeavesNothingBeside) {
   EXPECT_EQ(folder.names(), Names{"file"});
 }
 
+TEST_F(File, ARefusedReplacementLeavesTheOldFileAndNothingBeside) {
+  folder.write("file", "old");
+  std::string seen;
+  EXPECT_FALSE(replaceFile(folder / "file", "new", [&] {
+    seen = folder.read("file");
+    return false;
+  }));
+  EXPECT_EQ(seen, "old");
+  EXPECT_EQ(folder.read("file"), "old");
+  EXPECT_EQ(folder.names(), Names{"file"});
+}
+
 TEST_F(File, MakesAFileThatIsNotThereWithDefaultPermissions) {
   const mode_t mask = ::umask(027);
   EXPECT_TRUE(replaceFile(folder / "file", "new"));

@@ -28,6 +28,13 @@ TEST_F(Guard, AFailureIsToldSafelyAndHasItsExitCode) {
   EXPECT_EQ(messages.str(), "kelvane-console: no job ?[2J\n");
 }
 
+TEST_F(Guard, DetailsAreLinesBelow) {
+  guarded(messages, Charset::ascii, []() -> int {
+    throw Failure(kJobFailed, "not installed", {"rm: a\x1b", "cp: b"});
+  });
+  EXPECT_EQ(messages.str(), "kelvane-console: not installed\n  rm: a?\n  cp: b\n");
+}
+
 TEST_F(Guard, WhatIsForeseenNowhereIsAnInternalError) {
   EXPECT_EQ(guarded(messages, Charset::ascii, []() -> int { throw std::runtime_error("odd"); }),
             kInternalError);

@@ -43,6 +43,17 @@ TEST_F(Query, WithoutAVersionAnyIsNewer) {
   EXPECT_EQ(seenRecord().get("input_parameters").get("version").string(), "0");
 }
 
+TEST_F(Query, WorkerThatDiesInRun) {
+  makeWorkerThatLeaves("RUN", "0");
+  EXPECT_EQ(run(), kWorkerFailed);
+  EXPECT_NE(
+      messages.str().find(
+          "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain\" tells "
+          "what the log says; then submit it again\n"),
+      std::string::npos)
+      << messages.str();
+}
+
 TEST_F(Query, OfferedPackagesAreShownAsATable) {
   makeWorkerThatLeaves("FREE", "0", R"(, "job_id": "getOnlineUpdateData", "output": [
     {"ProductID": "manager", "Version": "2.0", "Size": 12345678, "MinimumOSVersion": "10.15.0",

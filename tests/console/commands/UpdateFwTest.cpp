@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -11,7 +13,9 @@
 #include "console/commands/UpdateFw.h"
 #include "console/job/ExitCode.h"
 #include "platform/File.h"
+#include "platform/Json.h"
 #include "tests/console/ConsoleWorld.h"
+#include "tests/support/OrdinaryUser.h"
 
 namespace kelvane::console {
 namespace {
@@ -85,17 +89,6 @@ TEST_F(UpdateFw, WorkerThatDiesInWait) {
             "submit it again\n");
 }
 
-TEST_F(UpdateFw, WorkerThatDiesInRun) {
-  makeWorkerThatLeaves("RUN", "0");
-  EXPECT_EQ(run(), kWorkerFailed);
-  EXPECT_NE(
-      messages.str().find(
-          "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain\" tells "
-          "what the log says; then submit it again\n"),
-      std::string::npos)
-      << messages.str();
-}
-
 TEST_F(UpdateFw, WorkerThatDiesWhileAControllerMayBeFlashed) {
   makeWorkerThatLeaves("RUN", "0", R"(, "job_id": "updateFW")");
   EXPECT_EQ(run(), kWorkerFailed);
@@ -126,12 +119,58 @@ TEST_F(UpdateFw, WorkerThatLosesTheRecord) {
 }
 
 TEST_F(UpdateFw, WorkerThatCannotBeStartedLeavesTheRecordWaiting) {
-  job.worker = folder / "none";
+  job.worker = folder.write("worker",
+                            "\x7F"
+                            "ELF of no system");
+  ::chmod(job.worker.c_str(), 0700);
   EXPECT_EQ(run(), kWorkerFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: start " + (folder / "none") +
-                                ": No such file or directory; job 1 stays waiting in " +
+  EXPECT_EQ(messages.str(), "kelvane-console: start " + job.worker +
+                                ": Exec format error; job 1 stays waiting in " +
                                 (folder / test::kJobFile) + "\n");
   EXPECT_NE(folder.read(test::kJobFile).find("\"WAIT\""), std::string::npos);
+}
+
+TEST_F(UpdateFw, TheWorkerIsLookedForBeforeARecordIsWritten) {
+  const std::pair<std::string, std::string> faults[] = {
+      {folder / "none", " does not exist"},
+      {folder.path(), " is no regular file"},
+      {folder.write("data", "text"), " cannot be executed: Permission denied"},
+      {folder.write("script", "#!/no/sh\n"),
+       " cannot be started: its interpreter /no/sh does not "
+       "exist"}};
+  ::chmod((folder / "script").c_str(), 0700);
+  for (const auto& [worker, fault] : faults) {
+    job.worker = worker;
+    messages.str("");
+    EXPECT_EQ(run(), kWorkerFailed);
+    EXPECT_EQ(messages.str(),
+              "kelvane-console: the worker " + worker + fault + "; nothing was submitted\n");
+  }
+  EXPECT_FALSE(platform::exists(folder / "shared/utility"));
+}
+
+TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithItsFailureAndKept) {
+  makeWorker("echo 'no framework' >&2; exit 1");
+  EXPECT_EQ(run(), kWorkerFailed);
+  const std::string kept = "shared/utility/logs/standard-error-1.txt";
+  EXPECT_NE(messages.str().find("\n  no framework\n  (kept in " + (folder / kept) + ")\n"),
+            std::string::npos)
+      << messages.str();
+  EXPECT_EQ(folder.read(kept), "no framework\n");
+}
+
+TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithAFailedJob) {
+  makeWorkerThatLeaves("FREE", "32852");
+  makeWorker(folder.read("Manager.app/Contents/Resources/Kelvane") + "echo complaint >&2\n");
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_EQ(shownAtTheEnd().rfind("result 32852: the text\n  complaint\n  (kept in ", 0), 0U)
+      << shown.str();
+}
+
+TEST_F(UpdateFw, OfAWorkerThatSaysNothingNothingIsKept) {
+  makeWorkerThatLeaves("FREE", "0");
+  run();
+  EXPECT_EQ(folder.names("shared/utility/logs"), std::vector<std::string>());
 }
 
 TEST_F(UpdateFw, GivenWorkerIsTakenBeforeTheBundles) {
@@ -212,10 +251,139 @@ TEST_F(UpdateFw, SharedFolderThatIsNotThereIsRefused) {
 }
 
 TEST_F(UpdateFw, TakenLogIdIsRefused) {
+  makeWorker("touch \"$2started\"");
   job.logId = "7";
-  folder.write(test::kJobFile, R"([{"log_id": "7", "state_id": "RUN"}])");
+  folder.write(test::kJobFile, R"([{"log_id": "7", "state_id": "FREE"}])");
   EXPECT_EQ(run(), kBadUsage);
-  EXPECT_EQ(messages.str(), "kelvane-console: log id 7 is taken: its job is in state RUN\n");
+  EXPECT_EQ(messages.str(), "kelvane-console: log id 7 is taken: its job is in state FREE\n");
+  EXPECT_FALSE(platform::exists(folder / "shared/started"));
+}
+
+TEST_F(UpdateFw, ARecordThatKeepsTheWorkerFromWritingIsRefused) {
+  makeWorker("touch \"$2started\"");
+  folder.write(test::kJobFile, R"([{"log_id": 7, "state_id": "FREE"}])");
+  EXPECT_EQ(run(), kJobFileFailed);
+  EXPECT_NE(messages.str().find("BGPLog.json: [0] has a log_id that is no string: 7. While"),
+            std::string::npos);
+  EXPECT_FALSE(platform::exists(folder / "shared/started"));
+}
+
+TEST_F(UpdateFw, AFolderThatTheWorkerCannotWriteIsRefused) {
+  makeWorker("touch \"$2started\"");
+  folder.write(test::kJobFile, "[]");
+  folder.write("shared/utility/command/BGPLog.json.lock", "");
+  for (const char* name :
+       {"", "Manager.app", "Manager.app/Contents", "Manager.app/Contents/Resources",
+        "Manager.app/Contents/Resources/Kelvane"}) {
+    ::chmod((folder / name).c_str(), 0755);
+  }
+  const test::PermissionBits bits(folder / "shared/utility/command", 0555);
+  const std::string told = test::asOrdinaryUser([this] {
+    run();
+    return messages.str();
+  });
+  EXPECT_EQ(told, "kelvane-console: the job file's folder cannot be changed: " +
+                      (folder / "shared/utility/command") +
+                      ": Permission denied. The worker replaces the job file there at every step; "
+                      "nobody would learn what became of a job. Give the user that runs the worker "
+                      "the right to write in the folder\n");
+}
+
+TEST_F(UpdateFw, AnImageThatCannotBeReadIsRefused) {
+  ::chmod(folder.path().c_str(), 0755);
+  const test::PermissionBits bits(folder / "a=b.img", 0);
+  const std::string told = test::asOrdinaryUser([this] {
+    run();
+    return messages.str();
+  });
+  EXPECT_EQ(told, "kelvane-console: image " + (folder / "a=b.img") +
+                      " cannot be read: Permission denied\n");
+}
+
+TEST_F(UpdateFw, APipeAsImageIsRefused) {
+  options.updates = {"5000A1=/dev/null"};
+  expectRefused("image /dev/null is no regular file");
+}
+
+// --- one job at a time
+
+class UpdateFwWhileAJobRuns : public UpdateFw {
+ protected:
+  // Job 1 runs until a line comes, and every other job ends at once.
+  UpdateFwWhileAJobRuns() {
+    makeWorker("[ $1 != 1 ] || read word < " + makeLine());
+    job.noWait = true;
+    EXPECT_EQ(run(), kSuccess);
+    EXPECT_EQ(shown.str(), "1\n");
+    shown.str("");
+  }
+  ~UpdateFwWhileAJobRuns() override {
+    if (!hasEnded) endWorker();
+  }
+  bool wait(std::chrono::milliseconds step) override {
+    if (!hasEnded && !interrupt) {
+      endWorker();
+      hasEnded = true;
+      return true;
+    }
+    return ConsoleWorld::wait(step);
+  }
+  std::vector<std::string> logIds() const {
+    std::vector<std::string> found;
+    const platform::Value records = platform::parseJson(folder.read(test::kJobFile));
+    for (const platform::Value& record : records.elements()) {
+      found.push_back(record.get("log_id").string());
+    }
+    return found;
+  }
+
+  using Ids = std::vector<std::string>;
+  bool hasEnded = false;
+};
+
+TEST_F(UpdateFwWhileAJobRuns, ASecondOneIsRefused) {
+  EXPECT_EQ(run(), kBusy);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: job 1 is running; --wait waits for the end, --even-so submits all "
+            "the same\n");
+  EXPECT_EQ(logIds(), Ids{"1"});
+}
+
+TEST_F(UpdateFwWhileAJobRuns, ASecondOneCanWait) {
+  job.wait = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_TRUE(hasEnded);
+  EXPECT_EQ(shown.str(), "job 1 is running; waiting\n2\n");
+  EXPECT_EQ(logIds(), (Ids{"1", "2"}));
+}
+
+TEST_F(UpdateFwWhileAJobRuns, AnInterruptEndsTheWaitingAndSubmitsNothing) {
+  job.wait = true;
+  interrupt = true;
+  EXPECT_EQ(run(), kInterrupted);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: interrupted while job 1 is running; nothing was submitted\n");
+  EXPECT_EQ(logIds(), Ids{"1"});
+}
+
+TEST_F(UpdateFwWhileAJobRuns, ASecondOneIsSubmittedWhereThatIsInsistedUpon) {
+  job.evenSo = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(logIds(), (Ids{"1", "2"}));
+  EXPECT_FALSE(hasEnded);
+}
+
+TEST_F(UpdateFwWhileAJobRuns, ForMachinesTheLogIdIsALineOfJson) {
+  job.evenSo = true;
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "{\"log_id\":\"2\"}\n");
+}
+
+TEST_F(UpdateFwWhileAJobRuns, WaitingAndInsistingExcludeOneAnother) {
+  job.wait = true;
+  job.evenSo = true;
+  EXPECT_EQ(run(), kBadUsage);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ class Follower : public ::testing::Test, public Clock {
   Followed followVersions(std::vector<std::string> versions) {
     versions_ = std::move(versions);
     putVersion();
-    return follow(JobFile(folder / ""), "18", worker, *this, view);
+    return follow(JobFile(folder / ""), "18", worker, *this, view, isMeant);
   }
 
   std::chrono::milliseconds now() override { return time; }
@@ -58,6 +58,7 @@ class Follower : public ::testing::Test, public Clock {
     return job(R"("state_id": "WAIT", "input_parameters": [{"wwn": "5000A1"}])");
   }
 
+  IsMeant isMeant;
   std::size_t workerEndsAtWait = 0;
   std::size_t interruptedAtWait = 0;
   std::chrono::milliseconds time{1'000'000};
@@ -111,6 +112,14 @@ TEST_F(Follower, FailedJobIsFinishedWithItsResult) {
   EXPECT_EQ(followed.outcome, Outcome::finished);
   EXPECT_FALSE(followed.last.status.hasSucceeded());
   EXPECT_EQ(followed.last.status.result, "32852");
+}
+
+TEST_F(Follower, ARecordThatIsAnotherJobIsNeitherShownNorTaken) {
+  isMeant = [](const platform::Value& record) { return !record.has("other"); };
+  worker.ended = true;
+  const Followed followed = followVersions({job(R"("other": 1, "state_id": "FREE", "result": 0)")});
+  EXPECT_EQ(followed.outcome, Outcome::recordLost);
+  EXPECT_EQ(shown.str(), "");
 }
 
 TEST_F(Follower, MissingOrDamagedFileIsPassedOver) {

@@ -38,7 +38,7 @@ class JobFileTest : public ::testing::Test {
 };
 
 TEST_F(JobFileTest, FirstJobMakesFileAndFolders) {
-  EXPECT_EQ(file.add(firmwareJob()), "1");
+  EXPECT_EQ(file.add(firmwareJob()).get("log_id"), Value("1"));
   EXPECT_EQ(folder.read(kPath), R"([
   {
     "log_id": "1",
@@ -63,10 +63,9 @@ TEST_F(JobFileTest, OtherRecordsStayAsTheyAre) {
     "ratio": 0.10,
     "nested": {"z": [1e3, null, true], "a": {}},
     "state_id": "FREE"
-  },
-  "not a record"
+  }
 ])");
-  EXPECT_EQ(file.add(firmwareJob()), "18");
+  EXPECT_EQ(file.add(firmwareJob()).get("log_id"), Value("18"));
   const std::string expectedStart = R"([
   {
     "log_id": "17",
@@ -83,7 +82,6 @@ TEST_F(JobFileTest, OtherRecordsStayAsTheyAre) {
     },
     "state_id": "FREE"
   },
-  "not a record",
   {
     "log_id": "18",
 )";
@@ -123,6 +121,93 @@ TEST_F(JobFileTest, LogIdThatTheFileHoldsIsRefusedInEveryState) {
     EXPECT_EQ(folder.read(kPath), text);
   }
 }
+
+TEST_F(JobFileTest, RecordThatKeepsTheWorkerFromWritingIsRefused) {
+  for (const std::string bad : {"{\"log_id\": 9}", "{\"log_id\": null}", "5", "\"text\""}) {
+    const std::string text = "[{}, " + bad + "]";
+    folder.write(kPath, text);
+    EXPECT_EQ(codeOfAdding(firmwareJob()), kJobFileFailed) << bad;
+    EXPECT_EQ(folder.read(kPath), text);
+  }
+}
+
+TEST_F(JobFileTest, TheRefusalNamesTheRecordAndSaysWhatToDo) {
+  folder.write(kPath, R"([{}, {"log_id": 9}])");
+  try {
+    file.add(firmwareJob());
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(),
+                 ((folder / kPath) +
+                  ": [1] has a log_id that is no string: 9. While it stands there, the worker can "
+                  "write of no job how it goes and what became of it. Write it as a string, such "
+                  "as \"17\", or remove the record")
+                     .c_str());
+  }
+}
+
+// --- another program that knows no lock
+
+TEST_F(JobFileTest, WhatIsWrittenBetweenReadingAndWritingIsNotLost) {
+  folder.write(kPath, "[]");
+  int asked = 0;
+  const auto add = [&](const Value& records) {
+    if (++asked == 1) folder.write(kPath, R"([{"log_id": "1", "from": "the application"}])");
+    Value all = records;
+    all.append(Value::dictionary({{"log_id", nextLogId(records)}}));
+    return all;
+  };
+  file.change(add, [](const Value& /*records*/) { return true; });
+  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(parseJson(folder.read(kPath)),
+            parseJson(R"([{"log_id": "1", "from": "the application"}, {"log_id": "2"}])"));
+}
+
+TEST_F(JobFileTest, AChangeThatIsNotFoundAfterwardsIsMadeAgain) {
+  int verified = 0;
+  file.change([](const Value& records) { return records; },
+              [&](const Value& /*records*/) { return ++verified == 3; });
+  EXPECT_EQ(verified, 3);
+}
+
+TEST_F(JobFileTest, AProgramThatWritesWithoutEndIsTold) {
+  int written = 0;
+  std::string other = "[]";
+  const auto disturbed = [&](const Value& records) {
+    ++written;
+    folder.write(kPath, other += ' ');
+    return records;
+  };
+  try {
+    file.change(disturbed, [](const Value& /*records*/) { return true; });
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.exitCode(), kJobFileFailed);
+    EXPECT_EQ(written, kMostWrites);
+  }
+}
+
+TEST_F(JobFileTest, NothingToChangeWritesNothing) {
+  file.change([](const Value& /*records*/) { return Value(); },
+              [](const Value& /*records*/) { return false; });
+  EXPECT_FALSE(std::filesystem::exists(folder / kPath));
+}
+
+TEST_F(JobFileTest, AJobIsTheSameWhateverTheWorkerHasWrittenIntoIt) {
+  const Value added = file.add(firmwareJob());
+  Value finished = added;
+  finished.setAll(parseJson(R"({"state_id": "FREE", "result": 0, "output": []})"));
+  EXPECT_TRUE(isSameJob(finished, added));
+  Value other = added;
+  other.set("input_parameters",
+            parseJson(R"([{"wwn": "5000A2", "file_path": "/images/a b.img"}])"));
+  EXPECT_FALSE(isSameJob(other, added));
+  other = added;
+  other.set("job_id", "updateSW");
+  EXPECT_FALSE(isSameJob(other, added));
+}
+
+// --- finding
 
 TEST_F(JobFileTest, FindsTheRecordOfALogId) {
   folder.write(kPath, R"([4, {"log_id": 7}, {"log_id": "7", "n": 1}, {"log_id": "8", "n": 2}])");

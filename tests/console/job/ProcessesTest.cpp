@@ -10,6 +10,7 @@
 
 #include "console/job/Processes.h"
 #include "console/job/Worker.h"
+#include "platform/Json.h"
 #include "tests/support/JobFiles.h"
 #include "tests/support/TempFolder.h"
 
@@ -45,6 +46,10 @@ class Processes : public ::testing::Test {
     folder.write(test::kJobFile, R"([{"log_id": "18", "state_id": ")" + state + "\"}]");
   }
   bool runs(const std::string& logId = "18") const { return workerRuns(logId, folder / "shared/"); }
+  platform::Value records() const { return platform::parseJson(folder.read(test::kJobFile)); }
+  std::string running() const {
+    return runningJob(folder / "shared/", records(), platform::runningProcesses());
+  }
   bool hasEnded() const { return ForeignWorker("18", folder / "shared/").hasEnded(); }
 
   test::TempFolder folder;
@@ -84,6 +89,34 @@ TEST_F(Processes, WithoutAFolderItWorksInItsCurrentOneAndIsKnownByItsName) {
   end();
   start("cat", "");
   EXPECT_FALSE(workerRuns("18", folder / ""));
+}
+
+TEST_F(Processes, TheRunningJobIsTheOneWhoseWorkerIsSeen) {
+  EXPECT_EQ(running(), "");
+  start("/any/where/Worker-2", "shared");
+  EXPECT_EQ(running(), "18");
+  EXPECT_EQ(runningJob(folder / "", records(), platform::runningProcesses()), "");
+}
+
+TEST_F(Processes, AWaitingJobWithAWorkerRuns) {
+  setState("WAIT");
+  start("/any/where/Worker-2", "shared");
+  EXPECT_EQ(running(), "18");
+}
+
+TEST_F(Processes, AFinishedJobDoesNotRunThoughItsWorkerIsThere) {
+  setState("FREE");
+  start("Kelvane", "shared");
+  EXPECT_EQ(running(), "");
+}
+
+TEST_F(Processes, OfAJobThatTheFileHasNotTheWorkerIsKnownByItsName) {
+  folder.write(test::kJobFile, "[5]");
+  start("/any/where/Kelvane", "shared");
+  EXPECT_EQ(running(), "18");
+  end();
+  start("/any/where/Worker-2", "shared");
+  EXPECT_EQ(running(), "");
 }
 
 TEST_F(Processes, ForeignWorkerHasEndedWhenNoneRunsAndTheJobIsInRun) {

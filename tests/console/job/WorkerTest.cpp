@@ -119,6 +119,14 @@ TEST_F(WorkerTest, ItsOutputIsDiscarded) {
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
+TEST_F(WorkerTest, StandardErrorGoesToTheFileThatIsNamed) {
+  const std::string kept = folder.write("kept", "");
+  const WorkerProcess worker({script("echo out; echo one >&2; /bin/sh -c 'echo two >&2'"), "18",
+                              folder / "", false, kept});
+  awaitAChild();
+  EXPECT_EQ(folder.read("kept"), "one\ntwo\n");
+}
+
 TEST_F(WorkerTest, OutputComesOutWhereAskedFor) {
   ::testing::internal::CaptureStdout();
   WorkerProcess worker({script("echo out"), "18", folder / "", true});
