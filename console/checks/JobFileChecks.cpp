@@ -84,7 +84,8 @@ Findings jobFileFindings(const std::string& path) {
   if (!refused.empty()) {
     findings.push_back({Severity::error, "the job file's folder cannot be changed: " + refused,
                         "Every update of a job replaces the file by a new one in this folder. None "
-                        "is written, and no one is told: jobs stay as they are.",
+                        "is written, and no one is told: jobs that are started are carried out, "
+                        "flashes too, and their records stay as they are.",
                         "Give the user that runs the worker the right to write in the folder."});
   }
   return findings;

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <map>
 
+#include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "platform/Json.h"
 
@@ -15,7 +16,9 @@ using platform::Value;
 namespace {
 
 constexpr char kNoUpdates[] =
-    "No job of the file can be updated: every one that is started stays as it is.";
+    "No job of the file can be updated. A firmware job before it that is started is flashed all "
+    "the "
+    "same, and stays in state WAIT; other jobs are not begun.";
 
 std::string inBrackets(std::size_t index) {
   return std::string("[").append(std::to_string(index)).append("]");
@@ -105,8 +108,8 @@ std::string keyFault(const Value& record) {
 
 class Records {
  public:
-  Records(const std::string& path, const WorkerRuns& workerRuns)
-      : path_(path), workerRuns_(workerRuns) {}
+  Records(const std::string& path, const WorkerRuns& workerRuns, const LogOf& logOf)
+      : path_(path), workerRuns_(workerRuns), logOf_(logOf) {}
 
   void take(const Value& record, std::size_t index) {
     const std::string place = path_ + ": element " + std::to_string(index + 1);
@@ -151,6 +154,7 @@ class Records {
         takeFinished(record, job);
       }
     } else if (!fault.empty() || isInState(record, job::kWait)) {
+      takeUnwritten(record, job);
       if (const std::string why = whyNotStarted(record); !why.empty()) addNotStarted(job, why);
     } else if (isInState(record, job::kRun)) {
       takeRunning(record, job);
@@ -185,6 +189,17 @@ class Records {
         "Mend what kept the file from being written, then remove the record or leave it.");
   }
 
+  void takeUnwritten(const Value& record, const std::string& job) {
+    if (workerRuns_(record.get(job::kLogId).string())) return;
+    const LogStretch log = logOf_(record);
+    if (!mayHaveBeenDone(record, log)) return;
+    add(Severity::error, job + " is in state WAIT, and the log holds steps of it",
+        "A worker took it and could not write what became of it: " +
+            whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep + "\".",
+        "Mend what keeps the job file from being written. Look what was done before the job is "
+        "added anew under another log_id, and remove this record.");
+  }
+
   void takeRunning(const Value& record, const std::string& job) {
     const std::string& logId = record.get(job::kLogId).string();
     if (workerRuns_(logId)) return;
@@ -216,15 +231,16 @@ class Records {
 
   const std::string& path_;
   const WorkerRuns& workerRuns_;
+  const LogOf& logOf_;
   std::map<std::string, int> counts_;
   Findings findings_;
 };
 
 }  // namespace
 
-Findings recordFindings(const std::string& path, const Value& records,
-                        const WorkerRuns& workerRuns) {
-  Records all(path, workerRuns);
+Findings recordFindings(const std::string& path, const Value& records, const WorkerRuns& workerRuns,
+                        const LogOf& logOf) {
+  Records all(path, workerRuns, logOf);
   for (std::size_t i = 0; i < records.count(); ++i) all.take(records.at(i), i);
   return all.findings();
 }

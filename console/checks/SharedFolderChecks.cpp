@@ -53,7 +53,10 @@ Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRu
   Findings findings = jobFileFindings(path);
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();
-  append(findings, recordFindings(path, records, workerRuns));
+  const LogOf logOf = [&sharedFolder](const Value& record) {
+    return stretchIn(sharedFolder, record);
+  };
+  append(findings, recordFindings(path, records, workerRuns, logOf));
   // A worker that runs has such files for moments.
   Findings leftovers = leftoverFindings(path);
   append(leftovers, leftoverDownloadFindings(sharedFolder));

@@ -41,17 +41,6 @@ std::optional<std::int64_t> codeOf(const std::string& subject) {
   return code;
 }
 
-JobCircumstances circumstancesOf(const std::string& logId, const std::string& sharedFolder) {
-  JobCircumstances circumstances;
-  circumstances.workerRuns = workerRuns(logId, sharedFolder);
-  try {
-    circumstances.log = stretchOf(parseLog(readLog(sharedFolder)), logId);
-  } catch (const Failure& failure) {
-    circumstances.noLog = failure.what();
-  }
-  return circumstances;
-}
-
 // The job with that log id; nothing where no shared folder is given or no record has it. A job file
 // that cannot be read is a failure, except for what is meant as a code: whether it has the job is
 // not known.
@@ -63,8 +52,9 @@ Value jobNamed(const ExplainOptions& options) {
 }
 
 Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
-  Explanation explanation =
-      explainJob(record, circumstancesOf(options.subject, asPrefix(options.sharedFolder)));
+  const std::string sharedFolder = asPrefix(options.sharedFolder);
+  Explanation explanation = explainJob(
+      record, {workerRuns(options.subject, sharedFolder), stretchIn(sharedFolder, record)});
   const std::optional<std::int64_t> code = codeOf(options.subject);
   if (code && isKnownCode(*code)) {
     if (!explanation.note.empty()) explanation.note += ' ';
@@ -96,14 +86,20 @@ Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) 
 
 Value asValue(const Explanation& one) {
   const auto text = [](const std::string& bytes) { return displayText(bytes, Charset::utf8); };
-  Value errors = Value::array();
-  for (const std::string& error : one.errors) errors.append(text(error));
+  const auto list = [&text](const std::vector<std::string>& lines) {
+    Value all = Value::array();
+    for (const std::string& line : lines) all.append(text(line));
+    return all;
+  };
   return Value::dictionary({{"subject", text(one.subject)},
                             {"meaning", text(one.meaning)},
                             {"who_acts", text(one.whoActs)},
                             {"advice", text(one.advice)},
                             {"try_again", text(one.tryAgain)},
-                            {"log_errors", errors},
+                            {"controllers", text(one.controller)},
+                            {"told_by", text(one.toldBy)},
+                            {"details", list(one.details)},
+                            {"log_errors", list(one.errors)},
                             {"last_step", text(one.lastStep)},
                             {"note", text(one.note)}});
 }
@@ -119,8 +115,11 @@ void show(const Explanation& one, const Screen& screen) {
                                        {"who acts", one.whoActs},
                                        {"to do", one.advice},
                                        {"try again", one.tryAgain}};
+  paragraphs.push_back({"came to", one.controller});
+  for (const std::string& detail : one.details) paragraphs.push_back({"besides", detail});
   for (const std::string& error : one.errors) paragraphs.push_back({"log error", error});
-  paragraphs.push_back({"last step", one.lastStep});
+  paragraphs.push_back({"log tells", one.toldBy});
+  if (one.lastStep != one.toldBy) paragraphs.push_back({"last step", one.lastStep});
   paragraphs.push_back({"note", one.note});
   const Colour colour = one.whoActs == "nobody" ? Colour::green : Colour::yellow;
   showParagraphs({one.subject, colour}, paragraphs, screen);

@@ -5,11 +5,17 @@
 #include "console/commands/Given.h"
 #include "console/display/JobText.h"
 #include "console/display/Packages.h"
+#include "console/display/Paragraphs.h"
 #include "console/display/Table.h"
+#include "console/explain/FlashNotes.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
+#include "console/job/LogStretch.h"
+#include "console/job/Processes.h"
+#include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 
 namespace kelvane::console {
 
@@ -27,37 +33,67 @@ Value requiredRecord(const JobFile& file, const std::string& logId) {
   return record;
 }
 
-Table tableOf(const Value& records) {
+// "RUN", "RUN, no worker"
+std::string stateText(const JobStatus& status) {
+  return status.hasNoWorker && status.state == job::kRun ? status.state + ", no worker"
+                                                         : status.state;
+}
+
+// A job that runs has neither result nor text yet, a firmware job its controllers instead.
+std::string outcomeText(const JobStatus& status) {
+  const std::string progress = progressText(status);
+  if (status.state == job::kRun) return progress;
+  if (status.hasSucceeded() || !status.isFinished() || progress.empty()) return status.resultText;
+  return status.resultText + " (" + progress + ")";
+}
+
+std::string logIdText(const Value& record) {
+  const Value& logId = record.get(job::kLogId);
+  if (logId.isNothing()) return "-";
+  return logId.isString() ? logId.string() : platform::describe(logId) + " (no string)";
+}
+
+Table tableOf(const Value& records, const std::string& sharedFolder) {
   Table table({{"Log id", true}, {"Command"}, {"State"}, {"Result", true}, {"Text"}});
+  const auto processes = platform::runningProcesses();
   for (const Value& record : records.elements()) {
     if (!record.isDictionary()) {
       table.addRow({"-", "(no record)", "", "", ""});
       continue;
     }
-    const JobStatus status = statusOf(record);
-    const Value& logId = record.get(job::kLogId);
-    table.addRow({logId.isNumber() ? logId.digits() + " (no string)" : status.logId, status.command,
-                  status.state, status.result, status.resultText});
+    JobStatus status = statusOf(record);
+    if (!workerRuns(status.logId, sharedFolder, processes)) markWithoutWorker(status);
+    table.addRow({logIdText(record), status.command, stateText(status),
+                  status.isFinished() ? resultNumber(status.result) : "", outcomeText(status)});
   }
   return table;
 }
-
-std::string percentText(int percent) { return std::to_string(percent) + "%"; }
 
 Table controllersOf(const JobStatus& status) {
   Table table({{"Controller"}, {"Phase"}, {"CPLD", true}, {"Firmware", true}, {"Total", true}});
   for (const ControllerStatus& one : status.controllers) {
-    table.addRow({one.wwn, phaseOf(one), percentText(one.cpld), percentText(one.firmware),
-                  percentText(one.total)});
+    table.addRow({one.wwn.empty() ? "(no WWN)" : one.wwn, phaseOf(one), percentText(one.cpld),
+                  percentText(one.firmware), percentText(one.total)});
   }
   return table;
 }
 
-void showAll(const JobStatus& status, const Value& record, const Screen& screen) {
-  screen.out << jobLine(status, screen.charset) << '\n'
-             << "command " << displayText(status.command, screen.charset) << '\n';
+// Of a waiting job, that a worker had taken it already.
+void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Screen& screen) {
+  if (!mayHaveBeenDone(record, log)) return;
+  showLines({"a worker took this job and could not write what became of it: " +
+             whatMayHaveBeenDone(record, log) + "; see \"kelvane-console explain\""},
+            screen);
+}
+
+void showAll(const JobStatus& status, const Value& record, const LogStretch& log,
+             const Screen& screen) {
+  screen.out << jobLine(status, screen.charset) << '\n';
+  tellOfEarlierWorker(record, log, screen);
+  screen.out << "command " << displayText(status.command, screen.charset) << '\n';
   if (status.isFinished()) screen.out << resultLine(status, screen.charset) << '\n';
   if (!status.controllers.empty()) showTable(controllersOf(status), screen);
+  showLines(flashNotes(record, log), screen);
   showPackages(record, screen);
 }
 
@@ -96,9 +132,10 @@ Command oneJobCommand(const std::string& name, const std::string& description, c
 }  // namespace
 
 int list(const ListOptions& options, const Screen& screen) {
-  const Value records = JobFile(existingShared(options.sharedFolder)).read();
+  const std::string sharedFolder = existingShared(options.sharedFolder);
+  const Value records = JobFile(sharedFolder).read();
   if (!screen.json) {
-    showTable(tableOf(records), screen);
+    showTable(tableOf(records, sharedFolder), screen);
     return kSuccess;
   }
   for (const Value& record : records.elements()) {
@@ -108,8 +145,14 @@ int list(const ListOptions& options, const Screen& screen) {
 }
 
 int show(const OneJobOptions& options, const Screen& screen) {
-  const Value record = requiredRecord(JobFile(existingShared(options.sharedFolder)), options.logId);
-  if (!screen.json) showAll(statusOf(record), record, screen);
+  const std::string sharedFolder = existingShared(options.sharedFolder);
+  const Value record = requiredRecord(JobFile(sharedFolder), options.logId);
+  if (!screen.json) {
+    const LogStretch log = stretchIn(sharedFolder, record);
+    JobStatus status = statusOf(record, log);
+    if (!workerRuns(options.logId, sharedFolder)) markWithoutWorker(status);
+    showAll(status, record, log, screen);
+  }
   const std::string text = platform::printJson(record).value_or("null");
   screen.out << (screen.json ? text : displayLines(text, screen.charset)) << std::endl;
   return kSuccess;
@@ -117,7 +160,10 @@ int show(const OneJobOptions& options, const Screen& screen) {
 
 int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   const std::string sharedFolder = existingShared(options.sharedFolder);
-  requiredRecord(JobFile(sharedFolder), options.logId);
+  const Value record = requiredRecord(JobFile(sharedFolder), options.logId);
+  if (!surroundings.screen.json && !workerRuns(options.logId, sharedFolder)) {
+    tellOfEarlierWorker(record, stretchIn(sharedFolder, record), surroundings.screen);
+  }
   ForeignWorker worker(options.logId, sharedFolder);
   const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings);
   if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);

@@ -6,10 +6,14 @@
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
 #include "console/commands/Turn.h"
+#include "console/display/Paragraphs.h"
 #include "console/display/ShellQuoting.h"
+#include "console/explain/FlashNotes.h"
+#include "console/explain/UnfinishedJob.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
 #include "console/job/JobFile.h"
+#include "console/job/LogStretch.h"
 #include "console/job/Processes.h"
 #include "console/job/StandardError.h"
 #include "contract/JobFile.h"
@@ -124,20 +128,6 @@ void showStandardError(const std::string& sharedFolder, const Look& finished,
   }
 }
 
-// What to do about a job whose worker is gone.
-std::string adviceFor(const JobStatus& status) {
-  if (status.state == job::kWait) {
-    return "it was not begun. \"kelvane-console check\" tells what may be in the way; then submit "
-           "it again";
-  }
-  if (status.command == job::kUpdateFW) {
-    return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
-           "still be going on in a controller, then submit the job again";
-  }
-  return "nobody goes on with it. \"kelvane-console explain\" tells what the log says; then submit "
-         "it again";
-}
-
 // Quoted for a shell where it needs to be.
 std::string quoted(const std::string& word) {
   if (word.find_first_not_of("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
@@ -161,16 +151,26 @@ void requireFinished(const Followed& followed, const std::string& logId,
     case Outcome::workerEnded:
       throw Failure(kWorkerFailed,
                     gone + ", and left " + job + " unfinished in state " + status.state + ": " +
-                        adviceFor(status),
+                        adviceForUnfinished(followed.last.record,
+                                            stretchIn(sharedFolder, followed.last.record)),
                     standardErrorInShort(sharedFolder, logId));
     case Outcome::recordLost:
       throw Failure(kJobFileFailed, gone + ", and " + job + " is not to be found in the job file",
                     standardErrorInShort(sharedFolder, logId));
     case Outcome::interrupted:
-      throw Failure(kInterrupted, "interrupted: the worker goes on with " + job +
-                                      "; follow it again with: kelvane-console watch --shared " +
-                                      quoted(sharedFolder) + " " + quoted(logId));
+      throw Failure(kInterrupted,
+                    "interrupted: " +
+                        (status.hasNoWorker ? job + " is waiting, and no worker for it is seen"
+                                            : "the worker goes on with " + job) +
+                        "; follow it again with: kelvane-console watch --shared " +
+                        quoted(sharedFolder) + " " + quoted(logId));
   }
+}
+
+// What the result does not tell: CPLDs that were not flashed, and where the failure stands.
+void showFlashNotes(const Value& record, const std::string& sharedFolder, const Screen& screen) {
+  if (screen.json || record.get(job::kJobId) != Value(job::kUpdateFW)) return;
+  showLines(flashNotes(record, stretchIn(sharedFolder, record)), screen);
 }
 
 }  // namespace
@@ -216,6 +216,7 @@ Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, W
   const Followed followed =
       follow(JobFile(sharedFolder), logId, worker, surroundings.clock, surroundings.view, isMeant);
   requireFinished(followed, logId, sharedFolder, worker);
+  showFlashNotes(followed.last.record, sharedFolder, surroundings.screen);
   return followed.last;
 }
 

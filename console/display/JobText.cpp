@@ -1,5 +1,14 @@
 #include "console/display/JobText.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <iterator>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "console/display/Words.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
 
@@ -7,6 +16,21 @@ namespace kelvane::console {
 namespace {
 
 constexpr std::chrono::seconds kLongSilence(10);
+// Controllers in these are counted, the first before those that are named.
+constexpr const char* kCountedPhases[] = {"done", "unknown", "waiting", "not started"};
+
+bool isCounted(const std::string& phase) {
+  return std::find(std::begin(kCountedPhases), std::end(kCountedPhases), phase) !=
+         std::end(kCountedPhases);
+}
+
+// "5000A1 failed at 90%"
+std::string placeOf(const ControllerStatus& one) {
+  std::string text = displayName(one.wwn);
+  text.append(" ").append(phaseOf(one));
+  if (one.total != kUnknownPercent) text.append(" at ").append(percentText(one.total));
+  return text;
+}
 
 std::string stateText(const std::string& state, Charset charset) {
   if (state == job::kWait) return "waiting";
@@ -18,11 +42,45 @@ std::string stateText(const std::string& state, Charset charset) {
 }  // namespace
 
 std::string jobLine(const JobStatus& status, Charset charset) {
-  return "job " + displayText(status.logId, charset) + ": " + stateText(status.state, charset);
+  std::string line = "job ";
+  line.append(displayText(status.logId, charset)).append(": ");
+  line.append(stateText(status.state, charset));
+  return status.hasNoWorker ? line.append(", no worker") : line;
+}
+
+std::string percentText(int percent) {
+  return percent == kUnknownPercent ? "-" : std::to_string(percent) + "%";
+}
+
+std::string resultNumber(const std::string& digits) {
+  std::int64_t code = 0;
+  const char* end = digits.data() + digits.size();
+  const auto [rest, failed] = std::from_chars(digits.data(), end, code);
+  if (failed != std::errc() || rest != end || code <= 0) return digits;
+  return platform::format("%s (0x%04lX)", digits.c_str(), code);
+}
+
+std::string progressText(const JobStatus& status) {
+  std::map<std::string, int> counts;
+  std::vector<std::string> named;
+  for (const ControllerStatus& one : status.controllers) {
+    const std::string phase = phaseOf(one);
+    if (isCounted(phase)) {
+      ++counts[phase];
+    } else {
+      named.push_back(placeOf(one));
+    }
+  }
+  std::vector<std::string> all;
+  for (const char* phase : kCountedPhases) {
+    if (counts[phase] > 0) all.push_back(std::to_string(counts[phase]) + " " + phase);
+    if (phase == kCountedPhases[0]) all.insert(all.end(), named.begin(), named.end());
+  }
+  return joined(all, ", ");
 }
 
 std::string resultLine(const JobStatus& status, Charset charset) {
-  const std::string result = status.result.empty() ? "missing" : status.result;
+  const std::string result = status.result.empty() ? "missing" : resultNumber(status.result);
   return "result " + result + ": " + displayText(status.resultText, charset);
 }
 
@@ -34,8 +92,13 @@ std::string timeText(std::chrono::milliseconds time) {
   return platform::format("%ld:%02ld:%02ld", hours, minutes, all % 60);
 }
 
+std::string noWorkerText(const JobStatus& status) {
+  if (!status.hasNoWorker || status.state != job::kWait) return {};
+  return "no worker is seen; the job goes on when one is started with its log id";
+}
+
 std::string silenceText(const Look& look) {
-  if (look.silence < kLongSilence || look.status.isFinished()) return {};
+  if (look.silence < kLongSilence || look.status.isFinished() || look.status.hasNoWorker) return {};
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(look.silence).count();
   const bool flashes = look.status.state == job::kRun && look.status.command == job::kUpdateFW;
   return platform::format("no news for %ld s%s", seconds,

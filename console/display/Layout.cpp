@@ -27,7 +27,7 @@ constexpr Bar kBars[] = {
     {"firmware", "fw", &ControllerStatus::firmware},
     {"total", "total", &ControllerStatus::total},
 };
-constexpr std::size_t kPhaseColumns = 8;
+constexpr std::size_t kPhaseColumns = 8;  // at least
 constexpr std::size_t kLongestLabel = 8;
 constexpr std::size_t kStackedLines = 1 + std::size(kBars);
 
@@ -36,6 +36,7 @@ struct Plan {
   bool sideBySide = false;
   std::size_t columns = 0;  // of a line
   std::size_t nameColumns = 0;
+  std::size_t phaseColumns = kPhaseColumns;
   std::size_t barColumns = 0;
   Charset charset = Charset::ascii;
 };
@@ -52,9 +53,17 @@ std::size_t longestName(const JobStatus& status) {
   return longest;
 }
 
+std::size_t longestPhase(const JobStatus& status) {
+  std::size_t longest = kPhaseColumns;
+  for (const ControllerStatus& controller : status.controllers) {
+    longest = std::max(longest, std::string_view(phaseOf(controller)).size());
+  }
+  return longest;
+}
+
 // What one line takes besides the name and the bars proper.
-constexpr std::size_t sideBySideRest() {
-  std::size_t columns = kGap.size() + kPhaseColumns;
+std::size_t sideBySideRest(const Plan& plan) {
+  std::size_t columns = kGap.size() + plan.phaseColumns;
   for (const Bar& bar : kBars) columns += kGap.size() + bar.shortLabel.size() + 1 + kPercentColumns;
   return columns;
 }
@@ -64,7 +73,8 @@ Plan planFor(const JobStatus& status, std::size_t columns, Charset charset) {
   plan.columns = columns;
   plan.charset = charset;
   plan.nameColumns = std::min(longestName(status), kMostNameColumns);
-  plan.barColumns = roomAfter(columns, plan.nameColumns + sideBySideRest()) / std::size(kBars);
+  plan.phaseColumns = longestPhase(status);
+  plan.barColumns = roomAfter(columns, plan.nameColumns + sideBySideRest(plan)) / std::size(kBars);
   plan.sideBySide = plan.barColumns >= kFewestBarColumns;
   if (!plan.sideBySide) {
     plan.nameColumns = columns;
@@ -81,11 +91,12 @@ std::string repeated(std::string_view text, std::size_t count) {
 }
 
 std::string barText(int percent, const Plan& plan) {
-  const std::size_t filled = plan.barColumns * static_cast<std::size_t>(percent) / 100;
+  const auto shown = static_cast<std::size_t>(std::max(percent, 0));
+  const std::size_t filled = plan.barColumns * shown / 100;
   const bool inAscii = plan.charset == Charset::ascii;
   const std::string_view full = inAscii ? "#" : "\xE2\x96\x88";   // U+2588 full block
   const std::string_view empty = inAscii ? "-" : "\xE2\x96\x91";  // U+2591 light shade
-  std::string number = std::to_string(percent) + "%";
+  std::string number = percentText(percent);
   number.insert(0, roomAfter(kPercentColumns, number.size()), ' ');
   return repeated(full, filled) + repeated(empty, plan.barColumns - filled) + number;
 }
@@ -104,7 +115,7 @@ std::string nameText(const ControllerStatus& controller, const Plan& plan) {
 std::string sideBySideLine(const ControllerStatus& controller, const Plan& plan) {
   std::string line = nameText(controller, plan);
   line += kGap;
-  line += padded(phaseOf(controller), kPhaseColumns);
+  line += padded(phaseOf(controller), plan.phaseColumns);
   for (const Bar& bar : kBars) {
     line += kGap;
     line += bar.shortLabel;
@@ -136,8 +147,9 @@ void appendStacked(const ControllerStatus& controller, const Plan& plan,
 // The first controller to show where only `room` of them can be shown.
 std::size_t firstShown(const JobStatus& status, std::size_t room) {
   const auto& all = status.controllers;
-  const auto active = std::find_if(all.begin(), all.end(),
-                                   [](const ControllerStatus& one) { return one.total < 100; });
+  const auto active = std::find_if(all.begin(), all.end(), [](const ControllerStatus& one) {
+    return one.standing == Standing::open ? one.total < 100 : one.standing != Standing::done;
+  });
   const auto index = static_cast<std::size_t>(active - all.begin());
   return std::min(index, roomAfter(all.size(), room));
 }
@@ -159,7 +171,8 @@ void appendControllers(const JobStatus& status, std::size_t rows, const Plan& pl
 }
 
 std::vector<std::string> silenceLines(const Look& look, std::size_t columns) {
-  const std::string text = silenceText(look);
+  const std::string noWorker = noWorkerText(look.status);
+  const std::string text = noWorker.empty() ? silenceText(look) : noWorker;
   return text.empty() ? std::vector<std::string>() : wrapped(text, columns);
 }
 

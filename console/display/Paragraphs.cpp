@@ -56,6 +56,15 @@ void showBesideLabel(const Paragraph& paragraph, std::size_t column, const Scree
 
 }  // namespace
 
+void showLines(const std::vector<std::string>& lines, const Screen& screen) {
+  for (const std::string& line : lines) {
+    for (const std::string& part : linesOf(line, screen.columns, screen)) {
+      screen.out << part << '\n';
+    }
+  }
+  screen.out.flush();
+}
+
 void showParagraphs(const Heading& heading, const std::vector<Paragraph>& paragraphs,
                     const Screen& screen) {
   showHeading(heading, screen);

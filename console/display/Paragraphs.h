@@ -26,4 +26,7 @@ struct Heading {
 void showParagraphs(const Heading& heading, const std::vector<Paragraph>& paragraphs,
                     const Screen& screen);
 
+// Shows lines of text, each wrapped to the screen's columns.
+void showLines(const std::vector<std::string>& lines, const Screen& screen);
+
 }  // namespace kelvane::console

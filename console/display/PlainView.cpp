@@ -8,9 +8,13 @@ namespace kelvane::console {
 namespace {
 
 std::string progressLine(const ControllerStatus& controller) {
-  return displayName(controller.wwn) + "  cpld " + std::to_string(controller.cpld) +
-         "%  firmware " + std::to_string(controller.firmware) + "%  total " +
-         std::to_string(controller.total) + "%";
+  std::string line = displayName(controller.wwn);
+  if (controller.standing != Standing::open && controller.standing != Standing::done) {
+    line.append("  ").append(phaseOf(controller));
+  }
+  line.append("  cpld ").append(percentText(controller.cpld));
+  line.append("  firmware ").append(percentText(controller.firmware));
+  return line.append("  total ").append(percentText(controller.total));
 }
 
 }  // namespace
@@ -22,8 +26,10 @@ void PlainView::show(const Look& look) {
 
 void PlainView::showNews(const JobStatus& status) {
   if (status == shown_) return;
-  if (status.state != shown_.state && !status.isFinished()) {
+  const bool isNew = status.state != shown_.state || status.hasNoWorker != shown_.hasNoWorker;
+  if (isNew && !status.isFinished()) {
     out_ << jobLine(status, charset_) << '\n';
+    if (const std::string text = noWorkerText(status); !text.empty()) out_ << text << '\n';
   }
   for (std::size_t i = 0; i < status.controllers.size(); ++i) {
     if (!isShown(status, i)) out_ << progressLine(status.controllers[i]) << '\n';
@@ -36,13 +42,18 @@ void PlainView::showNews(const JobStatus& status) {
 // Once a minute.
 void PlainView::showSilence(const Look& look) {
   const auto silence = std::chrono::duration_cast<std::chrono::minutes>(look.silence);
-  if (silence > shownSilence_) out_ << silenceText(look) << std::endl;
+  const std::string text = silenceText(look);
+  if (silence > shownSilence_ && !text.empty()) out_ << text << std::endl;
   shownSilence_ = silence;
 }
 
 bool PlainView::isShown(const JobStatus& status, std::size_t index) const {
-  return index < shown_.controllers.size() &&
-         shown_.controllers[index] == status.controllers[index];
+  if (index >= shown_.controllers.size()) return false;
+  ControllerStatus shown = shown_.controllers[index];
+  const ControllerStatus& one = status.controllers[index];
+  // That it is done was seen from its percentages.
+  if (one.standing == Standing::done) shown.standing = Standing::done;
+  return shown == one;
 }
 
 }  // namespace kelvane::console

@@ -16,6 +16,9 @@ struct Explanation {
   std::vector<std::string> errors = {};  // of the job's log
   std::string lastStep = {};             // of the job's log
   std::string note = {};
+  std::string controller = {};            // the one that the job ended at, and how far each came
+  std::string toldBy = {};                // the line of the log that tells the failure
+  std::vector<std::string> details = {};  // what else is to be known: packages, images, CPLDs
 };
 
 }  // namespace kelvane::console

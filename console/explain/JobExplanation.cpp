@@ -1,8 +1,12 @@
 #include "console/explain/JobExplanation.h"
 
 #include "console/checks/RecordChecks.h"
+#include "console/display/JobText.h"
 #include "console/explain/CodeExplanation.h"
+#include "console/explain/FlashNotes.h"
+#include "console/explain/ImageNote.h"
 #include "console/job/JobStatus.h"
+#include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -13,17 +17,49 @@ namespace {
 
 // --- a job that waits or runs
 
+Explanation unwritten(const Value& record, const JobCircumstances& circumstances) {
+  return {
+      "waiting, though a worker took it",
+      "A worker took it and could not write what became of it: " +
+          whatMayHaveBeenDone(record, circumstances.log) + ".",
+      "user",
+      "\"kelvane-console check\" tells what keeps the record from being written; mend that. Look "
+      "what was done, at the last step and at the controllers or the application, before the "
+      "job is added anew under another log_id.",
+      "only where it was not done"};
+}
+
+Explanation putBack() {
+  return {"waiting, put back into this state",
+          "The record holds what a worker wrote of an earlier run. Whether one took it again since "
+          "then, the record does not tell.",
+          "user", "Start the worker with this log_id, unless the log shows that it was done since.",
+          "yes"};
+}
+
 Explanation waiting(const Value& record, const JobCircumstances& circumstances) {
   if (circumstances.workerRuns) {
     return {"waiting", "A worker was started for it and is about to take it.", "nobody",
             "Wait a moment, and ask again.", "no"};
   }
+  if (mayHaveBeenDone(record, circumstances.log)) return unwritten(record, circumstances);
   if (const std::string why = whyNotStarted(record); !why.empty()) {
-    return {"waiting", "No worker starts it: " + why + ".", "support",
+    return {"waiting", "It cannot be carried out as it is: " + why + ".", "support",
             "Compare the record with the examples of its command, and add the job anew.",
             "not as it is"};
   }
-  return {"waiting", "No worker has taken it: none was started, or none could be.", "user",
+  if (record.has(job::kResult)) return putBack();
+  if (circumstances.log.isFound) {
+    return {"waiting", "A worker took it and gave up before it did anything; the log tells why.",
+            "user",
+            "Mend what the log's error tells; \"kelvane-console check\" looks at the job file and "
+            "its records. Then start the worker with this log_id.",
+            "yes"};
+  }
+  const char* meaning = circumstances.log.absence.empty()
+                            ? "No worker has taken it: none was started, or none could be."
+                            : "No worker is seen, and whether one has taken it cannot be told.";
+  return {"waiting", meaning, "user",
           "Start the worker with this log_id. If the job stays so, \"kelvane-console check\" tells "
           "what is in the way.",
           "yes"};
@@ -51,7 +87,7 @@ std::string adviceForAbandoned(const JobStatus& status) {
 }
 
 Explanation abandoned(const JobStatus& status, const JobCircumstances& circumstances) {
-  const bool gaveUp = !circumstances.log.errors.empty();
+  const bool gaveUp = circumstances.log.gaveUp;
   return {"running, and no worker for it is seen",
           gaveUp
               ? "Its worker gave up, and the log tells why. Nothing takes the job up."
@@ -62,17 +98,20 @@ Explanation abandoned(const JobStatus& status, const JobCircumstances& circumsta
 
 // --- a finished job
 
-// The controllers whose CPLD was left, "A1 (0%), A2 (50%)".
-std::string unfinishedCplds(const JobStatus& status) {
+// The controllers whose CPLD is below 100 percent, "A1 (0%), A2 (50%)"; those that take QVXF images
+// are left out where the log tells which they are.
+std::string unfinishedCplds(const JobStatus& status, const LogStretch& log) {
+  const bool tells = log.isFound && !log.isMixed && log.flashes.size() == status.controllers.size();
   std::string text;
-  for (const ControllerStatus& one : status.controllers) {
-    if (one.cpld == 100) continue;
+  for (std::size_t i = 0; i < status.controllers.size(); ++i) {
+    const ControllerStatus& one = status.controllers[i];
+    if (one.cpld == 100 || (tells && log.flashes[i].isQvxf)) continue;
     text += (text.empty() ? "" : ", ") + one.wwn + " (" + std::to_string(one.cpld) + "%)";
   }
   return text;
 }
 
-Explanation updatedFirmware(const Value& record, const JobStatus& status) {
+Explanation updatedFirmware(const Value& record, const JobStatus& status, const LogStretch& log) {
   if (!record.has(job::kOutput) && record.get(job::kInputParameters).count() > 0) {
     return {
         "",
@@ -87,7 +126,7 @@ Explanation updatedFirmware(const Value& record, const JobStatus& status) {
     return {"", "The job names no controller: nothing was flashed.", "support",
             "Find out what the application put into the job's input_parameters.", "not as it is"};
   }
-  const std::string cplds = unfinishedCplds(status);
+  const std::string cplds = unfinishedCplds(status, log);
   if (cplds.empty()) return {"", "Every controller has its firmware.", "nobody", "", "no"};
   return {
       "",
@@ -109,8 +148,8 @@ Explanation queried(const Value& record) {
           "yes"};
 }
 
-Explanation succeeded(const Value& record, const JobStatus& status) {
-  if (status.command == job::kUpdateFW) return updatedFirmware(record, status);
+Explanation succeeded(const Value& record, const JobStatus& status, const LogStretch& log) {
+  if (status.command == job::kUpdateFW) return updatedFirmware(record, status, log);
   if (status.command == job::kGetOnlineUpdateData) return queried(record);
   if (status.command == job::kUpdateSW) {
     return {"", "The application was to be replaced. The result is 0 whatever became of that.",
@@ -135,7 +174,7 @@ Explanation finishedWithoutResult(const JobStatus& status) {
           "Find out who writes the job file besides the worker.", "yes, under another log_id"};
 }
 
-Explanation finished(const Value& record, const JobStatus& status) {
+Explanation finished(const Value& record, const JobStatus& status, const LogStretch& log) {
   const Value& result = record.get(job::kResult);
   if (!result.isNumber()) {
     return finishedWithoutResult(status);
@@ -143,7 +182,7 @@ Explanation finished(const Value& record, const JobStatus& status) {
   const std::int64_t code = result.integerValue();
   Explanation explanation = explainResult(code, status.command, status.resultText);
   const std::string subject = "finished with " + explanation.subject;
-  if (code == 0) explanation = succeeded(record, status);
+  if (code == 0) explanation = succeeded(record, status, log);
   explanation.subject = subject;
   return explanation;
 }
@@ -151,7 +190,7 @@ Explanation finished(const Value& record, const JobStatus& status) {
 Explanation byState(const Value& record, const JobStatus& status,
                     const JobCircumstances& circumstances) {
   if (status.state == job::kWait) return waiting(record, circumstances);
-  if (status.state == job::kFree) return finished(record, status);
+  if (status.state == job::kFree) return finished(record, status, circumstances.log);
   if (status.state == job::kRun) {
     return circumstances.workerRuns ? underWay(status) : abandoned(status, circumstances);
   }
@@ -160,19 +199,53 @@ Explanation byState(const Value& record, const JobStatus& status,
           "Add the job anew, in state WAIT and under another log_id.", "not as it is"};
 }
 
+// --- what the log tells of any job
+
+std::string noteOf(const LogStretch& log) {
+  if (!log.absence.empty()) return log.absence;
+  if (!log.isFound) return "The log has no lines of this job.";
+  return log.isMixed
+             ? "Another worker wrote into the log at the same time: its lines cannot be told "
+               "from this job's, and what is said of them may be of the other one."
+             : "";
+}
+
+void takeLog(const LogStretch& log, Explanation& explanation) {
+  // A worker that went on did without what it missed at its start.
+  if (log.lastStep.empty()) explanation.errors = log.startErrors;
+  explanation.errors.insert(explanation.errors.end(), log.errors.begin(), log.errors.end());
+  explanation.lastStep = log.lastStep;
+  explanation.note = noteOf(log);
+}
+
+// Of a firmware job the controller that it ended at, and what its CPLDs did.
+void takeControllers(const Value& record, const JobStatus& status, const LogStretch& log,
+                     Explanation& explanation) {
+  if (status.command != job::kUpdateFW) return;
+  explanation.details = cpldNotes(record, log);
+  if (status.hasNoWorker && status.state == job::kRun) {
+    explanation.controller = progressText(status);
+  }
+  const std::optional<FailedController> failed = failedController(record, log);
+  if (!failed) return;
+  explanation.controller = failed->progress;
+  explanation.toldBy = failed->fault;
+  if (!failed->lastStep.empty()) explanation.lastStep = failed->lastStep;
+  if (const std::string image = imageNote(record, *failed); !image.empty()) {
+    explanation.details.push_back(image);
+  }
+}
+
 }  // namespace
 
 Explanation explainJob(const Value& record, const JobCircumstances& circumstances) {
-  const JobStatus status = statusOf(record);
+  JobStatus status = statusOf(record, circumstances.log);
+  if (!circumstances.workerRuns) markWithoutWorker(status);
   Explanation explanation = byState(record, status, circumstances);
   const std::string command = status.command.empty() ? "" : " (" + status.command + ")";
   explanation.subject = "job " + status.logId + command + ": " + explanation.subject;
-  explanation.errors = circumstances.log.errors;
-  explanation.lastStep = circumstances.log.lastStep;
-  explanation.note = circumstances.noLog;
-  if (circumstances.noLog.empty() && !circumstances.log.isFound) {
-    explanation.note = "The log has no lines of this job.";
-  }
+  takeLog(circumstances.log, explanation);
+  takeControllers(record, status, circumstances.log, explanation);
   return explanation;
 }
 

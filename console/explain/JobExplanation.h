@@ -2,7 +2,7 @@
 #pragma once
 
 #include "console/explain/Explanation.h"
-#include "console/explain/LogStretch.h"
+#include "console/job/LogStretch.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -11,7 +11,6 @@ namespace kelvane::console {
 struct JobCircumstances {
   bool workerRuns = false;
   LogStretch log;
-  std::string noLog;  // why there is no log to look into; empty where there is
 };
 
 Explanation explainJob(const platform::Value& record, const JobCircumstances& circumstances);

@@ -1,5 +1,9 @@
 #include "console/job/Follower.h"
 
+#include <cstddef>
+#include <vector>
+
+#include "contract/JobFile.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -7,18 +11,23 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr int kWhole = 100;
+
 // Takes what was found over into the look, and the time it was found at.
 class Watch {
  public:
   explicit Watch(Clock& clock) : clock_(clock), start_(clock.now()), news_(start_) {}
 
-  const Look& take(const platform::Value& record) {
+  const Look& take(const platform::Value& record, Worker& worker, bool hasEnded) {
     const milliseconds now = clock_.now();
     if (record != look_.record) {
       look_.record = record;
-      look_.status = statusOf(record);
       news_ = now;
     }
+    look_.status = statusOf(record);
+    keepPercentages(look_.status.controllers);
+    const bool waits = look_.status.state == job::kWait;
+    if (hasEnded || (waits && !worker.isSeen())) markWithoutWorker(look_.status);
     look_.elapsed = now - start_;
     look_.silence = now - news_;
     return look_;
@@ -26,9 +35,25 @@ class Watch {
   const Look& last() const { return look_; }
 
  private:
+  // Where the record no longer tells how far a controller came, an earlier look does. At 100
+  // percent it is not known yet whether the flash has failed.
+  void keepPercentages(std::vector<ControllerStatus>& controllers) {
+    under_.resize(controllers.size());
+    for (std::size_t i = 0; i < controllers.size(); ++i) {
+      ControllerStatus& one = controllers[i];
+      if (one.total == kUnknownPercent && under_[i].wwn == one.wwn) {
+        one.firmware = under_[i].firmware;
+        one.total = under_[i].total;
+      } else if (one.total < kWhole) {
+        under_[i] = one;
+      }
+    }
+  }
+
   Clock& clock_;
   milliseconds start_;
   milliseconds news_;
+  std::vector<ControllerStatus> under_;  // as each was seen last below 100 percent
   Look look_;
 };
 
@@ -42,7 +67,7 @@ Followed follow(const JobFile& file, const std::string& logId, Worker& worker, C
     const bool ended = worker.hasEnded();
     const platform::Value record = file.find(logId);
     if (!record.isNothing() && (!isMeant || isMeant(record))) {
-      const Look& look = watch.take(record);
+      const Look& look = watch.take(record, worker, ended);
       view.show(look);
       if (look.status.isFinished()) return {Outcome::finished, look};
       if (ended) return {Outcome::workerEnded, look};

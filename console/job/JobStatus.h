@@ -8,16 +8,33 @@
 
 namespace kelvane::console {
 
+struct LogStretch;
+
+// What became of a controller besides its percentages.
+enum class Standing {
+  open,        // the percentages tell
+  done,        // it has its firmware
+  failed,      // the job ended at it
+  stopped,     // the worker is gone, and was at it
+  notStarted,  // the job ended before it
+  unknown,     // its progress was lost
+};
+
+// A percentage that the record does not tell.
+inline constexpr int kUnknownPercent = -1;
+
 // One controller's progress, in percent (0 to 100).
 struct ControllerStatus {
   std::string wwn;
   int cpld = 0;
   int firmware = 0;
   int total = 0;
+  Standing standing = Standing::open;
   bool operator==(const ControllerStatus&) const = default;
 };
 
-// Where a controller stands, in a word: "waiting", "CPLD", "firmware", "done".
+// Where a controller stands, in a word: "waiting", "CPLD", "firmware", "done", "failed", "stopped",
+// "not started", "unknown".
 const char* phaseOf(const ControllerStatus& controller);
 
 // Texts are as the job file has them: they may hold control characters.
@@ -28,6 +45,7 @@ struct JobStatus {
   std::string result;  // a number as it was written; empty where there is none
   std::string resultText;
   std::string command = {};
+  bool hasNoWorker = false;  // it is not finished, and no worker for it is seen
 
   bool isFinished() const;
   bool hasSucceeded() const;  // finished, with result 0
@@ -36,7 +54,14 @@ struct JobStatus {
 
 // The status of this record, which is a dictionary. What the record does not say, or says in
 // another type, is empty or 0. The controllers are the progress entries, before there are any the
-// input entries, that have a WWN.
+// input entries, that have a WWN; of a job that failed, with what became of each as far as the
+// record tells.
 JobStatus statusOf(const platform::Value& record);
+
+// The same, with what the job's stretch of the log tells of its controllers.
+JobStatus statusOf(const platform::Value& record, const LogStretch& log);
+
+// No worker for the job is seen: one that was under way was left where it stands.
+void markWithoutWorker(JobStatus& status);
 
 }  // namespace kelvane::console

@@ -67,11 +67,13 @@ ForeignWorker::ForeignWorker(std::string logId, const std::string& sharedFolder)
     : logId_(std::move(logId)), sharedFolder_(sharedFolder), file_(sharedFolder) {}
 
 bool ForeignWorker::hasEnded() {
-  if (workerRuns(logId_, sharedFolder_)) return false;
+  if (isSeen()) return false;
   // Read after the look for the process, so that what the worker wrote last is seen.
   const platform::Value record = file_.find(logId_);
   return record.isNothing() || statusOf(record).state != job::kWait;
 }
+
+bool ForeignWorker::isSeen() { return workerRuns(logId_, sharedFolder_); }
 
 WorkerProcess::WorkerProcess(const WorkerCommand& command) {
   std::string executable = command.executable;

@@ -15,6 +15,8 @@ class Worker {
   virtual ~Worker() = default;
   // Whether it has ended; does not wait.
   virtual bool hasEnded() = 0;
+  // Whether it is seen at work now: one that may still be started is not.
+  virtual bool isSeen() { return !hasEnded(); }
   // How it ended: "exit status 0", "signal 9"; empty while it runs or where the system keeps it.
   virtual std::string ending() const = 0;
 };
@@ -27,6 +29,7 @@ class ForeignWorker : public Worker {
   ForeignWorker(std::string logId, const std::string& sharedFolder);
 
   bool hasEnded() override;
+  bool isSeen() override;
   std::string ending() const override { return {}; }
 
  private:

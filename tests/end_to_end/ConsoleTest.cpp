@@ -78,9 +78,9 @@ TEST_F(ConsoleScreen, BarsIn40Columns) {
   ASSERT_GE(ascii.size(), 9U);
   EXPECT_EQ(
       Lines(ascii.begin(), ascii.begin() + 9),
-      (Lines{"job 17: running, 0:00", "5000A1B2C3D4E5F6  firmware",
+      (Lines{"job 17: running, no worker, 0:00", "5000A1B2C3D4E5F6  stopped",
              "  cpld     ####################### 100%", "  firmware ########---------------  37%",
-             "  total    ###############--------  68%", "5000A1B2C3D4E5F7  waiting",
+             "  total    ###############--------  68%", "5000A1B2C3D4E5F7  not started",
              "  cpld     -----------------------   0%", "  firmware -----------------------   0%",
              "  total    -----------------------   0%"}));
   EXPECT_THAT(joined(ascii, 9), HasSubstr("no worker is seen any more"));
@@ -92,18 +92,18 @@ TEST_F(ConsoleScreen, BarsIn80Columns) {
   ASSERT_GE(ascii.size(), 3U);
   EXPECT_EQ(
       Lines(ascii.begin(), ascii.begin() + 3),
-      (Lines{"job 17: running, 0:00",
-             "5000A1B2C3D4E5F6  firmware  cpld ###### 100%  fw ##----  37%  total ####--  68%",
-             "5000A1B2C3D4E5F7  waiting   cpld ------   0%  fw ------   0%  total ------   0%"}));
+      (Lines{"job 17: running, no worker, 0:00",
+             "5000A1B2C3D4E5F6  stopped      cpld ##### 100%  fw #----  37%  total ###--  68%",
+             "5000A1B2C3D4E5F7  not started  cpld -----   0%  fw -----   0%  total -----   0%"}));
   EXPECT_EQ(watched({80, 24, true})[1],
-            "5000A1B2C3D4E5F6  firmware  cpld ██████ 100%  fw ██░░░░  37%  total ████░░  68%");
+            "5000A1B2C3D4E5F6  stopped      cpld █████ 100%  fw █░░░░  37%  total ███░░  68%");
 }
 
 TEST_F(ConsoleScreen, BarsIn200Columns) {
   const Lines ascii = watched({200, 24, false});
   ASSERT_GE(ascii.size(), 3U);
   EXPECT_EQ(ascii[2],
-            "5000A1B2C3D4E5F7  waiting   cpld ------------------------------   0%  fw "
+            "5000A1B2C3D4E5F7  not started  cpld ------------------------------   0%  fw "
             "------------------------------   0%  total ------------------------------   0%");
   EXPECT_THAT(watched({200, 24, true})[1], HasSubstr("fw ███████████░░░░░░░░░░░░░░░░░░░  37%"));
 }
@@ -128,9 +128,14 @@ TEST_F(ConsoleScreen, PackagesIn40And80And200Columns) {
 TEST_F(ConsoleScreen, ListIn40And80Columns) {
   EXPECT_EQ(
       shown({"list", "--shared", "shared"}, {80, 24, false}),
-      (Lines{"Log id  Command              State  Result  Text", "    17  updateFW             RUN",
-             "    18  getOnlineUpdateData  FREE        0  no error"}));
+      (Lines{"Log id   17", "Command  updateFW", "State    RUN, no worker", "Result",
+             "Text     5000A1B2C3D4E5F6 stopped at 68%, 1 not started", "", "Log id   18",
+             "Command  getOnlineUpdateData", "State    FREE", "Result   0", "Text     no error"}));
   EXPECT_EQ(shown({"list", "--shared", "shared"}, {40, 24, true})[1], "Command  updateFW");
+  EXPECT_EQ(
+      shown({"list", "--shared", "shared"}, {120, 24, true})[1],
+      "    17  updateFW             RUN, no worker          5000A1B2C3D4E5F6 stopped at 68%, 1 not "
+      "started");
 }
 
 TEST_F(ConsoleScreen, HelpFitsTheTerminal) {
@@ -247,7 +252,7 @@ TEST_F(ConsoleJob, QueryWithoutACatalogueFails) {
 TEST_F(ConsoleJob, DownloadShowsWhatIsThereAndWhatIsNot) {
   const test::Ended ended = console("download", {"--url", folder / "service", "fw3", "fw2"});
   EXPECT_EQ(ended.exitStatus, 1);
-  EXPECT_THAT(ended.out, HasSubstr("result 259: file is not found\n"));
+  EXPECT_THAT(ended.out, HasSubstr("result 259 (0x0103): file is not found\n"));
   EXPECT_THAT(ended.out,
               HasSubstr("\nfw3      3.4.0    12 B  yes      " + area("FW") + "/FW_T3.img\n"));
   EXPECT_THAT(ended.out, HasSubstr("\nfw2      2.4.0    12 B  no\n"));

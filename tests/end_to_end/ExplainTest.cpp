@@ -69,6 +69,51 @@ TEST_F(Explain, AFlashThatFailedNamesItsLastStep) {
   EXPECT_THAT(told("last_step"), EndsWith(" updateFW: Flash Error"));
 }
 
+// Three controllers of which the second one's CPLD is tried again, and its flash fails at 90 %.
+TEST_F(Explain, AFlashErrorNamesTheControllerAndTheLineOfTheLog) {
+  const std::string rest = R"(", "product_id": "0x4301", "firmware": "1.0", "cpld": "1.0",
+      "usb_bridge": "1.0", "cpld_transfer_seconds": 4, "firmware_seconds": 20)";
+  writeFleet(R"([{"wwn": "50000000000000A1)" + rest + R"(}, {"wwn": "50000000000000B2)" + rest +
+             R"(, "faults": [{"flash": "cpld", "do": "retry", "at": 50},
+                             {"flash": "firmware", "do": "fail", "at": 90}]},
+                {"wwn": "50000000000000C3)" +
+             rest + "}]");
+  const std::string image = makeImage("new.img", {"standard", "--product", "0x4301", "--firmware",
+                                                  "2.0", "--cpld", "1.5", "--usb", "3.0"});
+  updateFirmware(
+      {{"50000000000000A1", image}, {"50000000000000B2", image}, {"50000000000000C3", image}});
+  ASSERT_EQ(result(), 0x8054);
+  EXPECT_EQ(told("controllers"), "1 done, 50000000000000B2 failed at 90%, 1 not started");
+  EXPECT_THAT(told("told_by"), EndsWith(" updateFW: Flash Error"));
+  EXPECT_EQ(explained().get("details").at(0),
+            Value("50000000000000B2: its CPLD's flash was tried again once"));
+  const std::string shown = console({"show", "--shared", shared(), "17"}).out;
+  EXPECT_THAT(shown, HasSubstr("\n50000000000000A1  done         100%      100%   100%\n"
+                               "50000000000000B2  failed       100%       80%    90%\n"
+                               "50000000000000C3  not started    0%        0%     0%\n"));
+  const std::string watched = console({"watch", "--shared", shared(), "17"}).out;
+  EXPECT_THAT(watched, HasSubstr("50000000000000B2: its CPLD's flash was tried again once\n"));
+  EXPECT_THAT(watched, HasSubstr("50000000000000B2 failed: "));
+}
+
+// A record that keeps every other from being updated: the flash is done, and its record says WAIT.
+TEST_F(Explain, AFlashWhoseRecordCouldNotBeWrittenIsNotSaidNotToBeBegun) {
+  writeFleet(R"([{"wwn": "50000000000000A1", "product_id": "0x4801", "firmware": "1.0",
+                  "cpld": "1.0", "usb_bridge": "1.0", "firmware_seconds": 4}])");
+  const std::string image = makeImage("new.img", {"qvxf", "--product", "0x48", "--firmware", "2"});
+  writeJobs(R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT", "input_parameters":
+                 [{"wwn": "50000000000000A1", "file_path": ")" +
+            image + R"("}]}, {"log_id": 5}])");
+  runWorker({"17", shared()});
+  ASSERT_EQ(state(), "WAIT");
+  ASSERT_EQ(fleet().get("controllers").at(0).get("firmware"), Value("2"));
+  EXPECT_EQ(told("subject"), "job 17 (updateFW): waiting, though a worker took it");
+  EXPECT_THAT(told("meaning"), HasSubstr("the flash may have been done, by the log of 1 cont"));
+  EXPECT_THAT(findings(), ::testing::Contains("error: " + jobFile() +
+                                              ": job 17 is in state WAIT, and the log holds steps "
+                                              "of it"));
+}
+
 TEST_F(Explain, AControllerThatIsNotThere) {
   writeFleet("[]");
   updateFirmware({{"50000000000000A1", "/no.img"}});
@@ -127,7 +172,8 @@ TEST_F(Explain, AJobThatNobodyStarted) {
 TEST_F(Explain, AJobThatTheWorkerDoesNotStart) {
   runJob("updateHW", Value::dictionary());
   EXPECT_EQ(told("meaning"),
-            "No worker starts it: job_id is \"updateHW\", which is no command of the worker's.");
+            "It cannot be carried out as it is: job_id is \"updateHW\", which is no command of the "
+            "worker's.");
 }
 
 TEST_F(Explain, AJobWhoseWorkerGaveUpHasTheLogsError) {

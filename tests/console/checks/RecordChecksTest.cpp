@@ -16,7 +16,9 @@ using ::testing::IsEmpty;
 
 // The job with the log id "run" is run by a worker.
 Findings findings(const std::string& records) {
-  return recordFindings("F", parseJson(records), [](const std::string& id) { return id == "run"; });
+  return recordFindings(
+      "F", parseJson(records), [](const std::string& id) { return id == "run"; },
+      [](const platform::Value&) { return LogStretch(); });
 }
 
 std::vector<std::string> found(const std::string& records) { return inShort(findings(records)); }
@@ -109,6 +111,29 @@ TEST(RecordChecks, UnknownStateIsAnError) {
                          "input_parameters": {"file_path": "/a"}}])"),
               ElementsAre("error: F: job 1 cannot be run: state_id is \"wait\", which is none of "
                           "WAIT, RUN, FREE"));
+}
+
+TEST(RecordChecks, WaitingJobWithStepsInTheLogIsAnError) {
+  const std::string records = R"([{"log_id": "1", "job_id": "updateSW", "state_id": "WAIT",
+                                   "input_parameters": {"file_path": "/a"}}])";
+  const auto look = [&](bool runs) {
+    return recordFindings(
+        "F", parseJson(records), [runs](const std::string&) { return runs; },
+        [](const platform::Value&) {
+          LogStretch log;
+          log.isFound = true;
+          log.hasStarted = true;
+          log.lastStep = "14:03:07 updateSW: result = ";
+          return log;
+        });
+  };
+  const Findings all = look(false);
+  ASSERT_EQ(all.size(), 1U);
+  EXPECT_EQ(all[0].what, "F: job 1 is in state WAIT, and the log holds steps of it");
+  EXPECT_EQ(all[0].meaning,
+            "A worker took it and could not write what became of it: the application may have been "
+            "replaced. The log last saw \"14:03:07 updateSW: result = \".");
+  EXPECT_THAT(look(true), IsEmpty());
 }
 
 TEST(RecordChecks, RunningJobWithoutAWorkerIsAWarning) {

@@ -33,10 +33,10 @@ class Jobs : public ConsoleWorld {
 TEST_F(Jobs, ListIsATable) {
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(),
-            "Log id  Command              State  Result  Text\n"
-            "     1  updateSW             FREE        0  fine\n"
-            "     2  updateFW             RUN         0  fine\n"
-            "     3  getOnlineUpdateData  FREE        0\n"
+            "Log id  Command              State           Result  Text\n"
+            "     1  updateSW             FREE                 0  fine\n"
+            "     2  updateFW             RUN, no worker          A1 stopped at 25%\n"
+            "     3  getOnlineUpdateData  FREE                 0\n"
             "     -  (no record)\n");
 }
 
@@ -87,10 +87,10 @@ TEST_F(Jobs, ADamagedJobFileIsTold) {
 TEST_F(Jobs, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
   EXPECT_EQ(runShow("2"), kSuccess);
   EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
-            "job 2: running\n"
+            "job 2: running, no worker\n"
             "command updateFW\n"
-            "Controller  Phase  CPLD  Firmware  Total\n"
-            "A1          CPLD    50%        0%    25%\n");
+            "Controller  Phase    CPLD  Firmware  Total\n"
+            "A1          stopped   50%        0%    25%\n");
   EXPECT_NE(shown.str().find("  \"n\": 12345678901234567890123,\n"), std::string::npos);
 }
 
@@ -133,6 +133,59 @@ TEST_F(Jobs, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
             "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "
             "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
             "still be going on in a controller, then submit the job again\n");
+}
+
+// A job that flashed one controller, failed at the next and did not start the third.
+class FailedFlash : public Jobs {
+ protected:
+  FailedFlash() {
+    folder.write(test::kJobFile, R"([{"log_id": "17", "job_id": "updateFW", "state_id": "FREE",
+      "result": 32852, "resultStr": "the flash failed", "output": [
+        {"wwn": "A1", "cpld_percentage": 100, "fw_percentage": 100, "total_percentage": 100},
+        {"wwn": "B2", "cpld_percentage": 100, "fw_percentage": 100, "total_percentage": 100},
+        {"wwn": "C3", "cpld_percentage": 0, "fw_percentage": 0, "total_percentage": 0}]}])");
+  }
+};
+
+TEST_F(FailedFlash, IsNotDoneInAList) {
+  runList();
+  EXPECT_NE(
+      shown.str().find("    17  updateFW  FREE   32852 (0x8054)  the flash failed (1 done, B2 "
+                       "failed, 1 not started)\n"),
+      std::string::npos)
+      << shown.str();
+}
+
+TEST_F(FailedFlash, IsNotDoneWhereItIsShown) {
+  runShow("17");
+  EXPECT_NE(shown.str().find("A1          done         100%      100%   100%\n"
+                             "B2          failed       100%         -      -\n"
+                             "C3          not started    0%        0%     0%\n"
+                             "B2 failed\n"),
+            std::string::npos)
+      << shown.str();
+}
+
+TEST_F(FailedFlash, IsNotDoneWhereItIsWatched) {
+  EXPECT_EQ(runWatch("17"), kJobFailed);
+  EXPECT_EQ(shown.str(),
+            "A1  cpld 100%  firmware 100%  total 100%\n"
+            "B2  failed  cpld 100%  firmware -  total -\n"
+            "C3  not started  cpld 0%  firmware 0%  total 0%\n"
+            "result 32852 (0x8054): the flash failed\n"
+            "B2 failed\n");
+}
+
+TEST_F(Jobs, WatchOfAWaitingJobWithoutAWorkerSaysSoAlsoAtItsInterrupt) {
+  folder.write(test::kJobFile, R"([{"log_id": "4", "job_id": "updateSW", "state_id": "WAIT",
+                                    "input_parameters": {}}])");
+  interrupt = true;
+  EXPECT_EQ(runWatch("4"), kInterrupted);
+  EXPECT_EQ(shown.str(),
+            "job 4: waiting, no worker\n"
+            "no worker is seen; the job goes on when one is started with its log id\n");
+  EXPECT_NE(messages.str().find("interrupted: job 4 is waiting, and no worker for it is seen; "),
+            std::string::npos);
 }
 
 }  // namespace

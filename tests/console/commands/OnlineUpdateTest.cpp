@@ -148,7 +148,7 @@ TEST_F(Download, DownloadsAreShownWithTheirPresence) {
     {"productid": "manager", "version": "2.0", "size": 2500000000, "file_path": ""}])");
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(shownAtTheEnd(),
-            "result 259: the text\n"
+            "result 259 (0x0103): the text\n"
             "Product  Version    Size  Present  Path\n"
             "t3       3.1       999 B  yes      " +
                 image +

@@ -61,7 +61,7 @@ TEST_F(UpdateFw, Result0IsSuccess) {
 TEST_F(UpdateFw, AnotherResultIsAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
   EXPECT_EQ(run(), kJobFailed);
-  EXPECT_EQ(shownAtTheEnd(), "result 32852: the text\n");
+  EXPECT_EQ(shownAtTheEnd(), "result 32852 (0x8054): the text\n");
 }
 
 TEST_F(UpdateFw, TheWorkerFindsTheWaitingRecordWithAbsoluteImagePaths) {
@@ -85,7 +85,8 @@ TEST_F(UpdateFw, WorkerThatDiesInWait) {
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_EQ(messages.str(),
             "kelvane-console: the worker ended (exit status 0), and left job 1 unfinished in state "
-            "WAIT: it was not begun. \"kelvane-console check\" tells what may be in the way; then "
+            "WAIT: whether it was begun is not known, as there is no log. \"kelvane-console "
+            "check\" tells what may be in the way; then "
             "submit it again\n");
 }
 

@@ -20,11 +20,38 @@ TEST(JobLine, UnknownStateIsShownSafely) {
 TEST(ResultLine, ShowsResultAndText) {
   EXPECT_EQ(resultLine({"18", "FREE", {}, "0", "no error"}, Charset::ascii), "result 0: no error");
   EXPECT_EQ(resultLine({"18", "FREE", {}, "32852", "bad\nimage"}, Charset::ascii),
-            "result 32852: bad?image");
+            "result 32852 (0x8054): bad?image");
+  EXPECT_EQ(resultLine({"18", "FREE", {}, "0.5", ""}, Charset::ascii), "result 0.5: ");
 }
 
 TEST(ResultLine, TellsThatThereIsNoResult) {
   EXPECT_EQ(resultLine({"18", "FREE", {}, "", ""}, Charset::ascii), "result missing: ");
+}
+
+TEST(JobLine, SaysThatThereIsNoWorker) {
+  JobStatus status = {"18", "WAIT", {}, "", ""};
+  EXPECT_EQ(noWorkerText(status), "");
+  markWithoutWorker(status);
+  EXPECT_EQ(jobLine(status, Charset::ascii), "job 18: waiting, no worker");
+  EXPECT_EQ(noWorkerText(status),
+            "no worker is seen; the job goes on when one is started with its log id");
+  status.state = "RUN";
+  EXPECT_EQ(noWorkerText(status), "");
+}
+
+TEST(ProgressText, CountsAndNames) {
+  const std::vector<ControllerStatus> all = {{"A", 100, 100, 100},
+                                             {"B", 100, 100, 100},
+                                             {"C", 100, 80, 90, Standing::failed},
+                                             {"D", 0, 0, 0, Standing::notStarted}};
+  EXPECT_EQ(progressText({"18", "FREE", all, "", ""}), "2 done, C failed at 90%, 1 not started");
+  EXPECT_EQ(progressText({"18", "RUN", {{"A", 20, 0, 10}, {"B", 0, 0, 0}}, "", ""}),
+            "A CPLD at 10%, 1 waiting");
+  EXPECT_EQ(
+      progressText(
+          {"18", "FREE", {{"A", 0, kUnknownPercent, kUnknownPercent, Standing::failed}}, "", ""}),
+      "A failed");
+  EXPECT_EQ(progressText({"18", "FREE", {}, "", ""}), "");
 }
 
 }  // namespace

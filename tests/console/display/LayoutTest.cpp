@@ -120,6 +120,23 @@ TEST(Layout, OnlyARunningFlashIsNotToBeUnplugged) {
   EXPECT_EQ(silenceText(look), "");
 }
 
+TEST(Layout, FailedAndNotStartedControllersAreNotDone) {
+  const JobStatus status = {
+      "18",
+      "FREE",
+      {{"5000A1B2C3D4E5F6", 100, kUnknownPercent, kUnknownPercent, Standing::failed},
+       {"5000A1B2C3D4E5F7", 0, 0, 0, Standing::notStarted}},
+      "32852",
+      ""};
+  EXPECT_EQ(
+      statusLines(status, {80, 24}, Charset::ascii),
+      (Lines{"job 18: finished, 0:00",
+             "5000A1B2C3D4E5F6  failed       cpld ##### 100%  fw -----    -  total -----    -",
+             "5000A1B2C3D4E5F7  not started  cpld -----   0%  fw -----   0%  total -----   0%"}));
+  EXPECT_EQ(statusLines(status, {40, 24}, Charset::ascii)[3],
+            "  firmware -----------------------    -");
+}
+
 TEST(Layout, TerminalOfNoSizeIsNoHarm) {
   EXPECT_EQ(statusLines(kJob, {0, 0}, Charset::ascii), (Lines{"j", "5", " ", " ", " "}));
 }

@@ -56,7 +56,26 @@ TEST_F(PlainViewTest, ResultAtTheEnd) {
 TEST_F(PlainViewTest, NothingTheJobFileSaysSteersTheOutput) {
   EXPECT_EQ(shownFor({"1\n8", "R\x1b", {{"\x1b]0;x\x07", 1, 2, 3}}, "0", ""}),
             "job 1?8: R?\n?]0;x?  cpld 1%  firmware 2%  total 3%\n");
-  EXPECT_EQ(shownFor({"18", "FREE", {}, "1", "\x1b[2J\r"}), "result 1: ?[2J?\n");
+  EXPECT_EQ(shownFor({"18", "FREE", {}, "1", "\x1b[2J\r"}), "result 1 (0x0001): ?[2J?\n");
+}
+
+TEST_F(PlainViewTest, AControllerThatFailedIsNotDone) {
+  shownFor(running(100, 88, 94));
+  JobStatus status = finished("32852", "failed");
+  status.controllers[0] = {"5000A1B2C3D4E5F6", 100, 88, 94, Standing::failed};
+  EXPECT_EQ(shownFor(status),
+            "5000A1B2C3D4E5F6  failed  cpld 100%  firmware 88%  total 94%\n"
+            "result 32852 (0x8054): failed\n");
+}
+
+TEST_F(PlainViewTest, AWaitingJobWithoutAWorkerIsTold) {
+  JobStatus status = {"18", "WAIT", {}, "", ""};
+  EXPECT_EQ(shownFor(status), "job 18: waiting\n");
+  markWithoutWorker(status);
+  EXPECT_EQ(shownFor(status),
+            "job 18: waiting, no worker\n"
+            "no worker is seen; the job goes on when one is started with its log id\n");
+  EXPECT_EQ(shownFor(status), "");
 }
 
 TEST_F(PlainViewTest, ASilenceIsToldOnceAMinute) {
@@ -141,7 +160,7 @@ TEST_F(TerminalViewTest, ResultStandsBelowTheBars) {
             "5000A1B2C3D4E5F6  done      cpld ###### 100%  fw ###### 100%  "
             "total ###### 100%\x1b[K\n"
             "\x1b[J"
-            "result 32852: flash?[31m error\n");
+            "result 32852 (0x8054): flash?[31m error\n");
 }
 
 }  // namespace

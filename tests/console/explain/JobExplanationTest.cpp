@@ -4,6 +4,7 @@
 
 #include "console/explain/JobExplanation.h"
 #include "platform/Json.h"
+#include "tests/console/explain/LogOfFlashes.h"
 
 namespace kelvane::console {
 namespace {
@@ -47,7 +48,8 @@ TEST(JobExplanation, WaitingWithAWorker) {
 TEST(JobExplanation, WaitingThatNoWorkerStarts) {
   const Explanation found =
       explained("updateFW", R"("state_id": "WAIT", "input_parameters": [{"wwn": "A"}])");
-  EXPECT_EQ(found.meaning, "No worker starts it: input_parameters[0] has no \"file_path\".");
+  EXPECT_EQ(found.meaning,
+            "It cannot be carried out as it is: input_parameters[0] has no \"file_path\".");
   EXPECT_EQ(found.whoActs, "support");
   EXPECT_EQ(found.tryAgain, "not as it is");
 }
@@ -75,7 +77,10 @@ TEST(JobExplanation, RunningWhoseWorkerWasKilled) {
 
 TEST(JobExplanation, RunningWhoseWorkerGaveUp) {
   JobCircumstances circumstances;
-  circumstances.log = {true, {"14:03:07 getOnlineUpdateData: start: there is no path"}, "a step"};
+  circumstances.log.isFound = true;
+  circumstances.log.errors = {"14:03:07 getOnlineUpdateData: start: there is no path"};
+  circumstances.log.lastStep = "a step";
+  circumstances.log.gaveUp = true;
   const Explanation found = explained("getOnlineUpdateData", kRunning, circumstances);
   EXPECT_EQ(found.meaning, "Its worker gave up, and the log tells why. Nothing takes the job up.");
   EXPECT_EQ(found.advice,
@@ -180,6 +185,61 @@ TEST(JobExplanation, FinishedWithoutItsFirstWrite) {
   }
 }
 
+TEST(JobExplanation, AnErrorAtTheStartIsNotBlamedWhereStepsFollowed) {
+  JobCircumstances circumstances;
+  circumstances.log.isFound = true;
+  circumstances.log.startErrors = {"14:03:07 init: open setting.json"};
+  EXPECT_EQ(explained("updateFW", kRunning, circumstances).errors, circumstances.log.startErrors);
+  circumstances.log.lastStep = "a step";
+  const Explanation found = explained("updateFW", kRunning, circumstances);
+  EXPECT_TRUE(found.errors.empty());
+  EXPECT_EQ(found.meaning.rfind("Its worker was killed", 0), 0U);
+}
+
+TEST(JobExplanation, AFlashThatFailedNamesTheControllerAndTheLine) {
+  const auto record = parseJson(R"({"log_id": "17", "job_id": "updateFW", "state_id": "FREE",
+    "result": 32852, "resultStr": "x", "input_parameters": [
+      {"wwn": "A1", "file_path": "/no.img"}, {"wwn": "B2", "file_path": "/b"}]})");
+  const LogStretch log = test::stretchWith(
+      record, test::controllerLines("/no.img") + test::logLine("updateFW", "Flash Error") +
+                  test::logLine("updateFW", "pPage0->ci_ProductID = 4301") +
+                  test::logLine("updateFW", "u32Ret is not 0") + test::endLine("17"));
+  const Explanation found = explainJob(record, {false, log});
+  EXPECT_EQ(found.controller, "A1 failed at 0%, 1 not started");
+  EXPECT_EQ(found.toldBy, "14:03:07 updateFW: Flash Error");
+  EXPECT_EQ(found.lastStep, found.toldBy);
+  EXPECT_EQ(found.details,
+            (std::vector<std::string>{
+                "its image: /no.img does not exist; product 0x4301 takes standard images"}));
+}
+
+TEST(JobExplanation, WaitingThatAWorkerTookMayHaveBeenDone) {
+  const auto record = parseJson(R"({"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
+    "input_parameters": [{"wwn": "A1", "file_path": "/a"}]})");
+  const Explanation found = explainJob(
+      record,
+      {false, test::stretchWith(record, test::controllerLines("/a") + test::flashedLines())});
+  EXPECT_EQ(found.subject, "job 17 (updateFW): waiting, though a worker took it");
+  EXPECT_EQ(found.meaning,
+            "A worker took it and could not write what became of it: the flash may have been done, "
+            "by the log of 1 controller.");
+  EXPECT_EQ(found.tryAgain, "only where it was not done");
+  EXPECT_EQ(found.lastStep, "14:03:07 updateFW: Flash Completed.");
+}
+
+TEST(JobExplanation, WaitingThatWasPutBackSaysSo) {
+  EXPECT_EQ(explained("updateSW", std::string(kWaiting) + R"(, "result": 0)").subject,
+            "job 17 (updateSW): waiting, put back into this state");
+}
+
+TEST(JobExplanation, AbandonedFirmwareJobTellsHowFarEachControllerCame) {
+  EXPECT_EQ(explained("updateFW", std::string(kRunning) + R"(, "output": [
+                {"wwn": "A1", "total_percentage": 100}, {"wwn": "B2", "total_percentage": 68},
+                {"wwn": "C3", "total_percentage": 0}])")
+                .controller,
+            "1 done, B2 stopped at 68%, 1 not started");
+}
+
 TEST(JobExplanation, UnknownState) {
   EXPECT_EQ(explained("updateSW", R"("state_id": "free")").subject,
             "job 17 (updateSW): in state \"free\"");
@@ -188,7 +248,7 @@ TEST(JobExplanation, UnknownState) {
 TEST(JobExplanation, SaysWhereTheLogHasNothing) {
   EXPECT_EQ(explained("updateSW", kWaiting).note, "The log has no lines of this job.");
   JobCircumstances circumstances;
-  circumstances.noLog = "there is no log";
+  circumstances.log.absence = "there is no log";
   EXPECT_EQ(explained("updateSW", kWaiting, circumstances).note, "there is no log");
 }
 

@@ -154,7 +154,7 @@ TEST_F(Follower, WorkerThatEndsInRunLeavesTheJobUnfinished) {
   EXPECT_EQ(followed.outcome, Outcome::workerEnded);
   EXPECT_EQ(followed.last.status.state, "RUN");
   EXPECT_EQ(followed.last.status.controllers,
-            (std::vector<ControllerStatus>{{"5000A1", 50, 0, 25}}));
+            (std::vector<ControllerStatus>{{"5000A1", 50, 0, 25, Standing::stopped}}));
 }
 
 TEST_F(Follower, WhatTheWorkerWroteLastIsSeenAfterItsEnd) {

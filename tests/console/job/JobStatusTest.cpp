@@ -58,6 +58,66 @@ TEST(JobStatus, PhaseFollowsThePercentages) {
   EXPECT_STREQ(phaseOf({"A", 0, 100, 100}), "done");
 }
 
+// The standings of a finished firmware job's controllers with these CPLD and total percentages.
+std::vector<std::string> phases(int result, const std::vector<std::pair<int, int>>& percentages) {
+  std::string output;
+  for (const auto& [cpld, total] : percentages) {
+    output += std::string(output.empty() ? "" : ",") + R"({"wwn": "A", "cpld_percentage": )" +
+              std::to_string(cpld) + R"(, "total_percentage": )" + std::to_string(total) + "}";
+  }
+  const std::string record = R"({"job_id": "updateFW", "state_id": "FREE", "result": )" +
+                             std::to_string(result) + R"(, "output": [)" + output + "]}";
+  std::vector<std::string> found;
+  for (const ControllerStatus& one : statusOfText(record.c_str()).controllers) {
+    found.emplace_back(phaseOf(one));
+  }
+  return found;
+}
+
+using Phases = std::vector<std::string>;
+
+TEST(JobStatus, AFlashErrorIsNotDoneThoughTheRecordHas100Percent) {
+  constexpr int kFlashFailed = 32852;
+  EXPECT_EQ(phases(kFlashFailed, {{100, 100}, {100, 100}, {0, 0}}),
+            (Phases{"done", "failed", "not started"}));
+  EXPECT_EQ(phases(kFlashFailed, {{100, 100}}), (Phases{"failed"}));
+  EXPECT_EQ(phases(kFlashFailed, {{100, 100}, {50, 25}, {0, 0}}),
+            (Phases{"done", "failed", "not started"}));
+  EXPECT_EQ(phases(kFlashFailed, {{0, 0}}), (Phases{"failed"}));
+}
+
+TEST(JobStatus, TheFalsePercentagesOfAFlashErrorAreUnknown) {
+  const JobStatus status = statusOfText(R"({"job_id": "updateFW", "state_id": "FREE",
+      "result": 32852, "output": [{"wwn": "A", "cpld_percentage": 100, "fw_percentage": 100,
+                                   "total_percentage": 100}]})");
+  EXPECT_EQ(status.controllers[0].cpld, 100);
+  EXPECT_EQ(status.controllers[0].firmware, kUnknownPercent);
+  EXPECT_EQ(status.controllers[0].total, kUnknownPercent);
+}
+
+TEST(JobStatus, AnotherFailureIsOfTheFirstControllerThatIsNotDone) {
+  EXPECT_EQ(phases(1026, {{100, 100}, {0, 0}, {0, 0}}), (Phases{"done", "failed", "not started"}));
+  EXPECT_EQ(phases(32848, {{100, 100}, {100, 100}}), (Phases{"done", "failed"}));
+  EXPECT_EQ(phases(0, {{100, 100}, {0, 30}}), (Phases{"done", "done"}));
+}
+
+TEST(JobStatus, ProgressThatTheWorkerCouldNotWriteIsUnknown) {
+  const JobStatus status = statusOfText(R"({"job_id": "updateFW", "state_id": "FREE",
+      "result": 1026, "output": [{"wwn": "A"}, {"wwn": 5}]})");
+  EXPECT_STREQ(phaseOf(status.controllers[0]), "unknown");
+  EXPECT_STREQ(phaseOf(status.controllers[1]), "unknown");
+}
+
+TEST(JobStatus, WithoutAWorkerARunningJobHasStopped) {
+  JobStatus status = statusOfText(R"({"job_id": "updateFW", "state_id": "RUN", "output": [
+      {"wwn": "A", "total_percentage": 100}, {"wwn": "B", "total_percentage": 68}, {"wwn": "C"}]})");
+  markWithoutWorker(status);
+  EXPECT_TRUE(status.hasNoWorker);
+  EXPECT_STREQ(phaseOf(status.controllers[0]), "done");
+  EXPECT_STREQ(phaseOf(status.controllers[1]), "stopped");
+  EXPECT_STREQ(phaseOf(status.controllers[2]), "not started");
+}
+
 TEST(JobStatus, OnlyAFinishedJobWithResult0HasSucceeded) {
   EXPECT_TRUE(statusOfText(R"({"state_id": "FREE", "result": 0})").hasSucceeded());
   EXPECT_FALSE(statusOfText(R"({"state_id": "RUN", "result": 0})").hasSucceeded());

@@ -1,0 +1,31 @@
+#include "console/explain/UnfinishedJob.h"
+
+#include "console/job/UnwrittenJob.h"
+#include "contract/JobFile.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+std::string adviceForUnfinished(const Value& record, const LogStretch& log) {
+  if (mayHaveBeenDone(record, log)) {
+    return "a worker took it and could not write what became of it: " +
+           whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep +
+           "\". \"kelvane-console check\" tells what keeps the record from being written; look "
+           "what was done before it is submitted again";
+  }
+  if (record.get(job::kStateId) == Value(job::kWait)) {
+    const std::string begun = log.absence.empty()
+                                  ? "it was not begun. "
+                                  : "whether it was begun is not known, as there is no log. ";
+    return begun + "\"kelvane-console check\" tells what may be in the way; then submit it again";
+  }
+  if (record.get(job::kJobId) == Value(job::kUpdateFW)) {
+    return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
+           "still be going on in a controller, then submit the job again";
+  }
+  return "nobody goes on with it. \"kelvane-console explain\" tells what the log says; then submit "
+         "it again";
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,150 @@
+#include "console/job/FlashSteps.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include "console/job/LoggedValue.h"
+#include "contract/JobFile.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+constexpr char kFound[] = "devId = ";
+constexpr std::string_view kImage = ", filePath = ";
+constexpr std::string_view kProduct = "pPage0->ci_ProductID = ";
+constexpr std::string_view kInformation = "zr_getControllerInfo(), u32Ret = ";
+constexpr std::string_view kQvxfStep = "[WRONG] ";
+constexpr std::string_view kRetry = "Found error, try to flash CPLD again, retry ";
+constexpr std::string_view kBusy = "There is another flash process running.";
+constexpr std::string_view kFlashError = "Flash Error";
+constexpr std::string_view kBadImage = "Image format is invalid.";
+constexpr std::string_view kCompleted = "Flash Completed.";
+constexpr std::string_view kCpldBegun = "Start transferring CPLD image";
+constexpr std::string_view kTransfer = "Start transferring image";
+constexpr std::string_view kQvxfTransfer = "[WRONG] zr_transferQVXFFlashImage = ";
+constexpr std::string_view kEndOfJob = " end, retDict = ";
+constexpr std::string_view kWritten = "writeJSONFile, newArray = ";
+
+bool startsWith(const std::string& text, std::string_view start) {
+  return text.rfind(start, 0) == 0;
+}
+
+int numberBehind(const std::string& text, std::string_view start) {
+  int number = 0;
+  std::from_chars(text.data() + start.size(), text.data() + text.size(), number);
+  return number;
+}
+
+std::string imageIn(const std::string& message) {
+  const std::size_t start = message.find(kImage);
+  return start == std::string::npos ? "" : message.substr(start + kImage.size());
+}
+
+bool isFault(const std::string& message) {
+  if (message == kFlashError || message == kBusy || message == kBadImage) return true;
+  if (startsWith(message, kInformation)) return message.substr(kInformation.size()) != "0";
+  const std::size_t status = message.rfind(" = 0x");
+  return startsWith(message, kQvxfStep) && status != std::string::npos &&
+         message.substr(status) != " = 0x0";
+}
+
+void takeCpldStep(const LogEntry& entry, FlashSteps& steps) {
+  const std::string& message = entry.message;
+  if (startsWith(message, kCpldBegun)) steps.hasBegun = true;
+  if (startsWith(message, kRetry)) steps.cpldRetries = numberBehind(message, kRetry);
+  if (message == kFlashError || message == kBusy || entry.level == "error") {
+    steps.cpldFault = lineOf(entry);
+  }
+}
+
+void takeProduct(const std::string& message, FlashSteps& steps) {
+  steps.product = message.substr(kProduct.size());
+  const std::string family = steps.product.substr(0, 2);
+  steps.isQvxf = steps.product.size() == 4 && (family == "48" || family == "49");
+}
+
+void takeStep(const LogEntry& entry, FlashSteps& steps) {
+  const std::string& message = entry.message;
+  if (startsWith(message, kProduct)) takeProduct(message, steps);
+  if (startsWith(message, kTransfer) || startsWith(message, kQvxfTransfer)) steps.hasBegun = true;
+  if (message == kCompleted) steps.isFlashed = true;
+  // Behind the flash's end an error is the job's.
+  if (steps.isFlashed || !steps.fault.empty()) return;
+  if (isFault(message) || entry.level == "error") steps.fault = lineOf(entry);
+}
+
+bool isEndOfJob(const std::string& message) { return message.find(kEndOfJob) != std::string::npos; }
+
+// Whether the worker has come to an entry that it does not start: the product is then still that of
+// the controller before.
+bool isOfTheNext(const LogEntry& entry, const FlashSteps& steps) {
+  return entry.function == "updateFW" && !steps.product.empty() &&
+         startsWith(entry.message, kProduct);
+}
+
+const Value* entryNamed(const Value& entries, const char* key, const std::string& text) {
+  if (!entries.isArray()) return nullptr;
+  for (const Value& entry : entries.elements()) {
+    if (entry.isDictionary() && entry.get(key) == Value(text)) return &entry;
+  }
+  return nullptr;
+}
+
+// The percentage in the worker's version of the job file that this entry shows.
+std::optional<int> firmwareIn(const LogEntry& entry, const std::string& logId,
+                              const std::string& wwn) {
+  const Value records = parseLogged(std::string_view(entry.message).substr(kWritten.size()));
+  const Value* record = entryNamed(records, job::kLogId, logId);
+  if (record == nullptr) return std::nullopt;
+  const Value* progress = entryNamed(record->get(job::kOutput), job::kWwn, wwn);
+  if (progress == nullptr || !progress->get(job::kFwPercentage).isString()) return std::nullopt;
+  return numberBehind(progress->get(job::kFwPercentage).string(), "");
+}
+
+}  // namespace
+
+std::string lineOf(const LogEntry& entry) {
+  std::string first = entry.message.substr(0, entry.message.find('\n'));
+  first.erase(0, std::min(first.find_first_not_of(' '), first.size()));
+  return entry.time + " " + entry.function + ": " + first;
+}
+
+std::vector<FlashSteps> flashStepsIn(std::span<const LogEntry> entries) {
+  std::vector<FlashSteps> all;
+  bool isOver = false;
+  for (const LogEntry& entry : entries) {
+    const bool isOfCpld = entry.function == "flashCPLD";
+    if ((entry.function != "updateFW" && !isOfCpld) || isEndOfJob(entry.message)) continue;
+    if (!isOfCpld && startsWith(entry.message, kFound)) {
+      all.emplace_back().image = imageIn(entry.message);
+      isOver = false;
+    }
+    if (all.empty()) continue;
+    isOver = isOver || isOfTheNext(entry, all.back());
+    if (isOver) continue;
+    if (isOfCpld) {
+      takeCpldStep(entry, all.back());
+    } else {
+      takeStep(entry, all.back());
+    }
+    all.back().lastStep = lineOf(entry);
+  }
+  return all;
+}
+
+std::optional<int> firmwareBeforeTheEnd(std::span<const LogEntry> entries, const std::string& logId,
+                                        const std::string& wwn) {
+  constexpr int kWhole = 100;
+  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+    if (!startsWith(entry->message, kWritten)) continue;
+    const std::optional<int> firmware = firmwareIn(*entry, logId, wwn);
+    if (!firmware || *firmware < kWhole) return firmware;
+  }
+  return std::nullopt;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,35 @@
+// A job's stretch of the log: what the worker that ran it wrote.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "console/job/FlashSteps.h"
+#include "console/job/LogFile.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+struct LogStretch {
+  bool isFound = false;
+  // Whether another worker wrote at the same time: which line is whose cannot be told.
+  bool isMixed = false;
+  std::vector<std::string> startErrors = {};  // before the worker looked for its job
+  // "14:03:07 getOnlineUpdateData: start: there is no path"; one that came again with its count.
+  std::vector<std::string> errors = {};
+  std::string lastStep = {};             // the same form; empty where there was no step of its own
+  bool gaveUp = false;                   // whether an error stands behind the last step
+  bool hasStarted = false;               // whether a program was started for it, and has ended
+  bool hasEnded = false;                 // whether the job's last line is there
+  std::vector<FlashSteps> flashes = {};  // of a firmware job
+  std::string absence = {};              // why there is no log to look into
+};
+
+// The last stretch in which a worker took the job of this record: with its log id, its command and
+// its parameters, as a log id may have been another job's before.
+LogStretch stretchOf(const std::vector<LogEntry>& entries, const platform::Value& record);
+
+// The same of the shared folder's log. Never raises.
+LogStretch stretchIn(const std::string& sharedFolder, const platform::Value& record);
+
+}  // namespace kelvane::console
