@@ -21,7 +21,7 @@ constexpr char kVersionOption[] = "--version";
 constexpr char kFooter[] =
     "Exit status: 0 success, 1 the job failed or check has findings, 2 bad usage,\n"
     "3 the worker could not be started or died, 4 the job file is damaged or cannot be read\n"
-    "or written, 5 not found, 6 another job is running, 70 internal error,\n"
+    "or written, 5 not found, 6 another job is running, 7 not confirmed, 70 internal error,\n"
     "130 interrupted (a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
