@@ -8,6 +8,8 @@
 #include "console/commands/Explain.h"
 #include "console/commands/Jobs.h"
 #include "console/commands/OnlineUpdate.h"
+#include "console/commands/Remove.h"
+#include "console/commands/Retry.h"
 #include "console/commands/ShowLog.h"
 #include "console/commands/UpdateFw.h"
 #include "console/commands/UpdateSw.h"
@@ -25,8 +27,8 @@ constexpr char kFooter[] =
     "130 interrupted (a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {queryCommand(), downloadCommand(), updateSwCommand(),  updateFwCommand(),
-          watchCommand(), listCommand(),     showCommand(),      logCommand(),
+  return {queryCommand(), downloadCommand(), updateSwCommand(),  updateFwCommand(), retryCommand(),
+          watchCommand(), listCommand(),     showCommand(),      removeCommand(),   logCommand(),
           checkCommand(), explainCommand(),  completionCommand()};
 }
 
