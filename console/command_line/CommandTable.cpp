@@ -8,6 +8,8 @@
 #include "console/commands/Explain.h"
 #include "console/commands/Jobs.h"
 #include "console/commands/OnlineUpdate.h"
+#include "console/commands/Remove.h"
+#include "console/commands/Retry.h"
 #include "console/commands/ShowLog.h"
 #include "console/commands/UpdateFw.h"
 #include "console/commands/UpdateSw.h"
@@ -21,12 +23,12 @@ constexpr char kVersionOption[] = "--version";
 constexpr char kFooter[] =
     "Exit status: 0 success, 1 the job failed or check has findings, 2 bad usage,\n"
     "3 the worker could not be started or died, 4 the job file is damaged or cannot be read\n"
-    "or written, 5 not found, 6 another job is running, 70 internal error,\n"
+    "or written, 5 not found, 6 another job is running, 7 not confirmed, 70 internal error,\n"
     "130 interrupted (a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {queryCommand(), downloadCommand(), updateSwCommand(),  updateFwCommand(),
-          watchCommand(), listCommand(),     showCommand(),      logCommand(),
+  return {queryCommand(), downloadCommand(), updateSwCommand(),  updateFwCommand(), retryCommand(),
+          watchCommand(), listCommand(),     showCommand(),      removeCommand(),   logCommand(),
           checkCommand(), explainCommand(),  completionCommand()};
 }
 

@@ -19,6 +19,12 @@ Option bundleOption() {
           .variable = "KELVANE_BUNDLE"};
 }
 
+Option yesFlag() {
+  return {.names = {kYesFlag},
+          .kind = ValueKind::none,
+          .description = "Do not ask before an application is removed"};
+}
+
 Option jsonFlag(const std::string& description) {
   return {.names = {kJsonOption}, .kind = ValueKind::none, .description = description};
 }

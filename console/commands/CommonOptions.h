@@ -11,8 +11,11 @@ inline constexpr char kSharedOption[] = "--shared";
 inline constexpr char kBundleOption[] = "--bundle";
 inline constexpr char kJsonOption[] = "--json";
 
+inline constexpr char kYesFlag[] = "--yes";
+
 Option sharedOption();
 Option bundleOption();
+Option yesFlag();
 Option jsonFlag(const std::string& description = "Show JSON for machines");
 
 }  // namespace kelvane::console

@@ -16,10 +16,10 @@ enum class WhenBusy {
 };
 
 struct TurnWish {
-  std::string sharedFolder;  // ends with "/"
-  std::string bundle;        // empty: nobody is looked for who replaces it
+  std::string sharedFolder = {};  // ends with "/"
+  std::string bundle = {};        // empty: nobody is looked for who replaces it
   WhenBusy whenBusy = WhenBusy::refuse;
-  std::string advice;  // to whom is refused
+  std::string advice = {};  // to whom is refused
 };
 
 // The job file's lock, taken at a moment when nobody is at work in the shared folder: no worker,

@@ -17,23 +17,6 @@ namespace {
 // The worker takes no more of an image's path: a longer one would lead to another file.
 constexpr std::size_t kMostPathBytes = 255;
 
-// Looked for now, as the worker fails only when it comes to the image's controller.
-std::string absoluteImage(const std::string& path) {
-  std::string image = existingPath(path, "image");
-  if (platform::isFolder(image)) throw Failure(kBadUsage, "image " + path + " is a folder");
-  if (kindOf(image) == EntryKind::other) {
-    throw Failure(kBadUsage, "image " + path + " is no regular file");
-  }
-  if (const std::string cause = refusal(image, Access::read); !cause.empty()) {
-    throw Failure(kBadUsage, "image " + path + " cannot be read: " + cause);
-  }
-  if (image.size() > kMostPathBytes) {
-    throw Failure(kBadUsage, "image " + image + ": the path is longer than " +
-                                 std::to_string(kMostPathBytes) + " bytes");
-  }
-  return image;
-}
-
 Value inputEntry(const std::string& update) {
   const std::size_t sign = update.find('=');
   if (sign == std::string::npos) {
@@ -42,7 +25,7 @@ Value inputEntry(const std::string& update) {
   const std::string wwn = update.substr(0, sign);
   requireText(wwn, "the WWN of \"" + update + "\"");
   return Value::dictionary(
-      {{job::kWwn, wwn}, {job::kFilePath, absoluteImage(update.substr(sign + 1))}});
+      {{job::kWwn, wwn}, {job::kFilePath, existingImage(update.substr(sign + 1))}});
 }
 
 Value inputParameters(const std::vector<std::string>& updates) {
@@ -59,6 +42,22 @@ int runUpdateFw(const Given& given, const Surroundings& surroundings) {
 }
 
 }  // namespace
+
+std::string existingImage(const std::string& path) {
+  std::string image = existingPath(path, "image");
+  if (platform::isFolder(image)) throw Failure(kBadUsage, "image " + path + " is a folder");
+  if (kindOf(image) == EntryKind::other) {
+    throw Failure(kBadUsage, "image " + path + " is no regular file");
+  }
+  if (const std::string cause = refusal(image, Access::read); !cause.empty()) {
+    throw Failure(kBadUsage, "image " + path + " cannot be read: " + cause);
+  }
+  if (image.size() > kMostPathBytes) {
+    throw Failure(kBadUsage, "image " + image + ": the path is longer than " +
+                                 std::to_string(kMostPathBytes) + " bytes");
+  }
+  return image;
+}
 
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
   const Value inputs = inputParameters(options.updates);

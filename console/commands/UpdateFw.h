@@ -18,6 +18,10 @@ struct UpdateFwOptions {
 // runJob().
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings);
 
+// The image's absolute path. Raises Failure where it is no file that can be read: the worker would
+// find that only when it comes to the image's controller.
+std::string existingImage(const std::string& path);
+
 Command updateFwCommand();
 
 }  // namespace kelvane::console

@@ -3,11 +3,16 @@
 #include <filesystem>
 #include <system_error>
 
+#include "console/application/Application.h"
+#include "console/application/TreeDifference.h"
 #include "console/checks/Access.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/display/Question.h"
 #include "console/job/ExitCode.h"
+#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 #include "contract/Settings.h"
 #include "platform/File.h"
@@ -28,12 +33,26 @@ std::string installedApplication(const std::string& bundle) {
   return path.isString() ? path.string() : "";
 }
 
+// The folder itself where a link is given: the link would be copied.
 std::string packagePath(const std::string& path) {
-  std::string package = existingPath(path, "package");
-  if (!platform::isFolder(package)) {
-    throw Failure(kBadUsage, "package " + path + " is no application bundle: it is a file");
-  }
-  return package;
+  std::error_code failed;
+  const std::string package = existingPath(path, "package");
+  const std::string resolved = std::filesystem::canonical(package, failed).string();
+  return failed ? package : resolved;
+}
+
+void requireApplication(const std::string& package) {
+  const std::string fault = applicationFault(package);
+  if (fault.empty()) return;
+  throw Failure(kBadUsage, "package " + package + " is no application bundle: " + fault);
+}
+
+// Of a worker that is not the bundle's it is not known which settings it has.
+void requirePlace(const std::string& installed, const JobOptions& job) {
+  if (!installed.empty() || job.bundle.empty() || !job.worker.empty()) return;
+  throw Failure(kBadUsage, productSettingsPath(job.bundle) + " names no application (\"" +
+                               std::string(settings::kAppPath) +
+                               "\"): the worker would replace nothing");
 }
 
 // The worker would remove the package with the application.
@@ -47,42 +66,112 @@ void refuseOwnPackage(const std::string& package, const std::string& installed) 
   }
 }
 
+std::string versionText(const std::string& bundle) {
+  const std::string version = versionOf(bundle);
+  return version.empty() ? "a version that it does not tell" : "version " + version;
+}
+
+// Says what is to be done, and asks before an application goes.
+void announce(const std::string& installed, const UpdateSwOptions& options,
+              const Surroundings& surroundings) {
+  const Screen& screen = surroundings.screen;
+  const bool replaces = platform::exists(installed);
+  std::string line = installed + ": ";
+  if (replaces) line += versionText(installed) + " is replaced by ";
+  line += versionText(options.package);
+  if (!replaces) line += " is installed where nothing stands";
+  if (!screen.json) screen.out << displayText(line, screen.charset) << std::endl;
+  if (!replaces || options.yes) return;
+  const bool agreed = confirmed("Remove the application and install the new one?", screen);
+  if (!surroundings.clock.wait(std::chrono::milliseconds(0))) {
+    throw Failure(kInterrupted, "interrupted; nothing was changed");
+  }
+  if (!agreed) throw Failure(kNotConfirmed, "not confirmed; nothing was changed");
+}
+
+std::string listed(const TreeDifferences& found) {
+  std::string text;
+  for (const std::string& difference : found.first) {
+    if (!text.empty()) text += ", ";
+    text += difference;
+  }
+  const std::size_t more = found.count - found.first.size();
+  return more == 0 ? text : text + ", and " + std::to_string(more) + " more differences";
+}
+
+// What the system's tools said is the only trace of what went wrong.
+void requireInstalled(const std::string& installed, const UpdateSwOptions& options,
+                      const Look& finished) {
+  const auto said =
+      standardErrorInShort(existingShared(options.job.sharedFolder), finished.status.logId);
+  if (!platform::exists(installed)) {
+    throw Failure(kJobFailed,
+                  "no application stands at " + installed +
+                      ": it was removed, and the new one was not copied",
+                  said);
+  }
+  const TreeDifferences found = treeDifferences(options.package, installed);
+  if (found.count == 0) return;
+  throw Failure(kJobFailed, "what stands at " + installed + " is not the package: " + listed(found),
+                said);
+}
+
 constexpr char kPackage[] = "package";
 
 int runUpdateSw(const Given& given, const Surroundings& surroundings) {
-  return updateSw({.job = jobOptionsOf(given), .package = given.text(kPackage)}, surroundings);
+  return updateSw(
+      {.job = jobOptionsOf(given), .package = given.text(kPackage), .yes = given.has(kYesFlag)},
+      surroundings);
+}
+
+std::vector<Option> updateSwOptions() {
+  std::vector<Option> options = jobOptions();
+  options.push_back(yesFlag());
+  return options;
 }
 
 }  // namespace
 
-int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
-  const std::string package = packagePath(options.package);
+int install(const UpdateSwOptions& options, const Submits& submit,
+            const Surroundings& surroundings) {
   const std::string installed = installedApplication(options.job.bundle);
-  refuseOwnPackage(package, installed);
-  const Value inputs = Value::dictionary({{job::kFilePath, package}});
-  const std::optional<Look> finished = runJob(options.job, job::kUpdateSW, inputs, surroundings);
+  requireApplication(options.package);
+  requirePlace(installed, options.job);
+  refuseOwnPackage(options.package, installed);
+  if (!installed.empty()) announce(installed, options, surroundings);
+  const std::optional<Look> finished = submit();
   if (!finished) return kSuccess;
-  if (!installed.empty() && !platform::exists(installed)) {
-    throw Failure(kJobFailed, "no application stands at " + installed +
-                                  ": it was removed, and the new one was not copied");
-  }
-  if (!installed.empty() && !surroundings.screen.json) {
-    surroundings.screen.out << "installed at "
-                            << displayText(installed, surroundings.screen.charset) << std::endl;
+  const Screen& screen = surroundings.screen;
+  if (!installed.empty()) requireInstalled(installed, options, *finished);
+  if (!screen.json) {
+    screen.out << (installed.empty() ? "where the application stands is not known: it was not "
+                                       "compared with the package"
+                                     : "installed at " + displayText(installed, screen.charset))
+               << std::endl;
   }
   return exitCodeOf(*finished);
+}
+
+int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
+  UpdateSwOptions absolute = options;
+  absolute.package = packagePath(options.package);
+  const Value inputs = Value::dictionary({{job::kFilePath, absolute.package}});
+  return install(
+      absolute, [&] { return runJob(options.job, job::kUpdateSW, inputs, surroundings); },
+      surroundings);
 }
 
 Command updateSwCommand() {
   return {.name = "update-sw",
           .description = "Replace the installed application by a new one",
-          .options = jobOptions(),
+          .options = updateSwOptions(),
           .arguments = {{.names = {kPackage},
                          .kind = ValueKind::folder,
                          .valueName = "APP.app",
                          .description = "The new application bundle",
                          .required = true}},
           .footer =
+              "Afterwards it is compared with the package, unless --no-wait is given.\n"
               "Example:\n"
               "  kelvane-console update-sw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
               "    ~/Shared/tmp/OnlineUpdate/SW/Manager.app",

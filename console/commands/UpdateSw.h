@@ -1,6 +1,8 @@
 // The sub-command update-sw: replaces the installed application by a new one.
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "console/commands/Command.h"
@@ -11,12 +13,20 @@ namespace kelvane::console {
 struct UpdateSwOptions {
   JobOptions job;
   std::string package;  // the new application bundle
+  bool yes = false;     // whether the user is not asked
 };
 
-// Runs the job from its submission to its end and returns the exit code. Raises Failure like
-// runJob(). The worker judges nothing; the console looks whether an application stands in the
-// place, and raises Failure where none does.
+// Runs the job from its submission to its end and returns the exit code. The worker judges nothing:
+// it ends with 0 whatever became of the copying. So the console refuses what is no application,
+// says from which version to which, asks in a terminal before one is removed, and compares what
+// stands there afterwards with the package. Raises Failure like runJob(), where the user says no,
+// and where the two differ.
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings);
+
+// The same with a job that is submitted in another way; the package's path is absolute.
+using Submits = std::function<std::optional<Look>()>;
+int install(const UpdateSwOptions& options, const Submits& submit,
+            const Surroundings& surroundings);
 
 Command updateSwCommand();
 

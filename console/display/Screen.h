@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <istream>
 #include <ostream>
 
 #include "console/display/DisplayText.h"
@@ -13,7 +14,8 @@ struct Screen {
   Charset charset = Charset::ascii;
   std::size_t columns = 0;  // no line may be longer; 0: lines may be as long as they like
   bool colour = false;
-  bool json = false;  // for machines
+  bool json = false;                // for machines
+  std::istream* answers = nullptr;  // where the user can be asked; null: nobody can be
 };
 
 }  // namespace kelvane::console

@@ -4,6 +4,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 
 #include <langinfo.h>
 #include <sys/ioctl.h>
@@ -46,6 +47,7 @@ Screen screenOfStandardOutput(std::ostream& out, bool json) {
   const char* noColour = std::getenv("NO_COLOR");
   screen.colour = drawsInPlace() && (noColour == nullptr || *noColour == '\0');
   screen.json = json;
+  if (inTerminal && !json && ::isatty(STDIN_FILENO) == 1) screen.answers = &std::cin;
   return screen;
 }
 

@@ -14,7 +14,8 @@ namespace kelvane::console {
 Charset charsetOfLocale();
 
 // Standard output, which `out` writes to; takes the user's locale over for characters. Colour only
-// in a terminal, and not where the environment has NO_COLOR.
+// in a terminal, and not where the environment has NO_COLOR. The user can be asked where standard
+// input is a terminal, too.
 Screen screenOfStandardOutput(std::ostream& out, bool json);
 
 // The view of a followed job on that screen: lines of JSON for machines, bars in a terminal, plain

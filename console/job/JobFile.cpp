@@ -105,10 +105,12 @@ bool isAlone(const Value& records, const Value& added) {
 }
 
 Value waitingRecord(const std::string& logId, const NewJob& job) {
-  return Value::dictionary({{job::kLogId, logId},
-                            {job::kJobId, job.jobId},
-                            {job::kStateId, job::kWait},
-                            {job::kInputParameters, job.inputParameters}});
+  Value record = Value::dictionary({{job::kLogId, logId},
+                                    {job::kJobId, job.jobId},
+                                    {job::kStateId, job::kWait},
+                                    {job::kInputParameters, job.inputParameters}});
+  if (!job.others.isNothing()) record.setAll(job.others);
+  return record;
 }
 
 struct Content {

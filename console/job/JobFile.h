@@ -11,9 +11,10 @@ namespace kelvane::console {
 
 // One job to be added to the job file.
 struct NewJob {
-  std::string logId;  // UTF-8; empty: one that the file does not have yet
+  std::string logId = {};  // UTF-8; empty: one that the file does not have yet
   std::string jobId;
   platform::Value inputParameters;
+  platform::Value others = {};  // further keys of the record, or nothing
 };
 
 // Of other programs that write the file, each can come between a reading and the writing; so often

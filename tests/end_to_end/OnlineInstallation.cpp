@@ -1,5 +1,7 @@
 #include "tests/end_to_end/OnlineInstallation.h"
 
+#include <sys/stat.h>
+
 #include "platform/Json.h"
 #include "tests/support/JobFiles.h"
 
@@ -18,6 +20,7 @@ OnlineInstallation::OnlineInstallation() {
   folder.write("FW_QRX550.img", "image of fw2");
   folder.write("FW_T3.img", "image of fw3");
   folder.write("Manager.app/Contents/version", "2.0");
+  ::chmod(folder.write("Manager.app/Contents/MacOS/Manager", "the program").c_str(), 0755);
   makeService(R"({"packages": [
     {"product": "sw", "version": "2.0", "minimum_os": "1.0.0",
      "codebase": "https://updates.example/Manager.zip", "files": {"Manager.app": "Manager.app"}},

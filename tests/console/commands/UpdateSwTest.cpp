@@ -1,6 +1,8 @@
 // The sub-command update-sw, with small scripts as workers.
 
 #include <filesystem>
+#include <sstream>
+#include <string>
 
 #include "console/commands/UpdateSw.h"
 #include "console/job/ExitCode.h"
@@ -13,12 +15,28 @@ namespace {
 class UpdateSw : public ConsoleWorld {
  protected:
   UpdateSw() {
-    folder.write("New.app/new", "");
-    folder.write("Installed.app/old", "");
+    makeApplication("New.app", "2.0");
+    makeApplication("Installed.app", "1.0");
     folder.write("Manager.app/Contents/Resources/Config/setting.json",
                  R"({"AppPath": ")" + (folder / "Installed.app") + "\"}");
     options.package = folder / "New.app";
   }
+
+  void makeApplication(const std::string& name, const std::string& version) const {
+    const std::string program = folder.write(name + "/Contents/MacOS/Manager", version);
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    folder.write(name + "/Contents/Info.plist",
+                 "<plist><dict><key>CFBundleShortVersionString</key><string>" + version +
+                     "</string></dict></plist>");
+  }
+  // A worker that does this and leaves the job finished.
+  void makeWorkerThatInstalls(const std::string& tools) {
+    makeWorkerThatLeaves("FREE", "0");
+    const std::string leaves = folder.read("Manager.app/Contents/Resources/Kelvane");
+    makeWorker("old='" + (folder / "Installed.app") + "'\nnew='" + (folder / "New.app") + "'\n" +
+               tools + leaves);
+  }
+  void makeWorkerThatInstalls() { makeWorkerThatInstalls("rm -Rf $old; cp -Rf $new $old\n"); }
 
   int run() {
     options.job = job;
@@ -44,46 +62,125 @@ TEST_F(UpdateSw, TheWorkerFindsThePackage) {
 }
 
 TEST_F(UpdateSw, TellsWhereTheApplicationStands) {
-  makeWorkerThatLeaves("FREE", "0");
-  EXPECT_EQ(run(), kSuccess);
+  makeWorkerThatInstalls();
+  EXPECT_EQ(run(), kSuccess) << messages.str();
   EXPECT_EQ(shownAtTheEnd(),
             "result 0: the text\ninstalled at " + (folder / "Installed.app") + "\n");
 }
 
-TEST_F(UpdateSw, AnApplicationThatIsGoneIsNoSuccess) {
-  makeWorkerThatLeaves("FREE", "0");
+TEST_F(UpdateSw, TellsFromWhichVersionToWhich) {
+  makeWorkerThatInstalls();
+  run();
+  EXPECT_EQ(shown.str().rfind(
+                (folder / "Installed.app") + ": version 1.0 is replaced by version 2.0\n", 0),
+            0U)
+      << shown.str();
+}
+
+TEST_F(UpdateSw, WhereNothingStandsNothingIsReplaced) {
+  makeWorkerThatInstalls();
   std::filesystem::remove_all(folder / "Installed.app");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(
+      shown.str().rfind(
+          (folder / "Installed.app") + ": version 2.0 is installed where nothing stands\n", 0),
+      0U)
+      << shown.str();
+}
+
+TEST_F(UpdateSw, AnApplicationThatIsGoneIsNoSuccess) {
+  makeWorkerThatInstalls("rm -Rf $old\n");
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: no application stands at " +
                                 (folder / "Installed.app") +
                                 ": it was removed, and the new one was not copied\n");
 }
 
-TEST_F(UpdateSw, WithoutSettingsTheResultCounts) {
-  makeWorkerThatLeaves("FREE", "0");
-  for (const char* settings : {"", "[]", "{}", R"({"AppPath": 5})"}) {
-    folder.write("Manager.app/Contents/Resources/Config/setting.json", settings);
-    EXPECT_EQ(run(), kSuccess) << settings;
-    std::filesystem::remove_all(folder / "shared/utility");
-  }
-  std::filesystem::remove_all(folder / "Manager.app/Contents/Resources/Config");
-  EXPECT_EQ(run(), kSuccess);
+TEST_F(UpdateSw, AnApplicationThatIsNotThePackageIsNoSuccess) {
+  makeWorkerThatInstalls("echo 'rm: cannot remove it' >&2; echo 'cp: cannot make it' >&2\n");
+  EXPECT_EQ(run(), kJobFailed);
+  const std::string kept = "shared/utility/logs/standard-error-1.txt";
+  EXPECT_EQ(messages.str(), "kelvane-console: what stands at " + (folder / "Installed.app") +
+                                " is not the package: Contents/Info.plist differs, "
+                                "Contents/MacOS/Manager differs\n"
+                                "  rm: cannot remove it\n"
+                                "  cp: cannot make it\n"
+                                "  (kept in " +
+                                (folder / kept) + ")\n");
+  EXPECT_EQ(folder.read(kept), "rm: cannot remove it\ncp: cannot make it\n");
 }
+
+TEST_F(UpdateSw, OfManyDifferencesTheFirstAreTold) {
+  makeWorkerThatInstalls("cp -Rf $new $old\n");  // into what was not removed
+  for (const char* name : {"a", "b", "c", "d"}) folder.write(std::string("New.app/") + name, "");
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_NE(messages.str().find("is not the package: Contents/Info.plist differs, "
+                                "Contents/MacOS/Manager differs, New.app is left over, a is "
+                                "missing, b is missing, and 2 more differences\n"),
+            std::string::npos)
+      << messages.str();
+}
+
+TEST_F(UpdateSw, WithoutWaitingNothingIsCompared) {
+  makeWorkerThatInstalls("");
+  job.noWait = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().substr(shown.str().find('\n')), "\n1\n");
+}
+
+TEST_F(UpdateSw, WithoutAnAppPathNothingWouldBeReplaced) {
+  const std::string settings = "Manager.app/Contents/Resources/Config/setting.json";
+  makeWorkerThatLeaves("FREE", "0");
+  for (const char* text : {"", "[]", "{}", R"({"AppPath": 5})"}) {
+    folder.write(settings, text);
+    messages.str("");
+    expectRefused((folder / settings) +
+                  " names no application (\"AppPath\"): the worker would replace nothing");
+  }
+}
+
+TEST_F(UpdateSw, OfAnotherWorkerWhoseSettingsAreNotKnownTheResultCounts) {
+  makeWorkerThatLeaves("FREE", "0");
+  job.worker = folder / "Manager.app/Contents/Resources/Kelvane";
+  job.bundle = "";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shownAtTheEnd(),
+            "result 0: the text\nwhere the application stands is not known: it was not compared "
+            "with the package\n");
+}
+
+// --- what is installed
 
 TEST_F(UpdateSw, MissingPackageIsRefused) {
   options.package = "/nowhere/New.app";
   expectRefused("package /nowhere/New.app does not exist");
 }
 
-TEST_F(UpdateSw, FileIsNoApplicationBundle) {
+TEST_F(UpdateSw, WhatIsNoApplicationIsRefused) {
   options.package = folder.write("New.dmg", "");
   expectRefused("package " + options.package + " is no application bundle: it is a file");
+  messages.str("");
+  options.package = "/etc";
+  expectRefused("package /etc is no application bundle: it has no folder Contents");
+  messages.str("");
+  folder.write("Data.app/Contents/data", "");
+  options.package = folder / "Data.app";
+  expectRefused("package " + options.package +
+                " is no application bundle: there is no program in its Contents");
+}
+
+TEST_F(UpdateSw, OfALinkTheFolderItLeadsToIsInstalled) {
+  makeWorkerThatLooks();
+  std::filesystem::create_directory_symlink(folder / "New.app", folder / "link");
+  options.package = folder / "link";
+  run();
+  EXPECT_EQ(seenRecord().get("input_parameters").get("file_path").string(), folder / "New.app");
 }
 
 TEST_F(UpdateSw, PackageInsideTheReplacedApplicationIsRefused) {
+  makeApplication("Installed.app/Contents/New.app", "2.0");
   for (const char* inside : {"Installed.app", "Installed.app/Contents/New.app"}) {
     options.package = folder / inside;
-    std::filesystem::create_directories(options.package);
     messages.str("");
     expectRefused("package " + options.package + " lies in the application at " +
                   (folder / "Installed.app") + " and would be removed with it");
@@ -91,10 +188,61 @@ TEST_F(UpdateSw, PackageInsideTheReplacedApplicationIsRefused) {
 }
 
 TEST_F(UpdateSw, PackageWhoseNameOnlyBeginsAlikeIsNot) {
-  makeWorkerThatLeaves("FREE", "0");
+  makeWorkerThatInstalls("rm -Rf $old; cp -Rf $old.new $old\n");
+  makeApplication("Installed.app.new", "3.0");
   options.package = folder / "Installed.app.new";
-  std::filesystem::create_directories(options.package);
+  EXPECT_EQ(run(), kSuccess) << messages.str();
+}
+
+// --- the question
+
+class UpdateSwInATerminal : public UpdateSw {
+ protected:
+  UpdateSwInATerminal() {
+    makeWorkerThatInstalls();
+    screen.answers = &answers;
+  }
+  std::string question() const {
+    return (folder / "Installed.app") +
+           ": version 1.0 is replaced by version 2.0\n"
+           "Remove the application and install the new one? [y/N] ";
+  }
+
+  std::istringstream answers;
+};
+
+TEST_F(UpdateSwInATerminal, AsksBeforeAnApplicationIsRemoved) {
+  answers.str("y\n");
   EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().rfind(question(), 0), 0U) << shown.str();
+}
+
+TEST_F(UpdateSwInATerminal, WhatIsNoYesIsANo) {
+  for (const char* answer : {"", "\n", "n\n", "yesterday\n"}) {
+    answers.clear();
+    answers.str(answer);
+    EXPECT_EQ(run(), kNotConfirmed) << answer;
+  }
+  EXPECT_FALSE(platform::exists(folder / test::kJobFile));
+  EXPECT_EQ(messages.str().rfind("kelvane-console: not confirmed; nothing was changed\n", 0), 0U);
+}
+
+TEST_F(UpdateSwInATerminal, AnInterruptIsANo) {
+  interrupt = true;
+  EXPECT_EQ(run(), kInterrupted);
+  EXPECT_FALSE(platform::exists(folder / test::kJobFile));
+}
+
+TEST_F(UpdateSwInATerminal, WithYesDoesNotAsk) {
+  options.yes = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().find("[y/N]"), std::string::npos);
+}
+
+TEST_F(UpdateSwInATerminal, WhereNothingIsRemovedDoesNotAsk) {
+  std::filesystem::remove_all(folder / "Installed.app");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().find("[y/N]"), std::string::npos);
 }
 
 }  // namespace

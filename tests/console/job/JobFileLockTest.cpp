@@ -101,7 +101,7 @@ TEST_F(JobFileLockTest, WhereNoFileCanBeMadeTellsPathAndCause) {
 TEST_F(JobFileLockTest, TheWorkerDoesNotKeepIt) {
   ASSERT_EQ(::mkfifo((folder / "line").c_str(), 0600), 0);
   held = lock(folder / kPath);
-  const WorkerProcess worker({"/bin/cat", folder / "line", folder / "line"});
+  const WorkerProcess worker({"/bin/cat", folder / "line", "/dev/null"});
   std::ofstream line(folder / "line");  // once it reads
   held.reset();
   EXPECT_EQ(codeOfLocking(), 0);

@@ -1,0 +1,14 @@
+// An application as it stands on the disk: a folder with its programs in Contents.
+#pragma once
+
+#include <string>
+
+namespace kelvane::console {
+
+// Why the folder is no application: "it has no folder Contents"; empty where it is one.
+std::string applicationFault(const std::string& bundle);
+
+// The version that its property list tells; empty where it tells none.
+std::string versionOf(const std::string& bundle);
+
+}  // namespace kelvane::console
