@@ -31,7 +31,6 @@ using ::testing::Contains;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using ::testing::StartsWith;
 
 constexpr char kClients[] = KELVANE_SOURCES "docs/integration/";

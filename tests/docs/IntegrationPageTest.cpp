@@ -22,7 +22,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using platform::Value;
-using ::testing::Contains;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
