@@ -3,7 +3,9 @@
 # .ci/run; for the third: . tools/packages.sh; tools/install-packages "${benchmark_packages[@]}"
 build_packages=(cmake ninja-build g++ nlohmann-json3-dev libfmt-dev libcli11-dev zlib1g-dev
   libplist-dev libexpat1-dev libpcre2-dev libssl-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-base)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-base python3 jq
+  procps)
 benchmark_packages=(python3 strace linux-perf gnuplot-nox)
 style_packages=(git clang-format clang-tidy lintian)
-clang_packages=(clang-16 libc++-16-dev libc++abi-16-dev)
+# The last is for the client in Objective-C, which clang compiles.
+clang_packages=(clang-16 libc++-16-dev libc++abi-16-dev libgnustep-base-dev)

@@ -134,7 +134,9 @@ class ExampleWorld : public Installation {
                     "firmware": "2.3.0", "cpld": "1.6", "usb_bridge": "3.0"}])");
     updateFirmware({{"50000000000000A1", folder / "standard.img"}});
     fs::create_symlink(folder / "journal", folder / "journal.jsonl");
-    fs::create_directory_symlink(KELVANE_SOURCES "tools", folder / "tools");
+    for (const std::string part : {"tools", "docs"}) {
+      fs::create_directory_symlink(KELVANE_SOURCES + part, folder / part);
+    }
     fs::create_directory(folder / "build");
     fs::create_directory_symlink(KELVANE_BUILD, folder / "build/default");
     environment["PATH"] = KELVANE_PROGRAMS ":" + std::string(std::getenv("PATH"));
@@ -167,7 +169,9 @@ class ExampleWorld : public Installation {
     const std::string beside = folder.path() + "-";
     const std::string placed = replaced(text, "/tmp/", beside);
     const std::string atHome = replaced(placed, "/home/me", folder.path());
-    return replaced(atHome, beside + "first.app first\n", beside + "first.app first 0\n");
+    const std::string first =
+        replaced(atHome, beside + "first.app first\n", beside + "first.app first 0\n");
+    return replaced(first, beside + "try.app try\n", beside + "try.app try 0\n");
   }
 };
 

@@ -145,9 +145,11 @@ TEST_F(InstalledTree, NothingNamesThePlaceWhereItWasBuilt) {
 
 TEST_F(InstalledTree, EveryPageIsInTheDocumentation) {
   const Names installed = filesBelow(path("share/doc/kelvane"));
-  for (const auto& page : fs::directory_iterator(KELVANE_SOURCES "docs")) {
-    if (page.is_directory()) continue;
-    EXPECT_THAT(installed, Contains("docs/" + page.path().filename().string()));
+  for (const std::string folder : {"docs/", "docs/integration/"}) {
+    for (const auto& page : fs::directory_iterator(KELVANE_SOURCES + folder)) {
+      if (page.is_directory()) continue;
+      EXPECT_THAT(installed, Contains(folder + page.path().filename().string()));
+    }
   }
   EXPECT_THAT(installed, Contains("README.md"));
 }
