@@ -100,8 +100,8 @@ class Value {
   const std::string* rememberText(Form form, std::string& text) const;
   // The same of a part of a text, which is copied.
   void rememberPart(Form form, const std::string& text, std::size_t start) const;
-  // About as many bytes as a text of a whole array takes, by what is remembered of its elements, and
-  // some to spare for those that have changed.
+  // About as many bytes as a text of a whole array takes, by what is remembered of its elements,
+  // and some to spare for those that have changed.
   std::size_t expectedSize(Form form) const;
 
   // Same kind and content; numbers by their digits, dictionaries regardless of order.

@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "console/checks/NumberRange.h"
+#include "console/checks/JsonMistake.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
@@ -29,7 +29,8 @@ std::string whyNotRead(const std::string& text) {
   if (const std::string number = numberOutOfRange(text); !number.empty()) {
     return " cannot be read: " + number + " is beyond the range of a double";
   }
-  return " is not JSON: no strict JSON with an array or an object at the top, or nested too deep";
+  const std::string mistake = jsonMistake(text);
+  return " is not JSON: " + (mistake.empty() ? "it holds a NUL byte" : mistake);
 }
 
 std::string nearestFolder(std::string folder) {

@@ -47,7 +47,7 @@ void findDepth(const std::string& bundle, Findings& findings) {
   const std::ptrdiff_t depth = depthOf(real);
   if (depth == 2) return;
   findings.push_back(
-      {Severity::error,
+      {Code::bundleDepth, Severity::error,
        real.string() + " stands " + std::to_string(depth) + (depth == 1 ? " level" : " levels") +
            " below the root, not two",
        "The worker takes " + takenForTheBundle(real) +
@@ -60,7 +60,7 @@ void findElsewhere(const std::string& bundle, const std::string& worker, Finding
   const fs::path expected = workerIn(realPath(bundle).string());
   const fs::path real = realPath(worker);
   if (real == expected) return;
-  findings.push_back({Severity::error, worker + " leads to " + real.string(),
+  findings.push_back({Code::workerElsewhere, Severity::error, worker + " leads to " + real.string(),
                       "The worker takes the place that the link leads to for its own: it looks for "
                       "its settings and its framework there, not in this bundle.",
                       "Put the worker itself in the link's place."});
@@ -71,16 +71,18 @@ void findWorker(const std::string& bundle, Findings& findings) {
   const EntryKind kind = kindOf(worker);
   if (kind != EntryKind::file && kind != EntryKind::unreachable) {
     const char* fault = kind == EntryKind::missing ? " does not exist" : " is no regular file";
-    findings.push_back({Severity::error, "the worker " + worker + fault, kNoWorker,
-                        "Install the worker into the bundle."});
+    findings.push_back({Code::workerMissing, Severity::error, "the worker " + worker + fault,
+                        kNoWorker, "Install the worker into the bundle."});
     return;
   }
   if (const std::string cause = refusal(worker, Access::execute); !cause.empty()) {
-    findings.push_back({Severity::error, "the worker " + worker + " cannot be executed: " + cause,
-                        kNoWorker, "Make it executable for the user that runs the application."});
+    findings.push_back({Code::workerNotExecutable, Severity::error,
+                        "the worker " + worker + " cannot be executed: " + cause, kNoWorker,
+                        "Make it executable for the user that runs the application."});
   } else if (const std::string fault = programFault(worker); !fault.empty()) {
-    findings.push_back({Severity::error, "the worker " + worker + " cannot be started: " + fault,
-                        kNoWorker, "Install the worker into the bundle."});
+    findings.push_back({Code::workerNoProgram, Severity::error,
+                        "the worker " + worker + " cannot be started: " + fault, kNoWorker,
+                        "Install the worker into the bundle."});
   }
   findElsewhere(bundle, worker, findings);
 }
@@ -89,9 +91,10 @@ void findLibrary(const std::string& path, Findings& findings) {
   if (kindOf(path) != EntryKind::file) return;
   const std::string fault = libraryFault(path);
   if (fault.empty()) return;
-  findings.push_back({Severity::error, "the library " + path + " cannot be loaded: " + fault,
+  findings.push_back({Code::libraryDamaged, Severity::error,
+                      "the library " + path + " cannot be loaded: " + fault,
                       "A program that needs it cannot be started: jobs stay in state WAIT.",
-                      "Install the worker into the bundle anew."});
+                      "Install the worker into the bundle anew.", path});
 }
 
 // The libraries that the bundle brings along, the framework aside.
@@ -113,12 +116,15 @@ Findings bundleFindings(const std::string& bundle) {
   Findings findings = installationProcessFindings(bundle, platform::runningProcesses());
   if (kindOf(bundle) != EntryKind::folder) {
     const char* fault = kindOf(bundle) == EntryKind::missing ? " does not exist" : " is no folder";
-    findings.push_back({Severity::error, "the bundle " + bundle + fault, kNoWorker,
-                        "Name the application's bundle, a folder that ends with .app."});
+    findings.push_back({Code::bundleMissing, Severity::error, "the bundle " + bundle + fault,
+                        kNoWorker, "Name the application's bundle, a folder that ends with .app.",
+                        bundle});
     return findings;
   }
   findDepth(bundle, findings);
+  findings = concerning(bundle, findings);
   findWorker(bundle, findings);
+  findings = concerning(workerIn(bundle), findings);
   append(findings, productSettingsFindings(productSettingsPath(bundle)));
   append(findings, frameworkFindings(frameworkPath(bundle)));
   findLibraries(bundle, findings);

@@ -1,9 +1,13 @@
 #include "console/checks/CatalogueChecks.h"
 
+#include <algorithm>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "console/checks/Access.h"
 #include "contract/JobFile.h"
+#include "platform/File.h"
 
 namespace kelvane::console {
 
@@ -24,6 +28,28 @@ std::string engineFolder(const Value& record) {
 
 }  // namespace
 
+// Only of jobs that no engine has begun: what stands there is somebody else's.
+Findings engineFolderFindings(const Value& records) {
+  Findings findings;
+  for (const Value& record : records.elements()) {
+    const std::string folder = engineFolder(record);
+    if (folder.empty() || record.get(job::kStateId) != Value(job::kWait)) continue;
+    std::vector<std::string> names = platform::listFolder(folder);
+    if (names.empty()) continue;
+    const auto first = *std::min_element(names.begin(), names.end());
+    const Value& logId = record.get(job::kLogId);
+    findings.push_back(
+        {Code::engineFolderInUse, Severity::warning,
+         "the update engine's folder " + folder + " is not empty: it holds " +
+             (names.size() == 1 ? first : first + " and others"),
+         "When the job is done, the worker takes what is in it for the engine's, copies it to the "
+         "download area and removes the folder with everything in it.",
+         "Add the job anew with a folder of its own, which need not be there yet.", folder,
+         logId.isString() ? logId.string() : ""});
+  }
+  return findings;
+}
+
 Findings catalogueFindings(const Value& records, const std::string& name) {
   std::set<std::string> folders;
   for (const Value& record : records.elements()) folders.insert(engineFolder(record));
@@ -34,10 +60,11 @@ Findings catalogueFindings(const Value& records, const std::string& name) {
     path.append("/").append(name).append(".plist");
     const EntryKind kind = kindOf(path);
     if (kind != EntryKind::folder && kind != EntryKind::other) continue;
-    findings.push_back({Severity::warning, "the catalogue " + path + " is no regular file",
+    findings.push_back({Code::catalogueNoFile, Severity::warning,
+                        "the catalogue " + path + " is no regular file",
                         "To the worker there is no catalogue: a query ends without output, and a "
                         "download takes nothing from it.",
-                        "Remove it, unless the update engine does: it makes a new one."});
+                        "Remove it, unless the update engine does: it makes a new one.", path});
   }
   return findings;
 }

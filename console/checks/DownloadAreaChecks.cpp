@@ -11,9 +11,13 @@ namespace kelvane::console {
 namespace {
 
 Finding leftover(const std::string& path, const char* meaning) {
-  return {Severity::warning, path + " is left over", meaning,
+  return {Code::downloadLeftover,
+          Severity::warning,
+          path + " is left over",
+          meaning,
           "Remove it while no worker runs, or leave it: a later download of the same package "
-          "removes it."};
+          "removes it.",
+          path};
 }
 
 }  // namespace
@@ -21,7 +25,8 @@ Finding leftover(const std::string& path, const char* meaning) {
 Findings downloadAreaFindings(const std::string& sharedFolder) {
   const std::string refused = changeRefusal(sharedFolder + paths::kDownloadArea);
   if (refused.empty()) return {};
-  return {{Severity::error, "the download area cannot be changed: " + refused,
+  return {{Code::downloadAreaFixed, Severity::error,
+           "the download area cannot be changed: " + refused,
            "Downloaded packages cannot be put there, and no one is told: a download ends with 259.",
            "Give the user that runs the worker the right to write in the folder."}};
 }

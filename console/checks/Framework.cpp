@@ -126,17 +126,21 @@ Findings frameworkFindings(const std::string& path) {
   const EntryKind kind = kindOf(path);
   if (kind == EntryKind::missing || kind == EntryKind::unreachable) {
     const std::string cause = refusal(path, Access::read);
-    return {{Severity::error, "open " + path + ": " + cause, kNoWorker, kPutBack}};
+    return {{Code::frameworkMissing, Severity::error, "open " + path + ": " + cause, kNoWorker,
+             kPutBack, path}};
   }
   if (kind != EntryKind::file) {
-    return {{Severity::error, path + " is no regular file", kNoWorker, kPutBack}};
+    return {{Code::frameworkNoFile, Severity::error, path + " is no regular file", kNoWorker,
+             kPutBack, path}};
   }
   const LibraryTrial trial = tryLibrary(path);
   if (!trial.fault.empty()) {
-    return {{Severity::error, path + " cannot be loaded: " + trial.fault, kNoWorker, kPutBack}};
+    return {{Code::frameworkNotLoadable, Severity::error,
+             path + " cannot be loaded: " + trial.fault, kNoWorker, kPutBack, path}};
   }
   if (trial.missing.empty()) return {};
-  return {{Severity::error, path + " lacks " + joined(trial.missing, ", "), kNoWorker, kPutBack}};
+  return {{Code::frameworkIncomplete, Severity::error,
+           path + " lacks " + joined(trial.missing, ", "), kNoWorker, kPutBack, path}};
 }
 
 }  // namespace kelvane::console

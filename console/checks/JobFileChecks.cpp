@@ -1,6 +1,7 @@
 #include "console/checks/JobFileChecks.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -12,6 +13,8 @@
 namespace kelvane::console {
 namespace {
 
+constexpr std::uint64_t kLargeFrom = 10'000'000;  // bytes
+
 std::string placeOf(const std::string& path) {
   std::error_code untold;
   const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, untold);
@@ -21,7 +24,8 @@ std::string placeOf(const std::string& path) {
 // Before the first job there is no file; whoever adds it makes one.
 void findMissing(const std::string& path, Findings& findings) {
   if (isLink(path)) {
-    findings.push_back({Severity::error, path + " is a link that leads nowhere",
+    findings.push_back({Code::jobFileLinkNowhere, Severity::error,
+                        path + " is a link that leads nowhere",
                         "The worker finds no job file and starts nothing.",
                         "Remove the link, or put back the file that it leads to."});
     return;
@@ -29,7 +33,8 @@ void findMissing(const std::string& path, Findings& findings) {
   const std::string folder = platform::withoutLastComponent(path);
   if (kindOf(folder) != EntryKind::missing) return;
   findings.push_back(
-      {Severity::warning, "the job file's folder " + folder + " does not exist",
+      {Code::jobFileFolderMissing, Severity::warning,
+       "the job file's folder " + folder + " does not exist",
        "No job was ever added here: a worker that is started finds nothing to do.",
        "Check that this is the folder that the application shares with the worker. The console "
        "makes what is missing when it adds a job."});
@@ -38,23 +43,35 @@ void findMissing(const std::string& path, Findings& findings) {
 void findDamage(const std::string& path, Findings& findings) {
   const JsonFile file = readJsonFile(path);
   if (!file.fault.empty()) {
-    findings.push_back({Severity::error, file.fault,
+    findings.push_back({Code::jobFileDamaged, Severity::error, file.fault,
                         "The worker finds no job in it and starts nothing. A job that runs "
                         "meanwhile stays in state RUN.",
                         refusal(path, Access::read).empty()
                             ? "Mend the file, or move it away: the application starts a new one."
                             : "Give the user that runs the worker the right to read it."});
   } else if (!file.value.isArray()) {
-    findings.push_back({Severity::error, path + " is an object, not an array of records",
+    findings.push_back({Code::jobFileNoList, Severity::error,
+                        path + " is an object, not an array of records",
                         "The worker finds no job in it and starts nothing.",
                         "Put the records into an array, or move the file away."});
   }
 }
 
+void findLarge(const std::string& path, Findings& findings) {
+  const std::uint64_t bytes = platform::fileSize(path);
+  if (kindOf(path) != EntryKind::file || bytes < kLargeFrom) return;
+  findings.push_back(
+      {Code::jobFileLarge, Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
+       "Each step of a job's progress reads it whole, writes it whole, and writes it into the log "
+       "four times: jobs get slow, and the log large.",
+       "Remove records of finished jobs that nobody needs, while no worker runs."});
+}
+
 void findNotWritable(const std::string& path, Findings& findings) {
   const std::string cause = refusal(path, Access::write);
   if (cause.empty()) return;
-  findings.push_back({Severity::warning, path + " cannot be written: " + cause,
+  findings.push_back({Code::jobFileReadOnly, Severity::warning,
+                      path + " cannot be written: " + cause,
                       "The worker replaces the file all the same, where it may change the folder; "
                       "an application that writes into the file cannot add a job.",
                       "Give the user that runs the application the right to write it."});
@@ -63,7 +80,7 @@ void findNotWritable(const std::string& path, Findings& findings) {
 void findLink(const std::string& path, Findings& findings) {
   if (!isLink(path)) return;
   findings.push_back(
-      {Severity::warning, path + " is a link to " + placeOf(path),
+      {Code::jobFileLink, Severity::warning, path + " is a link to " + placeOf(path),
        "The worker replaces the file that the link leads to, in that file's folder. A program that "
        "replaces the job file itself takes the link away and parts the two.",
        "Put the file itself in the link's place, unless the link is wanted."});
@@ -77,12 +94,14 @@ Findings jobFileFindings(const std::string& path) {
     findMissing(path, findings);
   } else {
     findDamage(path, findings);
+    findLarge(path, findings);
     findNotWritable(path, findings);
     findLink(path, findings);
   }
   const std::string refused = changeRefusal(platform::withoutLastComponent(placeOf(path)));
   if (!refused.empty()) {
-    findings.push_back({Severity::error, "the job file's folder cannot be changed: " + refused,
+    findings.push_back({Code::jobFileFolderFixed, Severity::error,
+                        "the job file's folder cannot be changed: " + refused,
                         "Every update of a job replaces the file by a new one in this folder. None "
                         "is written, and no one is told: jobs that are started are carried out, "
                         "flashes too, and their records stay as they are.",
@@ -100,10 +119,11 @@ Findings leftoverFindings(const std::string& path) {
     if (name.rfind(platform::kReplacementPrefix, 0) != 0) continue;
     std::string what = folder;
     what += "/" + name + " is left over";
-    findings.push_back({Severity::warning, what,
+    findings.push_back({Code::jobFileLeftover, Severity::warning, what,
                         "A worker was killed, or the computer went down, while it wrote the job "
                         "file. The job file itself is whole.",
-                        "Delete it. Look for a job that is still in state RUN."});
+                        "Delete it. Look for a job that is still in state RUN.",
+                        folder + "/" + name});
   }
   return findings;
 }

@@ -14,24 +14,25 @@ constexpr char kNothingLogged[] =
     "Nothing is logged, and jobs run all the same: what a job did cannot be told afterwards.";
 
 Finding missing(const std::string& path) {
-  return {Severity::warning, "open " + path + ": No such file or directory",
+  return {Code::logMissing, Severity::warning, "open " + path + ": No such file or directory",
           std::string("The worker never makes the log. ") + kNothingLogged,
           "Make an empty file there."};
 }
 
 Finding notAFile(const std::string& path, EntryKind kind) {
   const char* fault = kind == EntryKind::folder ? " is a folder" : " is no regular file";
-  return {Severity::warning, path + fault, kNothingLogged, "Put an empty file in its place."};
+  return {Code::logNoFile, Severity::warning, path + fault, kNothingLogged,
+          "Put an empty file in its place."};
 }
 
 Finding notWritable(const std::string& path, const std::string& cause) {
-  return {Severity::warning, path + " cannot be written: " + cause, kNothingLogged,
-          "Give the user that runs the worker the right to write it."};
+  return {Code::logReadOnly, Severity::warning, path + " cannot be written: " + cause,
+          kNothingLogged, "Give the user that runs the worker the right to write it."};
 }
 
 Finding large(const std::string& path, std::uint64_t bytes) {
   return {
-      Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
+      Code::logLarge, Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
       "It has reached 100 MiB and grows without a bound: nothing rotates it. On a full disk jobs "
       "can stay in state RUN.",
       "Move it away while no job runs, and put an empty file in its place."};
@@ -42,7 +43,7 @@ Finding large(const std::string& path, std::uint64_t bytes) {
 Findings logFileFindings(const std::string& path) {
   if (path.size() >= kPathLimit) {
     return {
-        {Severity::error,
+        {Code::logPathLong, Severity::error,
          path + ": the path has " + std::to_string(path.size()) + " bytes, and 511 are possible",
          "The worker ends at once, before it has looked at any job.",
          "Use a shared folder with a shorter path."}};

@@ -8,6 +8,7 @@
 #include "console/checks/Access.h"
 #include "console/checks/BundleChecks.h"
 #include "console/checks/SettingsChecks.h"
+#include "console/display/Words.h"
 #include "contract/Paths.h"
 #include "contract/Settings.h"
 
@@ -62,14 +63,34 @@ Findings engineProcessFindings(const std::string& sharedFolder,
     const std::string logId = valueOf(process, "-logId");
     if (!isSame(process, valueOf(process, "-logPath"), sharedFolder + paths::kJobFile)) continue;
     if (workerRuns(logId, sharedFolder, processes)) continue;
-    findings.push_back({Severity::warning,
+    findings.push_back({Code::engineWithoutWorker, Severity::warning,
                         "an update engine runs for job " + logId + toldBy(process) +
                             ", and no worker for it is seen",
                         "Its worker was killed. The engine goes on and writes into the folder that "
                         "the job names; another job with that folder would meet it there.",
-                        "Wait for its end, or end it, before a job is put into state WAIT again."});
+                        "Wait for its end, or end it, before a job is put into state WAIT again.",
+                        "", logId});
   }
   return findings;
+}
+
+Findings workerProcessFindings(const std::string& sharedFolder, const std::set<std::string>& logIds,
+                               const std::vector<RunningProcess>& processes) {
+  std::vector<std::string> running;
+  for (const std::string& logId : logIds) {
+    const std::size_t count = workersNamed(logId, sharedFolder, processes);
+    running.insert(running.end(), count, logId);
+    // One of another name stands behind an interpreter's or a tool's, which are processes, too.
+    if (count == 0 && workerRuns(logId, sharedFolder, processes)) running.push_back(logId);
+  }
+  if (running.size() < 2) return {};
+  return {
+      {Code::twoWorkers, Severity::error,
+       std::to_string(running.size()) + " workers run at once, for jobs " + joined(running, ", "),
+       "Each overwrites what the other writes: records lose their results, and two workers may "
+       "flash one controller.",
+       "Wait for their ends, and look at each job with \"explain\". Start one worker at a time.",
+       sharedFolder + paths::kJobFile}};
 }
 
 Findings installationProcessFindings(const std::string& bundle,
@@ -85,12 +106,13 @@ Findings installationProcessFindings(const std::string& bundle,
   for (const RunningProcess& process : processes) {
     if (!isToolFor(application, process)) continue;
     const char* what = process.arguments[0] == "/bin/rm" ? "removes " : "copies to ";
-    findings.push_back({Severity::warning,
+    findings.push_back({Code::toolWithoutWorker, Severity::warning,
                         process.arguments[0] + toldBy(process) + " still " + what + application +
                             ", and no worker is seen",
                         "Its worker was killed. An installation that is started meanwhile can lose "
                         "files to it.",
-                        "Wait for its end before a job is put into state WAIT again."});
+                        "Wait for its end before a job is put into state WAIT again.",
+                        application});
   }
   return findings;
 }

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <map>
 
+#include "console/checks/ImageChecks.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "platform/Json.h"
@@ -60,13 +61,41 @@ std::string installationFault(const Value& inputs) {
   return stringFault(inputs, job::kInputParameters, {job::kFilePath});
 }
 
+std::string entryFault(const Value& inputs, std::size_t index) {
+  return stringFault(inputs.at(index), job::kInputParameters + inBrackets(index),
+                     {job::kWwn, job::kFilePath});
+}
+
 std::string firmwareFault(const Value& inputs) {
   std::string fault = arrayFault(inputs);
-  for (std::size_t i = 0; fault.empty() && i < inputs.count(); ++i) {
-    fault = stringFault(inputs.at(i), job::kInputParameters + inBrackets(i),
-                        {job::kWwn, job::kFilePath});
-  }
+  for (std::size_t i = 0; fault.empty() && i < inputs.count(); ++i) fault = entryFault(inputs, i);
   return fault;
+}
+
+// What the worker does at an entry that lacks something, once it has flashed those before it.
+std::string endAtEntry(const Value& entry) {
+  if (!entry.isDictionary()) {
+    return "No progress is written, and at this entry the worker gives up: the job stays in state "
+           "WAIT.";
+  }
+  if (!entry.has(job::kWwn)) return "At this entry the job ends with 1026 (0x0402).";
+  if (!entry.get(job::kWwn).isString()) {
+    return "No progress is written, and at this entry the job ends with 1026 (0x0402).";
+  }
+  if (!entry.has(job::kFilePath)) {
+    return "At this entry the job ends as with an image that cannot be read.";
+  }
+  return "At this entry the worker gives up: the job stays in state RUN.";
+}
+
+// What a firmware job with a fault does all the same.
+std::string firmwareMeaning(const Value& inputs) {
+  if (!arrayFault(inputs).empty()) return "No controller is flashed.";
+  std::size_t index = 0;
+  while (index < inputs.count() && entryFault(inputs, index).empty()) ++index;
+  if (index == inputs.count()) return {};
+  return (index == 0 ? "" : "The controllers before it are flashed. ") +
+         endAtEntry(inputs.at(index)) + " Later ones are not started.";
 }
 
 struct Command {
@@ -112,22 +141,25 @@ class Records {
       : path_(path), workerRuns_(workerRuns), logOf_(logOf) {}
 
   void take(const Value& record, std::size_t index) {
-    const std::string place = path_ + ": element " + std::to_string(index + 1);
+    const std::string place = path_ + ": element " + inBrackets(index);
+    job_.clear();
     if (!record.isDictionary()) {
-      add(Severity::error, place + " is no object: " + valueText(record), kNoUpdates,
-          "Remove it from the file.");
+      add(Code::recordNoObject, Severity::error, place + " is no object: " + valueText(record),
+          kNoUpdates, "Remove it from the file.");
       return;
     }
     const Value& logId = record.get(job::kLogId);
     if (logId.isNothing()) {
-      add(Severity::warning, place + " has no log_id",
+      add(Code::recordNoLogId, Severity::warning, place + " has no log_id",
           "It is never started, and the progress of firmware jobs before it is lost.",
           "Give it a log_id, or remove it.");
     } else if (!logId.isString()) {
-      add(Severity::error, place + " has a log_id that is no string: " + valueText(logId),
-          kNoUpdates, "Write it as a string, such as \"17\".");
+      add(Code::recordLogIdNoString, Severity::error,
+          place + " has a log_id that is no string: " + valueText(logId), kNoUpdates,
+          "Write it as a string, such as \"17\".");
     } else {
       ++counts_[logId.string()];
+      job_ = logId.string();
       takeJob(record, path_ + ": job " + logId.string());
     }
   }
@@ -135,7 +167,8 @@ class Records {
   Findings findings() {
     for (const auto& [logId, count] : counts_) {
       if (count == 1) continue;
-      add(Severity::warning,
+      job_ = logId;
+      add(Code::logIdTwice, Severity::warning,
           path_ + ": " + std::to_string(count) + " jobs have the log_id " + logId,
           "What the worker writes of one goes into all of them: the earlier ones lose their "
           "command and their result.",
@@ -155,12 +188,18 @@ class Records {
       }
     } else if (!fault.empty() || isInState(record, job::kWait)) {
       takeUnwritten(record, job);
-      if (const std::string why = whyNotStarted(record); !why.empty()) addNotStarted(job, why);
+      if (const std::string why = whyNotStarted(record); !why.empty()) {
+        addFaulty(job, why, meaningOf(record));
+      } else if (record.get(job::kJobId).string() == job::kUpdateFW) {
+        takeImages(record.get(job::kInputParameters), job);
+      }
     } else if (isInState(record, job::kRun)) {
       takeRunning(record, job);
     } else {
-      addNotStarted(job, "state_id is \"" + record.get(job::kStateId).string() +
-                             "\", which is none of WAIT, RUN, FREE");
+      addFaulty(job,
+                "state_id is \"" + record.get(job::kStateId).string() +
+                    "\", which is none of WAIT, RUN, FREE",
+                "No worker ever starts it.");
     }
   }
 
@@ -168,21 +207,41 @@ class Records {
     const std::string& command = record.get(job::kJobId).string();
     const bool hasResult = record.get(job::kResult).isNumber();
     if (command == job::kUpdateFW && !hasResult) {
-      add(Severity::warning, job + " is finished, and there is no result",
+      add(Code::jobNoResult, Severity::warning, job + " is finished, and there is no result",
           "The end of a firmware job always has its result: not the worker wrote this one.",
           "Find out who writes the job file besides the worker.");
     } else if (command == job::kUpdateFW && !record.has(job::kOutput) &&
                firmwareFault(record.get(job::kInputParameters)).empty()) {
-      addFirstWriteFailed(job + " is finished, and there is no output",
+      addFirstWriteFailed(Code::jobNoOutput, job + " is finished, and there is no output",
                           "The job was done, and its result counts; its progress is lost.");
     } else if (isKnown(command) && !hasResult) {
-      addFirstWriteFailed(job + " is finished, and there is no result",
+      addFirstWriteFailed(Code::jobNoResult, job + " is finished, and there is no result",
                           "The job was done, and would have the result 0.");
+    } else if (!isKnown(command) && !hasResult) {
+      add(Code::jobNoResult, Severity::warning, job + " is finished, and there is no result",
+          "The worker does not know the command \"" + command + "\": it did not write this.",
+          "Find out who writes the job file besides the worker.");
     }
   }
 
-  void addFirstWriteFailed(const std::string& what, const std::string& outcome) {
-    add(Severity::warning, what,
+  // An image that is not there ends the job at its controller, behind those that were flashed.
+  void takeImages(const Value& inputs, const std::string& job) {
+    for (std::size_t i = 0; i < inputs.count(); ++i) {
+      const std::string& image = inputs.at(i).get(job::kFilePath).string();
+      const std::string fault = imageFault(image);
+      if (fault.empty()) continue;
+      std::string what = job;
+      what.append(": the image of ").append(job::kInputParameters).append(inBrackets(i));
+      add(Code::imageUnusable, Severity::error, what.append(", ").append(image).append(",") + fault,
+          "The controllers before it are flashed. At this entry the job fails, and later ones are "
+          "not started.",
+          "Put the image there, or add the job anew with the absolute path of one that is.");
+      findings_.back().path = image;
+    }
+  }
+
+  void addFirstWriteFailed(Code code, const std::string& what, const std::string& outcome) {
+    add(code, Severity::warning, what,
         "The worker's first write of the job failed, as on a full disk, and its last one did "
         "not. " +
             outcome,
@@ -193,7 +252,8 @@ class Records {
     if (workerRuns_(record.get(job::kLogId).string())) return;
     const LogStretch log = logOf_(record);
     if (!mayHaveBeenDone(record, log)) return;
-    add(Severity::error, job + " is in state WAIT, and the log holds steps of it",
+    add(Code::jobUnwritten, Severity::error,
+        job + " is in state WAIT, and the log holds steps of it",
         "A worker took it and could not write what became of it: " +
             whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep + "\".",
         "Mend what keeps the job file from being written. Look what was done before the job is "
@@ -204,7 +264,8 @@ class Records {
     const std::string& logId = record.get(job::kLogId).string();
     if (workerRuns_(logId)) return;
     const bool flashes = record.get(job::kJobId).string() == job::kUpdateFW;
-    add(Severity::warning, job + " is in state RUN, and no worker for it is seen",
+    add(Code::jobNoWorker, Severity::warning,
+        job + " is in state RUN, and no worker for it is seen",
         "Its worker was killed, or gave up with an error line in the log. Nothing takes the job "
         "up.",
         "See \"explain " + logId + "\" for the job; then add it anew under another log_id." +
@@ -214,25 +275,34 @@ class Records {
   }
 
   void addNotWhole(const std::string& what) {
-    add(Severity::warning, what, "The record does not tell what the job was.",
+    add(Code::jobNotWhole, Severity::warning, what, "The record does not tell what the job was.",
         "Remove the record, if nobody needs it.");
   }
 
-  void addNotStarted(const std::string& job, const std::string& why) {
-    add(Severity::error, job + " cannot be run: " + why,
-        "The worker leaves the job as it is, or ends it without having done anything.",
+  static std::string meaningOf(const Value& record) {
+    if (!keyFault(record).empty()) {
+      return "The worker leaves the job as it is, or ends it without having done anything.";
+    }
+    const bool flashes = record.get(job::kJobId).string() == job::kUpdateFW;
+    return flashes ? firmwareMeaning(record.get(job::kInputParameters))
+                   : "The worker leaves the job in state WAIT without having done anything.";
+  }
+
+  void addFaulty(const std::string& job, const std::string& why, const std::string& meaning) {
+    add(Code::jobFaulty, Severity::error, job + " cannot be carried out: " + why, meaning,
         "Compare the record with the examples of its command, and add it anew.");
   }
 
-  void add(Severity severity, const std::string& what, const std::string& meaning,
+  void add(Code code, Severity severity, const std::string& what, const std::string& meaning,
            const std::string& advice) {
-    findings_.push_back({severity, what, meaning, advice});
+    findings_.push_back({code, severity, what, meaning, advice, path_, job_});
   }
 
   const std::string& path_;
   const WorkerRuns& workerRuns_;
   const LogOf& logOf_;
   std::map<std::string, int> counts_;
+  std::string job_;  // the log id of the record that is looked at
   Findings findings_;
 };
 

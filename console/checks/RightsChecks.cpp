@@ -41,16 +41,17 @@ std::string othersWhoMayWrite(const struct stat& entry, uid_t user) {
 Findings rightsFindings(const std::string& sharedFolder) {
   Findings findings;
   for (const char* place : kPlaces) {
-    std::string path = sharedFolder + place;
+    const std::string path = sharedFolder + place;
     struct stat entry = {};
     if (::stat(path.c_str(), &entry) != 0) continue;
     const std::string others = othersWhoMayWrite(entry, ::geteuid());
     if (others.empty()) continue;
     findings.push_back(
-        {Severity::warning, path.append(" can be written by ").append(others),
+        {Code::othersMayWrite, Severity::warning, path + " can be written by " + others,
          "AppPath in the shared folder's settings names the program that queries and downloads "
          "start: whoever may write there runs programs with the worker's rights.",
-         "Take the right to write away from others, and run the worker as the folder's owner."});
+         "Take the right to write away from others, and run the worker as the folder's owner.",
+         path});
   }
   return findings;
 }

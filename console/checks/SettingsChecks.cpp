@@ -1,11 +1,16 @@
 #include "console/checks/SettingsChecks.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "console/checks/Access.h"
 #include "contract/Paths.h"
 #include "contract/Settings.h"
 #include "platform/File.h"
 
 namespace kelvane::console {
+
+namespace fs = std::filesystem;
 
 using platform::Value;
 
@@ -52,14 +57,14 @@ Value readSettings(const std::string& path, const char* meaning, Findings& findi
     file.fault = path + " is an array, not an object";
   }
   if (file.fault.empty()) return file.value;
-  findings.push_back({Severity::error, file.fault, meaning,
+  findings.push_back({Code::settingsUnreadable, Severity::error, file.fault, meaning,
                       "Install the application anew, or write the file as the settings' reference "
                       "page shows it."});
   return {};
 }
 
 Finding engineFinding(const std::string& what) {
-  return {Severity::error, what, kNoEngine,
+  return {Code::engineMissing, Severity::error, what, kNoEngine,
           "Make AppPath the bundle that has the update engine in Contents/Resources."};
 }
 
@@ -73,7 +78,7 @@ void findEngine(const std::string& settings, const std::string& application, Fin
   } else if (kindOf(engine) == EntryKind::folder || kindOf(engine) == EntryKind::other) {
     findings.push_back(engineFinding("the update engine " + engine + " is no file"));
   } else if (const std::string cause = refusal(engine, Access::execute); !cause.empty()) {
-    findings.push_back({Severity::error,
+    findings.push_back({Code::engineNotExecutable, Severity::error,
                         "the update engine " + engine + " cannot be executed: " + cause, kNoEngine,
                         "Make it executable for the user that runs the worker."});
   } else if (const std::string fault = programFault(engine); !fault.empty()) {
@@ -88,18 +93,44 @@ void findKeys(const std::string& path, const Value& settings, Findings& findings
     if (value.isString()) continue;
     const std::string name = path + ": \"" + setting.key + "\"";
     if (value.isNothing()) {
-      findings.push_back({setting.severity, name + " is missing", setting.missing,
-                          "Add the key with the product's value, a string."});
+      findings.push_back({Code::settingMissing, setting.severity, name + " is missing",
+                          setting.missing, "Add the key with the product's value, a string."});
     } else {
-      findings.push_back({Severity::error, name + " is no string", kUnusable, "Make it a string."});
+      findings.push_back({Code::settingNoString, Severity::error, name + " is no string", kUnusable,
+                          "Make it a string."});
     }
   }
+}
+
+// The first folder below the application, or itself, whose entries the user cannot remove.
+std::string fixedPart(const std::string& application) {
+  std::error_code untold;
+  if (const std::string cause = changeRefusal(application); !cause.empty()) return cause;
+  for (fs::recursive_directory_iterator entry(application, untold), end; !untold && entry != end;
+       entry.increment(untold)) {
+    std::error_code unknown;
+    if (!entry->is_directory(unknown) || entry->is_symlink(unknown)) continue;
+    const std::string cause = changeRefusal(entry->path().string());
+    if (!cause.empty()) return cause;
+  }
+  return {};
+}
+
+void findFixedParts(const std::string& application, Findings& findings) {
+  const std::string fixed = fixedPart(application);
+  if (fixed.empty()) return;
+  findings.push_back(
+      {Code::applicationFixed, Severity::error, "the application cannot be replaced: " + fixed,
+       "An installation removes and copies what it may, and ends with 0 all the same: the old "
+       "application stays, or a mixture of both.",
+       "Give the user that runs the worker the right to write in all folders of the application.",
+       application});
 }
 
 void findApplication(const std::string& path, const std::string& application, Findings& findings) {
   if (kindOf(application) != EntryKind::folder) {
     findings.push_back(
-        {Severity::warning,
+        {Code::applicationMissing, Severity::warning,
          path + ": AppPath leads to " + application + ", where no application stands",
          "An installation replaces nothing; it only copies the new application there, where the "
          "folder above it exists.",
@@ -107,8 +138,12 @@ void findApplication(const std::string& path, const std::string& application, Fi
     return;
   }
   const std::string refused = changeRefusal(platform::withoutLastComponent(application));
-  if (refused.empty()) return;
-  findings.push_back({Severity::error, "the application's folder cannot be changed: " + refused,
+  if (refused.empty()) {
+    findFixedParts(application, findings);
+    return;
+  }
+  findings.push_back({Code::applicationFolderFixed, Severity::error,
+                      "the application's folder cannot be changed: " + refused,
                       "An installation can neither remove the application nor copy the new one to "
                       "its place, and ends with 0 all the same.",
                       "Give the user that runs the worker the right to write in the folder."});
@@ -129,7 +164,7 @@ std::span<const ProductSetting> productSettings() { return kProductSettings; }
 Findings sharedSettingsFindings(const std::string& path) {
   Findings findings;
   const Value settings = readSettings(path, kNoEngine, findings);
-  if (!settings.isDictionary()) return findings;
+  if (!settings.isDictionary()) return concerning(path, findings);
   const Value& application = settings.get(settings::kAppPath);
   if (application.isString()) {
     findEngine(path, application.string(), findings);
@@ -137,17 +172,17 @@ Findings sharedSettingsFindings(const std::string& path) {
     findings.push_back(engineFinding(path + ": \"AppPath\" " +
                                      (application.isNothing() ? "is missing" : "is no string")));
   }
-  return findings;
+  return concerning(path, findings);
 }
 
 Findings productSettingsFindings(const std::string& path) {
   Findings findings;
   const Value settings = readSettings(path, kNoProduct, findings);
-  if (!settings.isDictionary()) return findings;
+  if (!settings.isDictionary()) return concerning(path, findings);
   findKeys(path, settings, findings);
   const Value& application = settings.get(settings::kAppPath);
   if (application.isString()) findApplication(path, application.string(), findings);
-  return findings;
+  return concerning(path, findings);
 }
 
 }  // namespace kelvane::console

@@ -1,8 +1,10 @@
 #include "console/checks/SharedFolderChecks.h"
 
 #include <algorithm>
+#include <set>
 
 #include "console/checks/Access.h"
+#include "console/checks/CatalogueChecks.h"
 #include "console/checks/DownloadAreaChecks.h"
 #include "console/checks/JobFileChecks.h"
 #include "console/checks/LogFileChecks.h"
@@ -25,16 +27,18 @@ Findings folderFindings(const std::string& folder) {
   constexpr char kAdvice[] = "Name the folder that the application shares with the worker.";
   const EntryKind kind = kindOf(folder);
   if (kind == EntryKind::missing) {
-    return {
-        {Severity::error, "the shared folder " + folder + " does not exist", kMeaning, kAdvice}};
+    return {{Code::sharedFolderMissing, Severity::error,
+             "the shared folder " + folder + " does not exist", kMeaning, kAdvice}};
   }
   if (kind != EntryKind::folder && kind != EntryKind::unreachable) {
-    return {{Severity::error, "the shared folder " + folder + " is no folder", kMeaning, kAdvice}};
+    return {{Code::sharedFolderNoFolder, Severity::error,
+             "the shared folder " + folder + " is no folder", kMeaning, kAdvice}};
   }
   const std::string cause = refusal(folder, Access::execute);
   if (cause.empty()) return {};
-  return {{Severity::error, "the shared folder " + folder + " cannot be entered: " + cause,
-           kMeaning, "Give the user that runs the worker the right to enter it."}};
+  return {{Code::sharedFolderClosed, Severity::error,
+           "the shared folder " + folder + " cannot be entered: " + cause, kMeaning,
+           "Give the user that runs the worker the right to enter it."}};
 }
 
 bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
@@ -50,13 +54,14 @@ bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
 
 Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
   const std::string path = sharedFolder + paths::kJobFile;
-  Findings findings = jobFileFindings(path);
+  Findings findings = concerning(path, jobFileFindings(path));
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();
   const LogOf logOf = [&sharedFolder](const Value& record) {
     return stretchIn(sharedFolder, record);
   };
   append(findings, recordFindings(path, records, workerRuns, logOf));
+  append(findings, engineFolderFindings(records));
   // A worker that runs has such files for moments.
   Findings leftovers = leftoverFindings(path);
   append(leftovers, leftoverDownloadFindings(sharedFolder));
@@ -64,17 +69,31 @@ Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRu
   return findings;
 }
 
+std::set<std::string> logIdsIn(const std::string& sharedFolder) {
+  std::set<std::string> logIds;
+  const Value records = readJsonFile(sharedFolder + paths::kJobFile).value;
+  if (!records.isArray()) return logIds;
+  for (const Value& record : records.elements()) {
+    if (!record.isDictionary() || !record.get(job::kLogId).isString()) continue;
+    logIds.insert(record.get(job::kLogId).string());
+  }
+  return logIds;
+}
+
 }  // namespace
 
 Findings sharedFolderFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
-  Findings findings = folderFindings(sharedFolder);
+  Findings findings = concerning(sharedFolder, folderFindings(sharedFolder));
   if (!findings.empty()) return findings;
   append(findings, jobFindings(sharedFolder, workerRuns));
-  append(findings, logFileFindings(logPath(sharedFolder)));
+  append(findings, concerning(logPath(sharedFolder), logFileFindings(logPath(sharedFolder))));
   append(findings, sharedSettingsFindings(sharedSettingsPath(sharedFolder)));
-  append(findings, downloadAreaFindings(sharedFolder));
+  append(findings,
+         concerning(sharedFolder + paths::kDownloadArea, downloadAreaFindings(sharedFolder)));
   append(findings, rightsFindings(sharedFolder));
-  append(findings, engineProcessFindings(sharedFolder, platform::runningProcesses()));
+  const auto processes = platform::runningProcesses();
+  append(findings, engineProcessFindings(sharedFolder, processes));
+  append(findings, workerProcessFindings(sharedFolder, logIdsIn(sharedFolder), processes));
   return findings;
 }
 

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "console/job/ExitCode.h"
+#include "contract/Paths.h"
 #include "platform/File.h"
 #include "platform/Utf8.h"
 
@@ -25,6 +26,18 @@ std::string existingShared(const std::string& folder) {
     throw Failure(kBadUsage, "the shared folder " + folder + " does not exist");
   }
   return prefix;
+}
+
+std::string workersShared(const std::string& folder) {
+  std::string prefix = existingShared(folder);
+  for (const char* part : paths::kBelowSharedFolder) {
+    const std::string above = platform::withoutLastComponent(prefix + part);
+    if (platform::isFolder(above)) return prefix;
+  }
+  throw Failure(kBadUsage, folder +
+                               " is no folder shared with the worker: neither a folder for "
+                               "the job file is in it nor one for the log, the settings or "
+                               "downloads");
 }
 
 std::string absolutePath(const std::string& path, const std::string& what) {

@@ -15,6 +15,9 @@ std::string asPrefix(const std::string& folder);
 // The same of a shared folder that has to be there.
 std::string existingShared(const std::string& folder);
 
+// The same of one that the worker has been told of: there is a part in it of what the two share.
+std::string workersShared(const std::string& folder);
+
 // The absolute path of something that may or may not be there.
 std::string absolutePath(const std::string& path, const std::string& what);
 

@@ -30,7 +30,10 @@ namespace {
 const char* nameOf(Severity severity) { return severity == Severity::error ? "error" : "warning"; }
 
 Value asValue(const Finding& finding) {
-  return Value::dictionary({{"severity", nameOf(finding.severity)},
+  return Value::dictionary({{"code", nameOf(finding.code)},
+                            {"severity", nameOf(finding.severity)},
+                            {"path", displayText(finding.path, Charset::utf8)},
+                            {"job", displayText(finding.job, Charset::utf8)},
                             {"what", displayText(finding.what, Charset::utf8)},
                             {"meaning", displayText(finding.meaning, Charset::utf8)},
                             {"advice", displayText(finding.advice, Charset::utf8)}});
@@ -131,7 +134,8 @@ Command checkCommand() {
           .options = {sharedOption(), bundleOption(),
                       jsonFlag("Show the findings as JSON for machines")},
           .footer =
-              "Exit status: 0 no findings, 1 findings.\n"
+              "Exit status: 0 no findings, 1 findings. With --json each finding has a code, which\n"
+              "stays the same from version to version.\n"
               "Example:\n"
               "  kelvane-console check --shared ~/Shared --bundle /Manager/Manager.app",
           .run = runCheck};

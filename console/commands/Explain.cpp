@@ -12,6 +12,7 @@
 #include "console/display/Paragraphs.h"
 #include "console/explain/CodeExplanation.h"
 #include "console/explain/JobExplanation.h"
+#include "console/explain/ResultCodes.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
 #include "console/job/LogFile.h"
@@ -32,13 +33,27 @@ bool isHexadecimal(const std::string& subject) {
   return subject.rfind("0x", 0) == 0 || subject.rfind("0X", 0) == 0;
 }
 
-std::optional<std::int64_t> codeOf(const std::string& subject) {
-  const char* first = subject.data() + (isHexadecimal(subject) ? 2 : 0);
-  const char* end = subject.data() + subject.size();
+std::optional<std::int64_t> numberIn(const std::string& digits, int base) {
+  const char* end = digits.data() + digits.size();
   std::uint32_t code = 0;
-  const auto [rest, failed] = std::from_chars(first, end, code, isHexadecimal(subject) ? 16 : 10);
+  const auto [rest, failed] = std::from_chars(digits.data(), end, code, base);
   if (failed != std::errc() || rest != end) return std::nullopt;
   return code;
+}
+
+// A number, or the name of a status.
+std::optional<std::int64_t> codeOf(const std::string& subject) {
+  if (isHexadecimal(subject)) return numberIn(subject.substr(2), 16);
+  if (const ResultCode* named = findResultCodeNamed(subject)) return named->code;
+  return numberIn(subject, 10);
+}
+
+// "did you mean 0x8050?" of digits that are a known code once they are taken for hexadecimal ones;
+// else empty.
+std::string lookAlike(const std::string& subject) {
+  const std::optional<std::int64_t> code = numberIn(subject, 16);
+  if (!code || !isKnownCode(*code)) return {};
+  return platform::format("did you mean 0x%04lX?", *code);
 }
 
 // The job with that log id; nothing where no shared folder is given or no record has it. A job file
@@ -69,10 +84,16 @@ Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) 
   if (!options.sharedFolder.empty() && !isKnownCode(code)) {
     explanations.front().note = "No job of the job file has this log id.";
   }
+  if (const std::string other = lookAlike(options.subject); !isKnownCode(code) && !other.empty()) {
+    std::string& note = explanations.front().note;
+    note += (note.empty() ? "" : " ") + options.subject + ": " + other;
+  }
   return explanations;
 }
 
 [[noreturn]] void refuse(const ExplainOptions& options) {
+  const std::string other = lookAlike(options.subject);
+  if (!other.empty()) throw Failure(kNotFound, options.subject + ": " + other);
   if (options.sharedFolder.empty()) {
     throw Failure(kNotFound, "\"" + options.subject +
                                  "\" is no result code; for a log id name the shared folder");
@@ -171,7 +192,7 @@ Command explainCommand() {
       .options = {sharedOptionForLogId(), jsonFlag("Show the explanation as JSON for machines")},
       .arguments = {{.names = {kSubject},
                      .valueName = "CODE|LOG_ID",
-                     .description = "A result code, such as 0x8050, or a job's log id",
+                     .description = "A result code, such as 0x8050, its name, or a job's log id",
                      .required = true}},
       .footer =
           "Examples:\n"

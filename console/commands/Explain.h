@@ -10,7 +10,8 @@ namespace kelvane::console {
 
 struct ExplainOptions {
   std::string sharedFolder;  // only for a log id; empty: the subject is a code
-  std::string subject;       // a log id, or a code in decimal or, with "0x", hexadecimal digits
+  // A log id; a code in decimal or, with "0x", hexadecimal digits; or a code's name.
+  std::string subject;
 };
 
 // Shows the explanations, for machines as one list. What is a log id of the job file is one; what

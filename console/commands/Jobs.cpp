@@ -132,10 +132,14 @@ Command oneJobCommand(const std::string& name, const std::string& description, c
 }  // namespace
 
 int list(const ListOptions& options, const Screen& screen) {
-  const std::string sharedFolder = existingShared(options.sharedFolder);
+  const std::string sharedFolder = workersShared(options.sharedFolder);
   const Value records = JobFile(sharedFolder).read();
   if (!screen.json) {
-    showTable(tableOf(records, sharedFolder), screen);
+    if (records.count() == 0) {
+      showLines({"no jobs"}, screen);
+    } else {
+      showTable(tableOf(records, sharedFolder), screen);
+    }
     return kSuccess;
   }
   for (const Value& record : records.elements()) {
@@ -145,7 +149,7 @@ int list(const ListOptions& options, const Screen& screen) {
 }
 
 int show(const OneJobOptions& options, const Screen& screen) {
-  const std::string sharedFolder = existingShared(options.sharedFolder);
+  const std::string sharedFolder = workersShared(options.sharedFolder);
   const Value record = requiredRecord(JobFile(sharedFolder), options.logId);
   if (!screen.json) {
     const LogStretch log = stretchIn(sharedFolder, record);
@@ -159,7 +163,7 @@ int show(const OneJobOptions& options, const Screen& screen) {
 }
 
 int watch(const OneJobOptions& options, const Surroundings& surroundings) {
-  const std::string sharedFolder = existingShared(options.sharedFolder);
+  const std::string sharedFolder = workersShared(options.sharedFolder);
   const Value record = requiredRecord(JobFile(sharedFolder), options.logId);
   if (!surroundings.screen.json && !workerRuns(options.logId, sharedFolder)) {
     tellOfEarlierWorker(record, stretchIn(sharedFolder, record), surroundings.screen);

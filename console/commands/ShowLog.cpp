@@ -59,6 +59,12 @@ std::string jsonOf(const LogEntry& entry, Charset charset) {
       .value_or("null");
 }
 
+std::string nothingText(const ShowLogOptions& options) {
+  std::string text = "no entries";
+  if (!options.function.empty()) text.append(" of ").append(options.function);
+  return options.level == logging::kLevels[0] ? text : text + " at this level";
+}
+
 constexpr char kLevel[] = "--level";
 constexpr char kFunction[] = "--function";
 constexpr char kFull[] = "--full";
@@ -74,11 +80,14 @@ int runLog(const Given& given, const Screen& screen) {
 }  // namespace
 
 int showLog(const ShowLogOptions& options, const Screen& screen) {
+  bool isEmpty = true;
   for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
     if (!isWanted(entry, options)) continue;
+    isEmpty = false;
     screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
                << '\n';
   }
+  if (isEmpty && !screen.json) screen.out << nothingText(options) << '\n';
   screen.out.flush();
   return kSuccess;
 }

@@ -12,8 +12,4 @@ namespace kelvane::console {
 // controller takes; empty where the job has none for it.
 std::string imageNote(const platform::Value& record, const FailedController& failed);
 
-// What is wrong with the image at this path, behind the path: " does not exist"; empty where
-// nothing is.
-std::string imageFault(const std::string& path);
-
 }  // namespace kelvane::console

@@ -1,10 +1,14 @@
 #include "console/explain/JobExplanation.h"
 
+#include <optional>
+#include <utility>
+
 #include "console/checks/RecordChecks.h"
 #include "console/display/JobText.h"
 #include "console/explain/CodeExplanation.h"
 #include "console/explain/FlashNotes.h"
 #include "console/explain/ImageNote.h"
+#include "console/explain/PackageNotes.h"
 #include "console/job/JobStatus.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
@@ -236,6 +240,12 @@ void takeControllers(const Value& record, const JobStatus& status, const LogStre
   }
 }
 
+void takePackages(const Value& record, const LogStretch& log, Explanation& explanation) {
+  for (std::string& note : packageNotes(record)) explanation.details.push_back(std::move(note));
+  std::string said = engineNote(record, log);
+  if (!said.empty()) explanation.details.push_back(std::move(said));
+}
+
 }  // namespace
 
 Explanation explainJob(const Value& record, const JobCircumstances& circumstances) {
@@ -246,6 +256,7 @@ Explanation explainJob(const Value& record, const JobCircumstances& circumstance
   explanation.subject = "job " + status.logId + command + ": " + explanation.subject;
   takeLog(circumstances.log, explanation);
   takeControllers(record, status, circumstances.log, explanation);
+  takePackages(record, circumstances.log, explanation);
   return explanation;
 }
 

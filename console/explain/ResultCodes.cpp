@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include <strings.h>
+
 #include "contract/Framework.h"
 #include "contract/JobFile.h"
 
@@ -65,6 +67,13 @@ std::span<const ResultCode> resultCodes() { return kResultCodes; }
 const ResultCode* findResultCode(std::int64_t code) {
   const auto* found = std::find_if(std::begin(kResultCodes), std::end(kResultCodes),
                                    [code](const ResultCode& known) { return known.code == code; });
+  return found == std::end(kResultCodes) ? nullptr : found;
+}
+
+const ResultCode* findResultCodeNamed(const std::string& name) {
+  const auto* found = std::find_if(
+      std::begin(kResultCodes), std::end(kResultCodes),
+      [&name](const ResultCode& known) { return ::strcasecmp(known.name, name.c_str()) == 0; });
   return found == std::end(kResultCodes) ? nullptr : found;
 }
 

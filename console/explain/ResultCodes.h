@@ -1,9 +1,10 @@
-// What the result of a finished job means, and what to do: the one source of what the console
-// explains and of docs/result-codes.md.
+// What the result of a finished job means, and what to do: what the console explains, and what
+// docs/result-codes.md is held against.
 #pragma once
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace kelvane::console {
 
@@ -24,5 +25,8 @@ std::span<const ResultCode> resultCodes();
 
 // The entry of the code; null where it has none.
 const ResultCode* findResultCode(std::int64_t code);
+
+// The entry of the name, upper and lower case alike; null where there is none.
+const ResultCode* findResultCodeNamed(const std::string& name);
 
 }  // namespace kelvane::console

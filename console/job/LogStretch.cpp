@@ -193,10 +193,11 @@ bool isStep(const LogEntry& entry) {
          entry.message.find(kEnd) == std::string::npos;
 }
 
+constexpr std::string_view kEngineSaid = "execute EngineRunner result = ";
+
 // What the worker logs behind the end of the update engine or of one of the system's tools.
 bool isBehindAProgram(const LogEntry& entry) {
-  return startsWith(entry.message, "execute EngineRunner result = ") ||
-         entry.function == "syncDownloadFiles" ||
+  return startsWith(entry.message, kEngineSaid) || entry.function == "syncDownloadFiles" ||
          (entry.function == "updateSW" && startsWith(entry.message, "result = "));
 }
 
@@ -211,6 +212,10 @@ class Reader {
       stretch_.gaveUp = stretch_.gaveUp || entry.function != kStart;
     } else if (isStep(entry)) {
       stretch_.lastStep = lineOf(entry);
+      if (startsWith(entry.message, kEngineSaid)) {
+        const std::string said = entry.message.substr(kEngineSaid.size());
+        stretch_.engineSaid = said.substr(said.find_last_of('\n') + 1);
+      }
       stretch_.gaveUp = false;
       stretch_.hasStarted = stretch_.hasStarted || isBehindAProgram(entry);
     }

@@ -80,4 +80,15 @@ std::string runningJob(const std::string& sharedFolder, const Value& records,
   return {};
 }
 
+std::size_t workersNamed(const std::string& logId, const std::string& sharedFolder,
+                         const std::vector<RunningProcess>& processes) {
+  const auto count =
+      std::count_if(processes.begin(), processes.end(), [&](const RunningProcess& process) {
+        return !process.arguments.empty() &&
+               fs::path(process.arguments.front()).filename() == kWorkerName &&
+               isWorkerOf(process, logId, sharedFolder);
+      });
+  return static_cast<std::size_t>(count);
+}
+
 }  // namespace kelvane::console

@@ -1,6 +1,7 @@
 // The workers among the processes that run on this system.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -23,5 +24,9 @@ bool workerRuns(const std::string& logId, const std::string& sharedFolder,
 // finished there writes no more, and is none.
 std::string runningJob(const std::string& sharedFolder, const platform::Value& records,
                        const std::vector<platform::RunningProcess>& processes);
+
+// How many of these processes called "Kelvane" run the job.
+std::size_t workersNamed(const std::string& logId, const std::string& sharedFolder,
+                         const std::vector<platform::RunningProcess>& processes);
 
 }  // namespace kelvane::console

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "console/checks/DownloadAreaChecks.h"
+#include "console/checks/FindingCodes.h"
 #include "console/checks/RecordChecks.h"
 #include "console/checks/SettingsChecks.h"
 #include "contract/JobFile.h"
@@ -52,6 +53,17 @@ TEST(Checks, LookForLeftoversInEveryFolderOfTheDownloadArea) {
   }
   EXPECT_EQ(console::leftoverDownloadFindings(folder / "").size(),
             std::size(paths::kProductFolders));
+}
+
+TEST(FindingsPage, HasEveryCodeWithWhatItStandsFor) {
+  std::vector<Row> rows;
+  std::set<std::string> codes;
+  for (const console::CodeText& text : console::kCodeTexts) {
+    rows.push_back({std::string("`") + text.code + "`", text.meaning});
+    codes.insert(text.code);
+  }
+  EXPECT_EQ(codes.size(), rows.size());
+  EXPECT_EQ(tableRows(section(readSource("docs/findings.md"), "## The codes")), rows);
 }
 
 TEST(Checks, LookForTheLeftoversThatThePageNames) {

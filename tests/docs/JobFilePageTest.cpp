@@ -75,6 +75,16 @@ TEST(JobFileSchema, DescribesEveryKeyAndNoOther) {
   EXPECT_EQ(found, keys());
 }
 
+TEST(JobFileSchema, HasTheIdentityAndTheDefinitionThatThePageNames) {
+  const auto schema = nlohmann::json::parse(readSource("docs/job-file.schema.json"));
+  const std::string told = section(page(), "## The schema");
+  EXPECT_THAT(told, HasSubstr("`" + schema.at("$id").get<std::string>() + "`"));
+  const std::size_t fence = told.find("```json\n") + 8;
+  const auto wrapper = nlohmann::json::parse(told.substr(fence, told.find("```", fence) - fence));
+  const std::string reference = wrapper.at("$ref").get<std::string>();
+  EXPECT_TRUE(schema.contains(nlohmann::json::json_pointer(reference.substr(1)))) << reference;
+}
+
 TEST(JobFileSchema, KnowsEveryCommand) {
   const auto schema = nlohmann::json::parse(readSource("docs/job-file.schema.json"));
   const auto& definitions = schema.at("definitions");

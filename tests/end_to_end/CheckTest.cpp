@@ -145,8 +145,8 @@ TEST_F(Check, ALogIdThatIsNoStringKeepsEveryJobFromEnding) {
                  "input_parameters": {"file_path": "/no.app"}}, {"log_id": 5}])");
   runWorker({"17", shared()});
   EXPECT_EQ(state(), "WAIT");
-  EXPECT_THAT(findings(),
-              ElementsAre("error: " + jobFile() + ": element 2 has a log_id that is no string: 5"));
+  EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() +
+                                      ": element [1] has a log_id that is no string: 5"));
 }
 
 TEST_F(Check, AnElementThatIsNoObjectKeepsEveryJobFromEnding) {
@@ -154,7 +154,7 @@ TEST_F(Check, AnElementThatIsNoObjectKeepsEveryJobFromEnding) {
                  "input_parameters": {"file_path": "/no.app"}}, [1]])");
   runWorker({"17", shared()});
   EXPECT_EQ(state(), "WAIT");
-  EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() + ": element 2 is no object: [1]"));
+  EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() + ": element [1] is no object: [1]"));
 }
 
 TEST_F(Check, AJobThatTheWorkerDoesNotStartSaysWhy) {
@@ -172,7 +172,45 @@ TEST_F(Check, AJobThatTheWorkerDoesNotStartSaysWhy) {
     writeJobs(R"([{"log_id": "17", "state_id": "WAIT", )" + job + "}]");
     runWorker({"17", shared()});
     EXPECT_EQ(state(), "WAIT");
-    EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() + ": job 17 cannot be run: " + why));
+    EXPECT_THAT(findings(),
+                ElementsAre("error: " + jobFile() + ": job 17 cannot be carried out: " + why));
+  }
+}
+
+// What the finding says of firmware jobs whose second entry lacks something.
+TEST_F(Check, AFirmwareJobWithAFaultyEntryFlashesThoseBeforeIt) {
+  const std::string image = makeImage("new.img", {"qvxf", "--product", "0x48", "--firmware", "2"});
+  const std::string whole = R"({"wwn": "50000000000000A1", "file_path": ")" + image + "\"}";
+  environment.erase("KELVANE_TEST_VERSIONS");  // a faulty record is no valid one
+  struct Case {
+    std::string entry, state, meaning;
+    int result;
+  };
+  for (const Case& one : std::vector<Case>{
+           {R"({"file_path": "/no"})", "FREE", "the job ends with 1026 (0x0402)", 1026},
+           {R"({"wwn": 5, "file_path": "/no"})", "FREE", "the job ends with 1026 (0x0402)", 1026},
+           {R"({"wwn": "50000000000000B2"})", "FREE", "as with an image that cannot be read",
+            32850},
+           {R"({"wwn": "50000000000000B2", "file_path": 5})", "RUN", "the job stays in state RUN",
+            0},
+           {"5", "WAIT", "the job stays in state WAIT", 0}}) {
+    const std::string rest = R"(", "product_id": "0x4801", "firmware": "1", "cpld": "1",
+                               "usb_bridge": "1"})";
+    writeFleet(R"([{"wwn": "50000000000000A1)" + rest + R"(, {"wwn": "50000000000000B2)" + rest +
+               "]");
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    writeJobs(
+        R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT", "input_parameters": [)" +
+        whole + ", " + one.entry + "]}]");
+    EXPECT_THAT(check().out,
+                AllOf(HasSubstr("The controllers before it are flashed."), HasSubstr(one.meaning)));
+    runWorker({"17", shared()});
+    EXPECT_EQ(fleet().get("controllers").at(0).get("firmware"), Value("2"));
+    EXPECT_EQ(fleet().get("controllers").at(1).get("firmware"), Value("1"));
+    EXPECT_EQ(state(), one.state) << one.entry;
+    if (one.state == "FREE") {
+      EXPECT_EQ(result(), one.result) << one.entry;
+    }
   }
 }
 
@@ -377,7 +415,9 @@ TEST_F(Check, ACatalogueThatIsNoFileIsNone) {
   fs::create_directories(engineFolder());
   ASSERT_EQ(::mkfifo(catalogue.c_str(), 0600), 0);
   EXPECT_THAT(findings(),
-              ElementsAre("warning: the catalogue " + catalogue + " is no regular file"));
+              ElementsAre("warning: the update engine's folder " + engineFolder() +
+                              " is not empty: it holds Offers.plist",
+                          "warning: the catalogue " + catalogue + " is no regular file"));
 }
 
 TEST_F(Check, ALeftoverOfTheDownloadAreaIsTakenUpByTheNextDownload) {
@@ -435,6 +475,27 @@ TEST_F(Check, AnApplicationThatIsNotThereIsOnlyCopied) {
                           (folder / "Installed.app") + ", where no application stands"));
   runJob("updateSW", Value::dictionary({{"file_path", folder / "Manager.app"}}));
   EXPECT_EQ(folder.read("Installed.app/Contents/version"), "2.0");
+}
+
+TEST_F(Check, AnApplicationThatCanBeRemovedInPartOnlyStaysInPart) {
+  folder.write("Installed.app/Contents/fixed/file", "old");
+  for (const char* place : {"", "Installed.app", "Installed.app/Contents"}) {
+    fs::permissions(folder / place, fs::perms::all);
+  }
+  const PermissionBits bits(folder / "Installed.app/Contents/fixed", 0555);
+  const PermissionBits jobBits(shared() + "utility/command", 0777);
+  writeJobs(
+      test::waitingJob("updateSW", Value::dictionary({{"file_path", folder / "Manager.app"}})));
+  const PermissionBits fileBits(jobFile(), 0666);
+  EXPECT_THAT(findingsOfOrdinaryUser(),
+              Contains("error: the application cannot be replaced: " +
+                       (folder / "Installed.app/Contents/fixed") + ": Permission denied"));
+  test::asOrdinaryUser([this] {
+    test::runProgram({worker(), "17", shared()}, "/");
+    return std::string();
+  });
+  EXPECT_EQ(result(), 0);
+  EXPECT_EQ(folder.read("Installed.app/Contents/fixed/file"), "old");
 }
 
 // --- the bundle

@@ -137,6 +137,22 @@ TEST_F(Explain, The259OfADownloadAndOfAFirmwareJob) {
   EXPECT_THAT(told("subject"), HasSubstr("259 (0x0103): a status of the controller framework's"));
 }
 
+TEST_F(Explain, ADownloadWithoutItsPackageNamesTheProduct) {
+  download({"fw3", "fw2"});
+  EXPECT_EQ(explained().get("details").at(0),
+            Value("fw2: the catalogue offers version 2.4.0, and its package was not brought; the "
+                  "engine was asked for fw3 alone"));
+}
+
+TEST_F(Explain, AnImageThatIsNotThereIsNamed) {
+  writeFleet(R"([{"wwn": "50000000000000A1", "product_id": "0x4801", "firmware": "1.0",
+                  "cpld": "1.0", "usb_bridge": "1.0"}])");
+  updateFirmware({{"50000000000000A1", "/no.img"}});
+  EXPECT_EQ(explained().get("details").at(0),
+            Value("its image: /no.img does not exist; product 0x4801 takes QVXF images"));
+  EXPECT_THAT(told("told_by"), EndsWith(" updateFW: [WRONG] zr_checkQVXFFlashImage = 0x8052"));
+}
+
 TEST_F(Explain, AFirmwareJobWhoseCpldWasLeft) {
   flash(R"([{"function": "zr_flashCPLDBin", "status": "0x8050"}])");
   ASSERT_EQ(result(), 0);

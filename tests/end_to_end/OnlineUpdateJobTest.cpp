@@ -8,6 +8,7 @@
 
 #include "platform/File.h"
 #include "tests/end_to_end/OnlineInstallation.h"
+#include "tests/support/JobFiles.h"
 
 namespace kelvane {
 namespace {
@@ -234,6 +235,23 @@ TEST_F(OnlineJob, ASecondDownloadReplacesItsOwnAndKeepsTheRest) {
   EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/FW/Folder"), std::vector<std::string>{"new"});
   EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/FW/FW_T3.img"), "newer");
   EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/FW/other"), "kept");
+}
+
+TEST_F(OnlineJob, WhatElseIsInTheEnginesFolderGoesWithIt) {
+  folder.write("engine's folder/letter", "of somebody else");
+  query();
+  EXPECT_FALSE(fs::exists(engineFolder()));
+  EXPECT_EQ(folder.read("shared/tmp/OnlineUpdate/FW/letter"), "of somebody else");
+}
+
+TEST_F(OnlineJob, AJobFileThatIsDamagedWhileTheEngineRunsIsLeftAsItIs) {
+  const std::string engine = bundle / "Contents/Resources/EngineRunner";
+  fs::remove(engine);
+  bundle.write("Contents/Resources/EngineRunner",
+               "#!/bin/sh\nprintf '[{' > '" + (folder / test::kJobFile) + "'\n");
+  fs::permissions(engine, fs::perms::owner_all);
+  query();
+  EXPECT_EQ(folder.read(test::kJobFile), "[{");
 }
 
 TEST_F(OnlineJob, WithoutAnEngineTheJobStaysRunning) {

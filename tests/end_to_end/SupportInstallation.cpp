@@ -75,8 +75,8 @@ Value SupportInstallation::explained() const {
 }
 
 void SupportInstallation::addFirmwareJob() const {
-  const platform::Value entry =
-      platform::Value::dictionary({{"wwn", "50000000000000A1"}, {"file_path", "/no.img"}});
+  const platform::Value entry = platform::Value::dictionary(
+      {{"wwn", "50000000000000A1"}, {"file_path", folder.write("any.img", "no image")}});
   writeJobs(test::waitingJob("updateFW", platform::Value::array({entry})));
 }
 

@@ -54,12 +54,13 @@ TEST_F(BundleChecks, DeeperBundleIsAnErrorThatNamesWhatTheWorkerTakesForIt) {
   install(outer, "Manager.app/");
   const Findings findings = bundleFindings(outer / "Manager.app");
   EXPECT_EQ(findings.at(0),
-            (Finding{Severity::error,
+            (Finding{Code::bundleDepth, Severity::error,
                      (outer / "Manager.app") + " stands 3 levels below the root, not two",
                      "The worker takes " + outer.path() +
                          " for its bundle, and looks for the product's settings there. Firmware "
                          "jobs are not concerned.",
-                     "Put the bundle into a folder at the root, such as /Applications."}));
+                     "Put the bundle into a folder at the root, such as /Applications.",
+                     outer / "Manager.app"}));
 }
 
 TEST_F(BundleChecks, ShallowerBundleTakesContentsForIt) {

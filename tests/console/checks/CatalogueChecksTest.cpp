@@ -36,6 +36,22 @@ class CatalogueChecks : public ::testing::Test {
 
 constexpr char kQuery[] = R"({"folder": "FOLDER"})";
 
+TEST_F(CatalogueChecks, AFolderThatHoldsOtherFilesIsAWarningOfAWaitingJob) {
+  const auto folders = [this](const std::string& state) {
+    return inShort(engineFolderFindings(
+        platform::parseJson(R"([5, {"log_id": "1", "state_id": ")" + state +
+                            R"(", "input_parameters": {"folder": ")" + folder.path() + "\"}}]")));
+  };
+  EXPECT_THAT(folders("WAIT"), IsEmpty());
+  folder.write("letter", "");
+  const std::string told =
+      "warning: the update engine's folder " + folder.path() + " is not empty: it holds letter";
+  EXPECT_THAT(folders("WAIT"), ::testing::ElementsAre(told));
+  EXPECT_THAT(folders("RUN"), IsEmpty());
+  folder.write("photo", "");
+  EXPECT_THAT(folders("WAIT"), ::testing::ElementsAre(told + " and others"));
+}
+
 TEST_F(CatalogueChecks, AFileOrNoneIsFine) {
   EXPECT_THAT(found("WAIT", kQuery), IsEmpty());
   folder.write("Offers.plist", "");

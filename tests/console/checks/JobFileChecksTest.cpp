@@ -45,7 +45,7 @@ TEST_F(JobFileChecks, BeforeTheFirstJobThereIsNoFile) {
 TEST_F(JobFileChecks, MissingFolderIsAWarningAsNoJobWasEverAdded) {
   fs::remove_all(folder / "jobs");
   EXPECT_EQ(jobFileFindings(path),
-            (Findings{{Severity::warning,
+            (Findings{{Code::jobFileFolderMissing, Severity::warning,
                        "the job file's folder " + (folder / "jobs") + " does not exist",
                        "No job was ever added here: a worker that is started finds nothing to do.",
                        "Check that this is the folder that the application shares with the "
@@ -59,8 +59,8 @@ TEST_F(JobFileChecks, WhatIsNotJsonIsAnErrorWithItsCause) {
   EXPECT_THAT(found(), ElementsAre("error: " + path + " is not JSON: it is not UTF-8"));
   folder.write("jobs/file", "[1,]");
   EXPECT_THAT(found(), ElementsAre("error: " + path +
-                                   " is not JSON: no strict JSON with an array or an object at "
-                                   "the top, or nested too deep"));
+                                   " is not JSON: line 1, column 4: unexpected ']'; expected "
+                                   "'[', '{', or a literal"));
 }
 
 TEST_F(JobFileChecks, ANumberThatTheWorkerCannotReadIsNamedWithItsPlace) {
@@ -68,6 +68,13 @@ TEST_F(JobFileChecks, ANumberThatTheWorkerCannotReadIsNamedWithItsPlace) {
   EXPECT_THAT(found(), ElementsAre("error: " + path +
                                    " cannot be read: the number 1e400 in line 2, column 9 is "
                                    "beyond the range of a double"));
+}
+
+TEST_F(JobFileChecks, AFileOfTensOfMegabytesIsAWarning) {
+  folder.write("jobs/file", "[" + std::string(9'999'997, ' ') + "]");
+  EXPECT_THAT(found(), IsEmpty());
+  folder.write("jobs/file", "[" + std::string(9'999'998, ' ') + "]");
+  EXPECT_THAT(found(), ElementsAre("warning: " + path + " has 10000000 bytes"));
 }
 
 TEST_F(JobFileChecks, ObjectAtTheTopIsAnError) {

@@ -29,7 +29,8 @@ TEST_F(LogFileChecks, EmptyFileIsFine) { EXPECT_THAT(found(path), IsEmpty()); }
 
 TEST_F(LogFileChecks, MissingFileIsAWarningAsTheWorkerNeverMakesIt) {
   EXPECT_EQ(logFileFindings("/nowhere/log.txt"),
-            (Findings{{Severity::warning, "open /nowhere/log.txt: No such file or directory",
+            (Findings{{Code::logMissing, Severity::warning,
+                       "open /nowhere/log.txt: No such file or directory",
                        "The worker never makes the log. Nothing is logged, and jobs run all the "
                        "same: what a job did cannot be told afterwards.",
                        "Make an empty file there."}}));
@@ -43,7 +44,7 @@ TEST_F(LogFileChecks, PipeOrDeviceInItsPlaceIsAWarning) {
   ::mkfifo((folder / "pipe").c_str(), 0600);
   EXPECT_EQ(
       logFileFindings(folder / "pipe"),
-      (Findings{{Severity::warning, (folder / "pipe") + " is no regular file",
+      (Findings{{Code::logNoFile, Severity::warning, (folder / "pipe") + " is no regular file",
                  "Nothing is logged, and jobs run all the same: what a job did cannot be told "
                  "afterwards.",
                  "Put an empty file in its place."}}));

@@ -53,6 +53,23 @@ TEST_F(ProcessChecks, AnEngineWithoutItsWorkerIsNamed) {
   EXPECT_THAT(engines({engine("shared/./utility/command/BGPLog.json")}), ElementsAre(told));
 }
 
+TEST_F(ProcessChecks, TwoWorkersAtOnceAreAnError) {
+  const std::string program = bundle + "/Contents/Resources/Kelvane";
+  const RunningProcess other = {44, {program, "19", shared}, "/"};
+  const RunningProcess again = {45, {program, "18", "shared"}, folder.path()};
+  const RunningProcess behind = {46, {"/bin/timeout", "9", program, "18", shared}, "/"};
+  const auto found = [this](const std::vector<RunningProcess>& processes) {
+    return inShort(workerProcessFindings(shared, {"18", "19", "20"}, processes));
+  };
+  EXPECT_THAT(found({worker(), other}),
+              ElementsAre("error: 2 workers run at once, for jobs 18, 19"));
+  EXPECT_THAT(found({worker(), again}),
+              ElementsAre("error: 2 workers run at once, for jobs 18, 18"));
+  EXPECT_THAT(found({worker(), behind}), IsEmpty());
+  EXPECT_THAT(found({worker()}), IsEmpty());
+  EXPECT_THAT(found({}), IsEmpty());
+}
+
 TEST_F(ProcessChecks, AnEngineWithItsWorkerIsNoFinding) {
   EXPECT_THAT(engines({worker(), engine(shared + "utility/command/BGPLog.json")}), IsEmpty());
 }

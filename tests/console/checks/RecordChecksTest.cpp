@@ -59,26 +59,72 @@ TEST(RecordChecks, ParametersOfEveryCommandAreExamined) {
 }
 
 TEST(RecordChecks, UnknownCommandIsAnErrorOfAWaitingJob) {
-  EXPECT_EQ(findings("[" + record("updateHW", "{}") + "]"),
-            (Findings{{Severity::error,
-                       "F: job 1 cannot be run: job_id is \"updateHW\", which is no command of the "
-                       "worker's",
-                       "The worker leaves the job as it is, or ends it without having done "
-                       "anything.",
-                       "Compare the record with the examples of its command, and add it anew."}}));
+  EXPECT_EQ(
+      findings("[" + record("updateHW", "{}") + "]"),
+      (Findings{
+          {Code::jobFaulty, Severity::error,
+           "F: job 1 cannot be carried out: job_id is \"updateHW\", which is no command of the "
+           "worker's",
+           "The worker leaves the job in state WAIT without having done anything.",
+           "Compare the record with the examples of its command, and add it anew.", "F", "1"}}));
+}
+
+// What the worker does with a firmware job over a whole entry and this one.
+std::string firmwareMeaning(const std::string& entry) {
+  const Findings all = findings(
+      "[" + record("updateFW", R"([{"wwn": "A", "file_path": "/"}, )" + entry + "]") + "]");
+  return all.empty() ? "" : all[0].meaning;
+}
+
+TEST(RecordChecks, OfAFirmwareJobItIsToldWhatIsFlashedAllTheSame) {
+  const std::string before = "The controllers before it are flashed. ";
+  const std::string behind = " Later ones are not started.";
+  EXPECT_EQ(firmwareMeaning(R"({"file_path": "/a"})"),
+            before + "At this entry the job ends with 1026 (0x0402)." + behind);
+  EXPECT_EQ(firmwareMeaning(R"({"wwn": 5, "file_path": "/a"})"),
+            before + "No progress is written, and at this entry the job ends with 1026 (0x0402)." +
+                behind);
+  EXPECT_EQ(firmwareMeaning(R"({"wwn": "B"})"),
+            before + "At this entry the job ends as with an image that cannot be read." + behind);
+  EXPECT_EQ(firmwareMeaning(R"({"wwn": "B", "file_path": 5})"),
+            before + "At this entry the worker gives up: the job stays in state RUN." + behind);
+  EXPECT_EQ(firmwareMeaning("5"),
+            before +
+                "No progress is written, and at this entry the worker gives up: the job stays "
+                "in state WAIT." +
+                behind);
+}
+
+TEST(RecordChecks, ImagesThatAreNotThereAreErrorsOfAWaitingJob) {
+  const Findings all = findings("[" + record("updateFW", R"([{"wwn": "A", "file_path": "/no.img"},
+                                                       {"wwn": "B", "file_path": "b.img"}])") +
+                                "]");
+  EXPECT_THAT(
+      inShort(all),
+      ElementsAre("error: F: job 1: the image of input_parameters[0], /no.img, does not exist",
+                  "error: F: job 1: the image of input_parameters[1], b.img, is relative: it is "
+                  "looked for in the worker's current folder"));
+  EXPECT_EQ(all[0].path, "/no.img");
+  EXPECT_EQ(all[0].job, "1");
+}
+
+TEST(RecordChecks, FinishedJobOfAnUnknownCommandWithoutAResultIsAWarning) {
+  EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
+                         "input_parameters": {}}])"),
+              ElementsAre("warning: F: job 1 is finished, and there is no result"));
 }
 
 TEST(RecordChecks, ElementThatIsNoObjectIsAnError) {
-  EXPECT_THAT(found("[5, null, [1]]"), ElementsAre("error: F: element 1 is no object: 5",
-                                                   "error: F: element 2 is no object: null",
-                                                   "error: F: element 3 is no object: [1]"));
+  EXPECT_THAT(found("[5, null, [1]]"), ElementsAre("error: F: element [0] is no object: 5",
+                                                   "error: F: element [1] is no object: null",
+                                                   "error: F: element [2] is no object: [1]"));
 }
 
 TEST(RecordChecks, LogIdHasToBeAText) {
   EXPECT_THAT(found(R"([{"log_id": 17}, {"log_id": null}, {}])"),
-              ElementsAre("error: F: element 1 has a log_id that is no string: 17",
-                          "error: F: element 2 has a log_id that is no string: null",
-                          "warning: F: element 3 has no log_id"));
+              ElementsAre("error: F: element [0] has a log_id that is no string: 17",
+                          "error: F: element [1] has a log_id that is no string: null",
+                          "warning: F: element [2] has no log_id"));
 }
 
 TEST(RecordChecks, RequiredKeysAreExamined) {
@@ -88,11 +134,11 @@ TEST(RecordChecks, RequiredKeysAreExamined) {
       {"log_id": "3", "job_id": "updateSW", "state_id": "WAIT"},
       {"log_id": "4", "job_id": 5, "state_id": "WAIT", "input_parameters": {}},
       {"log_id": "5", "job_id": "updateSW", "state_id": 5, "input_parameters": {}}])"),
-              ElementsAre("error: F: job 1 cannot be run: there is no job_id",
-                          "error: F: job 2 cannot be run: there is no state_id",
-                          "error: F: job 3 cannot be run: there is no input_parameters",
-                          "error: F: job 4 cannot be run: job_id is no string",
-                          "error: F: job 5 cannot be run: state_id is no string"));
+              ElementsAre("error: F: job 1 cannot be carried out: there is no job_id",
+                          "error: F: job 2 cannot be carried out: there is no state_id",
+                          "error: F: job 3 cannot be carried out: there is no input_parameters",
+                          "error: F: job 4 cannot be carried out: job_id is no string",
+                          "error: F: job 5 cannot be carried out: state_id is no string"));
 }
 
 TEST(RecordChecks, FinishedJobThatIsNotWholeIsAWarning) {
@@ -102,15 +148,16 @@ TEST(RecordChecks, FinishedJobThatIsNotWholeIsAWarning) {
 
 TEST(RecordChecks, ParametersOfAFinishedJobAreNoConcern) {
   EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
-                         "input_parameters": 5}])"),
+                         "result": 0, "input_parameters": 5}])"),
               IsEmpty());
 }
 
 TEST(RecordChecks, UnknownStateIsAnError) {
-  EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateSW", "state_id": "wait",
+  EXPECT_THAT(
+      found(R"([{"log_id": "1", "job_id": "updateSW", "state_id": "wait",
                          "input_parameters": {"file_path": "/a"}}])"),
-              ElementsAre("error: F: job 1 cannot be run: state_id is \"wait\", which is none of "
-                          "WAIT, RUN, FREE"));
+      ElementsAre("error: F: job 1 cannot be carried out: state_id is \"wait\", which is none of "
+                  "WAIT, RUN, FREE"));
 }
 
 TEST(RecordChecks, WaitingJobWithStepsInTheLogIsAnError) {
@@ -139,10 +186,12 @@ TEST(RecordChecks, WaitingJobWithStepsInTheLogIsAnError) {
 TEST(RecordChecks, RunningJobWithoutAWorkerIsAWarning) {
   const std::string rest = R"(", "job_id": "updateSW", "state_id": "RUN", "input_parameters": {}})";
   EXPECT_EQ(findings(R"([{"log_id": "1)" + rest + R"(, {"log_id": "run)" + rest + "]"),
-            (Findings{{Severity::warning, "F: job 1 is in state RUN, and no worker for it is seen",
+            (Findings{{Code::jobNoWorker, Severity::warning,
+                       "F: job 1 is in state RUN, and no worker for it is seen",
                        "Its worker was killed, or gave up with an error line in the log. Nothing "
                        "takes the job up.",
-                       "See \"explain 1\" for the job; then add it anew under another log_id."}}));
+                       "See \"explain 1\" for the job; then add it anew under another log_id.", "F",
+                       "1"}}));
 }
 
 TEST(RecordChecks, AbandonedFirmwareJobTellsOfTheBridgesNvram) {
@@ -161,11 +210,13 @@ TEST(RecordChecks, FinishedJobWithoutAResultLostItsFirstWrite) {
                               R"(", "state_id": "FREE", "input_parameters": {})";
     EXPECT_EQ(
         findings(start + "}]"),
-        (Findings{{Severity::warning, "F: job 1 is finished, and there is no result",
+        (Findings{{Code::jobNoResult, Severity::warning,
+                   "F: job 1 is finished, and there is no result",
                    "The worker's first write of the job failed, as on a full disk, and its last "
                    "one did not. The job was done, and would have the result 0.",
                    "Mend what kept the file from being written, then remove the record or leave "
-                   "it."}}));
+                   "it.",
+                   "F", "1"}}));
     EXPECT_THAT(found(start + R"(, "result": 0}])"), IsEmpty());
     EXPECT_THAT(found(start + R"(, "result": "0"}])"),
                 ElementsAre("warning: F: job 1 is finished, and there is no result"));
@@ -175,10 +226,11 @@ TEST(RecordChecks, FinishedJobWithoutAResultLostItsFirstWrite) {
 TEST(RecordChecks, FinishedFirmwareJobWithoutAResultIsNotTheWorkers) {
   EXPECT_EQ(findings(R"([{"log_id": "1", "job_id": "updateFW", "state_id": "FREE",
                           "input_parameters": []}])"),
-            (Findings{{Severity::warning, "F: job 1 is finished, and there is no result",
+            (Findings{{Code::jobNoResult, Severity::warning,
+                       "F: job 1 is finished, and there is no result",
                        "The end of a firmware job always has its result: not the worker wrote this "
                        "one.",
-                       "Find out who writes the job file besides the worker."}}));
+                       "Find out who writes the job file besides the worker.", "F", "1"}}));
 }
 
 TEST(RecordChecks, FinishedFirmwareJobWithoutItsOutputLostItsFirstWrite) {
@@ -197,7 +249,7 @@ TEST(RecordChecks, FinishedFirmwareJobWithoutItsOutputLostItsFirstWrite) {
 
 TEST(RecordChecks, LogIdThatStandsTwiceIsOneWarning) {
   const std::string job =
-      R"({"log_id": "7", "job_id": "x", "state_id": "FREE", "input_parameters": {}})";
+      R"({"log_id": "7", "job_id": "x", "state_id": "FREE", "result": 0, "input_parameters": {}})";
   EXPECT_THAT(found("[" + job + "," + job + "," + job + "]"),
               ElementsAre("warning: F: 3 jobs have the log_id 7"));
 }

@@ -36,12 +36,14 @@ TEST_F(RightsChecks, WhatItsOwnerAloneMayWriteIsFine) { EXPECT_THAT(found(), IsE
 TEST_F(RightsChecks, WhatEveryoneMayWriteIsAWarningWithTheReason) {
   const PermissionBits bits(folder / kSettings, 0666);
   EXPECT_EQ(rightsFindings(folder / ""),
-            (Findings{{Severity::warning, (folder / kSettings) + " can be written by everyone",
+            (Findings{{Code::othersMayWrite, Severity::warning,
+                       (folder / kSettings) + " can be written by everyone",
                        "AppPath in the shared folder's settings names the program that queries and "
                        "downloads start: whoever may write there runs programs with the worker's "
                        "rights.",
                        "Take the right to write away from others, and run the worker as the "
-                       "folder's owner."}}));
+                       "folder's owner.",
+                       folder / kSettings}}));
 }
 
 TEST_F(RightsChecks, EveryFolderAboveTheSettingsCounts) {

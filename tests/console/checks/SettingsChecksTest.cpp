@@ -62,11 +62,13 @@ TEST_F(SettingsChecks, MissingSharedSettingsAreAnError) {
   EXPECT_EQ(
       sharedSettingsFindings(folder / "shared.json"),
       (Findings{
-          {Severity::error, "open " + (folder / "shared.json") + ": No such file or directory",
+          {Code::settingsUnreadable, Severity::error,
+           "open " + (folder / "shared.json") + ": No such file or directory",
            "The update engine cannot be started: queries and downloads stay in state RUN, "
            "with an error line in the log. Firmware jobs and installations are not concerned.",
            "Install the application anew, or write the file as the settings' reference page "
-           "shows it."}}));
+           "shows it.",
+           folder / "shared.json"}}));
 }
 
 TEST_F(SettingsChecks, DamagedSharedSettingsAreAnError) {
@@ -153,6 +155,20 @@ TEST_F(SettingsChecks, ApplicationWhoseFolderCannotBeChangedIsAnError) {
                 [this] { return asLines(productSettingsFindings(folder / "product.json")); }),
             "error: the application's folder cannot be changed: " + (folder / "fixed") +
                 ": Permission denied\n");
+}
+
+TEST_F(SettingsChecks, ApplicationThatCanBeRemovedInPartOnlyIsAnError) {
+  fs::create_directories(folder / "open/Manager.app/Contents/deep");
+  for (const char* place : {"open", "open/Manager.app", "open/Manager.app/Contents"}) {
+    fs::permissions(folder / place, fs::perms::all);
+  }
+  product.set("AppPath", folder / "open/Manager.app");
+  EXPECT_THAT(foundInProduct(), IsEmpty());
+  const test::PermissionBits bits(folder / "open/Manager.app/Contents/deep", 0555);
+  EXPECT_EQ(test::asOrdinaryUser(
+                [this] { return asLines(productSettingsFindings(folder / "product.json")); }),
+            "error: the application cannot be replaced: " +
+                (folder / "open/Manager.app/Contents/deep") + ": Permission denied\n");
 }
 
 }  // namespace

@@ -91,6 +91,9 @@ TEST_F(Check, ForMachinesTheFindingsAreAList) {
   EXPECT_EQ(run(), kFindings);
   const Value all = platform::parseJson(shown.str());
   ASSERT_EQ(all.count(), 1U);
+  EXPECT_EQ(all.at(0).get("code"), Value("job-file-no-list"));
+  EXPECT_EQ(all.at(0).get("path"), Value(folder / test::kJobFile));
+  EXPECT_EQ(all.at(0).get("job"), Value(""));
   EXPECT_EQ(all.at(0).get("severity"), Value("error"));
   EXPECT_EQ(all.at(0).get("what"),
             Value((folder / test::kJobFile) + " is an object, not an array of records"));
@@ -161,6 +164,24 @@ TEST_F(Check, TheBundlesSlashDoesNotCount) {
   options.bundle = folder / "Manager.app///";
   EXPECT_EQ(run(), kFindings);
   EXPECT_NE(shown.str().find(folder / "Manager.app/Contents/Frameworks"), std::string::npos);
+}
+
+TEST_F(Check, EveryFindingHasAPathOrAJob) {
+  options.bundle = folder / "Manager.app";
+  fs::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
+  folder.write("shared/tmp", "");
+  folder.write("shared/utility/config/setting.json", "{}");
+  folder.write("Manager.app/Contents/Frameworks/libx.so", "");
+  folder.write(test::kJobFile, R"([5, {"log_id": 5}, {}, {"log_id": "1", "state_id": "FREE"},
+      {"log_id": "2", "job_id": "updateFW", "state_id": "WAIT",
+       "input_parameters": [{"wwn": "A", "file_path": "/no.img"}]},
+      {"log_id": "2", "job_id": "x", "state_id": "WAIT", "input_parameters": {}}])");
+  const Findings all =
+      findingsOf(folder / "shared/", options.bundle, [](const std::string&) { return false; });
+  EXPECT_GT(all.size(), 12U);
+  for (const Finding& finding : all) {
+    EXPECT_FALSE(finding.path.empty() && finding.job.empty()) << finding.what;
+  }
 }
 
 }  // namespace

@@ -78,6 +78,26 @@ TEST_F(Explain, ANumberThatIsNoJobEitherSaysSo) {
             std::string::npos);
 }
 
+TEST_F(Explain, AStatusByItsName) {
+  EXPECT_EQ(run("kZorDeviceNotFound"), kSuccess);
+  EXPECT_EQ(shown.str().rfind("result 1026 (0x0402), kZorDeviceNotFound: ", 0), 0U);
+  shown.str("");
+  EXPECT_EQ(run("kzorflashfailed"), kSuccess);
+  EXPECT_EQ(shown.str().rfind("result 32852 (0x8054), ", 0), 0U);
+}
+
+TEST_F(Explain, ACodeWithoutItsPrefixIsToldFromALogId) {
+  addJob("17");
+  EXPECT_EQ(run("8050"), kNotFound);
+  EXPECT_NE(
+      shown.str().find("note       No job of the job file has this log id. 8050: did you mean "
+                       "0x8050?\n"),
+      std::string::npos)
+      << shown.str();
+  EXPECT_EQ(run("402"), kNotFound);
+  EXPECT_NE(shown.str().find("402: did you mean 0x0402?\n"), std::string::npos);
+}
+
 TEST_F(Explain, WhatIsNeitherIsNotFound) {
   for (const char* subject :
        {"seventeen", "0x", "0x8050x", "4294967296", "-1", " 1", "0x100000000"}) {

@@ -52,6 +52,17 @@ TEST_F(Jobs, ASharedFolderThatIsNotThereIsBadUsage) {
   EXPECT_EQ(messages.str(), "kelvane-console: the shared folder /nowhere does not exist\n");
 }
 
+TEST_F(Jobs, AFolderThatIsNotSharedWithAWorkerIsToldAsThat) {
+  std::filesystem::create_directories(folder / "photos");
+  const std::string photos = folder / "photos";
+  EXPECT_EQ(runHere(list, {photos}), kBadUsage);
+  EXPECT_EQ(runHere(show, {photos, "1"}), kBadUsage);
+  EXPECT_EQ(messages.str().rfind(
+                "kelvane-console: " + photos + " is no folder shared with the worker: ", 0),
+            0U);
+  EXPECT_EQ(shown.str(), "");
+}
+
 TEST_F(Jobs, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
   std::filesystem::remove(folder / test::kJobFile);
   ASSERT_EQ(::mkfifo((folder / test::kJobFile).c_str(), 0600), 0);
@@ -71,7 +82,7 @@ TEST_F(Jobs, ALogIdThatIsNoStringIsShownAsThat) {
 TEST_F(Jobs, WithoutAJobFileTheListIsEmpty) {
   std::filesystem::remove(folder / test::kJobFile);
   EXPECT_EQ(runList(), kSuccess);
-  EXPECT_EQ(shown.str(), "Log id  Command  State  Result  Text\n");
+  EXPECT_EQ(shown.str(), "no jobs\n");
 }
 
 TEST_F(Jobs, ADamagedJobFileIsTold) {

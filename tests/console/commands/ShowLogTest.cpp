@@ -67,6 +67,20 @@ TEST_F(ShowLog, ForMachinesALineOfJsonEach) {
             "\n");
 }
 
+TEST_F(ShowLog, WhereNothingIsToBeShownItSaysSo) {
+  options.level = "critical";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "no entries at this level\n");
+  shown.str("");
+  options = {.sharedFolder = options.sharedFolder, .function = "updateFW"};
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "no entries of updateFW\n");
+  shown.str("");
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "");
+}
+
 TEST_F(ShowLog, WithoutALogThereIsNoneToShow) {
   std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   EXPECT_EQ(run(), kNotFound);

@@ -1,10 +1,12 @@
-#include "console/checks/NumberRange.h"
+#include "console/checks/JsonMistake.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
+
+#include "platform/Json.h"
 
 namespace kelvane::console {
 namespace {
@@ -27,23 +29,28 @@ class FirstMistake : public nlohmann::json_sax<nlohmann::json> {
  public:
   explicit FirstMistake(std::string_view text) : text_(text) {}
   const std::string& number() const { return number_; }
+  const std::string& text() const { return mistake_; }
 
-  bool null() override { return true; }
-  bool boolean(bool /*truth*/) override { return true; }
-  bool number_integer(number_integer_t /*number*/) override { return true; }
-  bool number_unsigned(number_unsigned_t /*number*/) override { return true; }
-  bool number_float(number_float_t /*number*/, const string_t& /*digits*/) override { return true; }
-  bool string(string_t& /*text*/) override { return true; }
+  bool null() override { return takeScalar(); }
+  bool boolean(bool /*truth*/) override { return takeScalar(); }
+  bool number_integer(number_integer_t /*number*/) override { return takeScalar(); }
+  bool number_unsigned(number_unsigned_t /*number*/) override { return takeScalar(); }
+  bool number_float(number_float_t /*number*/, const string_t& /*digits*/) override {
+    return takeScalar();
+  }
+  bool string(string_t& /*text*/) override { return takeScalar(); }
   bool binary(binary_t& /*bytes*/) override { return true; }
-  bool start_object(std::size_t /*count*/) override { return true; }
-  bool start_array(std::size_t /*count*/) override { return true; }
-  bool end_object() override { return true; }
-  bool end_array() override { return true; }
+  bool start_object(std::size_t /*count*/) override { return open(); }
+  bool start_array(std::size_t /*count*/) override { return open(); }
+  bool end_object() override { return close(); }
+  bool end_array() override { return close(); }
   bool key(string_t& /*name*/) override { return true; }
 
   // The position is behind the token.
   bool parse_error(std::size_t position, const std::string& token,
                    const nlohmann::detail::exception& mistake) override {
+    const std::size_t last = std::min(position - std::min<std::size_t>(position, 1), text_.size());
+    mistake_ = placeAt(text_.substr(0, last)) + ": " + reasonOf(mistake.what());
     if (mistake.id != kOutOfRange) return false;
     const std::string shown =
         token.size() > kLongestNumber ? token.substr(0, kLongestNumber) + "..." : token;
@@ -53,11 +60,41 @@ class FirstMistake : public nlohmann::json_sax<nlohmann::json> {
   }
 
  private:
+  // What the reader's message has behind its own name and place.
+  static std::string reasonOf(const std::string& message) {
+    const std::size_t dash = message.find(" - ");
+    return dash == std::string::npos ? message : message.substr(dash + 3);
+  }
+
+  bool takeScalar() {
+    if (depth_ > 0) return true;
+    mistake_ = "line 1: a single value stands at the top; expected an array or an object";
+    return false;
+  }
+  bool open() {
+    if (++depth_ <= platform::kJsonDepthLimit) return true;
+    mistake_ =
+        "nested deeper than " + std::to_string(platform::kJsonDepthLimit) + " arrays and objects";
+    return false;
+  }
+  bool close() {
+    --depth_;
+    return true;
+  }
+
   std::string_view text_;
   std::string number_;
+  std::string mistake_;
+  int depth_ = 0;
 };
 
 }  // namespace
+
+std::string jsonMistake(const std::string& text) {
+  FirstMistake mistake(text);
+  nlohmann::json::sax_parse(text, &mistake);
+  return mistake.text();
+}
 
 std::string numberOutOfRange(const std::string& text) {
   FirstMistake mistake(text);

@@ -1,0 +1,12 @@
+// Images of controllers, as files.
+#pragma once
+
+#include <string>
+
+namespace kelvane::console {
+
+// What is wrong with the image at this path, behind the path: " does not exist"; empty where
+// nothing is.
+std::string imageFault(const std::string& path);
+
+}  // namespace kelvane::console

@@ -1,0 +1,76 @@
+#include "console/explain/PackageNotes.h"
+
+#include <cstddef>
+
+#include "contract/JobFile.h"
+#include "platform/File.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+std::string textOf(const Value& value) { return value.isString() ? value.string() : "(no text)"; }
+
+bool isThere(const Value& description) {
+  const Value& path = description.get(job::kFilePath);
+  return path.isString() && platform::exists(path.string());
+}
+
+// The worker leaves the folder as it is where the engine has left no catalogue to go by.
+bool hadCatalogue(const Value& input, const Value& description) {
+  return input.get(job::kFolder) != description.get(job::kFolder);
+}
+
+std::string noteOf(const Value& input, const Value& description, const std::string& asked) {
+  std::string note = textOf(description.get(job::kProductId));
+  if (!hadCatalogue(input, description)) {
+    return note + ": the update engine left no catalogue that could be read";
+  }
+  if (!description.has(job::kSize)) return note + ": the catalogue does not offer it";
+  note.append(": the catalogue offers version ").append(textOf(description.get(job::kVersion)));
+  note += ", and its package was not brought";
+  const bool isAsked = textOf(description.get(job::kProductId)) == asked;
+  return isAsked ? note : note + "; the engine was asked for " + asked + " alone";
+}
+
+bool isFinished(const Value& record, const char* command) {
+  return record.get(job::kJobId) == Value(command) &&
+         record.get(job::kStateId) == Value(job::kFree);
+}
+
+}  // namespace
+
+std::vector<std::string> packageNotes(const Value& record) {
+  const Value& result = record.get(job::kResult);
+  const Value& inputs = record.get(job::kInputParameters);
+  const Value& output = record.get(job::kOutput);
+  if (!isFinished(record, job::kDownloadOnlineUpdateFile) || !result.isNumber() ||
+      result.integerValue() != job::kFileNotFound || !inputs.isArray() || !output.isArray() ||
+      inputs.count() != output.count()) {
+    return {};
+  }
+  std::vector<std::string> notes;
+  for (std::size_t i = 0; i < output.count(); ++i) {
+    const Value& input = inputs.at(i);
+    const Value& description = output.at(i);
+    if (!input.isDictionary() || !description.isDictionary() || isThere(description)) continue;
+    notes.push_back(noteOf(input, description, textOf(inputs.at(0).get(job::kProductId))));
+  }
+  notes.emplace_back(
+      "what the update engine complained of stands on the worker's standard error alone: submit "
+      "the "
+      "download again with --verbose to see it");
+  return notes;
+}
+
+std::string engineNote(const Value& record, const LogStretch& log) {
+  if (!isFinished(record, job::kGetOnlineUpdateData) || record.get(job::kOutput).isArray() ||
+      log.isMixed || log.engineSaid.empty()) {
+    return {};
+  }
+  return "the update engine said last: " + log.engineSaid;
+}
+
+}  // namespace kelvane::console
