@@ -84,9 +84,8 @@ std::size_t workersNamed(const std::string& logId, const std::string& sharedFold
                          const std::vector<RunningProcess>& processes) {
   const auto count =
       std::count_if(processes.begin(), processes.end(), [&](const RunningProcess& process) {
-        return !process.arguments.empty() &&
-               fs::path(process.arguments.front()).filename() == kWorkerName &&
-               isWorkerOf(process, logId, sharedFolder);
+        const std::optional<Call> call = callIn(sharedFolder, process);
+        return call && call->logId == logId && isWorkersName(process.arguments.front());
       });
   return static_cast<std::size_t>(count);
 }
