@@ -16,6 +16,11 @@ endmacro()
 find_path(KELVANE_FMT_INCLUDE fmt/core.h)
 find_path(KELVANE_JSON_INCLUDE nlohmann/json.hpp)
 find_path(KELVANE_CLI11_INCLUDE CLI/CLI.hpp)
+find_path(KELVANE_EXPAT_INCLUDE expat.h REQUIRED)
+file(STRINGS ${KELVANE_EXPAT_INCLUDE}/expat.h kelvane_expat_version
+     REGEX "^#define XML_(MAJOR|MINOR|MICRO)_VERSION [0-9]+")
+list(TRANSFORM kelvane_expat_version REPLACE "[^0-9]" "")
+list(JOIN kelvane_expat_version "." kelvane_expat_version)
 
 kelvane_library(fmt SYMBOL "[^0-9]3fmt[0-9]+v[0-9]" LICENSE MIT
                 VERSION ${fmt_VERSION} FILE ${KELVANE_FMT_INCLUDE}/fmt/core.h)
@@ -24,7 +29,7 @@ kelvane_library(nlohmann-json SYMBOL "[^0-9]8nlohmann[0-9]" LICENSE MIT
 kelvane_library(CLI11 SYMBOL "[^0-9]3CLI[0-9]" LICENSE BSD-3-Clause
                 VERSION ${CLI11_VERSION} FILE ${KELVANE_CLI11_INCLUDE}/CLI/CLI.hpp)
 kelvane_library(pcre2 PATH "/libpcre2-8[-.]" LICENSE BSD-3-Clause)
-kelvane_library(expat PATH "/libexpat[-.]" LICENSE MIT)
+kelvane_library(expat PATH "/libexpat[-.]" LICENSE MIT VERSION ${kelvane_expat_version})
 kelvane_library(libplist PATH "/libplist(-2[.]0)?[.]" LICENSE LGPL-2.1-or-later)
 kelvane_library(zlib PATH "/libz[-.]" LICENSE Zlib VERSION ${ZLIB_VERSION_STRING})
 kelvane_library(libcrypto PATH "/libcrypto[-.]" LICENSE Apache-2.0 VERSION ${OPENSSL_VERSION})

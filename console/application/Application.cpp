@@ -3,9 +3,10 @@
 #include <filesystem>
 #include <system_error>
 
+#include "platform/Exception.h"
 #include "platform/File.h"
-#include "platform/PropertyList.h"
 #include "platform/Value.h"
+#include "platform/XmlPropertyList.h"
 
 namespace kelvane::console {
 
@@ -35,6 +36,14 @@ bool holdsAProgram(const std::string& folder) {
   return false;
 }
 
+platform::Value propertyListOf(const std::string& bundle) {
+  try {
+    return platform::parseXmlPropertyList(platform::readFile(bundle + kPropertyList));
+  } catch (const platform::Exception&) {
+    return {};  // there is none
+  }
+}
+
 }  // namespace
 
 std::string applicationFault(const std::string& bundle) {
@@ -45,7 +54,8 @@ std::string applicationFault(const std::string& bundle) {
 }
 
 std::string versionOf(const std::string& bundle) {
-  const platform::Value list = platform::readPropertyList(bundle + kPropertyList);
+  const platform::Value list = propertyListOf(bundle);
+  if (!list.isDictionary()) return {};
   for (const char* key : kVersionKeys) {
     const platform::Value& version = list.get(key);
     if (version.isString()) return version.string();

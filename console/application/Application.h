@@ -8,7 +8,8 @@ namespace kelvane::console {
 // Why the folder is no application: "it has no folder Contents"; empty where it is one.
 std::string applicationFault(const std::string& bundle);
 
-// The version that its property list tells; empty where it tells none.
+// The version that its property list tells; empty where it tells none, or is not in XML: binary
+// ones would take a library more.
 std::string versionOf(const std::string& bundle);
 
 }  // namespace kelvane::console

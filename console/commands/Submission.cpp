@@ -137,6 +137,12 @@ std::string quoted(const std::string& word) {
   return shellQuoted(word);
 }
 
+// What a worker that is gone has said.
+std::vector<std::string> lastWords(const std::string& sharedFolder, const std::string& logId) {
+  discardSilence(sharedFolder, logId);
+  return standardErrorInShort(sharedFolder, logId);
+}
+
 // Raises unless the job is finished.
 void requireFinished(const Followed& followed, const std::string& logId,
                      const std::string& sharedFolder, const Worker& worker) {
@@ -153,10 +159,10 @@ void requireFinished(const Followed& followed, const std::string& logId,
                     gone + ", and left " + job + " unfinished in state " + status.state + ": " +
                         adviceForUnfinished(followed.last.record,
                                             stretchIn(sharedFolder, followed.last.record)),
-                    standardErrorInShort(sharedFolder, logId));
+                    lastWords(sharedFolder, logId));
     case Outcome::recordLost:
       throw Failure(kJobFileFailed, gone + ", and " + job + " is not to be found in the job file",
-                    standardErrorInShort(sharedFolder, logId));
+                    lastWords(sharedFolder, logId));
     case Outcome::interrupted:
       throw Failure(kInterrupted,
                     "interrupted: " +
@@ -212,7 +218,7 @@ JobOptions jobOptionsOf(const Given& given) {
 }
 
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
-                    const Surroundings& surroundings, const IsMeant& isMeant) {
+                    const Surroundings& surroundings, const JobFile::IsMeant& isMeant) {
   const Followed followed =
       follow(JobFile(sharedFolder), logId, worker, surroundings.clock, surroundings.view, isMeant);
   requireFinished(followed, logId, sharedFolder, worker);

@@ -55,7 +55,7 @@ std::optional<Look> runJob(const JobOptions& options, const std::string& command
 
 // Follows a job to its end; the finished look. Raises Failure like runJob().
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
-                    const Surroundings& surroundings, const IsMeant& isMeant = {});
+                    const Surroundings& surroundings, const JobFile::IsMeant& isMeant = {});
 
 // The exit code of a finished job.
 int exitCodeOf(const Look& finished);

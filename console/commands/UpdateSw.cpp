@@ -68,7 +68,7 @@ void refuseOwnPackage(const std::string& package, const std::string& installed) 
 
 std::string versionText(const std::string& bundle) {
   const std::string version = versionOf(bundle);
-  return version.empty() ? "a version that it does not tell" : "version " + version;
+  return version.empty() ? "an unknown version" : "version " + version;
 }
 
 // Says what is to be done, and asks before an application goes.

@@ -60,13 +60,13 @@ class Watch {
 }  // namespace
 
 Followed follow(const JobFile& file, const std::string& logId, Worker& worker, Clock& clock,
-                View& view, const IsMeant& isMeant) {
+                View& view, const JobFile::IsMeant& isMeant) {
   Watch watch(clock);
   for (int missed = 0;;) {
     // Asked before the file is read, so that what the worker wrote last is seen.
     const bool ended = worker.hasEnded();
-    const platform::Value record = file.find(logId);
-    if (!record.isNothing() && (!isMeant || isMeant(record))) {
+    const platform::Value record = file.find(logId, isMeant);
+    if (!record.isNothing()) {
       const Look& look = watch.take(record, worker, ended);
       view.show(look);
       if (look.status.isFinished()) return {Outcome::finished, look};

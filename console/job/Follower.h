@@ -2,7 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <string>
 
 #include "console/job/Clock.h"
@@ -29,12 +28,9 @@ struct Followed {
   Look last;  // with a nothing for a record where that was never seen
 };
 
-// Whether a record with the followed log id is the job that is meant.
-using IsMeant = std::function<bool(const platform::Value& record)>;
-
 // Follows the job `logId`, showing each look in the view. A look that finds no file, a damaged one
 // or no such record is passed over, and so is a record that is not meant.
 Followed follow(const JobFile& file, const std::string& logId, Worker& worker, Clock& clock,
-                View& view, const IsMeant& isMeant = {});
+                View& view, const JobFile::IsMeant& isMeant = {});
 
 }  // namespace kelvane::console

@@ -188,14 +188,15 @@ void JobFile::change(const Change& change, const Verification& verification) con
   throw Failure(kJobFileFailed, path_ + " is written by another program again and again");
 }
 
-Value JobFile::find(const std::string& logId) const {
+Value JobFile::find(const std::string& logId, const IsMeant& isMeant) const {
   try {
     std::error_code untold;
     if (!std::filesystem::is_regular_file(path_, untold)) return {};  // a pipe would block
     const Value all = platform::parseJson(platform::readFile(path_));
     if (!all.isArray()) return {};
     for (std::size_t i = all.count(); i > 0; --i) {
-      if (isJob(all.at(i - 1), logId)) return all.at(i - 1);
+      const Value& record = all.at(i - 1);
+      if (isJob(record, logId) && (!isMeant || isMeant(record))) return record;
     }
   } catch (const platform::Exception&) {
     return {};  // the file is not there for the moment

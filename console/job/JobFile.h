@@ -46,9 +46,12 @@ class JobFile {
   // where the file is damaged or cannot be read or written, and what they raise.
   void change(const Change& change, const Verification& verification) const;
 
-  // The record with this log id; of several the last one, which is the one added last. Nothing
-  // where there is none or where the file is not there, not readable or damaged. Never raises.
-  platform::Value find(const std::string& logId) const;
+  // Whether a record with a certain log id is the job that is meant.
+  using IsMeant = std::function<bool(const platform::Value& record)>;
+
+  // The record with this log id that is meant; of several the last one, which is the one added
+  // last. Nothing where there is none or where the file is not there, not readable or damaged.
+  platform::Value find(const std::string& logId, const IsMeant& isMeant = {}) const;
 
   // The records; an empty list where the file is not there. Raises Failure where it is damaged or
   // cannot be read.

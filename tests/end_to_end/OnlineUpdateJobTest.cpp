@@ -98,7 +98,7 @@ TEST_F(OnlineJob, ADownloadedApplicationReplacesTheInstalledOne) {
   EXPECT_EQ(path, Value(area("SW") + "/Manager.app"));
   runJob("updateSW", Value::dictionary({{"file_path", path}}));
   EXPECT_EQ(result(), 0);
-  EXPECT_EQ(folder.names("Installed.app/Contents"), std::vector<std::string>{"version"});
+  EXPECT_EQ(folder.names("Installed.app/Contents"), (std::vector<std::string>{"MacOS", "version"}));
   EXPECT_EQ(folder.read("Installed.app/Contents/version"), "2.0");
 }
 

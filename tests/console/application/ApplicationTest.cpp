@@ -55,6 +55,8 @@ TEST_F(Application, WithoutAVersionTellsNone) {
   EXPECT_EQ(versionIn("<key>CFBundleVersion</key><integer>5</integer>"), "");
   folder.write("A.app/Contents/Info.plist", "no property list");
   EXPECT_EQ(versionOf(folder / "A.app"), "");
+  folder.write("A.app/Contents/Info.plist", "<plist><array/></plist>");
+  EXPECT_EQ(versionOf(folder / "A.app"), "");
 }
 
 }  // namespace

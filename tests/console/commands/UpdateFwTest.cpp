@@ -171,6 +171,8 @@ TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithAFailedJob) {
 TEST_F(UpdateFw, OfAWorkerThatSaysNothingNothingIsKept) {
   makeWorkerThatLeaves("FREE", "0");
   run();
+  makeWorker("exit 1");
+  run();
   EXPECT_EQ(folder.names("shared/utility/logs"), std::vector<std::string>());
 }
 

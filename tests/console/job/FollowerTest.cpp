@@ -58,7 +58,7 @@ class Follower : public ::testing::Test, public Clock {
     return job(R"("state_id": "WAIT", "input_parameters": [{"wwn": "5000A1"}])");
   }
 
-  IsMeant isMeant;
+  JobFile::IsMeant isMeant;
   std::size_t workerEndsAtWait = 0;
   std::size_t interruptedAtWait = 0;
   std::chrono::milliseconds time{1'000'000};

@@ -215,6 +215,13 @@ TEST_F(JobFileTest, FindsTheRecordOfALogId) {
   EXPECT_TRUE(file.find("9").isNothing());
 }
 
+TEST_F(JobFileTest, OfSeveralRecordsFindsTheOneThatIsMeant) {
+  folder.write(kPath, R"([{"log_id": "7", "n": 1}, {"log_id": "7", "n": 2}])");
+  EXPECT_EQ(file.find("7").get("n"), Value::integer(2));
+  const auto isFirst = [](const Value& record) { return record.get("n") == Value::integer(1); };
+  EXPECT_EQ(file.find("7", isFirst).get("n"), Value::integer(1));
+}
+
 TEST_F(JobFileTest, FindsNothingInAMissingOrDamagedFile) {
   EXPECT_TRUE(file.find("7").isNothing());
   for (const std::string damaged : {"", "[{\"log_id\": \"7\"}", "{\"log_id\": \"7\"}"}) {

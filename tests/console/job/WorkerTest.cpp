@@ -121,9 +121,10 @@ TEST_F(WorkerTest, ItsOutputIsDiscarded) {
 
 TEST_F(WorkerTest, StandardErrorGoesToTheFileThatIsNamed) {
   const std::string kept = folder.write("kept", "");
-  const WorkerProcess worker({script("echo out; echo one >&2; /bin/sh -c 'echo two >&2'"), "18",
-                              folder / "", false, kept});
+  WorkerProcess worker({script("echo out; echo one >&2; /bin/sh -c 'echo two >&2'"), "18",
+                        folder / "", false, kept});
   awaitAChild();
+  EXPECT_TRUE(worker.hasEnded());
   EXPECT_EQ(folder.read("kept"), "one\ntwo\n");
 }
 
