@@ -17,7 +17,7 @@
   STATUS(kZorCpldFlashAccepted, 0x8058)   /* zr_flashCPLDBin: exactly as success */
 
 enum ZorStatus : std::uint32_t {
-#define KELVANE_ZOR_ENUMERATOR(name, code) name = code,
+#define KELVANE_ZOR_ENUMERATOR(name, code) name = (code),
   KELVANE_ZOR_STATUSES(KELVANE_ZOR_ENUMERATOR)
 #undef KELVANE_ZOR_ENUMERATOR
 };

@@ -117,13 +117,12 @@ Findings leftoverFindings(const std::string& path) {
   std::sort(names.begin(), names.end());
   for (const std::string& name : names) {
     if (name.rfind(platform::kReplacementPrefix, 0) != 0) continue;
-    std::string what = folder;
-    what += "/" + name + " is left over";
-    findings.push_back({Code::jobFileLeftover, Severity::warning, what,
+    std::string leftover = folder;
+    leftover.append("/").append(name);
+    findings.push_back({Code::jobFileLeftover, Severity::warning, leftover + " is left over",
                         "A worker was killed, or the computer went down, while it wrote the job "
                         "file. The job file itself is whole.",
-                        "Delete it. Look for a job that is still in state RUN.",
-                        folder + "/" + name});
+                        "Delete it. Look for a job that is still in state RUN.", path});
   }
   return findings;
 }

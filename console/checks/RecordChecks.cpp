@@ -17,9 +17,9 @@ using platform::Value;
 namespace {
 
 constexpr char kNoUpdates[] =
-    "No job of the file can be updated. A firmware job before it that is started is flashed all "
-    "the "
-    "same, and stays in state WAIT; other jobs are not begun.";
+    "No job of the file can be updated. A firmware job that is started may be flashed all the "
+    "same, "
+    "and stays in state WAIT; other jobs are not begun.";
 
 std::string inBrackets(std::size_t index) {
   return std::string("[").append(std::to_string(index)).append("]");

@@ -46,8 +46,9 @@ Findings rightsFindings(const std::string& sharedFolder) {
     if (::stat(path.c_str(), &entry) != 0) continue;
     const std::string others = othersWhoMayWrite(entry, ::geteuid());
     if (others.empty()) continue;
+    std::string what = path;
     findings.push_back(
-        {Code::othersMayWrite, Severity::warning, path + " can be written by " + others,
+        {Code::othersMayWrite, Severity::warning, what.append(" can be written by ").append(others),
          "AppPath in the shared folder's settings names the program that queries and downloads "
          "start: whoever may write there runs programs with the worker's rights.",
          "Take the right to write away from others, and run the worker as the folder's owner.",

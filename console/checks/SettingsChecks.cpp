@@ -105,15 +105,14 @@ void findKeys(const std::string& path, const Value& settings, Findings& findings
 // The first folder below the application, or itself, whose entries the user cannot remove.
 std::string fixedPart(const std::string& application) {
   std::error_code untold;
-  if (const std::string cause = changeRefusal(application); !cause.empty()) return cause;
-  for (fs::recursive_directory_iterator entry(application, untold), end; !untold && entry != end;
-       entry.increment(untold)) {
+  std::string cause = changeRefusal(application);
+  for (fs::recursive_directory_iterator entry(application, untold), end;
+       cause.empty() && !untold && entry != end; entry.increment(untold)) {
     std::error_code unknown;
     if (!entry->is_directory(unknown) || entry->is_symlink(unknown)) continue;
-    const std::string cause = changeRefusal(entry->path().string());
-    if (!cause.empty()) return cause;
+    cause = changeRefusal(entry->path().string());
   }
-  return {};
+  return cause;
 }
 
 void findFixedParts(const std::string& application, Findings& findings) {

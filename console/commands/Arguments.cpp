@@ -1,6 +1,7 @@
 #include "console/commands/Arguments.h"
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 #include "console/job/ExitCode.h"
@@ -31,8 +32,9 @@ std::string existingShared(const std::string& folder) {
 std::string workersShared(const std::string& folder) {
   std::string prefix = existingShared(folder);
   for (const char* part : paths::kBelowSharedFolder) {
-    const std::string above = platform::withoutLastComponent(prefix + part);
-    if (platform::isFolder(above)) return prefix;
+    const bool isFile = part != std::string_view(paths::kDownloadArea);
+    const std::string path = prefix + part;
+    if (platform::isFolder(isFile ? platform::withoutLastComponent(path) : path)) return prefix;
   }
   throw Failure(kBadUsage, folder +
                                " is no folder shared with the worker: neither a folder for "

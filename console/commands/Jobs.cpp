@@ -41,7 +41,7 @@ std::string stateText(const JobStatus& status) {
 
 // A job that runs has neither result nor text yet, a firmware job its controllers instead.
 std::string outcomeText(const JobStatus& status) {
-  const std::string progress = progressText(status);
+  std::string progress = progressText(status);
   if (status.state == job::kRun) return progress;
   if (status.hasSucceeded() || !status.isFinished() || progress.empty()) return status.resultText;
   return status.resultText + " (" + progress + ")";

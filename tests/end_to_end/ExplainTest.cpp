@@ -242,6 +242,11 @@ TEST_F(Explain, AJobThatRunsAndThenTheSameWithItsWorkerKilled) {
   EXPECT_THAT(findings(), ::testing::IsEmpty());
   stalled.kill();
   EXPECT_EQ(told("subject"), "job 17 (updateFW): running, and no worker for it is seen");
+  EXPECT_THAT(told("controllers"), StartsWith("50000000000000A1 stopped at "));
+  EXPECT_THAT(console({"list", "--shared", shared()}).out,
+              HasSubstr("RUN, no worker          50000000000000A1 stopped at "));
+  EXPECT_THAT(console({"show", "--shared", shared(), "17"}).out,
+              StartsWith("job 17: running, no worker\n"));
   EXPECT_THAT(told("meaning"), StartsWith("Its worker was killed"));
   EXPECT_THAT(told("last_step"), EndsWith("fshProg.fp_u8Stage = 1"));
   EXPECT_THAT(findings(), ElementsAre(HasSubstr("job 17 is in state RUN, and no worker")));

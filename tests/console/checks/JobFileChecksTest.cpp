@@ -71,9 +71,11 @@ TEST_F(JobFileChecks, ANumberThatTheWorkerCannotReadIsNamedWithItsPlace) {
 }
 
 TEST_F(JobFileChecks, AFileOfTensOfMegabytesIsAWarning) {
-  folder.write("jobs/file", "[" + std::string(9'999'997, ' ') + "]");
+  std::string text = "[";
+  text.resize(9'999'998, ' ');
+  folder.write("jobs/file", text + "]");
   EXPECT_THAT(found(), IsEmpty());
-  folder.write("jobs/file", "[" + std::string(9'999'998, ' ') + "]");
+  folder.write("jobs/file", text + " ]");
   EXPECT_THAT(found(), ElementsAre("warning: " + path + " has 10000000 bytes"));
 }
 

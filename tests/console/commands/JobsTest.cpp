@@ -53,7 +53,7 @@ TEST_F(Jobs, ASharedFolderThatIsNotThereIsBadUsage) {
 }
 
 TEST_F(Jobs, AFolderThatIsNotSharedWithAWorkerIsToldAsThat) {
-  std::filesystem::create_directories(folder / "photos");
+  std::filesystem::create_directories(folder / "photos/tmp");
   const std::string photos = folder / "photos";
   EXPECT_EQ(runHere(list, {photos}), kBadUsage);
   EXPECT_EQ(runHere(show, {photos, "1"}), kBadUsage);
