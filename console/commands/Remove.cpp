@@ -45,7 +45,9 @@ void requireThere(const LogIds& logIds, const Value& records, const std::string&
     const auto& all = records.elements();
     if (std::none_of(all.begin(), all.end(),
                      [&](const Value& record) { return logIdOf(record) == logId; })) {
-      throw Failure(kNotFound, "no job " + logId + " in " + path + "; nothing was removed");
+      std::string message = "no job ";
+      message.append(logId).append(" in ").append(path).append("; nothing was removed");
+      throw Failure(kNotFound, message);
     }
   }
 }
@@ -107,7 +109,7 @@ LogIds removeFrom(const JobFile& file, const Choice& choice) {
   LogIds removed;
   const auto without = [&](const Value& records) {
     if (removed.empty()) requireThere(choice.named(), records, file.path());
-    const Value remaining = choice.remaining(records);
+    Value remaining = choice.remaining(records);
     if (remaining.count() == records.count()) return Value();
     removed = removedFrom(records, remaining);
     return remaining;

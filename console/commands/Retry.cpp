@@ -46,7 +46,7 @@ Value recordOf(const JobFile& file, const std::string& logId) {
 
 // A record that waits is not made twice: the application may start it, too.
 Value putIn(const JobFile& file, const RetryOptions& options) {
-  const Value record = recordOf(file, options.logId);
+  Value record = recordOf(file, options.logId);
   if (statusOf(record).state != job::kWait) {
     return file.add({options.job.logId, record.get(job::kJobId).string(),
                      record.get(job::kInputParameters), otherKeys(record)});
