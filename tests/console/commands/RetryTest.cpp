@@ -93,7 +93,7 @@ TEST_F(Retry, IsFollowedToItsEnd) {
       "> \"$2new\"; mv \"$2new\" \"$2utility/command/BGPLog.json\"\n");
   job.noWait = false;
   EXPECT_EQ(run(), kJobFailed) << messages.str();
-  EXPECT_EQ(shownAtTheEnd(), "result 7: \n");
+  EXPECT_EQ(shownAtTheEnd(), "result 7 (0x0007): \n");
 }
 
 TEST_F(Retry, AnImageThatIsGoneIsRefused) {

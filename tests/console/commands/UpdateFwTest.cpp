@@ -164,7 +164,7 @@ TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
   makeWorker(folder.read("Manager.app/Contents/Resources/Kelvane") + "echo complaint >&2\n");
   EXPECT_EQ(run(), kJobFailed);
-  EXPECT_EQ(shownAtTheEnd().rfind("result 32852: the text\n  complaint\n  (kept in ", 0), 0U)
+  EXPECT_EQ(shownAtTheEnd().rfind("result 32852 (0x8054): the text\n  complaint\n  (kept in ", 0), 0U)
       << shown.str();
 }
 
