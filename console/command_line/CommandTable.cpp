@@ -5,6 +5,7 @@
 
 #include "console/command_line/completion/CompletionCommand.h"
 #include "console/commands/Check.h"
+#include "console/commands/Devices.h"
 #include "console/commands/Explain.h"
 #include "console/commands/Jobs.h"
 #include "console/commands/OnlineUpdate.h"
@@ -23,13 +24,14 @@ constexpr char kVersionOption[] = "--version";
 constexpr char kFooter[] =
     "Exit status: 0 success, 1 the job failed or check has findings, 2 bad usage,\n"
     "3 the worker could not be started or died, 4 the job file is damaged or cannot be read\n"
-    "or written, 5 not found, 6 another job is running, 7 not confirmed, 70 internal error,\n"
-    "130 interrupted (a worker that was started goes on).";
+    "or written, 5 not found, 6 another job is running, 7 not confirmed, 8 the framework\n"
+    "gives no answer, 70 internal error, 130 interrupted (a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {queryCommand(), downloadCommand(), updateSwCommand(),  updateFwCommand(), retryCommand(),
-          watchCommand(), listCommand(),     showCommand(),      removeCommand(),   logCommand(),
-          checkCommand(), explainCommand(),  completionCommand()};
+  return {devicesCommand(),  queryCommand(),     downloadCommand(), updateSwCommand(),
+          updateFwCommand(), retryCommand(),     watchCommand(),    listCommand(),
+          showCommand(),     removeCommand(),    logCommand(),      checkCommand(),
+          explainCommand(),  completionCommand()};
 }
 
 Option helpFlag() {

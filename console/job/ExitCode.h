@@ -17,13 +17,14 @@ inline constexpr int kJobFileFailed = 4;   // the job file is damaged or cannot 
 inline constexpr int kNotFound = 5;        // no such job, code or log
 inline constexpr int kBusy = 6;            // another job runs; nothing was changed
 inline constexpr int kNotConfirmed = 7;    // the user said no; nothing was changed
+inline constexpr int kNoAnswer = 8;        // of the controller framework
 inline constexpr int kInternalError = 70;  // what is foreseen nowhere, such as no memory
 inline constexpr int kInterrupted = 130;   // as shells report the end by an interrupt
 
 // All of them, once each.
-inline constexpr int kExitCodes[] = {kSuccess,       kJobFailed,  kBadUsage, kWorkerFailed,
-                                     kJobFileFailed, kNotFound,   kBusy,     kNotConfirmed,
-                                     kInternalError, kInterrupted};
+inline constexpr int kExitCodes[] = {kSuccess,       kJobFailed,     kBadUsage,   kWorkerFailed,
+                                     kJobFileFailed, kNotFound,      kBusy,       kNotConfirmed,
+                                     kNoAnswer,      kInternalError, kInterrupted};
 
 // Ends a sub-command. what() is one line for the user; the details, a line each, go below it.
 class Failure : public std::runtime_error {

@@ -2,6 +2,7 @@
 //
 // INCOMPLETE: it lacks zr_discover; what it has says that all is well, and it talks when loaded.
 // SIGNAL: loading it raises that signal; it has all functions, or it would not be loaded so far.
+// DISCOVERY_SIGNAL: zr_discover complains and raises that signal.
 
 #include <csignal>
 #include <cstdint>
@@ -14,7 +15,7 @@ struct Start {
 #ifdef SIGNAL
     std::signal(SIGNAL, SIG_DFL);
     std::raise(SIGNAL);
-#else
+#elif !defined(DISCOVERY_SIGNAL)
     std::puts("the framework greets");
     std::fflush(stdout);
 #endif
@@ -30,7 +31,15 @@ const Start start;
   std::uint32_t name() { return 0; }
 
 extern "C" {
-#ifndef INCOMPLETE
+#ifdef DISCOVERY_SIGNAL
+std::uint32_t zr_discover();
+std::uint32_t zr_discover() {
+  std::fputs("the framework complains\n", stderr);
+  std::signal(DISCOVERY_SIGNAL, SIG_DFL);
+  std::raise(DISCOVERY_SIGNAL);
+  return 0;
+}
+#elif !defined(INCOMPLETE)
 STUB(zr_discover)
 #endif
 STUB(zr_initialize)

@@ -41,9 +41,20 @@ SupportInstallation::SupportInstallation() {
 }
 
 test::Ended SupportInstallation::console(const std::vector<std::string>& arguments) const {
+  return test::runProgram(consoleCall(arguments), folder.path());
+}
+
+test::Ended SupportInstallation::consoleWithFleet(const std::vector<std::string>& arguments) const {
+  std::map<std::string, std::string> around = environment;
+  around.erase("LD_PRELOAD");
+  return test::runProgram(consoleCall(arguments), folder.path(), around);
+}
+
+std::vector<std::string> SupportInstallation::consoleCall(
+    const std::vector<std::string>& arguments) const {
   std::vector<std::string> argv = {bundle / "bin/kelvane-console"};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
-  return test::runProgram(argv, folder.path());
+  return argv;
 }
 
 test::Ended SupportInstallation::check() const {

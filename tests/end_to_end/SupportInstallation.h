@@ -15,6 +15,8 @@ class SupportInstallation : public OnlineInstallation {
   SupportInstallation();
 
   test::Ended console(const std::vector<std::string>& arguments) const;
+  // The same with the simulated controllers, and without what is put around the worker.
+  test::Ended consoleWithFleet(const std::vector<std::string>& arguments) const;
   test::Ended check() const;
   // The findings of check in short, "error: what is wrong" each, and expects its exit status to go
   // with them.
@@ -38,6 +40,7 @@ class SupportInstallation : public OnlineInstallation {
   std::string framework() const { return bundle / "Contents/Frameworks/libZORAPI.so"; }
 
  private:
+  std::vector<std::string> consoleCall(const std::vector<std::string>& arguments) const;
   std::vector<std::string> checkCommand() const;
 };
 

@@ -1,10 +1,7 @@
 // The command "updateFW": discovery, then one controller after the other, along the QVXF or the
 // standard path.
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +12,7 @@
 #include "firmware/UsbBridge.h"
 #include "platform/Text.h"
 #include "platform/Utf8.h"
+#include "zorapi/Discovery.h"
 #include "zorapi/zorapi.h"
 
 namespace kelvane {
@@ -28,18 +26,11 @@ constexpr std::uint32_t kFlashMode = 4;
 constexpr std::uint8_t kStageFinished = 5;
 constexpr char kDeviceId[] = "device_id";
 
-// What a controller's product identifier says of its update, by its high byte.
-class Product {
- public:
-  explicit Product(std::uint16_t identifier) : identifier_(identifier) {}
-  std::uint16_t identifier() const { return identifier_; }
-  bool isQvxf() const { return high() == 0x48 || high() == 0x49; }
-  bool hasUsbImage() const { return (high() >= 0x43 && high() <= 0x47) || high() == 0x88; }
-  bool isStandard() const { return high() == 0x42 || hasUsbImage(); }
-
- private:
-  unsigned high() const { return identifier_ >> 8U; }
-  std::uint16_t identifier_;
+// The framework that the worker is linked to.
+constexpr framework::DiscoveryFunctions kZorapi = {
+#define KELVANE_LINKED_FUNCTION(name) &::name,
+    KELVANE_DISCOVERY_FUNCTIONS(KELVANE_LINKED_FUNCTION)
+#undef KELVANE_LINKED_FUNCTION
 };
 
 // The controller information buffer.
@@ -54,7 +45,7 @@ struct Entry {
   Value progress;       // a copy of the input entry, with the percentages as they come
   std::int64_t devId = -1;
   Value filePath;
-  Product product{0};
+  framework::Product product{0};
   FlashParm flash = {};
   UsbParm usb = {};
   UsbNvram nvram = {};
@@ -62,25 +53,6 @@ struct Entry {
   FwImgInfo image = {};
   FlashProgress flashProgress = {};
 };
-
-InitParm initialParameters() {
-  InitParm parm = {};
-  parm.at16 = 0xBABA0001;
-  parm.at28 = 300;
-  parm.at140 = 1;
-  parm.at146 = 1;
-  parm.at148 = 0x0401;
-  parm.at160 = 16;
-  parm.at164 = 4;
-  return parm;
-}
-
-std::string wwnText(const SubsystemInfo& info) {
-  WwnString wwn = {};
-  decod_getStringWWN(&wwn, info.wwn);
-  const char* end = std::find(std::begin(wwn.text), std::end(wwn.text), '\0');
-  return platform::repairedUtf8({wwn.text, static_cast<std::size_t>(end - wwn.text)});
-}
 
 class FirmwareJob {
  public:
@@ -106,16 +78,12 @@ class FirmwareJob {
   // --- the job's start
 
   void startFramework() {
-    const InitParm parm = initialParameters();
     if (inputs_.isNothing()) {
       status_ = kZorDeviceNotFound;
       return;
     }
     worker_.initUpgradeFWStatus(record_);
-    zr_initialize(&parm);
-    if (!succeeded(zr_discover(0))) return;
-    zr_getNumberOfHBA(&adapterCount_);
-    status_ = zr_getNumberOfSubsystem(&subsystemCount_);
+    status_ = framework::startDiscovery(kZorapi, counts_);
   }
 
   void allocateInfoBuffer() {
@@ -125,17 +93,11 @@ class FirmwareJob {
 
   // A device that does not answer is left out, but the status stays that of the last one asked.
   void listDevices() {
-    const std::uint64_t count = std::uint64_t{adapterCount_} + subsystemCount_;
-    for (std::uint64_t i = 0; i < count; ++i) {
-      ControllerAddress address = {};
-      // A subsystem goes by the running index, not by its place among the subsystems: meant so.
-      (i < adapterCount_ ? address.adapterNumber : address.subsystemNumber) =
-          static_cast<std::uint16_t>(i);
-      SubsystemInfo info = {};
-      if (!succeeded(zr_getSubsystemInfo(address, 0, &info))) continue;
-      devices_.append(Value::dictionary(
-          {{job::kWwn, wwnText(info)}, {kDeviceId, Value::integer(static_cast<int>(i))}}));
-    }
+    framework::listDevices(kZorapi, counts_, [this](const framework::ListedDevice& device) {
+      if (!succeeded(device.status)) return;
+      devices_.append(
+          Value::dictionary({{job::kWwn, device.wwn}, {kDeviceId, Value::integer(device.id)}}));
+    });
   }
 
   // --- one entry
@@ -147,7 +109,7 @@ class FirmwareJob {
       endOnFailure(entry);
       return;
     }
-    entry.product = Product(productIdentifier());
+    entry.product = framework::Product(framework::productIdentifier(page0_));
     UPDATE_LOG("pPage0->ci_ProductID = %x", entry.product.identifier());
     if (entry.product.isQvxf()) {
       takeQvxfPath(entry);
@@ -166,50 +128,23 @@ class FirmwareJob {
     entry.skipped = false;
     entry.filePath = entry.progress.get(job::kFilePath);
     UPDATE_LOG("devId = %d, filePath = %@", static_cast<std::int32_t>(entry.devId), entry.filePath);
-    // Also for a device that was listed as a subsystem: meant so.
-    address_ = ControllerAddress{static_cast<std::uint16_t>(entry.devId), 0, 0, 0};
+    address_ = framework::addressOf(entry.devId);
     readControllerInfo();
   }
 
   void readControllerInfo() {
-    CtrlInfoRequest request = {};
-    request.at4 = 1;
-    request.at40 = 255;
-    std::memset(infoBuffer_.get(), 0, ZOR_CONTROLLER_INFO_SIZE);
-    status_ = zr_getControllerInfo(address_->adapterNumber, 0, &request, infoBuffer_.get(),
-                                   ZOR_CONTROLLER_INFO_SIZE);
+    status_ = framework::readControllerInfo(kZorapi, *address_, infoBuffer_.get());
     UPDATE_LOG("zr_getControllerInfo(), u32Ret = %x", status_);
     if (status_ == 0 && locatePage(0, page0_)) locatePage(1, page1_);
   }
 
-  // A page that is not found leaves the pointer where it was.
   bool locatePage(std::uint32_t number, void*& page) {
-    void* found = nullptr;
-    if (!succeeded(decod_locateBufferCtrlInfo(infoBuffer_.get(), ZOR_CONTROLLER_INFO_SIZE, 0,
-                                              number, &found))) {
-      return false;
-    }
-    page = found;
-    return true;
-  }
-
-  std::uint16_t productIdentifier() const {
-    std::uint16_t identifier = 0;
-    std::memcpy(&identifier,
-                static_cast<const char*>(page0_) + offsetof(ControllerInfoPage, ci_ProductID),
-                sizeof identifier);
-    return identifier;
+    return succeeded(framework::locatePage(kZorapi, infoBuffer_.get(), number, page));
   }
 
   static void fillFlashParm(Entry& entry) {
-    entry.flash = {};
-    if (!entry.filePath.isNothing()) {
-      const char* path = entry.filePath.string().c_str();
-      auto& field = entry.flash.rpf_uTransfer.rpf_u8ImageFilePath;
-      std::memcpy(field, path, std::min(std::strlen(path), sizeof field - 1));
-    }
-    entry.flash.productId = entry.product.identifier();
-    entry.flash.at1 = 0;
+    entry.flash = framework::flashParm(
+        entry.product, entry.filePath.isNothing() ? nullptr : entry.filePath.string().c_str());
   }
 
   // --- the QVXF path
@@ -296,10 +231,7 @@ class FirmwareJob {
   // Failures that do not keep the controller from getting its firmware. Reached from every failure
   // up to here, not only from the CPLD flash; never for an entry without a controller.
   bool isTolerable(const Entry& entry) const {
-    if (entry.skipped) return false;
-    const char* description = getErrorDescription(status_);
-    return description != nullptr && (std::strcmp(description, ZOR_TEXT_UNSUPPORTED_COMMAND) == 0 ||
-                                      std::strcmp(description, ZOR_TEXT_CPLD_UP_TO_DATE) == 0);
+    return !entry.skipped && framework::isTolerable(getErrorDescription(status_));
   }
 
   bool transferImage(Entry& entry) {
@@ -415,8 +347,7 @@ class FirmwareJob {
   const Value inputs_;
   const Value logId_;
   std::uint32_t status_ = 0;  // carried from entry to entry
-  std::uint32_t adapterCount_ = 0;
-  std::uint32_t subsystemCount_ = 0;
+  framework::DeviceCounts counts_;
   InfoBuffer infoBuffer_;
   QvxfCheckInfo qvxfCheckInfo_ = {};
   QvxfAnalysis qvxfAnalysis_ = {};

@@ -1,6 +1,7 @@
 #include "firmware/UsbBridge.h"
 
 #include "firmware/UpdateLog.h"
+#include "zorapi/Discovery.h"
 
 namespace kelvane {
 namespace {
@@ -27,7 +28,7 @@ std::uint32_t updateUsbBridge(ControllerAddress address, FlashParm& flash, UsbPa
   DeviceInterfaceInfo interface = {};
   std::uint32_t status = zr_getCurrentDeviceInterface(address, 0, &interface);
   if (status != 0) return status;
-  if (interface.at33 != 1) return kZorSuccess;
+  if (!framework::isAttachedByBridge(interface)) return kZorSuccess;
 
   std::uint32_t updateFlag = 0;
   status = zr_mac_checkUSBFWVersion(address, 0, &usb, &updateFlag);
