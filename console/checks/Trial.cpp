@@ -7,6 +7,7 @@
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <thread>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -85,10 +86,14 @@ bool readToEnd(int pipe, Clock::time_point end, std::string& answer) {
   }
 }
 
-// A child that sits in a call of the system is not waited for: it ends when it comes out of there.
+// A child that sits in a call of the system is not waited for any longer than this: it ends when it
+// comes out of there.
 void end(pid_t child) {
+  constexpr int kMostLooks = 500;
   ::kill(child, SIGKILL);
-  ::waitpid(child, nullptr, WNOHANG);
+  for (int looks = 0; looks < kMostLooks && ::waitpid(child, nullptr, WNOHANG) == 0; ++looks) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 std::string endingOf(pid_t child, std::chrono::seconds limit) {

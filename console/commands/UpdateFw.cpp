@@ -2,6 +2,7 @@
 
 #include "console/checks/Access.h"
 #include "console/commands/Arguments.h"
+#include "console/commands/DryRun.h"
 #include "console/commands/Given.h"
 #include "console/job/ExitCode.h"
 #include "contract/JobFile.h"
@@ -35,10 +36,30 @@ Value inputParameters(const std::vector<std::string>& updates) {
   return inputs;
 }
 
+int dryRun(const JobOptions& job, const Value& inputs, const Screen& screen) {
+  if (job.bundle.empty()) {
+    throw Failure(kBadUsage, "--dry-run asks the bundle's framework, and no bundle is given");
+  }
+  return showRehearsal(rehearseIn(job.bundle, existingShared(job.sharedFolder), inputs), screen);
+}
+
 constexpr char kUpdates[] = "updates";
+constexpr char kDryRunFlag[] = "--dry-run";
 
 int runUpdateFw(const Given& given, const Surroundings& surroundings) {
-  return updateFw({.job = jobOptionsOf(given), .updates = given.texts(kUpdates)}, surroundings);
+  return updateFw({.job = jobOptionsOf(given),
+                   .updates = given.texts(kUpdates),
+                   .dryRun = given.has(kDryRunFlag)},
+                  surroundings);
+}
+
+std::vector<Option> updateFwOptions() {
+  std::vector<Option> options = jobOptions();
+  options.push_back({.names = {kDryRunFlag},
+                     .kind = ValueKind::none,
+                     .description = "Show how it would go, as far as that can be told without "
+                                    "flashing, and submit nothing"});
+  return options;
 }
 
 }  // namespace
@@ -61,6 +82,7 @@ std::string existingImage(const std::string& path) {
 
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
   const Value inputs = inputParameters(options.updates);
+  if (options.dryRun) return dryRun(options.job, inputs, surroundings.screen);
   const std::optional<Look> finished = runJob(options.job, job::kUpdateFW, inputs, surroundings);
   return finished ? exitCodeOf(*finished) : kSuccess;
 }
@@ -68,7 +90,7 @@ int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
 Command updateFwCommand() {
   return {.name = "update-fw",
           .description = "Update the firmware of controllers",
-          .options = jobOptions(),
+          .options = updateFwOptions(),
           .arguments = {{.names = {kUpdates},
                          .kind = ValueKind::assignedFile,
                          .valueName = "WWN=IMAGE",
@@ -76,6 +98,8 @@ Command updateFwCommand() {
                          .required = true,
                          .repeated = true}},
           .footer =
+              "A dry run asks the bundle's framework for the controllers, and whether the images\n"
+              "are for them; its exit status is 0, or 1 where an entry would fail.\n"
               "Example:\n"
               "  kelvane-console update-fw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
               "    5000A1B2C3D4E5F6=controller.img",

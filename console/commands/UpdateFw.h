@@ -12,10 +12,11 @@ namespace kelvane::console {
 struct UpdateFwOptions {
   JobOptions job;
   std::vector<std::string> updates;  // "WWN=IMAGE" each
+  bool dryRun = false;               // look at what can be looked at, and submit nothing
 };
 
-// Runs the job from its submission to its end and returns the exit code. Raises Failure like
-// runJob().
+// Runs the job from its submission to its end, or the dry run; returns the exit code. Raises
+// Failure like runJob(), and where the framework gives the dry run no answer.
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings);
 
 // The image's absolute path. Raises Failure where it is no file that can be read: the worker would

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "console/devices/Question.h"
+#include "console/devices/FrameworkQuestion.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {

@@ -1,7 +1,8 @@
-#include "console/devices/Question.h"
+#include "console/devices/FrameworkQuestion.h"
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <sstream>
 #include <vector>
 
@@ -62,8 +63,8 @@ void ask(const std::string& path, const Question& question, const Tell& tell) {
   try {
     step("loading it");
     tell(lineOf(kAnswer, question(functionsOf(path), step)));
-  } catch (const Failure& failure) {
-    tell(lineOf(kFault, platform::repairedUtf8(failure.what())));
+  } catch (const std::exception& caught) {
+    tell(lineOf(kFault, platform::repairedUtf8(caught.what())));
   }
 }
 
