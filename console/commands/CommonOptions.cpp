@@ -22,7 +22,7 @@ Option bundleOption() {
 Option yesFlag() {
   return {.names = {kYesFlag},
           .kind = ValueKind::none,
-          .description = "Do not ask before an application is removed"};
+          .description = "Do not ask before an application is removed or a controller flashed"};
 }
 
 Option jsonFlag(const std::string& description) {

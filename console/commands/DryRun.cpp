@@ -56,18 +56,24 @@ Value rehearseIn(const std::string& bundle, const std::string& sharedFolder, con
                       });
 }
 
+bool canSucceed(const Value& all) {
+  const auto& entries = all.elements();
+  return std::none_of(entries.begin(), entries.end(),
+                      [](const Value& entry) { return isVerdict(entry, rehearsal::kFails); });
+}
+
+void showEntries(const Value& all, const Screen& screen) {
+  for (const Value& entry : all.elements()) show(entry, screen);
+}
+
 int showRehearsal(const Value& all, const Screen& screen) {
   if (screen.json) {
     screen.out << platform::printJson(all).value_or("null") << std::endl;
   } else {
-    for (const Value& entry : all.elements()) show(entry, screen);
+    showEntries(all, screen);
     screen.out << "nothing was flashed" << std::endl;
   }
-  const auto& entries = all.elements();
-  return std::any_of(entries.begin(), entries.end(),
-                     [](const Value& entry) { return isVerdict(entry, rehearsal::kFails); })
-             ? kFindings
-             : kSuccess;
+  return canSucceed(all) ? kSuccess : kFindings;
 }
 
 }  // namespace kelvane::console

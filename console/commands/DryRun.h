@@ -14,7 +14,13 @@ namespace kelvane::console {
 platform::Value rehearseIn(const std::string& bundle, const std::string& sharedFolder,
                            const platform::Value& inputs);
 
-// Shows it, for machines as one list; the exit code.
+// Whether none of it fails for certain.
+bool canSucceed(const platform::Value& all);
+
+// Shows each entry, for people.
+void showEntries(const platform::Value& all, const Screen& screen);
+
+// Shows it whole, for machines as one list; the exit code.
 int showRehearsal(const platform::Value& all, const Screen& screen);
 
 }  // namespace kelvane::console

@@ -93,7 +93,10 @@ int retry(const RetryOptions& options, const Surroundings& surroundings) {
         {.job = options.job, .package = inputs.get(job::kFilePath).string(), .yes = options.yes},
         submit, surroundings);
   }
-  if (command == job::kUpdateFW) requireImages(inputs);
+  if (command == job::kUpdateFW) {
+    requireImages(inputs);
+    if (!options.yes) announceUpdate(options.job, inputs, surroundings);
+  }
   return endOf(submit(), command, surroundings.screen);
 }
 

@@ -2,6 +2,8 @@
 
 #include "console/checks/Access.h"
 #include "console/commands/Arguments.h"
+#include "console/commands/CommonOptions.h"
+#include "console/commands/Confirmation.h"
 #include "console/commands/DryRun.h"
 #include "console/commands/Given.h"
 #include "console/job/ExitCode.h"
@@ -43,13 +45,28 @@ int dryRun(const JobOptions& job, const Value& inputs, const Screen& screen) {
   return showRehearsal(rehearseIn(job.bundle, existingShared(job.sharedFolder), inputs), screen);
 }
 
+// How the job would go, as far as it can be told; whether it can succeed.
+bool showOutlook(const JobOptions& job, const Value& inputs, const Screen& screen) {
+  try {
+    const Value all = rehearseIn(job.bundle, existingShared(job.sharedFolder), inputs);
+    showEntries(all, screen);
+    return canSucceed(all);
+  } catch (const Failure& failure) {
+    screen.out << displayText(std::string("how it would go cannot be told: ") + failure.what(),
+                              screen.charset)
+               << std::endl;
+    return true;
+  }
+}
+
 constexpr char kUpdates[] = "updates";
 constexpr char kDryRunFlag[] = "--dry-run";
 
 int runUpdateFw(const Given& given, const Surroundings& surroundings) {
   return updateFw({.job = jobOptionsOf(given),
                    .updates = given.texts(kUpdates),
-                   .dryRun = given.has(kDryRunFlag)},
+                   .dryRun = given.has(kDryRunFlag),
+                   .yes = given.has(kYesFlag)},
                   surroundings);
 }
 
@@ -59,6 +76,7 @@ std::vector<Option> updateFwOptions() {
                      .kind = ValueKind::none,
                      .description = "Show how it would go, as far as that can be told without "
                                     "flashing, and submit nothing"});
+  options.push_back(yesFlag());
   return options;
 }
 
@@ -80,9 +98,16 @@ std::string existingImage(const std::string& path) {
   return image;
 }
 
+void announceUpdate(const JobOptions& job, const Value& inputs, const Surroundings& surroundings) {
+  if (surroundings.screen.answers == nullptr) return;
+  const bool canSucceed = job.bundle.empty() || showOutlook(job, inputs, surroundings.screen);
+  requireConfirmed(canSucceed ? "Flash?" : "It would fail. Submit it all the same?", surroundings);
+}
+
 int updateFw(const UpdateFwOptions& options, const Surroundings& surroundings) {
   const Value inputs = inputParameters(options.updates);
   if (options.dryRun) return dryRun(options.job, inputs, surroundings.screen);
+  if (!options.yes) announceUpdate(options.job, inputs, surroundings);
   const std::optional<Look> finished = runJob(options.job, job::kUpdateFW, inputs, surroundings);
   return finished ? exitCodeOf(*finished) : kSuccess;
 }
@@ -99,7 +124,8 @@ Command updateFwCommand() {
                          .repeated = true}},
           .footer =
               "A dry run asks the bundle's framework for the controllers, and whether the images\n"
-              "are for them; its exit status is 0, or 1 where an entry would fail.\n"
+              "are for them; its exit status is 0, or 1 where an entry would fail. In a terminal\n"
+              "the same is shown before the job is submitted, and the user is asked.\n"
               "Example:\n"
               "  kelvane-console update-fw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
               "    5000A1B2C3D4E5F6=controller.img",

@@ -9,8 +9,8 @@
 #include "console/checks/SettingsChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
+#include "console/commands/Confirmation.h"
 #include "console/commands/Given.h"
-#include "console/display/Question.h"
 #include "console/job/ExitCode.h"
 #include "console/job/StandardError.h"
 #include "contract/JobFile.h"
@@ -82,11 +82,7 @@ void announce(const std::string& installed, const UpdateSwOptions& options,
   if (!replaces) line += " is installed where nothing stands";
   if (!screen.json) screen.out << displayText(line, screen.charset) << std::endl;
   if (!replaces || options.yes) return;
-  const bool agreed = confirmed("Remove the application and install the new one?", screen);
-  if (!surroundings.clock.wait(std::chrono::milliseconds(0))) {
-    throw Failure(kInterrupted, "interrupted; nothing was changed");
-  }
-  if (!agreed) throw Failure(kNotConfirmed, "not confirmed; nothing was changed");
+  requireConfirmed("Remove the application and install the new one?", surroundings);
 }
 
 std::string listed(const TreeDifferences& found) {

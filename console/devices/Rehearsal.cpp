@@ -17,7 +17,7 @@ class Rehearsal {
       : zorapi_(zorapi), step_(step), discovery_(zorapi, step), devices_(discovery_.list()) {}
 
   Value tell(const Value& input) const {
-    Value told = input.asDictionary();
+    const Value& told = input.asDictionary();
     // The status of the last one asked is what the worker begins with.
     if (!devices_.empty() && devices_.back().status != 0) {
       return failing(told, "the device that is asked last does not answer, which ends every job: " +

@@ -181,8 +181,8 @@ TEST_F(ConsoleScreen, AnInterruptLeavesTheWorkerAlive) {
   std::fstream line(folder / "line");
   const std::string worker = folder.write("Worker", "#!/bin/sh\necho $$ > pid\nread word < line\n");
   ::chmod(worker.c_str(), 0755);
-  PseudoTerminal terminal({KELVANE_CONSOLE, "update-fw", "--shared", "shared", "--worker", worker,
-                           "--log-id", "99", "5000A1=" + worker},
+  PseudoTerminal terminal({KELVANE_CONSOLE, "update-fw", "--yes", "--shared", "shared", "--worker",
+                           worker, "--log-id", "99", "5000A1=" + worker},
                           folder.path(), {80, 24, true});
   ASSERT_TRUE(terminal.waitFor("job 99: waiting"));
   terminal.type("\x03");

@@ -4,12 +4,14 @@
 
 #include "platform/Json.h"
 #include "tests/end_to_end/SupportInstallation.h"
+#include "tests/support/PseudoTerminal.h"
 
 namespace kelvane {
 namespace {
 
 using platform::Value;
 using ::testing::Contains;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -95,6 +97,42 @@ TEST_F(DryRun, AnUnknownWwnSuggestsTheNearestKnownOne) {
                 "50000000000000A1, 50000000000000B2, 50000000000000C3\n"
                 "  did you mean  50000000000000A1\n"
                 "nothing was flashed\n");
+}
+
+// --- in a terminal
+
+class UpdateFwInATerminal : public DryRun {
+ protected:
+  // Answers the question; the exit status.
+  int answered(const std::string& wwn, const std::string& answer) {
+    std::map<std::string, std::string> around = environment;
+    around.erase("LD_PRELOAD");
+    test::PseudoTerminal terminal({bundle / "bin/kelvane-console", "update-fw", "--bundle",
+                                   bundle.path(), "--shared", shared(), wwn + "=" + standard},
+                                  folder.path(), {120, 24, true}, around);
+    EXPECT_TRUE(terminal.waitFor("[y/N]")) << terminal.output();
+    terminal.type(answer);
+    const int status = terminal.end();
+    output = terminal.output();
+    return status;
+  }
+
+  std::string output;
+};
+
+TEST_F(UpdateFwInATerminal, ShowsHowItWouldGoAndAsks) {
+  EXPECT_EQ(answered("50000000000000A1", "n\n"), 7);
+  EXPECT_THAT(output, HasSubstr(": 50000000000000A1\r\n"));
+  EXPECT_THAT(output, HasSubstr("  update  standard, product 0x4301\r\nFlash? [y/N] "));
+  EXPECT_EQ(jobs(), Value::array());
+  EXPECT_EQ(answered("50000000000000A1", "y\n"), 0) << output;
+  EXPECT_EQ(fleet().get("controllers").at(0).get("firmware"), Value("2"));
+}
+
+TEST_F(UpdateFwInATerminal, SaysThatItWouldFail) {
+  EXPECT_EQ(answered("50000000000000a1", "n\n"), 7);
+  EXPECT_THAT(output, HasSubstr("  did you mean  50000000000000A1\r\n"));
+  EXPECT_THAT(output, HasSubstr("It would fail. Submit it all the same? [y/N] "));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -164,7 +165,8 @@ TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
   makeWorker(folder.read("Manager.app/Contents/Resources/Kelvane") + "echo complaint >&2\n");
   EXPECT_EQ(run(), kJobFailed);
-  EXPECT_EQ(shownAtTheEnd().rfind("result 32852 (0x8054): the text\n  complaint\n  (kept in ", 0), 0U)
+  EXPECT_EQ(shownAtTheEnd().rfind("result 32852 (0x8054): the text\n  complaint\n  (kept in ", 0),
+            0U)
       << shown.str();
 }
 
@@ -306,6 +308,55 @@ TEST_F(UpdateFw, AnImageThatCannotBeReadIsRefused) {
 TEST_F(UpdateFw, APipeAsImageIsRefused) {
   options.updates = {"5000A1=/dev/null"};
   expectRefused("image /dev/null is no regular file");
+}
+
+// --- the question
+
+class UpdateFwInATerminal : public UpdateFw {
+ protected:
+  UpdateFwInATerminal() {
+    makeWorkerThatLeaves("FREE", "0");
+    screen.answers = &answers;
+  }
+
+  std::istringstream answers;
+};
+
+TEST_F(UpdateFwInATerminal, SaysWhatItCannotTellAndAsks) {
+  answers.str("y\n");
+  EXPECT_EQ(run(), kSuccess) << messages.str();
+  EXPECT_EQ(shown.str().rfind("how it would go cannot be told: the framework " +
+                                  (folder / "Manager.app/Contents/Frameworks/libZORAPI.so") +
+                                  ": No such file or directory\nFlash? [y/N] ",
+                              0),
+            0U)
+      << shown.str();
+}
+
+TEST_F(UpdateFwInATerminal, WithoutABundleItAsksAlone) {
+  job.worker = job.bundle + "/Contents/Resources/Kelvane";
+  job.bundle.clear();
+  answers.str("y\n");
+  EXPECT_EQ(run(), kSuccess) << messages.str();
+  EXPECT_EQ(shown.str().rfind("Flash? [y/N] ", 0), 0U) << shown.str();
+}
+
+TEST_F(UpdateFwInATerminal, WithoutAYesNothingIsSubmitted) {
+  answers.str("n\n");
+  EXPECT_EQ(run(), kNotConfirmed);
+  EXPECT_FALSE(platform::exists(folder / test::kJobFile));
+}
+
+TEST_F(UpdateFwInATerminal, AnInterruptIsANo) {
+  interrupt = true;
+  EXPECT_EQ(run(), kInterrupted);
+  EXPECT_FALSE(platform::exists(folder / test::kJobFile));
+}
+
+TEST_F(UpdateFwInATerminal, WithYesItDoesNotAsk) {
+  options.yes = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().find("[y/N]"), std::string::npos);
 }
 
 // --- one job at a time
