@@ -1,14 +1,14 @@
 #include "console/display/Question.h"
 
-#include <string>
-
 namespace kelvane::console {
 
-bool confirmed(const std::string& question, const Screen& screen) {
-  if (screen.answers == nullptr) return true;
+void showQuestion(const std::string& question, const Screen& screen) {
   screen.out << displayText(question, screen.charset) << " [y/N] " << std::flush;
+}
+
+bool isAgreement(std::istream& answers) {
   std::string answer;
-  std::getline(*screen.answers, answer);
+  std::getline(answers, answer);
   return answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes";
 }
 

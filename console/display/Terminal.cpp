@@ -47,7 +47,10 @@ Screen screenOfStandardOutput(std::ostream& out, bool json) {
   const char* noColour = std::getenv("NO_COLOR");
   screen.colour = drawsInPlace() && (noColour == nullptr || *noColour == '\0');
   screen.json = json;
-  if (inTerminal && !json && ::isatty(STDIN_FILENO) == 1) screen.answers = &std::cin;
+  if (inTerminal && !json && ::isatty(STDIN_FILENO) == 1) {
+    screen.answers = &std::cin;
+    screen.answersFile = STDIN_FILENO;
+  }
   return screen;
 }
 
