@@ -110,6 +110,48 @@ bool fillTemporary(Descriptor& file, const std::string& replaced, std::string_vi
   return file.close() && filled;
 }
 
+// At most so many bytes into the room; returns how many, none at the end of the file.
+std::size_t readSome(const Descriptor& file, const std::string& path, char* room,
+                     std::size_t size) {
+  const ssize_t got =
+      restarted([&] { return ::read(file.number(), room, std::min(size, kMostAtOnce)); });
+  if (got < 0) raise("read", path);
+  return static_cast<std::size_t>(got);
+}
+
+// Returns whether the file holds just the known bytes; where it does not, `bytes` becomes what was
+// read of it till then. Each piece is compared while it is in the processor's cache.
+bool readKnown(const Descriptor& file, const std::string& path, std::string_view known,
+               std::string& bytes) {
+  constexpr std::size_t kPiece = 256 * 1024;
+  // Room for one byte more than there should be: the last reading tells the end.
+  std::string piece(std::min(known.size() + 1, kPiece), '\0');
+  for (std::size_t same = 0;;) {
+    const std::size_t got = readSome(file, path, piece.data(), piece.size());
+    const std::string_view fresh(piece.data(), got);
+    if (got == 0 && same == known.size()) return true;
+    if (got == 0 || known.substr(same, got) != fresh) {
+      bytes.append(known.substr(0, same)).append(fresh);
+      return false;
+    }
+    same += got;
+  }
+}
+
+// Adds what has not been read yet of a file that should have so many bytes.
+void readRest(const Descriptor& file, const std::string& path, std::size_t size,
+              std::string& bytes) {
+  std::size_t filled = bytes.size();
+  bytes.resize(std::max(size, filled) + 1);
+  for (;;) {
+    const std::size_t got = readSome(file, path, bytes.data() + filled, bytes.size() - filled);
+    filled += got;
+    if (got == 0) break;
+    if (filled == bytes.size()) bytes.resize(2 * bytes.size());
+  }
+  bytes.resize(filled);
+}
+
 }  // namespace
 
 bool canBePath(std::string_view text) { return text.find('\0') == std::string_view::npos; }
@@ -146,25 +188,20 @@ bool createEmptyFile(const std::string& path) {
 }
 
 std::string readFile(const std::string& path) {
+  return readFileUnlessKnown(path, {}).value_or(std::string());
+}
+
+std::optional<std::string> readFileUnlessKnown(const std::string& path, std::string_view known) {
   const Descriptor file = openFile(path, O_RDONLY);
   struct stat entry = {};
   if (!file.isOpen() || ::fstat(file.number(), &entry) != 0) raise("open", path);
   if (!S_ISREG(entry.st_mode) && !S_ISDIR(entry.st_mode)) {  // a folder's reading tells its cause
     throw Exception("open " + path + ": not a regular file");
   }
-  // Room for one byte more than there should be: the second reading tells the end.
-  std::string bytes(static_cast<std::size_t>(entry.st_size) + 1, '\0');
-  std::size_t filled = 0;
-  for (;;) {
-    const std::size_t room = std::min(bytes.size() - filled, kMostAtOnce);
-    const ssize_t got =
-        restarted([&] { return ::read(file.number(), bytes.data() + filled, room); });
-    if (got < 0) raise("read", path);
-    filled += static_cast<std::size_t>(got);
-    if (got == 0) break;
-    if (filled == bytes.size()) bytes.resize(2 * bytes.size());
-  }
-  bytes.resize(filled);
+  const auto size = static_cast<std::size_t>(entry.st_size);
+  std::string bytes;
+  if (size == known.size() && readKnown(file, path, known, bytes)) return std::nullopt;
+  readRest(file, path, size, bytes);
   return bytes;
 }
 

@@ -81,6 +81,10 @@ bool synchroniseFolder(const std::string& path);
 // no regular file; never waits for whoever is at the other end of a pipe.
 std::string readFile(const std::string& path);
 
+// The same; nothing where the file holds just the known bytes. No room is made for a large file
+// that is known.
+std::optional<std::string> readFileUnlessKnown(const std::string& path, std::string_view known);
+
 // Replaces the file by one with these bytes, in one step: a reader, and whoever comes after a
 // crash at any point, finds either the old bytes or the new ones. The old file's permission bits
 // are kept, its owner where that is allowed; a symbolic link stays, and what it leads to is

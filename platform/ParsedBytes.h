@@ -2,10 +2,12 @@
 // anew only when its bytes differ.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "platform/File.h"
 #include "platform/Value.h"
 
 namespace kelvane::platform {
@@ -23,6 +25,14 @@ class ParsedBytes {
       keep(std::move(bytes), std::move(value));
     }
     return value_;
+  }
+
+  // What the file's bytes mean, which are read every time. Raises what reading and parsing raise.
+  const Value& valueOfFile(const std::string& path) {
+    const std::string_view known = isKnown_ ? std::string_view(bytes_) : std::string_view();
+    std::optional<std::string> others = readFileUnlessKnown(path, known);
+    if (!others && isKnown_) return value_;
+    return valueOf(std::move(others).value_or(std::string()));
   }
 
   // Remembers bytes that were made of the value, and would be parsed to it again. What means

@@ -33,7 +33,7 @@ Value parsePropertyList(std::string_view bytes) {
 
 Value readPropertyList(const std::string& path, ParsedBytes& last) {
   try {
-    return last.valueOf(readFile(path));
+    return last.valueOfFile(path);
   } catch (const Exception&) {
     return {};
   }

@@ -1,5 +1,7 @@
 #include <csignal>
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -108,6 +110,40 @@ TEST_F(File, ARegularFileIsReadThroughLinks) {
   std::filesystem::create_symlink("real/file", folder / "link");
   std::filesystem::create_symlink("link", folder / "link2");
   EXPECT_EQ(readFile(folder / "link2"), "x");
+}
+
+TEST_F(File, WhatIsKnownIsNotReadInto) {
+  const std::string large(700'000, 'a');
+  for (const std::string& bytes : {std::string(), std::string("x"), large}) {
+    folder.write("file", bytes);
+    EXPECT_EQ(readFileUnlessKnown(folder / "file", bytes), std::nullopt) << bytes.size();
+  }
+}
+
+TEST_F(File, WhatDiffersFromTheKnownBytesIsReadWhole) {
+  const std::string large(700'000, 'a');
+  for (const std::size_t at : {0U, 262'143U, 262'144U, 524'288U, 699'999U}) {
+    std::string bytes = large;
+    bytes.at(at) = 'b';
+    folder.write("file", bytes);
+    EXPECT_EQ(readFileUnlessKnown(folder / "file", large), bytes) << at;
+  }
+}
+
+TEST_F(File, OfAnotherSizeThanTheKnownBytesIsReadWhole) {
+  const std::string large(700'000, 'a');
+  for (const std::string& bytes :
+       {std::string(), std::string("a"), large + "a", std::string(1'400'000, 'a')}) {
+    folder.write("file", bytes);
+    EXPECT_EQ(readFileUnlessKnown(folder / "file", large), bytes) << bytes.size();
+  }
+}
+
+// Such a file says that it is empty.
+TEST_F(File, WhatIsLongerThanItsSizeSaysIsReadWhole) {
+  const std::optional<std::string> name = readFileUnlessKnown("/proc/self/comm", "");
+  EXPECT_EQ(name, readFile("/proc/self/comm"));
+  EXPECT_EQ(name, "platform_tests\n");
 }
 
 TEST_F(File, WhatIsNoRegularFileIsNeverReplaced) {

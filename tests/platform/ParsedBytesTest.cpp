@@ -4,6 +4,7 @@
 
 #include "platform/Exception.h"
 #include "platform/ParsedBytes.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::platform {
 namespace {
@@ -66,6 +67,34 @@ TEST_F(ParsedBytesTest, OnesThatWereMadeOfAValueMeanIt) {
   EXPECT_EQ(last.valueOf("a"), Value("A"));
   EXPECT_EQ(parsed, 0);
   EXPECT_EQ(last.valueOf("b"), Value("b!"));
+}
+
+TEST_F(ParsedBytesTest, AFileThatIsTheSameIsParsedOnce) {
+  const test::TempFolder folder;
+  folder.write("file", "a");
+  EXPECT_EQ(last.valueOfFile(folder / "file"), Value("a!"));
+  EXPECT_EQ(last.valueOfFile(folder / "file"), Value("a!"));
+  EXPECT_EQ(parsed, 1);
+  folder.write("file", "b");
+  EXPECT_EQ(last.valueOfFile(folder / "file"), Value("b!"));
+  EXPECT_EQ(parsed, 2);
+}
+
+TEST_F(ParsedBytesTest, AFileOfBytesThatMeanNothingIsParsedAgain) {
+  const test::TempFolder folder;
+  folder.write("file", "");
+  EXPECT_TRUE(last.valueOfFile(folder / "file").isNothing());
+  EXPECT_TRUE(last.valueOfFile(folder / "file").isNothing());
+  EXPECT_EQ(parsed, 2);
+  last.keep("a", Value());
+  folder.write("file", "a");
+  EXPECT_EQ(last.valueOfFile(folder / "file"), Value("a!"));
+}
+
+TEST_F(ParsedBytesTest, AFileThatCannotBeReadLeavesWhatIsKnown) {
+  last.keep("a", "A");
+  EXPECT_THROW(last.valueOfFile("/proc/no such file"), Exception);
+  EXPECT_EQ(last.valueOf("a"), Value("A"));
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace kelvane {
 
 using platform::Value;
 
-Value Kelvane::readJSONFile() { return _jobFile.valueOf(platform::readFile(_BGPPath.string())); }
+Value Kelvane::readJSONFile() { return _jobFile.valueOfFile(_BGPPath.string()); }
 
 Value Kelvane::readJSONFileDict(const Value& query) {
   Value current = Value::dictionary();
