@@ -305,7 +305,8 @@ std::vector<std::string> listFolder(const std::string& path) {
       restarted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   if (!folder.isOpen()) return names;
   bool failed = false;
-  for (Entry& entry : entriesOf(std::move(folder), failed)) names.push_back(std::move(entry.name));
+  std::vector<Entry> entries = entriesOf(std::move(folder), failed);
+  for (Entry& entry : entries) names.push_back(std::move(entry.name));
   return names;
 }
 

@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
-  kelvane::platform::SystemHost host;
+  static kelvane::platform::SystemHost host;
   kelvane::iLog_host = &host;
   kelvane::setLogPath(argv[1]);
   const long count = std::strtol(argv[2], nullptr, 10);

@@ -1,6 +1,7 @@
 #include "console/display/Table.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "console/display/Wrapping.h"
 
@@ -18,8 +19,9 @@ std::string padding(const std::string& text, std::size_t columns) {
 std::vector<Row> displayed(const std::vector<Row>& rows, Charset charset) {
   std::vector<Row> all;
   for (const Row& row : rows) {
-    Row& shown = all.emplace_back();
+    Row shown;
     for (const std::string& cell : row) shown.push_back(displayText(cell, charset));
+    all.push_back(std::move(shown));
   }
   return all;
 }

@@ -79,13 +79,8 @@ class Reader {
   bool takeQuoted(std::string& word) {
     while (!rest_.empty()) {
       if (take('"')) return true;
-      char next = rest_.front();
-      rest_.remove_prefix(1);
-      if (next == '\\' && !rest_.empty()) {
-        next = escaped(rest_.front());
-        rest_.remove_prefix(1);
-      }
-      word += next;
+      const char next = takeOne();
+      word += next == '\\' && !rest_.empty() ? escaped(takeOne()) : next;
     }
     return false;
   }
@@ -94,6 +89,12 @@ class Reader {
     if (character == 'n') return '\n';
     if (character == 'r') return '\r';
     return character == 't' ? '\t' : character;
+  }
+
+  char takeOne() {
+    const char character = rest_.front();
+    rest_.remove_prefix(1);
+    return character;
   }
 
   bool take(char character) {

@@ -60,13 +60,15 @@ std::vector<Client> clients() {
 // A process whose command line is that of a worker on the shared folder, and that does nothing.
 class IdleWorker {
  public:
-  IdleWorker(std::string worker, std::string sharedFolder) {
+  IdleWorker(const std::string& worker, const std::string& sharedFolder) {
     std::string shell = "/bin/sh";
     std::string option = "-c";
     std::string script = "kill -STOP $$";
     std::string logId = "9";
-    char* const arguments[] = {shell.data(), option.data(),       script.data(), worker.data(),
-                               logId.data(), sharedFolder.data(), nullptr};
+    std::string name = worker;
+    std::string folder = sharedFolder;
+    char* const arguments[] = {shell.data(), option.data(), script.data(), name.data(),
+                               logId.data(), folder.data(), nullptr};
     ::posix_spawn(&process_, shell.c_str(), nullptr, nullptr, arguments, environ);
   }
   IdleWorker(const IdleWorker&) = delete;

@@ -38,7 +38,7 @@ class PlainInstallation : public ::testing::Test {
   // Without the endings of their sections.
   static std::vector<std::string> pagesOfPrograms() {
     std::vector<std::string> pages = prefix->names("share/man/man1");
-    for (std::string& page : pages) page = page.substr(0, page.rfind('.'));
+    for (std::string& page : pages) page.resize(page.rfind('.'));
     return pages;
   }
 
