@@ -15,7 +15,6 @@ set(kelvane_tools_folder ${CMAKE_INSTALL_LIBDIR}/kelvane)
 set(kelvane_not_brought_along
   "^ld-linux" "^libc\\.so" "^libm\\.so" "^libdl\\.so" "^libpthread\\.so" "^librt\\.so"
   "^libgcc_s\\.so" "^libstdc\\+\\+\\.so" "^libc\\+\\+" "^libunwind\\.so"
-  "^lib(asan|ubsan)\\.so"            # the sanitizers' runtime belongs to the compiler
   "^/usr/lib/" "^/System/Library/"   # macOS
   "ZORAPI")
 if(KELVANE_SYSTEM_LIBRARIES)

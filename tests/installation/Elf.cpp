@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -90,10 +89,9 @@ std::set<std::string> definedSymbols(const std::string& path) {
   std::set<std::string> found;
   for (const std::string& line : linesOf(path, {"--symbols"})) {
     std::istringstream columns(line);
-    const std::vector<std::string> words{std::istream_iterator<std::string>(columns), {}};
-    constexpr std::size_t kSection = 6;
-    constexpr std::size_t kName = 7;
-    if (words.size() > kName && words[kSection] != "UND") found.insert(words[kName]);
+    std::string number, value, size, type, binding, visibility, section, name;
+    columns >> number >> value >> size >> type >> binding >> visibility >> section >> name;
+    if (columns && section != "UND") found.insert(name);
   }
   return found;
 }
@@ -118,9 +116,9 @@ bool isSystemRuntime(const std::string& library) {
          library.rfind("ld-linux", 0) == 0;
 }
 
-bool isSanitizer(const std::string& library) {
-#ifdef __SANITIZE_ADDRESS__
-  return isOneOf({"libasan.so.8", "libubsan.so.1"}, library);
+bool isSecondRuntime(const std::string& library) {
+#ifdef _LIBCPP_VERSION
+  return isOneOf({"libc++.so.1", "libc++abi.so.1", "libunwind.so.1"}, library);
 #else
   return library.empty();  // of no library
 #endif

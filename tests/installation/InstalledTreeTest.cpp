@@ -128,7 +128,7 @@ TEST_F(InstalledTree, LibrariesAreLookedForRelativeToTheProgram) {
 }
 
 // The checks of the sanitizers name the sources, as the compiler was given them.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELVANE_SANITIZED
 const Names kPlacesOfTheBuild = {KELVANE_BUILD};
 #else
 const Names kPlacesOfTheBuild = {KELVANE_BUILD, KELVANE_SOURCES};
