@@ -34,7 +34,11 @@ constexpr char kNoWaitFlag[] = "--no-wait";
 
 std::string workerPath(const JobOptions& options) {
   if (!options.worker.empty()) return options.worker;
-  if (options.bundle.empty()) throw Failure(kBadUsage, "neither a bundle nor a worker is given");
+  if (options.bundle.empty()) {
+    throw Failure(kBadUsage, "neither a bundle nor a worker is given: give --bundle " +
+                                 bundleOption().valueName + ", set " + bundleOption().variable +
+                                 ", or give --worker PATH");
+  }
   return workerIn(options.bundle);
 }
 

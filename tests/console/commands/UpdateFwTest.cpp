@@ -242,7 +242,9 @@ TEST_F(UpdateFw, WhatIsNotUtf8IsRefused) {
 
 TEST_F(UpdateFw, NoBundleAndNoWorkerIsRefused) {
   job.bundle = "";
-  expectRefused("neither a bundle nor a worker is given");
+  expectRefused(
+      "neither a bundle nor a worker is given: give --bundle APP.app, set KELVANE_BUNDLE, or give "
+      "--worker PATH");
 }
 
 TEST_F(UpdateFw, EmptySharedFolderIsRefused) {
