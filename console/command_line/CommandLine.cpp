@@ -89,7 +89,7 @@ void requireOneValue(const Option& option, const Given& given) {
   for (const std::string& value : values) {
     if (value == values.front()) continue;
     std::string message = key + " is given twice: ";
-    throw Failure(kBadUsage, message.append(value).append(" and ").append(values.front()));
+    throw Failure(kBadUsage, message.append(values.front()).append(" and ").append(value));
   }
 }
 
@@ -180,7 +180,7 @@ int Parser::run() const {
 // The first word that stands for a sub-command; empty where there is none.
 std::string subCommandIn(const CommandTable& table, int argc, const char* const* argv) {
   for (int i = 1; i < argc; ++i) {
-    const std::string word = argv[i];
+    std::string word = argv[i];
     if (word.empty() || word.front() != '-') return word;
     for (const Option& option : table.options) {
       if (option.kind != ValueKind::none && option.names.back() == word) ++i;  // its value

@@ -14,9 +14,6 @@
 #include "console/explain/JobExplanation.h"
 #include "console/explain/ResultCodes.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobFile.h"
-#include "console/job/LogStretch.h"
-#include "console/job/StandardError.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "platform/Value.h"
@@ -77,19 +74,8 @@ Value jobNamed(const ExplainOptions& options) {
   }
 }
 
-std::vector<std::string> standardErrorAt(const Places& places, const std::string& logId) {
-  if (places.sharedFolder.empty()) return {};
-  return standardErrorInShort(places.sharedFolder, logId);
-}
-
 Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
-  const Places places = placesOf(options);
-  Explanation explanation =
-      explainJob(record, {.workerRuns = !lacksWorker(options.subject, places),
-                          .log = stretchIn(places, record),
-                          .isCopy = places.isCopy,
-                          .standardError = standardErrorAt(places, options.subject)});
-  if (places.jobFile.empty()) explanation.note += " The record is as the log shows it last.";
+  Explanation explanation = explainJob(record, circumstancesAt(placesOf(options), record));
   const std::optional<std::int64_t> code = codeOf(options.subject);
   if (code && isKnownCode(*code)) {
     if (!explanation.note.empty()) explanation.note += ' ';

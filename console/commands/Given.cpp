@@ -11,7 +11,7 @@ void Given::set(const std::string& name, const Values& values) { values_[name] =
 void Given::addFrom(const Given& other) {
   for (const auto& [name, values] : other.values_) {
     Values& own = values_[name];
-    own.insert(own.end(), values.begin(), values.end());
+    own.insert(own.begin(), values.begin(), values.end());
   }
 }
 

@@ -16,7 +16,7 @@ class Given {
   void declare(const std::string& name);
   // A flag that was given has a value, too, whichever.
   void set(const std::string& name, const Values& values);
-  // Takes what was given there, too: values of one name stand behind those that it has here.
+  // Takes what was given there, too: values of one name stand before those that it has here.
   void addFrom(const Given& other);
   // What the environment has, where nothing was given.
   void fallBack(const std::string& name, const std::string& value);

@@ -10,6 +10,7 @@
 #include "console/explain/ImageNote.h"
 #include "console/explain/PackageNotes.h"
 #include "console/job/JobStatus.h"
+#include "console/job/StandardError.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 
@@ -252,6 +253,7 @@ void takeLog(const JobCircumstances& circumstances, Explanation& explanation) {
   explanation.note +=
       "This is a copy: neither workers nor the files that the job names were looked "
       "for.";
+  if (circumstances.isFromLog) explanation.note += " The record is as the log shows it last.";
 }
 
 // Of a firmware job the controller that it ended at, and what its CPLDs did.
@@ -288,6 +290,17 @@ void takePackages(const Value& record, const JobCircumstances& circumstances,
 }
 
 }  // namespace
+
+JobCircumstances circumstancesAt(const Places& places, const Value& record) {
+  const std::string logId = statusOf(record).logId;
+  JobCircumstances found{.workerRuns = !places.isCopy && !lacksWorker(logId, places),
+                         .log = stretchIn(places, record),
+                         .isCopy = places.isCopy,
+                         .isFromLog = places.jobFile.empty()};
+  if (places.sharedFolder.empty()) return found;
+  found.standardError = standardErrorInShort(places.sharedFolder, logId);
+  return found;
+}
 
 Explanation explainJob(const Value& record, const JobCircumstances& circumstances) {
   JobStatus status = statusOf(record, circumstances.log);

@@ -64,6 +64,16 @@ TEST_F(Copy, OfTheTwoFilesTellsTheSame) {
   EXPECT_THAT(console({"log", "--log-file", sentLog()}).out, HasSubstr(" updateFW: Flash Error\n"));
 }
 
+TEST_F(Copy, OfTheLogAloneTellsWhatTheLogShows) {
+  const test::Ended ended = console({"explain", "--log-file", sentLog(), "17"});
+  EXPECT_EQ(ended.exitStatus, 0);
+  EXPECT_THAT(ended.out, AllOf(HasSubstr("32852 (0x8054), kZorFlashFailed"),
+                               HasSubstr("50000000000000A1 failed at 90%"),
+                               HasSubstr("The record is as the log shows it last.\n")));
+  EXPECT_THAT(console({"list", "--log-file", sentLog()}).out,
+              HasSubstr("17  updateFW  FREE   32852 (0x8054)  "));
+}
+
 TEST_F(Copy, IsCheckedWithoutALookAtThisSystem) {
   const test::Ended ended =
       console({"check", "--offline", "--shared", sent(), "--bundle", bundle.path()});

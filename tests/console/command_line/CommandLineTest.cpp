@@ -141,7 +141,7 @@ TEST_F(CommandLineTest, WhatTheVariableHasIsNotOnTheLine) {
 
 TEST_F(CommandLineTest, ValueThatIsGivenTwiceHasToBeOne) {
   EXPECT_EQ(failure({"--size", "6", "weigh", "--size", "7"}), "--size is given twice: 6 and 7");
-  EXPECT_EQ(failure({"add", "a", "--size", "6", "--size=7"}), "--size is given twice: 7 and 6");
+  EXPECT_EQ(failure({"add", "a", "--size", "6", "--size=7"}), "--size is given twice: 6 and 7");
   EXPECT_EQ(run({"--size", "6", "weigh", "--size", "6"}), 7);
 }
 

@@ -27,7 +27,7 @@ TEST(Given, WhatStandsInIsTakenWhereNothingWasGiven) {
   EXPECT_EQ(given.text("--size", "3"), "");
 }
 
-TEST(Given, WhatAnotherOneHasStandsBehind) {
+TEST(Given, WhatAnotherOneHasStandsBefore) {
   Given given;
   given.declare("--size");
   given.set("--level", {"high"});
@@ -36,7 +36,7 @@ TEST(Given, WhatAnotherOneHasStandsBehind) {
   other.set("--level", {"low"});
   given.addFrom(other);
   EXPECT_EQ(given.text("--size"), "3");
-  EXPECT_EQ(given.texts("--level"), (Given::Values{"high", "low"}));
+  EXPECT_EQ(given.texts("--level"), (Given::Values{"low", "high"}));
 }
 
 TEST(Given, WhatTheEnvironmentHasStandsInAndIsNotOnTheLine) {
