@@ -59,10 +59,10 @@ Places placesOf(const std::string& sharedFolder, const CopyOptions& copy,
     return {.jobFile = copy.jobFile, .log = copy.logFile, .isCopy = true};
   }
   if (sharedFolder.empty()) {
-    throw Failure(kBadUsage,
-                  "the shared folder is missing: give --shared FOLDER or set " +
-                      sharedOption().variable +
-                      "; or give files that were mailed, with --job-file and --log-file");
+    std::string message = "the shared folder is missing: give --shared FOLDER or set ";
+    message.append(sharedOption().variable);
+    throw Failure(kBadUsage, message.append("; or give files that were mailed, with --job-file and "
+                                            "--log-file"));
   }
   Places places = placesIn(examined(sharedFolder));
   places.isCopy = copy.offline;

@@ -17,7 +17,8 @@ int guarded(std::ostream& messages, Charset charset, const std::function<int()>&
   try {
     return run();
   } catch (const Failure& failure) {
-    std::string text = kProgram + displayText(failure.what(), charset) + "\n";
+    std::string text = kProgram;
+    text.append(displayText(failure.what(), charset)).append("\n");
     for (const std::string& detail : failure.details()) {
       text.append("  ").append(displayText(detail, charset)).append("\n");
     }

@@ -119,11 +119,11 @@ Explanation runningInCopy(const JobStatus& status, const LogStretch& log) {
         "A worker had taken it, and the log ends with an error of its. Unless it went on "
         "behind that, nothing takes the job up.";
   }
-  return {"running when it was copied", meaning, "user",
-          "Where it was copied, \"kelvane-console explain\" tells whether a worker runs. If none "
-          "does: " +
-              adviceForAbandoned(status),
-          "only where no worker runs"};
+  std::string advice =
+      "Where it was copied, \"kelvane-console explain\" tells whether a worker runs. If none "
+      "does: ";
+  advice += adviceForAbandoned(status);
+  return {"running when it was copied", meaning, "user", advice, "only where no worker runs"};
 }
 
 // --- a finished job
