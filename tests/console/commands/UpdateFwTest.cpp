@@ -163,7 +163,7 @@ TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithItsFailureAndKept) {
 
 TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
-  makeWorker(folder.read("Manager.app/Contents/Resources/Kelvane") + "echo complaint >&2\n");
+  makeWorker("echo complaint >&2\n" + folder.read("Manager.app/Contents/Resources/Kelvane"));
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(shownAtTheEnd().rfind("result 32852 (0x8054): the text\n  complaint\n  (kept in ", 0),
             0U)
