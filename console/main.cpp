@@ -10,10 +10,14 @@
 int main(int argc, char** argv) {
   namespace console = kelvane::console;
   const console::Charset charset = console::charsetOfLocale();
-  const int exitCode =
-      console::guarded(std::cerr, charset, [&] { return console::CommandLine().run(argc, argv); });
-  return console::guarded(std::cerr, charset, [exitCode] {
-    if (std::cout.flush()) return exitCode;
-    throw console::Failure(console::kInternalError, "standard output cannot be written");
-  });
+  const std::size_t columns = console::columnsOfStandardError();
+  const int exitCode = console::guarded(
+      std::cerr, charset, [&] { return console::CommandLine().run(argc, argv); }, columns);
+  return console::guarded(
+      std::cerr, charset,
+      [exitCode] {
+        if (std::cout.flush()) return exitCode;
+        throw console::Failure(console::kInternalError, "standard output cannot be written");
+      },
+      columns);
 }

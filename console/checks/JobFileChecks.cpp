@@ -88,13 +88,19 @@ void findLink(const std::string& path, Findings& findings) {
 
 }  // namespace
 
-Findings jobFileFindings(const std::string& path) {
+Findings jobFileContentFindings(const std::string& path) {
   Findings findings;
+  if (kindOf(path) == EntryKind::missing) return findings;
+  findDamage(path, findings);
+  findLarge(path, findings);
+  return findings;
+}
+
+Findings jobFileFindings(const std::string& path) {
+  Findings findings = jobFileContentFindings(path);
   if (kindOf(path) == EntryKind::missing) {
     findMissing(path, findings);
   } else {
-    findDamage(path, findings);
-    findLarge(path, findings);
     findNotWritable(path, findings);
     findLink(path, findings);
   }

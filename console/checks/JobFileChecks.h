@@ -10,6 +10,9 @@ namespace kelvane::console {
 // Of the file at this path: readable, JSON with an array at the top, replaceable.
 Findings jobFileFindings(const std::string& path);
 
+// Of the same file, when it is there, what is in it alone.
+Findings jobFileContentFindings(const std::string& path);
+
 // Temporary files that a killed writer left beside the job file.
 Findings leftoverFindings(const std::string& path);
 

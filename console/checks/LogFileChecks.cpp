@@ -48,15 +48,19 @@ Findings logFileFindings(const std::string& path) {
          "The worker ends at once, before it has looked at any job.",
          "Use a shared folder with a shorter path."}};
   }
+  Findings findings = logCopyFindings(path);
+  const std::string cause = kindOf(path) == EntryKind::file ? refusal(path, Access::write) : "";
+  if (!cause.empty()) findings.insert(findings.begin(), notWritable(path, cause));
+  return findings;
+}
+
+Findings logCopyFindings(const std::string& path) {
   const EntryKind kind = kindOf(path);
   if (kind == EntryKind::missing) return {missing(path)};
   if (kind == EntryKind::folder || kind == EntryKind::other) return {notAFile(path, kind)};
-  Findings findings;
-  const std::string cause = refusal(path, Access::write);
-  if (!cause.empty()) findings.push_back(notWritable(path, cause));
   const std::uint64_t bytes = platform::fileSize(path);
-  if (bytes >= kLargeFrom) findings.push_back(large(path, bytes));
-  return findings;
+  if (bytes < kLargeFrom) return {};
+  return {large(path, bytes)};
 }
 
 }  // namespace kelvane::console

@@ -190,7 +190,7 @@ class Records {
       takeUnwritten(record, job);
       if (const std::string why = whyNotStarted(record); !why.empty()) {
         addFaulty(job, why, meaningOf(record));
-      } else if (record.get(job::kJobId).string() == job::kUpdateFW) {
+      } else if (workerRuns_ && record.get(job::kJobId).string() == job::kUpdateFW) {
         takeImages(record.get(job::kInputParameters), job);
       }
     } else if (isInState(record, job::kRun)) {
@@ -249,7 +249,7 @@ class Records {
   }
 
   void takeUnwritten(const Value& record, const std::string& job) {
-    if (workerRuns_(record.get(job::kLogId).string())) return;
+    if (workerRuns_ && workerRuns_(record.get(job::kLogId).string())) return;
     const LogStretch log = logOf_(record);
     if (!mayHaveBeenDone(record, log)) return;
     add(Code::jobUnwritten, Severity::error,
@@ -262,7 +262,7 @@ class Records {
 
   void takeRunning(const Value& record, const std::string& job) {
     const std::string& logId = record.get(job::kLogId).string();
-    if (workerRuns_(logId)) return;
+    if (!workerRuns_ || workerRuns_(logId)) return;
     const bool flashes = record.get(job::kJobId).string() == job::kUpdateFW;
     add(Code::jobNoWorker, Severity::warning,
         job + " is in state RUN, and no worker for it is seen",

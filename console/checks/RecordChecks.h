@@ -17,7 +17,8 @@ using WorkerRuns = std::function<bool(const std::string& logId)>;
 using LogOf = std::function<LogStretch(const platform::Value& record)>;
 
 // Of each record of the list, in the order of the file, and of all together. `path` is the job
-// file's, for the messages. The log is asked for where a job waits.
+// file's, for the messages. The log is asked for where a job waits. Without `workerRuns` all is a
+// copy from another system: neither workers nor images are looked for.
 Findings recordFindings(const std::string& path, const platform::Value& records,
                         const WorkerRuns& workerRuns, const LogOf& logOf);
 

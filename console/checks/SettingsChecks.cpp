@@ -160,13 +160,13 @@ std::string productSettingsPath(const std::string& bundle) {
 
 std::span<const ProductSetting> productSettings() { return kProductSettings; }
 
-Findings sharedSettingsFindings(const std::string& path) {
+Findings sharedSettingsFindings(const std::string& path, bool isCopy) {
   Findings findings;
   const Value settings = readSettings(path, kNoEngine, findings);
   if (!settings.isDictionary()) return concerning(path, findings);
   const Value& application = settings.get(settings::kAppPath);
   if (application.isString()) {
-    findEngine(path, application.string(), findings);
+    if (!isCopy) findEngine(path, application.string(), findings);
   } else {
     findings.push_back(engineFinding(path + ": \"AppPath\" " +
                                      (application.isNothing() ? "is missing" : "is no string")));

@@ -11,8 +11,9 @@ namespace kelvane::console {
 std::string sharedSettingsPath(const std::string& sharedFolder);  // which ends with "/"
 std::string productSettingsPath(const std::string& bundle);
 
-// The shared folder's settings, and the update engine that they lead to.
-Findings sharedSettingsFindings(const std::string& path);
+// The shared folder's settings, and the update engine that they lead to; of a copy from another
+// system the settings alone.
+Findings sharedSettingsFindings(const std::string& path, bool isCopy = false);
 
 // The product's settings, and the application that they lead to.
 Findings productSettingsFindings(const std::string& path);

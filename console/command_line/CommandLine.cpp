@@ -1,5 +1,6 @@
 #include "console/command_line/CommandLine.h"
 
+#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -34,8 +35,29 @@ CLI::Option& addWithValue(CLI::App& app, const Option& option, Given& given) {
     const auto take = [&given, key](const Given::Values& values) { given.set(key, values); };
     return *app.add_option_function<Given::Values>(names, take, option.description);
   }
-  const auto take = [&given, key](const std::string& value) { given.set(key, {value}); };
-  return *app.add_option_function<std::string>(names, take, option.description);
+  const auto take = [&given, key](const CLI::results_t& values) {
+    given.set(key, values);
+    return true;
+  };
+  return *app.add_option(names, CLI::callback_t(take), option.description);
+}
+
+bool isArgument(const Option& option) { return option.names.back().front() != '-'; }
+
+// "FOLDER REQUIRED (Env:KELVANE_SHARED)", for the help.
+std::string helpOfValue(const Option& option) {
+  std::string text = option.valueName;
+  if (option.required) text += " REQUIRED";
+  if (!option.variable.empty()) text.append(" (Env:").append(option.variable).append(")");
+  return text;
+}
+
+// That it is given at all, and once, is seen to when all is read: it may stand at several places.
+void allowManyTimes(CLI::Option& added, const Option& option) {
+  added.option_text(helpOfValue(option));
+  added.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  added.expected(1, CLI::detail::expected_max_vector_size);
+  added.allow_extra_args(false);  // one value each time
 }
 
 // What is read for it goes to `given`.
@@ -50,8 +72,40 @@ void add(CLI::App& app, const Option& option, Given& given) {
     return;
   }
   CLI::Option& added = addWithValue(app, option, given);
-  added.type_name(option.valueName)->envname(option.variable)->required(option.required);
+  added.type_name(option.valueName);
+  if (isArgument(option)) {
+    added.required(option.required);
+  } else {
+    allowManyTimes(added, option);
+  }
   if (option.kind == ValueKind::choice) added.check(CLI::IsMember(option.choices));
+}
+
+// --- what was given at all places together
+
+void requireOneValue(const Option& option, const Given& given) {
+  const std::string& key = option.names.back();
+  const Given::Values& values = given.texts(key);
+  for (const std::string& value : values) {
+    if (value == values.front()) continue;
+    std::string message = key + " is given twice: ";
+    throw Failure(kBadUsage, message.append(values.front()).append(" and ").append(value));
+  }
+}
+
+void lookIntoEnvironment(const Option& option, Given& given) {
+  const char* value = option.variable.empty() ? nullptr : std::getenv(option.variable.c_str());
+  if (value != nullptr && *value != '\0') given.fallBack(option.names.back(), value);
+}
+
+void requireGiven(const Command& command, const Option& option, const Given& given) {
+  if (!option.required || isArgument(option) || given.has(option.names.back())) return;
+  std::string message = command.name + " needs " + option.names.back();
+  message.append(" ").append(option.valueName);
+  if (!option.variable.empty()) {
+    message.append("; the environment variable ").append(option.variable).append(" can name it");
+  }
+  throw Failure(kBadUsage, message);
 }
 
 // The parser of a table, and what it has read.
@@ -111,21 +165,40 @@ int runHere(const Command& command, const Given& given) {
 
 int Parser::run() const {
   const std::string name = app_.get_subcommands().front()->get_name();
+  const Command& command = commandNamed(name, table_);
   Given given = given_.at(name);
-  given.completeFrom(general_);
-  return runHere(commandNamed(name, table_), given);
+  given.addFrom(general_);
+  for (const Option& option : command.options) {
+    if (option.kind == ValueKind::none) continue;
+    if (!option.repeated) requireOneValue(option, given);
+    lookIntoEnvironment(option, given);
+    requireGiven(command, option, given);
+  }
+  return runHere(command, given);
+}
+
+// The first word that stands for a sub-command; empty where there is none.
+std::string subCommandIn(const CommandTable& table, int argc, const char* const* argv) {
+  for (int i = 1; i < argc; ++i) {
+    std::string word = argv[i];
+    if (word.empty() || word.front() != '-') return word;
+    for (const Option& option : table.options) {
+      if (option.kind != ValueKind::none && option.names.back() == word) ++i;  // its value
+    }
+  }
+  return {};
 }
 
 // Tells of bad usage, or shows the help; the exit code.
-int answer(const CLI::App& app, const CLI::ParseError& error, int argc, const char* const* argv) {
-  if (argc > 1 && *argv[1] != '-' && app.get_subcommands().empty()) {
-    std::cerr << "there is no sub-command " << displayText(argv[1], Charset::ascii) << '\n';
-  }
+int answer(const CLI::App& app, const CLI::ParseError& error, const std::string& subCommand) {
   std::ostringstream out;
   std::ostringstream err;
+  if (!subCommand.empty() && app.get_subcommands().empty()) {
+    err << "there is no sub-command " << displayText(subCommand, Charset::ascii) << '\n';
+  }
   const int exitCode = app.exit(error, out, err);
   std::cout << fittedLines(out.str(), screenOfStandardOutput(std::cout, false).columns);
-  std::cerr << err.str();
+  std::cerr << fittedLines(err.str(), columnsOfStandardError());
   return exitCode == 0 ? kSuccess : kBadUsage;  // asking for help is no error
 }
 
@@ -136,7 +209,7 @@ int CommandLine::run(int argc, const char* const* argv) const {
   try {
     parser.app().parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return answer(parser.app(), error, argc, argv);
+    return answer(parser.app(), error, subCommandIn(table_, argc, argv));
   }
   return parser.run();
 }

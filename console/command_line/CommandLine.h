@@ -10,7 +10,9 @@ class CommandLine {
   explicit CommandLine(const CommandTable& table = commandTable()) : table_(table) {}
 
   // Runs the sub-command that the arguments ask for; the exit code. Bad usage and help are told on
-  // standard error and standard output. Raises what the sub-command raises.
+  // standard error and standard output. Raises what the sub-command raises, and Failure (bad usage)
+  // where an option that it needs is given nowhere, or one has two values: it may stand before the
+  // sub-command, too, and the environment stands in for it.
   int run(int argc, const char* const* argv) const;
 
  private:

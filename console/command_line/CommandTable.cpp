@@ -5,6 +5,7 @@
 
 #include "console/command_line/completion/CompletionCommand.h"
 #include "console/commands/Check.h"
+#include "console/commands/CommonOptions.h"
 #include "console/commands/Devices.h"
 #include "console/commands/Explain.h"
 #include "console/commands/Jobs.h"
@@ -44,6 +45,12 @@ Option versionFlag() {
   return {.names = {kVersionOption}, .kind = ValueKind::none, .description = "Show the version"};
 }
 
+// As it stands before the sub-command, which may do without it.
+Option beforeCommand(Option option) {
+  option.required = false;
+  return option;
+}
+
 bool isNamed(const Option& option, const char* name) {
   return std::count(option.names.begin(), option.names.end(), name) != 0;
 }
@@ -53,7 +60,8 @@ CommandTable makeTable() {
                      .version = KELVANE_VERSION,
                      .description = "Submits jobs to the enclosure worker and follows them.",
                      .footer = kFooter,
-                     .options = {helpFlag(), versionFlag()},
+                     .options = {helpFlag(), versionFlag(), beforeCommand(sharedOption()),
+                                 beforeCommand(bundleOption())},
                      .commands = allCommands()};
   for (Command& command : table.commands) {
     command.options.insert(command.options.begin(), helpFlag());

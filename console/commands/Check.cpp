@@ -5,6 +5,7 @@
 #include "console/checks/Access.h"
 #include "console/checks/BundleChecks.h"
 #include "console/checks/CatalogueChecks.h"
+#include "console/checks/CopyChecks.h"
 #include "console/checks/Framework.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/checks/SharedFolderChecks.h"
@@ -14,7 +15,6 @@
 #include "console/display/Colour.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
-#include "console/job/LogFile.h"
 #include "console/job/Processes.h"
 #include "contract/Paths.h"
 #include "platform/File.h"
@@ -63,12 +63,23 @@ void showSum(const Findings& findings, const Screen& screen) {
   screen.out << counted(errors, "error") << ", " << counted(warnings, "warning") << std::endl;
 }
 
-std::vector<Paragraph> lookedAt(const std::string& sharedFolder, const std::string& bundle) {
-  const std::string jobFile = sharedFolder + paths::kJobFile;
-  const char* absence = platform::exists(jobFile) ? "" : " (there is none yet)";
-  std::vector<Paragraph> all = {{"job file", jobFile + absence},
-                                {"log", logPath(sharedFolder)},
-                                {"settings", sharedSettingsPath(sharedFolder)}};
+constexpr char kNotInACopy[] =
+    "as this is a copy: processes, the bundle, who may read and write what, and what stands at the "
+    "paths in the files: images, the update engine, downloads";
+
+std::string orNone(const std::string& path) { return path.empty() ? "is not at hand" : path; }
+
+std::vector<Paragraph> lookedAt(const Places& places, const std::string& bundle) {
+  const bool isMissing = !places.jobFile.empty() && !platform::exists(places.jobFile);
+  const std::string& sharedFolder = places.sharedFolder;
+  std::vector<Paragraph> all = {
+      {"job file", orNone(places.jobFile) + (isMissing ? " (there is none yet)" : "")},
+      {"log", orNone(places.log)},
+      {"settings", orNone(sharedFolder.empty() ? "" : sharedSettingsPath(sharedFolder))}};
+  if (places.isCopy) {
+    all.push_back({"not looked at", kNotInACopy});
+    return all;
+  }
   if (bundle.empty()) {
     all.push_back({"bundle", "none was given, none was looked at"});
     return all;
@@ -96,7 +107,9 @@ std::string trimmed(std::string bundle) {
 }
 
 int runCheck(const Given& given, const Screen& screen) {
-  return check({.sharedFolder = given.text(kSharedOption), .bundle = given.text(kBundleOption)},
+  return check({.sharedFolder = given.text(kSharedOption),
+                .bundle = given.text(kBundleOption),
+                .copy = copyOptionsOf(given)},
                screen);
 }
 
@@ -111,33 +124,46 @@ Findings findingsOf(const std::string& sharedFolder, const std::string& bundle,
   return findings;
 }
 
+Findings findingsOf(const Places& places, const std::string& bundle) {
+  if (places.isCopy) return copyFindings(places);
+  return findingsOf(places.sharedFolder, bundle, [&places](const std::string& logId) {
+    return workerRuns(logId, places.sharedFolder);
+  });
+}
+
 int check(const CheckOptions& options, const Screen& screen) {
-  const std::string sharedFolder = asPrefix(options.sharedFolder);
+  const bool isCopy = options.copy.offline;  // a folder that is no copy may be a finding itself
+  const Places places =
+      placesOf(options.sharedFolder, options.copy, isCopy ? workersShared : asPrefix);
   const std::string bundle = trimmed(options.bundle);
-  const Findings findings = findingsOf(
-      sharedFolder, bundle,
-      [&sharedFolder](const std::string& logId) { return workerRuns(logId, sharedFolder); });
+  const Findings findings = findingsOf(places, bundle);
   if (screen.json) {
     showJson(findings, screen);
   } else if (findings.empty()) {
-    showParagraphs({"no findings", Colour::green}, lookedAt(sharedFolder, bundle), screen);
+    showParagraphs({"no findings", Colour::green}, lookedAt(places, bundle), screen);
   } else {
     for (const Finding& finding : findings) show(finding, screen);
     showSum(findings, screen);
+    if (places.isCopy) showLines({std::string("not looked at, ") + kNotInACopy}, screen);
   }
   return findings.empty() ? kSuccess : kFindings;
 }
 
 Command checkCommand() {
+  std::vector<Option> options = placeOptions();
+  options.insert(options.end(),
+                 {bundleOption(), jsonFlag("Show the findings as JSON for machines")});
   return {.name = "check",
           .description = "Examine a shared folder and a bundle as the worker will see them",
-          .options = {sharedOption(), bundleOption(),
-                      jsonFlag("Show the findings as JSON for machines")},
+          .options = options,
           .footer =
+              "Of a copy no processes, rights and bundle are looked at, and nothing that the\n"
+              "files name.\n"
               "Exit status: 0 no findings, 1 findings. With --json each finding has a code, which\n"
               "stays the same from version to version.\n"
-              "Example:\n"
-              "  kelvane-console check --shared ~/Shared --bundle /Manager/Manager.app",
+              "Examples:\n"
+              "  kelvane-console check --shared ~/Shared --bundle /Manager/Manager.app\n"
+              "  kelvane-console check --shared ~/Copies/Shared --offline",
           .run = runCheck};
 }
 

@@ -14,9 +14,6 @@
 #include "console/explain/JobExplanation.h"
 #include "console/explain/ResultCodes.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobFile.h"
-#include "console/job/LogFile.h"
-#include "console/job/Processes.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "platform/Value.h"
@@ -56,20 +53,29 @@ std::string lookAlike(const std::string& subject) {
   return platform::format("did you mean 0x%04lX?", *code);
 }
 
-// The job with that log id; nothing where no shared folder is given or no record has it. A job file
-// that cannot be read is a failure, except for what is meant as a code: whether it has the job is
-// not known.
+Places placesOf(const ExplainOptions& options) {
+  return placesOf(options.sharedFolder, options.copy, asPrefix);
+}
+
+bool hasPlaces(const ExplainOptions& options) {
+  return hasPlaces(options.sharedFolder, options.copy);
+}
+
+// The job with that log id; nothing where no shared folder is given or no record has it. Records
+// that cannot be read are a failure, except for what is meant as a code: whether they have the job
+// is not known.
 Value jobNamed(const ExplainOptions& options) {
-  if (options.sharedFolder.empty()) return {};
-  const JobFile file(asPrefix(options.sharedFolder));
-  if (!isHexadecimal(options.subject)) file.read();
-  return file.find(options.subject);
+  if (!hasPlaces(options)) return {};
+  try {
+    return recordAt(placesOf(options), options.subject);
+  } catch (const Failure& failure) {
+    if (failure.exitCode() == kNotFound || isHexadecimal(options.subject)) return {};
+    throw;
+  }
 }
 
 Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
-  const std::string sharedFolder = asPrefix(options.sharedFolder);
-  Explanation explanation = explainJob(
-      record, {workerRuns(options.subject, sharedFolder), stretchIn(sharedFolder, record)});
+  Explanation explanation = explainJob(record, circumstancesAt(placesOf(options), record));
   const std::optional<std::int64_t> code = codeOf(options.subject);
   if (code && isKnownCode(*code)) {
     if (!explanation.note.empty()) explanation.note += ' ';
@@ -81,7 +87,7 @@ Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
 
 Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) {
   Explanations explanations = explainCode(code);
-  if (!options.sharedFolder.empty() && !isKnownCode(code)) {
+  if (hasPlaces(options) && !isKnownCode(code)) {
     explanations.front().note = "No job of the job file has this log id.";
   }
   if (const std::string other = lookAlike(options.subject); !isKnownCode(code) && !other.empty()) {
@@ -94,13 +100,12 @@ Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) 
 [[noreturn]] void refuse(const ExplainOptions& options) {
   const std::string other = lookAlike(options.subject);
   if (!other.empty()) throw Failure(kNotFound, options.subject + ": " + other);
-  if (options.sharedFolder.empty()) {
+  if (!hasPlaces(options)) {
     throw Failure(kNotFound, "\"" + options.subject +
                                  "\" is no result code; for a log id name the shared folder");
   }
   throw Failure(kNotFound, "no job " + options.subject + " in " +
-                               JobFile(asPrefix(options.sharedFolder)).path() +
-                               ", and it is no result code");
+                               sourceOfRecords(placesOf(options)) + ", and it is no result code");
 }
 
 // --- showing
@@ -158,15 +163,10 @@ void showAll(const Explanations& explanations, const Screen& screen) {
 
 constexpr char kSubject[] = "subject";
 
-Option sharedOptionForLogId() {
-  Option option = sharedOption();
-  option.description += ", for a log id";
-  option.required = false;
-  return option;
-}
-
 int runExplain(const Given& given, const Screen& screen) {
-  return explain({.sharedFolder = given.text(kSharedOption), .subject = given.text(kSubject)},
+  return explain({.sharedFolder = given.text(kSharedOption),
+                  .subject = given.text(kSubject),
+                  .copy = copyOptionsOf(given)},
                  screen);
 }
 
@@ -186,10 +186,12 @@ int explain(const ExplainOptions& options, const Screen& screen) {
 }
 
 Command explainCommand() {
+  std::vector<Option> options = placeOptions(", for a log id");
+  options.push_back(jsonFlag("Show the explanation as JSON for machines"));
   return {
       .name = "explain",
       .description = "Say what a result code or a job means, and what to do",
-      .options = {sharedOptionForLogId(), jsonFlag("Show the explanation as JSON for machines")},
+      .options = options,
       .arguments = {{.names = {kSubject},
                      .valueName = "CODE|LOG_ID",
                      .description = "A result code, such as 0x8050, its name, or a job's log id",
@@ -197,7 +199,8 @@ Command explainCommand() {
       .footer =
           "Examples:\n"
           "  kelvane-console explain 0x8050\n"
-          "  kelvane-console explain --shared ~/Shared 17",
+          "  kelvane-console explain --shared ~/Shared 17\n"
+          "  kelvane-console explain --job-file BGPLog.json --log-file TarselVistrelUtility.txt 17",
       .run = runExplain};
 }
 

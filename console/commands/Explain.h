@@ -4,6 +4,7 @@
 #include <string>
 
 #include "console/commands/Command.h"
+#include "console/commands/CopyOptions.h"
 #include "console/display/Screen.h"
 
 namespace kelvane::console {
@@ -12,6 +13,7 @@ struct ExplainOptions {
   std::string sharedFolder;  // only for a log id; empty: the subject is a code
   // A log id; a code in decimal or, with "0x", hexadecimal digits; or a code's name.
   std::string subject;
+  CopyOptions copy = {};
 };
 
 // Shows the explanations, for machines as one list. What is a log id of the job file is one; what

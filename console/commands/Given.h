@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,10 @@ class Given {
   void declare(const std::string& name);
   // A flag that was given has a value, too, whichever.
   void set(const std::string& name, const Values& values);
-  // Takes from the other one what was not given here.
-  void completeFrom(const Given& other);
+  // Takes what was given there, too: values of one name stand before those that it has here.
+  void addFrom(const Given& other);
+  // What the environment has, where nothing was given.
+  void fallBack(const std::string& name, const std::string& value);
 
   bool knows(const std::string& name) const;
 
@@ -25,9 +28,12 @@ class Given {
   // The first value, or what stands in where none was given.
   std::string text(const std::string& name, const std::string& otherwise = {}) const;
   const Values& texts(const std::string& name) const;
+  // Whether that was given on the command line, not by the environment alone.
+  bool isOnTheLine(const std::string& name) const;
 
  private:
   std::map<std::string, Values> values_;
+  std::set<std::string> fallbacks_;
 };
 
 }  // namespace kelvane::console

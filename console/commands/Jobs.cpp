@@ -23,14 +23,9 @@ using platform::Value;
 
 namespace {
 
-Value requiredRecord(const JobFile& file, const std::string& logId) {
+Value requiredRecord(const Places& places, const std::string& logId) {
   requireText(logId, "the log id");
-  const Value records = file.read();  // raises where it is damaged
-  Value record = file.find(logId);
-  if (record.isNothing()) {
-    throw Failure(kNotFound, "no job " + logId + " in " + file.path());
-  }
-  return record;
+  return recordAt(places, logId);
 }
 
 // "RUN", "RUN, no worker"
@@ -53,16 +48,19 @@ std::string logIdText(const Value& record) {
   return logId.isString() ? logId.string() : platform::describe(logId) + " (no string)";
 }
 
-Table tableOf(const Value& records, const std::string& sharedFolder) {
+Table tableOf(const Value& records, const Places& places) {
   Table table({{"Log id", true}, {"Command"}, {"State"}, {"Result", true}, {"Text"}});
-  const auto processes = platform::runningProcesses();
+  const auto processes =
+      places.isCopy ? std::vector<platform::RunningProcess>() : platform::runningProcesses();
   for (const Value& record : records.elements()) {
     if (!record.isDictionary()) {
       table.addRow({"-", "(no record)", "", "", ""});
       continue;
     }
     JobStatus status = statusOf(record);
-    if (!workerRuns(status.logId, sharedFolder, processes)) markWithoutWorker(status);
+    if (!places.isCopy && !workerRuns(status.logId, places.sharedFolder, processes)) {
+      markWithoutWorker(status);
+    }
     table.addRow({logIdText(record), status.command, stateText(status),
                   status.isFinished() ? resultNumber(status.result) : "", outcomeText(status)});
   }
@@ -78,6 +76,11 @@ Table controllersOf(const JobStatus& status) {
   return table;
 }
 
+void tellWhatWasNotLookedAt(const Places& places, const Screen& screen) {
+  const std::string text = notLookedAt(places);
+  if (!text.empty()) showLines({text}, screen);
+}
+
 // Of a waiting job, that a worker had taken it already.
 void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Screen& screen) {
   if (!mayHaveBeenDone(record, log)) return;
@@ -87,14 +90,15 @@ void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Scree
 }
 
 void showAll(const JobStatus& status, const Value& record, const LogStretch& log,
-             const Screen& screen) {
+             const Places& places, const Screen& screen) {
   screen.out << jobLine(status, screen.charset) << '\n';
   tellOfEarlierWorker(record, log, screen);
   screen.out << "command " << displayText(status.command, screen.charset) << '\n';
   if (status.isFinished()) screen.out << resultLine(status, screen.charset) << '\n';
   if (!status.controllers.empty()) showTable(controllersOf(status), screen);
   showLines(flashNotes(record, log), screen);
-  showPackages(record, screen);
+  showPackages(record, screen, places.isCopy);
+  tellWhatWasNotLookedAt(places, screen);
 }
 
 // --- the sub-commands
@@ -105,22 +109,27 @@ OneJobOptions oneJobOptionsOf(const Given& given) {
   return {.sharedFolder = given.text(kSharedOption), .logId = given.text(kJob)};
 }
 
-int runList(const Given& given, const Screen& screen) {
-  return list({.sharedFolder = given.text(kSharedOption)}, screen);
+OneJobOptions showOptionsOf(const Given& given) {
+  OneJobOptions options = oneJobOptionsOf(given);
+  options.copy = copyOptionsOf(given);
+  return options;
 }
 
-int runShow(const Given& given, const Screen& screen) {
-  return show(oneJobOptionsOf(given), screen);
+int runList(const Given& given, const Screen& screen) {
+  return list({.sharedFolder = given.text(kSharedOption), .copy = copyOptionsOf(given)}, screen);
 }
+
+int runShow(const Given& given, const Screen& screen) { return show(showOptionsOf(given), screen); }
 
 int runWatch(const Given& given, const Surroundings& surroundings) {
   return watch(oneJobOptionsOf(given), surroundings);
 }
 
-Command oneJobCommand(const std::string& name, const std::string& description, const Run& run) {
+Command oneJobCommand(const std::string& name, const std::string& description,
+                      const std::vector<Option>& options, const Run& run) {
   return {.name = name,
           .description = description,
-          .options = {sharedOption(), jsonFlag()},
+          .options = options,
           .arguments = {{.names = {kJob},
                          .valueName = "LOG_ID",
                          .description = "The job",
@@ -129,16 +138,23 @@ Command oneJobCommand(const std::string& name, const std::string& description, c
           .run = run};
 }
 
+std::vector<Option> placesAndJson() {
+  std::vector<Option> options = placeOptions();
+  options.push_back(jsonFlag());
+  return options;
+}
+
 }  // namespace
 
 int list(const ListOptions& options, const Screen& screen) {
-  const std::string sharedFolder = workersShared(options.sharedFolder);
-  const Value records = JobFile(sharedFolder).read();
+  const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
+  const Value records = recordsAt(places);
   if (!screen.json) {
     if (records.count() == 0) {
       showLines({"no jobs"}, screen);
     } else {
-      showTable(tableOf(records, sharedFolder), screen);
+      showTable(tableOf(records, places), screen);
+      tellWhatWasNotLookedAt(places, screen);
     }
     return kSuccess;
   }
@@ -149,13 +165,13 @@ int list(const ListOptions& options, const Screen& screen) {
 }
 
 int show(const OneJobOptions& options, const Screen& screen) {
-  const std::string sharedFolder = workersShared(options.sharedFolder);
-  const Value record = requiredRecord(JobFile(sharedFolder), options.logId);
+  const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
+  const Value record = requiredRecord(places, options.logId);
   if (!screen.json) {
-    const LogStretch log = stretchIn(sharedFolder, record);
+    const LogStretch log = stretchIn(places, record);
     JobStatus status = statusOf(record, log);
-    if (!workerRuns(options.logId, sharedFolder)) markWithoutWorker(status);
-    showAll(status, record, log, screen);
+    if (lacksWorker(options.logId, places)) markWithoutWorker(status);
+    showAll(status, record, log, places, screen);
   }
   const std::string text = platform::printJson(record).value_or("null");
   screen.out << (screen.json ? text : displayLines(text, screen.charset)) << std::endl;
@@ -164,7 +180,7 @@ int show(const OneJobOptions& options, const Screen& screen) {
 
 int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   const std::string sharedFolder = workersShared(options.sharedFolder);
-  const Value record = requiredRecord(JobFile(sharedFolder), options.logId);
+  const Value record = requiredRecord(placesIn(sharedFolder), options.logId);
   if (!surroundings.screen.json && !workerRuns(options.logId, sharedFolder)) {
     tellOfEarlierWorker(record, stretchIn(sharedFolder, record), surroundings.screen);
   }
@@ -177,15 +193,21 @@ int watch(const OneJobOptions& options, const Surroundings& surroundings) {
 Command listCommand() {
   return {.name = "list",
           .description = "Show the jobs of the job file as a table",
-          .options = {sharedOption(), jsonFlag()},
-          .footer = "Example:\n  kelvane-console list --shared ~/Shared",
+          .options = placesAndJson(),
+          .footer =
+              "Examples:\n"
+              "  kelvane-console list --shared ~/Shared\n"
+              "  kelvane-console list --job-file ~/Mail/BGPLog.json",
           .run = runList};
 }
 
-Command showCommand() { return oneJobCommand("show", "Show one job whole", runShow); }
+Command showCommand() {
+  return oneJobCommand("show", "Show one job whole", placesAndJson(), runShow);
+}
 
 Command watchCommand() {
-  return oneJobCommand("watch", "Follow a job that someone else started", runWatch);
+  return oneJobCommand("watch", "Follow a job that someone else started",
+                       {sharedOption(), jsonFlag()}, runWatch);
 }
 
 }  // namespace kelvane::console

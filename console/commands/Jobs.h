@@ -4,6 +4,7 @@
 #include <string>
 
 #include "console/commands/Command.h"
+#include "console/commands/CopyOptions.h"
 #include "console/commands/Submission.h"
 #include "console/display/Screen.h"
 
@@ -11,11 +12,13 @@ namespace kelvane::console {
 
 struct ListOptions {
   std::string sharedFolder;
+  CopyOptions copy = {};
 };
 
 struct OneJobOptions {
   std::string sharedFolder;
   std::string logId;
+  CopyOptions copy = {};  // not for watch
 };
 
 // All three return the exit code, and raise Failure where something is not there or not readable.

@@ -73,7 +73,8 @@ int runLog(const Given& given, const Screen& screen) {
   return showLog({.sharedFolder = given.text(kSharedOption),
                   .level = given.text(kLevel, logging::kLevels[0]),
                   .function = given.text(kFunction),
-                  .full = given.has(kFull)},
+                  .full = given.has(kFull),
+                  .copy = copyOptionsOf(given)},
                  screen);
 }
 
@@ -81,7 +82,8 @@ int runLog(const Given& given, const Screen& screen) {
 
 int showLog(const ShowLogOptions& options, const Screen& screen) {
   bool isEmpty = true;
-  for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
+  const Places places = placesOf(options.sharedFolder, options.copy, existingShared);
+  for (const LogEntry& entry : parseLog(readLogAt(logPathOf(places)))) {
     if (!isWanted(entry, options)) continue;
     isEmpty = false;
     screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
@@ -93,22 +95,24 @@ int showLog(const ShowLogOptions& options, const Screen& screen) {
 }
 
 Command logCommand() {
-  return {
-      .name = "log",
-      .description = "Show the worker's log, objects folded",
-      .options = {sharedOption(),
-                  jsonFlag(),
-                  {.names = {kLevel},
-                   .kind = ValueKind::choice,
-                   .valueName = "LEVEL",
-                   .description = "The least level that is shown",
-                   .choices = {std::begin(logging::kLevels), std::end(logging::kLevels)}},
-                  {.names = {kFunction},
-                   .valueName = "NAME",
-                   .description = "Show the entries of this function alone"},
-                  {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"}},
-      .footer = "Example:\n  kelvane-console log --shared ~/Shared --level error",
-      .run = runLog};
+  std::vector<Option> options = placeOptions();
+  options.insert(
+      options.end(),
+      {jsonFlag(),
+       {.names = {kLevel},
+        .kind = ValueKind::choice,
+        .valueName = "LEVEL",
+        .description = "The least level that is shown",
+        .choices = {std::begin(logging::kLevels), std::end(logging::kLevels)}},
+       {.names = {kFunction},
+        .valueName = "NAME",
+        .description = "Show the entries of this function alone"},
+       {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"}});
+  return {.name = "log",
+          .description = "Show the worker's log, objects folded",
+          .options = options,
+          .footer = "Example:\n  kelvane-console log --shared ~/Shared --level error",
+          .run = runLog};
 }
 
 }  // namespace kelvane::console

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "console/commands/Command.h"
+#include "console/commands/CopyOptions.h"
 #include "console/display/Screen.h"
 
 namespace kelvane::console {
@@ -13,6 +14,7 @@ struct ShowLogOptions {
   std::string level = "debug";  // the least that is shown
   std::string function;         // empty: all
   bool full = false;            // whether messages of several lines are shown whole
+  CopyOptions copy = {};
 };
 
 // Shows the log's entries, one line each, objects folded; for machines a line of JSON each. Returns

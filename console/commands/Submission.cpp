@@ -34,7 +34,12 @@ constexpr char kNoWaitFlag[] = "--no-wait";
 
 std::string workerPath(const JobOptions& options) {
   if (!options.worker.empty()) return options.worker;
-  if (options.bundle.empty()) throw Failure(kBadUsage, "neither a bundle nor a worker is given");
+  if (options.bundle.empty()) {
+    const Option bundle = bundleOption();
+    std::string message = "neither a bundle nor a worker is given: give --bundle ";
+    message.append(bundle.valueName).append(", set ").append(bundle.variable);
+    throw Failure(kBadUsage, message.append(", or give --worker PATH"));
+  }
   return workerIn(options.bundle);
 }
 

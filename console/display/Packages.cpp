@@ -40,7 +40,11 @@ std::string fileName(const Value& codebase) {
   return url.substr(url.rfind('/') + 1);
 }
 
-bool isThere(const Value& path) { return path.isString() && platform::exists(path.string()); }
+const char* presence(const Value& path, bool isCopy) {
+  if (!path.isString() || path.string().empty()) return "no";
+  if (isCopy) return "?";
+  return platform::exists(path.string()) ? "yes" : "no";
+}
 
 }  // namespace
 
@@ -55,25 +59,24 @@ Table offeredPackages(const Value& rules) {
   return table;
 }
 
-Table downloadedPackages(const Value& descriptions) {
+Table downloadedPackages(const Value& descriptions, bool isCopy) {
   Table table({{"Product"}, {"Version"}, {"Size", true}, {"Present"}, {"Path"}});
   for (const Value& description : descriptions.elements()) {
     if (!description.isDictionary()) continue;
     const Value& path = description.get(job::kFilePath);
     table.addRow({textOf(description.get(job::kProductId)), textOf(description.get(job::kVersion)),
-                  sizeText(description.get(job::kSize)), isThere(path) ? "yes" : "no",
-                  textOf(path)});
+                  sizeText(description.get(job::kSize)), presence(path, isCopy), textOf(path)});
   }
   return table;
 }
 
-void showPackages(const Value& record, const Screen& screen) {
+void showPackages(const Value& record, const Screen& screen, bool isCopy) {
   const Value& output = record.get(job::kOutput);
   const Value& command = record.get(job::kJobId);
   if (!output.isArray() || record.get(job::kStateId) != Value(job::kFree)) return;
   if (command == Value(job::kGetOnlineUpdateData)) showTable(offeredPackages(output), screen);
   if (command == Value(job::kDownloadOnlineUpdateFile)) {
-    showTable(downloadedPackages(output), screen);
+    showTable(downloadedPackages(output, isCopy), screen);
   }
 }
 

@@ -17,13 +17,20 @@
 namespace kelvane::console {
 namespace {
 
-TerminalSize sizeOfStandardOutput() {
+TerminalSize sizeOf(int terminal) {
   struct winsize window = {};
   TerminalSize size;
-  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) != 0) return size;
+  if (::ioctl(terminal, TIOCGWINSZ, &window) != 0) return size;
   if (window.ws_col != 0) size.columns = window.ws_col;
   if (window.ws_row != 0) size.rows = window.ws_row;
   return size;
+}
+
+TerminalSize sizeOfStandardOutput() { return sizeOf(STDOUT_FILENO); }
+
+// The last one stays free: some terminals begin a new line behind it.
+std::size_t columnsIn(int terminal) {
+  return std::max<std::size_t>(sizeOf(terminal).columns, 2) - 1;
 }
 
 // Whether the terminal follows the cursor sequences that drawing in place needs.
@@ -43,7 +50,7 @@ Screen screenOfStandardOutput(std::ostream& out, bool json) {
   const bool inTerminal = ::isatty(STDOUT_FILENO) == 1;
   Screen screen = {out};
   screen.charset = charsetOfLocale();
-  if (inTerminal) screen.columns = std::max<std::size_t>(sizeOfStandardOutput().columns, 2) - 1;
+  if (inTerminal) screen.columns = columnsIn(STDOUT_FILENO);
   const char* noColour = std::getenv("NO_COLOR");
   screen.colour = drawsInPlace() && (noColour == nullptr || *noColour == '\0');
   screen.json = json;
@@ -52,6 +59,10 @@ Screen screenOfStandardOutput(std::ostream& out, bool json) {
     screen.answersFile = STDIN_FILENO;
   }
   return screen;
+}
+
+std::size_t columnsOfStandardError() {
+  return ::isatty(STDERR_FILENO) == 1 ? columnsIn(STDERR_FILENO) : 0;
 }
 
 std::unique_ptr<View> viewOn(const Screen& screen) {

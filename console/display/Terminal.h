@@ -1,6 +1,7 @@
 // The terminal the console runs in: what its output is and can show.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <ostream>
 
@@ -17,6 +18,9 @@ Charset charsetOfLocale();
 // in a terminal, and not where the environment has NO_COLOR. The user can be asked where standard
 // input is a terminal, too.
 Screen screenOfStandardOutput(std::ostream& out, bool json);
+
+// How wide a line of standard error may be; 0 where it is no terminal: as wide as it likes.
+std::size_t columnsOfStandardError();
 
 // The view of a followed job on that screen: lines of JSON for machines, bars in a terminal, plain
 // lines elsewhere. It writes to the screen's stream.

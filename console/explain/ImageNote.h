@@ -10,6 +10,7 @@ namespace kelvane::console {
 
 // The image's path, what is wrong with it as far as a look at it tells, and the kind that the
 // controller takes; empty where the job has none for it.
-std::string imageNote(const platform::Value& record, const FailedController& failed);
+std::string imageNote(const platform::Value& record, const FailedController& failed,
+                      bool isCopy = false);
 
 }  // namespace kelvane::console

@@ -10,6 +10,7 @@
 #include "console/explain/ImageNote.h"
 #include "console/explain/PackageNotes.h"
 #include "console/job/JobStatus.h"
+#include "console/job/StandardError.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 
@@ -41,8 +42,18 @@ Explanation putBack() {
           "yes"};
 }
 
+Explanation waitingInCopy(const LogStretch& log) {
+  std::string meaning = "The log has no worker that took it";
+  if (log.isFound) meaning = "A worker took it, and the log tells of no step of it";
+  if (!log.absence.empty()) meaning = "Whether a worker has taken it cannot be told";
+  return {"waiting when it was copied", meaning + ".", "user",
+          "Where it was copied, \"kelvane-console explain\" tells whether a worker runs, and "
+          "\"kelvane-console check\" what is in the way.",
+          "only where no worker runs"};
+}
+
 Explanation waiting(const Value& record, const JobCircumstances& circumstances) {
-  if (circumstances.workerRuns) {
+  if (circumstances.workerRuns && !circumstances.isCopy) {
     return {"waiting", "A worker was started for it and is about to take it.", "nobody",
             "Wait a moment, and ask again.", "no"};
   }
@@ -53,6 +64,7 @@ Explanation waiting(const Value& record, const JobCircumstances& circumstances) 
             "not as it is"};
   }
   if (record.has(job::kResult)) return putBack();
+  if (circumstances.isCopy) return waitingInCopy(circumstances.log);
   if (circumstances.log.isFound) {
     return {"waiting", "A worker took it and gave up before it did anything; the log tells why.",
             "user",
@@ -98,6 +110,20 @@ Explanation abandoned(const JobStatus& status, const JobCircumstances& circumsta
               : "Its worker was killed, the computer went down, or the end could not be written. "
                 "Nothing takes the job up.",
           "user", adviceForAbandoned(status), "yes, under another log_id"};
+}
+
+Explanation runningInCopy(const JobStatus& status, const LogStretch& log) {
+  const char* meaning = "A worker had taken it. Whether one still runs cannot be told from a copy.";
+  if (log.gaveUp) {
+    meaning =
+        "A worker had taken it, and the log ends with an error of its. Unless it went on "
+        "behind that, nothing takes the job up.";
+  }
+  std::string advice =
+      "Where it was copied, \"kelvane-console explain\" tells whether a worker runs. If none "
+      "does: ";
+  advice += adviceForAbandoned(status);
+  return {"running when it was copied", meaning, "user", advice, "only where no worker runs"};
 }
 
 // --- a finished job
@@ -196,6 +222,7 @@ Explanation byState(const Value& record, const JobStatus& status,
   if (status.state == job::kWait) return waiting(record, circumstances);
   if (status.state == job::kFree) return finished(record, status, circumstances.log);
   if (status.state == job::kRun) {
+    if (circumstances.isCopy) return runningInCopy(status, circumstances.log);
     return circumstances.workerRuns ? underWay(status) : abandoned(status, circumstances);
   }
   return {"in state \"" + status.state + "\"",
@@ -214,20 +241,28 @@ std::string noteOf(const LogStretch& log) {
              : "";
 }
 
-void takeLog(const LogStretch& log, Explanation& explanation) {
+void takeLog(const JobCircumstances& circumstances, Explanation& explanation) {
+  const LogStretch& log = circumstances.log;
   // A worker that went on did without what it missed at its start.
   if (log.lastStep.empty()) explanation.errors = log.startErrors;
   explanation.errors.insert(explanation.errors.end(), log.errors.begin(), log.errors.end());
   explanation.lastStep = log.lastStep;
   explanation.note = noteOf(log);
+  if (!circumstances.isCopy) return;
+  if (!explanation.note.empty()) explanation.note += ' ';
+  explanation.note +=
+      "This is a copy: neither workers nor the files that the job names were looked "
+      "for.";
+  if (circumstances.isFromLog) explanation.note += " The record is as the log shows it last.";
 }
 
 // Of a firmware job the controller that it ended at, and what its CPLDs did.
-void takeControllers(const Value& record, const JobStatus& status, const LogStretch& log,
-                     Explanation& explanation) {
+void takeControllers(const Value& record, const JobStatus& status,
+                     const JobCircumstances& circumstances, Explanation& explanation) {
   if (status.command != job::kUpdateFW) return;
+  const LogStretch& log = circumstances.log;
   explanation.details = cpldNotes(record, log);
-  if (status.hasNoWorker && status.state == job::kRun) {
+  if ((status.hasNoWorker || circumstances.isCopy) && status.state == job::kRun) {
     explanation.controller = progressText(status);
   }
   const std::optional<FailedController> failed = failedController(record, log);
@@ -235,28 +270,50 @@ void takeControllers(const Value& record, const JobStatus& status, const LogStre
   explanation.controller = failed->progress;
   explanation.toldBy = failed->fault;
   if (!failed->lastStep.empty()) explanation.lastStep = failed->lastStep;
-  if (const std::string image = imageNote(record, *failed); !image.empty()) {
+  const std::string image = imageNote(record, *failed, circumstances.isCopy);
+  if (!image.empty()) {
     explanation.details.push_back(image);
   }
 }
 
-void takePackages(const Value& record, const LogStretch& log, Explanation& explanation) {
-  for (std::string& note : packageNotes(record)) explanation.details.push_back(std::move(note));
-  std::string said = engineNote(record, log);
+constexpr char kNoComplaints[] =
+    "what the update engine complained of stands on the worker's standard error alone, and nothing "
+    "of it is kept here: the console keeps it of jobs that it submits";
+
+void takePackages(const Value& record, const JobCircumstances& circumstances,
+                  Explanation& explanation) {
+  std::vector<std::string> notes = packageNotes(record, circumstances.isCopy);
+  if (!notes.empty() && circumstances.standardError.empty()) notes.emplace_back(kNoComplaints);
+  for (std::string& note : notes) explanation.details.push_back(std::move(note));
+  std::string said = engineNote(record, circumstances.log);
   if (!said.empty()) explanation.details.push_back(std::move(said));
 }
 
 }  // namespace
 
+JobCircumstances circumstancesAt(const Places& places, const Value& record) {
+  const std::string logId = statusOf(record).logId;
+  JobCircumstances found{.workerRuns = !places.isCopy && !lacksWorker(logId, places),
+                         .log = stretchIn(places, record),
+                         .isCopy = places.isCopy,
+                         .isFromLog = places.jobFile.empty()};
+  if (places.sharedFolder.empty()) return found;
+  found.standardError = standardErrorInShort(places.sharedFolder, logId);
+  return found;
+}
+
 Explanation explainJob(const Value& record, const JobCircumstances& circumstances) {
   JobStatus status = statusOf(record, circumstances.log);
-  if (!circumstances.workerRuns) markWithoutWorker(status);
+  if (!circumstances.workerRuns && !circumstances.isCopy) markWithoutWorker(status);
   Explanation explanation = byState(record, status, circumstances);
   const std::string command = status.command.empty() ? "" : " (" + status.command + ")";
   explanation.subject = "job " + status.logId + command + ": " + explanation.subject;
-  takeLog(circumstances.log, explanation);
-  takeControllers(record, status, circumstances.log, explanation);
-  takePackages(record, circumstances.log, explanation);
+  takeLog(circumstances, explanation);
+  takeControllers(record, status, circumstances, explanation);
+  takePackages(record, circumstances, explanation);
+  for (const std::string& line : circumstances.standardError) {
+    explanation.details.push_back("standard error: " + line);
+  }
   return explanation;
 }
 

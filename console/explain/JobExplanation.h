@@ -1,8 +1,12 @@
 // The explanation of a job by its record and its stretch of the log.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "console/explain/Explanation.h"
 #include "console/job/LogStretch.h"
+#include "console/job/Places.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -11,7 +15,15 @@ namespace kelvane::console {
 struct JobCircumstances {
   bool workerRuns = false;
   LogStretch log;
+  // Whether all is a copy from another system: neither workers nor the files that the record names
+  // are looked for.
+  bool isCopy = false;
+  bool isFromLog = false;                       // whether the record is what the log shows last
+  std::vector<std::string> standardError = {};  // what was kept of the worker's
 };
+
+// What these places tell of the record.
+JobCircumstances circumstancesAt(const Places& places, const platform::Value& record);
 
 Explanation explainJob(const platform::Value& record, const JobCircumstances& circumstances);
 

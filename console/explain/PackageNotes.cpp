@@ -13,9 +13,14 @@ namespace {
 
 std::string textOf(const Value& value) { return value.isString() ? value.string() : "(no text)"; }
 
-bool isThere(const Value& description) {
+enum class Presence { yes, no, unknown };
+
+// The one package of a download that failed for want of a package is missing.
+Presence presenceOf(const Value& description, const Value& output, bool isCopy) {
   const Value& path = description.get(job::kFilePath);
-  return path.isString() && platform::exists(path.string());
+  if (!path.isString() || path.string().empty()) return Presence::no;
+  if (isCopy) return output.count() == 1 ? Presence::no : Presence::unknown;
+  return platform::exists(path.string()) ? Presence::yes : Presence::no;
 }
 
 // The worker leaves the folder as it is where the engine has left no catalogue to go by.
@@ -23,13 +28,17 @@ bool hadCatalogue(const Value& input, const Value& description) {
   return input.get(job::kFolder) != description.get(job::kFolder);
 }
 
-std::string noteOf(const Value& input, const Value& description, const std::string& asked) {
+std::string noteOf(const Value& input, const Value& description, Presence presence,
+                   const std::string& asked) {
   std::string note = textOf(description.get(job::kProductId));
   if (!hadCatalogue(input, description)) {
     return note + ": the update engine left no catalogue that could be read";
   }
   if (!description.has(job::kSize)) return note + ": the catalogue does not offer it";
   note.append(": the catalogue offers version ").append(textOf(description.get(job::kVersion)));
+  if (presence == Presence::unknown) {
+    return note + "; whether its package was brought cannot be told from a copy";
+  }
   note += ", and its package was not brought";
   const bool isAsked = textOf(description.get(job::kProductId)) == asked;
   return isAsked ? note : note + "; the engine was asked for " + asked + " alone";
@@ -42,7 +51,7 @@ bool isFinished(const Value& record, const char* command) {
 
 }  // namespace
 
-std::vector<std::string> packageNotes(const Value& record) {
+std::vector<std::string> packageNotes(const Value& record, bool isCopy) {
   const Value& result = record.get(job::kResult);
   const Value& inputs = record.get(job::kInputParameters);
   const Value& output = record.get(job::kOutput);
@@ -55,13 +64,12 @@ std::vector<std::string> packageNotes(const Value& record) {
   for (std::size_t i = 0; i < output.count(); ++i) {
     const Value& input = inputs.at(i);
     const Value& description = output.at(i);
-    if (!input.isDictionary() || !description.isDictionary() || isThere(description)) continue;
-    notes.push_back(noteOf(input, description, textOf(inputs.at(0).get(job::kProductId))));
+    if (!input.isDictionary() || !description.isDictionary()) continue;
+    const Presence presence = presenceOf(description, output, isCopy);
+    if (presence == Presence::yes) continue;
+    notes.push_back(
+        noteOf(input, description, presence, textOf(inputs.at(0).get(job::kProductId))));
   }
-  notes.emplace_back(
-      "what the update engine complained of stands on the worker's standard error alone: submit "
-      "the "
-      "download again with --verbose to see it");
   return notes;
 }
 

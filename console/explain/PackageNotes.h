@@ -9,9 +9,10 @@
 
 namespace kelvane::console {
 
-// A line for each product whose package is not there, and where the engine's complaints stand; none
-// of another job or of one that is done.
-std::vector<std::string> packageNotes(const platform::Value& record);
+// A line for each product whose package is not there; none
+// of another job or of one that is done. Of a copy from another system the files are not looked
+// for.
+std::vector<std::string> packageNotes(const platform::Value& record, bool isCopy = false);
 
 // What the update engine printed last in a query that found no catalogue; empty of other jobs.
 std::string engineNote(const platform::Value& record, const LogStretch& log);

@@ -159,6 +159,12 @@ std::string nextLogId(const Value& records) {
 
 JobFile::JobFile(const std::string& sharedFolder) : path_(sharedFolder + paths::kJobFile) {}
 
+JobFile JobFile::at(const std::string& path) {
+  JobFile file("");
+  file.path_ = path;
+  return file;
+}
+
 Value JobFile::add(const NewJob& job) const {
   Value added;  // as it was written last; nothing where it is not to be there
   std::optional<Failure> refused;

@@ -27,6 +27,8 @@ class JobFile {
  public:
   // The folder ends with "/". Nothing is read or written yet.
   explicit JobFile(const std::string& sharedFolder);
+  // One that stands anywhere.
+  static JobFile at(const std::string& path);
 
   const std::string& path() const { return path_; }
 

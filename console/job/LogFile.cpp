@@ -74,8 +74,9 @@ std::vector<LogEntry> parseLog(std::string_view text) {
 
 std::string logPath(const std::string& sharedFolder) { return sharedFolder + paths::kLog; }
 
-std::string readLog(const std::string& sharedFolder) {
-  const std::string path = logPath(sharedFolder);
+std::string readLog(const std::string& sharedFolder) { return readLogAt(logPath(sharedFolder)); }
+
+std::string readLogAt(const std::string& path) {
   if (!platform::exists(path)) {
     throw Failure(kNotFound,
                   path + " does not exist: the worker never creates it, and logs nothing");

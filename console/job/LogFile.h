@@ -27,5 +27,7 @@ std::string logPath(const std::string& sharedFolder);
 
 // The log's text. Raises Failure where it is not there (kNotFound) or cannot be read.
 std::string readLog(const std::string& sharedFolder);
+// The same of a log that stands anywhere.
+std::string readLogAt(const std::string& path);
 
 }  // namespace kelvane::console

@@ -282,10 +282,18 @@ LogStretch stretchOf(const std::vector<LogEntry>& entries, const Value& record) 
 }
 
 LogStretch stretchIn(const std::string& sharedFolder, const Value& record) {
+  return stretchIn(placesIn(sharedFolder), record);
+}
+
+LogStretch stretchIn(const Places& places, const Value& record) {
+  LogStretch none;
+  if (places.log.empty()) {
+    none.absence = "The log is not at hand.";
+    return none;
+  }
   try {
-    return stretchOf(parseLog(readLog(sharedFolder)), record);
+    return stretchOf(parseLog(readLogAt(places.log)), record);
   } catch (const Failure& failure) {
-    LogStretch none;
     none.absence = failure.what();
     return none;
   }

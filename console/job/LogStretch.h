@@ -6,6 +6,7 @@
 
 #include "console/job/FlashSteps.h"
 #include "console/job/LogFile.h"
+#include "console/job/Places.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -32,5 +33,6 @@ LogStretch stretchOf(const std::vector<LogEntry>& entries, const platform::Value
 
 // The same of the shared folder's log. Never raises.
 LogStretch stretchIn(const std::string& sharedFolder, const platform::Value& record);
+LogStretch stretchIn(const Places& places, const platform::Value& record);
 
 }  // namespace kelvane::console

@@ -20,6 +20,9 @@ struct RunningFlash {
   bool stored = false;
 };
 
+Timeline firmwareTimeline(const ControllerRecord& record);
+Timeline cpldTimeline(const ControllerRecord& record);
+
 struct Controller {
   explicit Controller(ControllerRecord all) : record(std::move(all)) {}
 
@@ -45,6 +48,8 @@ struct Controller {
 
   bool cpldOpen = false;
   std::optional<RunningFlash> cpldFlash;
+
+  std::optional<RunningFlash> survivor;  // that an earlier process has started
 
   bool bridgeChecked = false;
   std::optional<std::string> nvramRead;      // as handed out, until it is prepared

@@ -31,7 +31,9 @@ std::uint32_t Framework::flashCPLDBin(ControllerAddress address, std::uint32_t s
   requireFlashParm(call, flash, controller);
   requireImageRecords(call, usb, cpld, image);
   return finish(call, [&]() -> std::uint32_t {
-    if (playBusy(controller.record.cpldBusy)) return kZorFlashProcessRunning;
+    if (playBusy(controller.record.cpldBusy) || isStillFlashing(controller)) {
+      return kZorFlashProcessRunning;
+    }
     const ImageFile file = suitableImage(*flash, Image::Kind::standard);
     if (file.status != kZorSuccess) return file.status;
     return startCpld(controller, file.image);
@@ -42,10 +44,8 @@ std::uint32_t Framework::flashCPLDBin(ControllerAddress address, std::uint32_t s
 std::uint32_t Framework::startCpld(Controller& controller, const Image& image) const {
   const ControllerRecord& record = controller.record;
   if (!image.cpld || image.cpld->version == record.cpld) return kStatusCpldUpToDate;
-  controller.cpldFlash = startFlash(
-      Timeline(Timeline::Target::cpld, {record.cpldTransferSeconds, record.cpldProgrammingSeconds},
-               record.cpldFaults),
-      image.cpld->version);
+  controller.cpldFlash = startFlash(cpldTimeline(record), image.cpld->version);
+  keepFlash(controller, kCpldFlash, image.cpld->version);
   return kZorSuccess;
 }
 
@@ -78,7 +78,7 @@ std::uint32_t Framework::finalizeCPLDProcess(ControllerAddress address, std::uin
   Controller& controller = addressed(call, address, sel);
   return finish(call, [&] {
     if (controller.cpldFlash) {
-      complete(controller, *controller.cpldFlash, kCpldKey, controller.record.cpld);
+      end(controller, *controller.cpldFlash, kCpldKey, controller.record.cpld);
     }
     controller.cpldFlash.reset();
     controller.cpldOpen = false;

@@ -159,6 +159,7 @@ std::uint32_t Framework::getControllerInfo(std::uint16_t adapterNumber, std::uin
   controller.nvramRead.reset();
   controller.nvramPrepared.reset();
   return finish(call, [&] {
+    isStillFlashing(controller);  // what has come to its end shows
     fillPages(infoBuffer_, controller.record);
     infoFilled_ = true;
     call.result("product_id", hexText(controller.record.productId, 4));

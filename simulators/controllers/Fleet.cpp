@@ -27,6 +27,8 @@ constexpr char kDo[] = "do";
 constexpr char kStage[] = "stage";
 constexpr char kStatusByte[] = "status_byte";
 constexpr char kSeconds[] = "seconds";
+constexpr char kSurvives[] = "survives";
+constexpr std::uint64_t kMostSeconds = 1ULL << 40U;
 constexpr char kCalls[] = "calls";
 constexpr double kDefaultSecondsPerQuery = 2;
 constexpr double kStageLength = 100;
@@ -61,7 +63,7 @@ class FlashFaultReader {
   FlashFaultReader(ObjectReader& reader, ControllerRecord& controller)
       : reader_(reader),
         controller_(controller),
-        cpld_(reader.choice("flash", {"firmware", "cpld"}, true) == 1) {}
+        cpld_(reader.choice(kFlashKey, {kFirmwareFlash, kCpldFlash}, true) == 1) {}
 
   void read() {
     switch (reader_.choice(kDo, {"busy", "fail", "retry", "stall", "backwards", "unknown"}, true)) {
@@ -161,6 +163,18 @@ void readNvram(ObjectReader& reader, ControllerRecord& controller) {
   controller.nvram = *bytes;
 }
 
+void readFlashing(ObjectReader& reader, ControllerRecord& controller) {
+  const Value& object = reader.object(kFlashingKey);
+  if (object.isNothing()) return;
+  ObjectReader flash(object, reader.nameOf(kFlashingKey));
+  SurvivingFlash& flashing = controller.flashing.emplace();
+  flashing.ofCpld = flash.choice(kFlashKey, {kFirmwareFlash, kCpldFlash}, true) == 1;
+  flashing.version = readVersion(flash, kVersionKey);
+  if (!flash.has(kStartedAtKey)) flash.refuse(kStartedAtKey, "is missing");
+  flashing.startedAt = static_cast<double>(flash.number(kStartedAtKey, kMostSeconds));
+  flash.finish();
+}
+
 ControllerRecord readController(ObjectReader& reader) {
   ControllerRecord controller;
   readWwn(reader, controller);
@@ -179,6 +193,7 @@ ControllerRecord readController(ObjectReader& reader) {
   controller.cpldProgrammingSeconds = reader.duration("cpld_programming_seconds").value_or(0);
   controller.firmwareSeconds = reader.duration("firmware_seconds").value_or(0);
   reader.each(kFaults, [&](ObjectReader& fault) { FlashFaultReader(fault, controller).read(); });
+  readFlashing(reader, controller);
   return controller;
 }
 
@@ -186,6 +201,8 @@ void readClock(ObjectReader& reader, Fleet& fleet) {
   const bool queries = reader.choice("clock", {"wall", "queries"}, false) == 1;
   const std::optional<double> perQuery = reader.duration("seconds_per_query");
   if (queries) fleet.secondsPerQuery = perQuery.value_or(kDefaultSecondsPerQuery);
+  fleet.survives = reader.truth(kSurvives);
+  if (queries && fleet.survives) reader.refuse(kSurvives, "goes by the clock \"wall\" alone");
 }
 
 void addController(ObjectReader& reader, Fleet& fleet) {
@@ -210,6 +227,19 @@ Fleet parseFleet(const Value& document) {
   return fleet;
 }
 
+// The object with another value of the key, or without it.
+Value changed(Value object, std::string_view key, const Value& value) {
+  if (!value.isNothing()) {
+    object.set(key, value);
+    return object;
+  }
+  Value rest = Value::dictionary();
+  for (const auto& [name, kept] : object.entries()) {
+    if (name != key) rest.set(name, kept);
+  }
+  return rest;
+}
+
 }  // namespace
 
 Fleet readFleet(const std::string& path) {
@@ -221,12 +251,12 @@ Fleet readFleet(const std::string& path) {
 }
 
 void storeInFleet(const std::string& path, const std::string& wwn, std::string_view key,
-                  const std::string& text) {
+                  const Value& value) {
   Value document = readJsonObject(path);
   Value controllers = Value::array();
-  for (Value controller : document.get(kControllers).elements()) {
-    if (platform::equalStrings(controller.get(kWwn), wwn)) controller.set(key, text);
-    controllers.append(controller);
+  for (const Value& controller : document.get(kControllers).elements()) {
+    const bool isMeant = platform::equalStrings(controller.get(kWwn), wwn);
+    controllers.append(isMeant ? changed(controller, key, value) : controller);
   }
   document.set(kControllers, controllers);
   const std::optional<std::string> bytes = platform::printJson(document);

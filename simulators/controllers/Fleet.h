@@ -17,6 +17,13 @@ inline constexpr char kFirmwareKey[] = "firmware";
 inline constexpr char kCpldKey[] = "cpld";
 inline constexpr char kBridgeKey[] = "usb_bridge";
 inline constexpr char kNvramKey[] = "nvram";
+// The key under which a flash stands that survives its process, and the keys in it.
+inline constexpr char kFlashingKey[] = "flashing";
+inline constexpr char kFlashKey[] = "flash";
+inline constexpr char kVersionKey[] = "version";
+inline constexpr char kStartedAtKey[] = "started_at";
+inline constexpr char kFirmwareFlash[] = "firmware";
+inline constexpr char kCpldFlash[] = "cpld";
 
 inline constexpr std::size_t kWwnSize = 8;
 
@@ -32,6 +39,13 @@ struct CallFault {
 struct BusyFault {
   bool forEver = false;
   std::uint64_t calls = 0;
+};
+
+// A flash that goes on also where the process has ended that started it.
+struct SurvivingFlash {
+  bool ofCpld = false;
+  std::string version;   // what the controller holds afterwards
+  double startedAt = 0;  // time of day
 };
 
 struct ControllerRecord {
@@ -52,10 +66,12 @@ struct ControllerRecord {
   std::vector<FlashFault> cpldFaults;
   BusyFault firmwareBusy;
   BusyFault cpldBusy;
+  std::optional<SurvivingFlash> flashing;
 };
 
 struct Fleet {
   std::optional<double> secondsPerQuery;  // nothing: the wall clock
+  bool survives = false;                  // whether flashes go on without their process
   std::vector<CallFault> faults;
   std::vector<ControllerRecord> controllers;  // in the order of discovery
 };
@@ -64,9 +80,10 @@ struct Fleet {
 // fleet: unknown keys, missing keys, wrong types, values out of range.
 Fleet readFleet(const std::string& path);
 
-// Keeps a text under a key of the controller with this WWN, in the file as it stands now; all else
-// in the file stays. Raises where that failed; the file is then as it was.
+// Keeps a value under a key of the controller with this WWN, in the file as it stands now; a
+// nothing takes the key away. All else in the file stays. Raises where that failed; the file is
+// then as it was.
 void storeInFleet(const std::string& path, const std::string& wwn, std::string_view key,
-                  const std::string& text);
+                  const platform::Value& value);
 
 }  // namespace kelvane::simulator

@@ -23,8 +23,11 @@ bool isClosing(std::string_view function) {
 
 }  // namespace
 
-Framework::Framework(std::string fleetPath, Journal& journal)
-    : fleetPath_(std::move(fleetPath)), journal_(journal) {}
+Framework::Framework(std::string fleetPath, Journal& journal, TimeOfDay timeOfDay)
+    : fleetPath_(std::move(fleetPath)),
+      journal_(journal),
+      timeOfDay_(std::move(timeOfDay)),
+      clock_(timeOfDay_) {}
 
 Call Framework::begin(std::string function, Arguments arguments) {
   ++calls_[function];
@@ -143,10 +146,8 @@ RunningFlash Framework::startFlash(Timeline timeline, std::string version) const
 
 void Framework::startFirmware(Controller& controller, std::optional<RunningFlash>& flash,
                               const std::string& version) const {
-  const ControllerRecord& record = controller.record;
-  flash = startFlash(
-      Timeline(Timeline::Target::firmware, {record.firmwareSeconds}, record.firmwareFaults),
-      version);
+  flash = startFlash(firmwareTimeline(controller.record), version);
+  keepFlash(controller, kFirmwareFlash, version);
 }
 
 std::uint32_t Framework::firmwareProgress(Call& call, Controller& controller,
@@ -178,10 +179,16 @@ Reading Framework::readProgress(Controller& controller, RunningFlash& flash, con
   return reading;
 }
 
-// A flash that has come to its end unseen counts; one that has not is given up.
 void Framework::closeFirmware(Controller& controller, std::optional<RunningFlash>& flash) {
-  if (flash) complete(controller, *flash, kFirmwareKey, controller.record.firmware);
+  if (flash) end(controller, *flash, kFirmwareKey, controller.record.firmware);
   flash.reset();
+}
+
+// A flash that has come to its end unseen counts; one that has not is given up.
+void Framework::end(Controller& controller, RunningFlash& flash, const char* key,
+                    std::string& held) {
+  complete(controller, flash, key, held);
+  if (!flash.stored) forgetFlash(controller);
 }
 
 void Framework::complete(Controller& controller, RunningFlash& flash, const char* key,
@@ -191,12 +198,12 @@ void Framework::complete(Controller& controller, RunningFlash& flash, const char
   flash.stored = true;
   held = flash.version;
   store(controller, key, held);
+  forgetFlash(controller);
 }
 
-void Framework::store(const Controller& controller, const char* key,
-                      const std::string& text) const {
+void Framework::store(const Controller& controller, const char* key, const Value& value) const {
   try {
-    storeInFleet(fleetPath_, controller.record.wwn, key, text);
+    storeInFleet(fleetPath_, controller.record.wwn, key, value);
   } catch (const platform::Exception& caught) {
     std::cerr << "ZORAPI simulator: what was flashed is not kept: " << caught.what() << '\n';
   }
@@ -210,9 +217,11 @@ void Framework::loadFleet() {
   complaint_.clear();
   try {
     Fleet fleet = readFleet(fleetPath_);
-    clock_ = Clock(fleet.secondsPerQuery);
+    clock_ = Clock(timeOfDay_, fleet.secondsPerQuery);
+    survives_ = fleet.survives;
     faults_ = std::move(fleet.faults);
     for (ControllerRecord& each : fleet.controllers) controllers_.emplace_back(std::move(each));
+    for (Controller& each : controllers_) takeSurvivor(each);
   } catch (const platform::Exception& caught) {
     complaint_ = caught.what();
   }

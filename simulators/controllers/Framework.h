@@ -25,7 +25,7 @@ namespace kelvane::simulator {
 class Framework {
  public:
   // The journal must outlive the framework.
-  Framework(std::string fleetPath, Journal& journal);
+  Framework(std::string fleetPath, Journal& journal, TimeOfDay timeOfDay = systemTimeOfDay);
 
   // --- start and discovery
   std::uint32_t initialize(const InitParm* parm);
@@ -126,6 +126,12 @@ class Framework {
 
   static bool playBusy(BusyFault& busy);
   RunningFlash startFlash(Timeline timeline, std::string version) const;
+  // What a flash that survives its process leaves in the fleet file, and takes away at its end.
+  void keepFlash(const Controller& controller, const char* flash, const std::string& version) const;
+  void forgetFlash(const Controller& controller) const;
+  void takeSurvivor(Controller& controller);
+  // Whether a flash of an earlier process still runs there; one that has come to its end counts.
+  bool isStillFlashing(Controller& controller);
   std::uint32_t startCpld(Controller& controller, const Image& image) const;
   void startFirmware(Controller& controller, std::optional<RunningFlash>& flash,
                      const std::string& version) const;
@@ -134,13 +140,16 @@ class Framework {
   Reading readProgress(Controller& controller, RunningFlash& flash, const char* key,
                        std::string& held);
   void closeFirmware(Controller& controller, std::optional<RunningFlash>& flash);
+  void end(Controller& controller, RunningFlash& flash, const char* key, std::string& held);
   void complete(Controller& controller, RunningFlash& flash, const char* key, std::string& held);
-  void store(const Controller& controller, const char* key, const std::string& text) const;
+  void store(const Controller& controller, const char* key, const platform::Value& value) const;
   void loadFleet();
 
   std::string fleetPath_;
   Journal& journal_;
+  TimeOfDay timeOfDay_;
   Clock clock_;
+  bool survives_ = false;  // whether flashes go on without this process
   std::vector<CallFault> faults_;
   std::map<std::string, std::uint64_t> calls_;  // how often each function has been called
   std::vector<Controller> controllers_;

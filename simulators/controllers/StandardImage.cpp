@@ -96,7 +96,9 @@ std::uint32_t Framework::initializeFlashProcess(ControllerAddress address, std::
   Controller& controller = addressed(call, address, sel);
   requireNothingOpen(call);
   return finish(call, [&]() -> std::uint32_t {
-    if (playBusy(controller.record.firmwareBusy)) return kZorFlashProcessRunning;
+    if (playBusy(controller.record.firmwareBusy) || isStillFlashing(controller)) {
+      return kZorFlashProcessRunning;
+    }
     controller.flashOpen = true;
     controller.transferred.reset();
     return kZorSuccess;

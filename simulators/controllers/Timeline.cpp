@@ -55,16 +55,17 @@ void Timeline::travel(double to) {
     const auto stage = static_cast<std::size_t>(position_ / kWhole);
     const double end = std::min(to, kWhole * static_cast<double>(stage + 1));
     const double seconds = stageSeconds_[stage] * (end - position_) / kWhole;
-    stretches_.push_back({seconds, position_, end, 0, {}, retries_});
+    stretches_.push_back({seconds, position_, end, 0, {}, retries_, false});
     position_ = end;
   }
 }
 
 void Timeline::rest(const FlashFault& fault) {
   Stretch stretch{
-      fault.seconds.value_or(kForEver), position_, position_, fault.statusByte, {}, retries_};
+      fault.seconds.value_or(kForEver),    position_, position_, fault.statusByte, {}, retries_,
+      fault.kind == FlashFault::Kind::fail};
   if (fault.kind == FlashFault::Kind::unknown) stretch.stage = fault.stage;
-  if (fault.kind == FlashFault::Kind::fail) stretch.seconds = kForEver;
+  if (stretch.failed) stretch.seconds = kForEver;
   stretches_.push_back(stretch);
 }
 
@@ -83,6 +84,7 @@ Reading Timeline::show(const Stretch& stretch, double position) const {
   Reading reading;
   reading.statusByte = stretch.statusByte;
   reading.retries = stretch.retries;
+  reading.failed = stretch.failed;
   // At the very end there is no further stage to show: 100 percent of the last.
   const double stage =
       std::min(std::floor(stretch.from / kWhole), static_cast<double>(stageSeconds_.size() - 1));

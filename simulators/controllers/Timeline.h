@@ -39,6 +39,7 @@ struct Reading {
   std::uint8_t percent = 0;
   std::uint8_t retries = 0;
   bool done = false;
+  bool failed = false;  // for ever
 };
 
 class Timeline {
@@ -59,6 +60,7 @@ class Timeline {
     std::uint8_t statusByte = 0;
     std::optional<std::uint8_t> stage;  // shown in place of the position's own
     std::uint8_t retries = 0;
+    bool failed = false;
   };
 
   void travel(double to);

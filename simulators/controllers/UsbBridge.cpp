@@ -93,6 +93,7 @@ std::uint32_t Framework::flashUSBFWbin(ControllerAddress address, std::uint32_t 
     const ImageFile file = suitableImage(*flash, Image::Kind::standard);
     if (file.status != kZorSuccess) return file.status;
     if (!file.image.usb) return kZorUsbNothingToDo;
+    if (isStillFlashing(controller)) return kZorFlashProcessRunning;
     controller.record.bridge = file.image.usb->version;
     store(controller, kBridgeKey, controller.record.bridge);
     return kZorSuccess;

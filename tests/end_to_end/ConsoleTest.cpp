@@ -66,10 +66,10 @@ class ConsoleScreen : public ::testing::Test {
   std::string output;
 };
 
-// The message of a job whose worker is gone wraps where the terminal wraps it.
+// The message of a job whose worker is gone, which is wrapped at words.
 std::string joined(const Lines& lines, std::size_t from) {
   std::string text;
-  for (std::size_t i = from; i < lines.size(); ++i) text += lines[i];
+  for (std::size_t i = from; i < lines.size(); ++i) text += lines[i] + " ";
   return text;
 }
 

@@ -1,5 +1,7 @@
 // The fleet file: what it says, and how every mistake in it is told.
 
+#include <optional>
+
 #include <gtest/gtest.h>
 
 #include "platform/Exception.h"
@@ -62,6 +64,27 @@ TEST(FleetFile, WallClockIsTheDefault) {
 
 TEST(FleetFile, QueriesCountTwoSecondsByDefault) {
   EXPECT_EQ(read(R"({"clock":"queries","controllers":[]})").secondsPerQuery, 2);
+}
+
+TEST(FleetFile, FlashesSurviveByTheWallClockAlone) {
+  EXPECT_FALSE(read(fleetWith("")).survives);
+  EXPECT_TRUE(read(R"({"survives":true,"controllers":[]})").survives);
+  EXPECT_NE(complaint(R"({"survives":true,"clock":"queries","controllers":[]})")
+                .find("survives: goes by the clock \"wall\" alone"),
+            std::string::npos);
+}
+
+TEST(FleetFile, HoldsTheFlashThatSurvives) {
+  const Fleet fleet =
+      read(fleetWith(R"(,"flashing":{"flash":"cpld","version":"1.7","started_at":1795000000})"));
+  const std::optional<SurvivingFlash>& flashing = fleet.controllers.at(0).flashing;
+  ASSERT_TRUE(flashing.has_value());
+  EXPECT_TRUE(flashing->ofCpld);
+  EXPECT_EQ(flashing->version, "1.7");
+  EXPECT_EQ(flashing->startedAt, 1795000000);
+  EXPECT_NE(complaint(fleetWith(R"(,"flashing":{"flash":"cpld","version":"1.7"})"))
+                .find("controllers[0].flashing.started_at: is missing"),
+            std::string::npos);
 }
 
 TEST(FleetFile, AdaptersComeBeforeSubsystems) {

@@ -62,7 +62,8 @@ CtrlInfoRequest controllerInfoRequest() {
 }
 
 SimulatedWorld::SimulatedWorld(const std::string& fleet)
-    : fleetPath(folder.write("fleet.json", fleet)), framework(fleetPath, journal) {}
+    : fleetPath(folder.write("fleet.json", fleet)),
+      framework(fleetPath, journal, [this] { return timeOfDay; }) {}
 
 std::string SimulatedWorld::standardImage(const std::string& firmware, const std::string& cpld,
                                           const std::string& usb) const {

@@ -86,6 +86,7 @@ class SimulatedWorld {
   TempFolder folder;
   std::string fleetPath;
   MemoryJournal journal;
+  double timeOfDay = 1'000'000;  // seconds; stands still
   simulator::Framework framework;
   ControllerAddress address = {};
   Job job;

@@ -13,7 +13,12 @@ constexpr char kBeginning[] =
 complete -c kelvane-console -f
 )";
 
-constexpr char kBeforeCommand[] = "__fish_use_subcommand";
+// Behind an option's value no sub-command may stand yet.
+std::string beforeCommand(const CommandTable& table) {
+  std::string condition = "not __fish_seen_subcommand_from";
+  for (const Command& command : table.commands) condition.append(" ").append(command.name);
+  return condition;
+}
 
 std::string insideOf(const Command& command) {
   return "__fish_seen_subcommand_from " + command.name;
@@ -76,10 +81,10 @@ std::string commandLines(const Command& command) {
 
 std::string fishCompletion(const CommandTable& table) {
   std::string script = kBeginning;
-  for (const Option& option : table.options) script += optionLine(kBeforeCommand, option);
+  const std::string before = beforeCommand(table);
+  for (const Option& option : table.options) script += optionLine(before, option);
   for (const Command& command : table.commands) {
-    script +=
-        line(kBeforeCommand, " -a " + command.name + " -d " + shellQuoted(command.description));
+    script += line(before, " -a " + command.name + " -d " + shellQuoted(command.description));
   }
   for (const Command& command : table.commands) script += commandLines(command);
   return script;

@@ -24,7 +24,8 @@ class CommandLineTest : public ::testing::Test {
  protected:
   CommandLineTest() {
     table.name = "tool";
-    table.options = {{.names = {"--everywhere"}}};
+    table.options = {{.names = {"--everywhere"}},
+                     {.names = {"--size"}, .valueName = "BYTES", .variable = kVariable}};
     Command add{.name = "add", .description = "Adds"};
     add.options = {jsonFlag(),
                    {.names = {"--size"}, .valueName = "BYTES", .variable = kVariable},
@@ -45,7 +46,11 @@ class CommandLineTest : public ::testing::Test {
       followed = surroundings.clock.now().count() > 0;
       return 8;
     };
-    table.commands = {add, follow};
+    Command weigh{.name = "weigh", .description = "Weighs"};
+    weigh.options = follow.options;
+    weigh.options[0].required = true;
+    weigh.run = add.run;
+    table.commands = {add, follow, weigh};
   }
   ~CommandLineTest() override { ::unsetenv(kVariable); }
 
@@ -59,6 +64,17 @@ class CommandLineTest : public ::testing::Test {
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(run(words), kBadUsage);
     return ::testing::internal::GetCapturedStderr();
+  }
+
+  // What is raised of it.
+  std::string failure(const Words& words) const {
+    try {
+      ADD_FAILURE() << run(words);
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.exitCode(), kBadUsage);
+      return failure.what();
+    }
+    return "";
   }
 
   CommandTable table;
@@ -107,6 +123,33 @@ TEST_F(CommandLineTest, OptionBeforeTheSubCommandReachesIt) {
   EXPECT_EQ(given.text("--everywhere"), "x");
 }
 
+TEST_F(CommandLineTest, OptionOfASubCommandMayStandBeforeIt) {
+  EXPECT_EQ(run({"--size", "6", "weigh"}), 7);
+  EXPECT_EQ(given.text("--size"), "6");
+  ::setenv(kVariable, "5", 1);
+  EXPECT_EQ(run({"--size=6", "weigh"}), 7);
+  EXPECT_EQ(given.text("--size"), "6");
+  EXPECT_TRUE(given.isOnTheLine("--size"));
+}
+
+TEST_F(CommandLineTest, WhatTheVariableHasIsNotOnTheLine) {
+  ::setenv(kVariable, "5", 1);
+  EXPECT_EQ(run({"weigh"}), 7);
+  EXPECT_EQ(given.text("--size"), "5");
+  EXPECT_FALSE(given.isOnTheLine("--size"));
+}
+
+TEST_F(CommandLineTest, ValueThatIsGivenTwiceHasToBeOne) {
+  EXPECT_EQ(failure({"--size", "6", "weigh", "--size", "7"}), "--size is given twice: 6 and 7");
+  EXPECT_EQ(failure({"add", "a", "--size", "6", "--size=7"}), "--size is given twice: 6 and 7");
+  EXPECT_EQ(run({"--size", "6", "weigh", "--size", "6"}), 7);
+}
+
+TEST_F(CommandLineTest, MissingOptionNamesItsVariable) {
+  EXPECT_EQ(failure({"weigh"}),
+            "weigh needs --size BYTES; the environment variable KELVANE_TEST_SIZE can name it");
+}
+
 TEST_F(CommandLineTest, SubCommandThatFollowsHasAClock) {
   EXPECT_EQ(run({"follow"}), 8);
   EXPECT_TRUE(followed);
@@ -123,6 +166,7 @@ TEST_F(CommandLineTest, RefusesWhatIsNoneOfTheChoices) {
 
 TEST_F(CommandLineTest, NamesASubCommandThatThereIsNot) {
   EXPECT_EQ(refusal({"take"}).find("there is no sub-command take\n"), 0U);
+  EXPECT_EQ(refusal({"--size", "6", "take"}).find("there is no sub-command take\n"), 0U);
 }
 
 }  // namespace

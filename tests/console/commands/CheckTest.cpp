@@ -157,13 +157,75 @@ TEST_F(Check, ADamagedJobFileDoesNotKeepItFromLookingAtTheRest) {
 TEST_F(Check, WithoutASharedFolderItIsBadUsage) {
   options.sharedFolder = "";
   EXPECT_EQ(run(), kBadUsage);
-  EXPECT_EQ(messages.str(), "kelvane-console: the shared folder is missing\n");
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: the shared folder is missing: give --shared FOLDER or set "
+            "KELVANE_SHARED; or give files that were mailed, with --job-file and --log-file\n");
 }
 
 TEST_F(Check, TheBundlesSlashDoesNotCount) {
   options.bundle = folder / "Manager.app///";
   EXPECT_EQ(run(), kFindings);
   EXPECT_NE(shown.str().find(folder / "Manager.app/Contents/Frameworks"), std::string::npos);
+}
+
+// What a user sees as no fault of the files, as it is of this system: nothing of it is looked at.
+TEST_F(Check, OfACopyTheFilesAloneAreLookedAt) {
+  folder.write(test::kJobFile, R"([
+      {"log_id": "2", "job_id": "updateFW", "state_id": "WAIT",
+       "input_parameters": [{"wwn": "A", "file_path": "/no.img"}]},
+      {"log_id": "3", "job_id": "updateFW", "state_id": "RUN",
+       "input_parameters": [{"wwn": "A", "file_path": "/no.img"}]}])");
+  folder.write("shared/utility/config/setting.json", R"({"AppPath": "/no/such.app"})");
+  folder.write("shared/utility/command/.replace-a1b2c3", "");
+  folder.write("shared/tmp", "");
+  const test::PermissionBits bits(folder / "shared", 0777);
+  options.copy.offline = true;
+  options.bundle = "/no/such.app";
+  EXPECT_EQ(run(), kSuccess) << shown.str();
+  EXPECT_NE(shown.str().find("not looked at  as this is a copy: processes, the bundle, "),
+            std::string::npos)
+      << shown.str();
+  EXPECT_EQ(shown.str().find("no/such"), std::string::npos);
+}
+
+TEST_F(Check, OfACopyWhatIsInTheFilesIsFound) {
+  folder.write(test::kJobFile, R"([{"log_id": "2", "job_id": "updateFW", "state_id": "WAIT",
+                                    "input_parameters": []}, {"log_id": 5}])");
+  folder.write("shared/utility/config/setting.json", "{}");
+  const std::string settings = folder / "shared/utility/config/setting.json";
+  Places places = placesIn(folder / "shared/");
+  places.isCopy = true;
+  EXPECT_EQ(asLines(findingsOf(places, "")),
+            "error: " + (folder / test::kJobFile) +
+                ": job 2 cannot be carried out: input_parameters is an empty array\n" + "error: " +
+                (folder / test::kJobFile) + ": element [1] has a log_id that is no string: 5\n" +
+                "error: " + settings + ": \"AppPath\" is missing\n");
+  options.copy.offline = true;
+  EXPECT_EQ(run(), kFindings);
+  EXPECT_NE(shown.str().find("3 errors, 0 warnings\nnot looked at, as this is a copy: processes, "),
+            std::string::npos)
+      << shown.str();
+}
+
+TEST_F(Check, OfFilesThatWereMailedEachAlone) {
+  const std::string jobs = folder.write("mail/jobs.json", "[");
+  options = {};
+  options.copy = {.jobFile = jobs};
+  EXPECT_EQ(run(), kFindings);
+  EXPECT_EQ(shown.str().rfind("error: " + jobs + " is not JSON: ", 0), 0U);
+  shown.str("");
+  options = {};
+  options.copy = {.logFile = folder.write("mail/log.txt", "")};
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().rfind("no findings\n  job file       is not at hand\n", 0), 0U)
+      << shown.str();
+}
+
+TEST_F(Check, ACopyThatIsNoSharedFolderIsBadUsage) {
+  fs::create_directories(folder / "photos");
+  options.sharedFolder = folder / "photos";
+  options.copy.offline = true;
+  EXPECT_EQ(run(), kBadUsage);
 }
 
 TEST_F(Check, EveryFindingHasAPathOrAJob) {

@@ -6,6 +6,7 @@
 #include "console/explain/ResultCodes.h"
 #include "console/job/ExitCode.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "tests/console/ConsoleWorld.h"
 
 namespace kelvane::console {
@@ -137,6 +138,39 @@ TEST_F(Explain, ALogIdWinsOverACodeAndSaysHowToAskForThat) {
   shown.str("");
   EXPECT_EQ(run("0x0103"), kSuccess);
   EXPECT_EQ(shown.str().rfind("result 259 (0x0103), kFileNotFound", 0), 0U);
+}
+
+TEST_F(Explain, AJobOfFilesThatWereMailed) {
+  addJob("17");
+  options = {};
+  options.copy = {.jobFile = folder / test::kJobFile};
+  EXPECT_EQ(run("17"), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "job 17 (downloadOnlineUpdateFile): finished with result 0 (0x0000), kZorSuccess: no "
+            "error\n"
+            "  means      Every package is there; the output has the paths.\n"
+            "  who acts   nobody\n"
+            "  try again  no\n"
+            "  note       The log is not at hand. This is a copy: neither workers nor the files "
+            "that the job names were looked for.\n");
+  EXPECT_EQ(run("18x"), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: no job 18x in " + (folder / test::kJobFile) +
+                                ", and it is no result code\n");
+}
+
+TEST_F(Explain, AJobOfALogAlone) {
+  options.copy.logFile = folder.write(
+      "log.txt", "[14:03:07] [a.cpp][1][run][debug] currentJobArray = " +
+                     platform::describe(platform::parseJson(R"([{"log_id": "17", "state_id": "FREE",
+                         "job_id": "downloadOnlineUpdateFile", "result": 0}])")) +
+                     "\n");
+  EXPECT_EQ(run("17"), kSuccess);
+  EXPECT_EQ(shown.str().rfind("job 17 (downloadOnlineUpdateFile): finished with result 0 ", 0), 0U);
+  EXPECT_NE(shown.str().find("looked for. The record is as the log shows it last.\n"),
+            std::string::npos);
+  options.copy.logFile = folder.write("empty.txt", "");
+  EXPECT_EQ(run("17"), kNotFound);
+  EXPECT_EQ(run("0x0402"), kSuccess);
 }
 
 TEST_F(Explain, AMissingLogIsToldInANote) {

@@ -27,16 +27,29 @@ TEST(Given, WhatStandsInIsTakenWhereNothingWasGiven) {
   EXPECT_EQ(given.text("--size", "3"), "");
 }
 
-TEST(Given, OtherOneCompletesOnlyWhatIsMissing) {
+TEST(Given, WhatAnotherOneHasStandsBefore) {
   Given given;
   given.declare("--size");
   given.set("--level", {"high"});
   Given other;
   other.set("--size", {"3"});
   other.set("--level", {"low"});
-  given.completeFrom(other);
+  given.addFrom(other);
   EXPECT_EQ(given.text("--size"), "3");
+  EXPECT_EQ(given.texts("--level"), (Given::Values{"low", "high"}));
+}
+
+TEST(Given, WhatTheEnvironmentHasStandsInAndIsNotOnTheLine) {
+  Given given;
+  given.declare("--size");
+  given.set("--level", {"high"});
+  EXPECT_FALSE(given.isOnTheLine("--size"));
+  given.fallBack("--size", "5");
+  given.fallBack("--level", "low");
+  EXPECT_EQ(given.text("--size"), "5");
+  EXPECT_FALSE(given.isOnTheLine("--size"));
   EXPECT_EQ(given.text("--level"), "high");
+  EXPECT_TRUE(given.isOnTheLine("--level"));
 }
 
 }  // namespace

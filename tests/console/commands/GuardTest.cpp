@@ -35,6 +35,14 @@ TEST_F(Guard, DetailsAreLinesBelow) {
   EXPECT_EQ(messages.str(), "kelvane-console: not installed\n  rm: a?\n  cp: b\n");
 }
 
+TEST_F(Guard, LongMessagesAreWrappedAtWords) {
+  guarded(
+      messages, Charset::ascii,
+      []() -> int { throw Failure(kJobFailed, "the worker ended", {"rm: one two three four"}); },
+      20);
+  EXPECT_EQ(messages.str(), "kelvane-console: the\nworker ended\n  rm: one two three\n  four\n");
+}
+
 TEST_F(Guard, WhatIsForeseenNowhereIsAnInternalError) {
   EXPECT_EQ(guarded(messages, Charset::ascii, []() -> int { throw std::runtime_error("odd"); }),
             kInternalError);

@@ -7,6 +7,7 @@
 #include "console/commands/Jobs.h"
 #include "console/job/ExitCode.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "tests/console/ConsoleWorld.h"
 
 namespace kelvane::console {
@@ -38,6 +39,72 @@ TEST_F(Jobs, ListIsATable) {
             "     2  updateFW             RUN, no worker          A1 stopped at 25%\n"
             "     3  getOnlineUpdateData  FREE                 0\n"
             "     -  (no record)\n");
+}
+
+constexpr char kNotLooked[] = "this is a copy: whether a worker runs was not looked at";
+
+TEST_F(Jobs, ListOfACopyTellsNothingOfWorkersAndSaysSoOnce) {
+  EXPECT_EQ(runHere(list, {folder / "shared", {.offline = true}}), kSuccess);
+  EXPECT_NE(shown.str().find("     2  updateFW             RUN            A1 CPLD at 25%\n"),
+            std::string::npos)
+      << shown.str();
+  EXPECT_TRUE(shown.str().ends_with(kNotLooked + std::string("\n"))) << shown.str();
+}
+
+TEST_F(Jobs, ListAndShowOfAJobFileAlone) {
+  const std::string file = folder.write("mail/jobs.json", folder.read(test::kJobFile));
+  EXPECT_EQ(runHere(list, {"", {.jobFile = file}}), kSuccess);
+  EXPECT_NE(shown.str().find("     1  updateSW             FREE        0  fine\n"),
+            std::string::npos)
+      << shown.str();
+  shown.str("");
+  EXPECT_EQ(runHere(show, {"", "2", {.jobFile = file}}), kSuccess);
+  EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
+            "job 2: running\n"
+            "command updateFW\n"
+            "Controller  Phase  CPLD  Firmware  Total\n"
+            "A1          CPLD    50%        0%    25%\n" +
+                std::string(kNotLooked) + "; the log is not at hand\n");
+}
+
+// With the job file as a worker wrote it last.
+TEST_F(Jobs, ALogAloneShowsTheRecordsThatAreInIt) {
+  const std::string written = platform::describe(platform::parseJson(folder.read(test::kJobFile)));
+  const std::string file =
+      folder.write("mail/log.txt",
+                   "[14:03:07] [a.cpp][1][run][debug] currentJobArray = (\n)\n"
+                   "[14:03:08] [a.cpp][1][writeJSONFile][debug] writeJSONFile, "
+                   "newArray = " +
+                       written + "\n");
+  EXPECT_EQ(runHere(list, {"", {.logFile = file}}), kSuccess);
+  EXPECT_NE(shown.str().find("     1  updateSW             FREE        0  fine\n"
+                             "     2  updateFW             RUN            A1 CPLD at 25%\n"),
+            std::string::npos)
+      << shown.str();
+  EXPECT_TRUE(shown.str().ends_with(kNotLooked + std::string("; the job file is not at hand: the "
+                                                             "records are as the log shows them "
+                                                             "last\n")));
+  EXPECT_EQ(runHere(show, {"", "2", {.logFile = file}}), kSuccess);
+  EXPECT_EQ(runHere(show, {"", "9", {.logFile = file}}), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: no job 9 in " + file + "\n");
+}
+
+TEST_F(Jobs, ALogWithoutRecordsSaysSo) {
+  const std::string file = folder.write("mail/log.txt", "");
+  EXPECT_EQ(runHere(list, {"", {.logFile = file}}), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: " + file + " shows no records\n");
+}
+
+TEST_F(Jobs, PackagesOfACopyAreNotLookedFor) {
+  folder.write(test::kJobFile, R"([{"log_id": "5", "job_id": "downloadOnlineUpdateFile",
+      "state_id": "FREE", "result": 0, "output": [
+      {"productid": "p", "version": "1", "size": 5, "file_path": "/tmp"},
+      {"productid": "q", "version": "1", "size": 5, "file_path": ""}]}])");
+  EXPECT_EQ(runHere(show, {folder / "shared", "5", {.offline = true}}), kSuccess);
+  EXPECT_NE(shown.str().find("p        1         5 B  ?        /tmp\n"
+                             "q        1         5 B  no\n"),
+            std::string::npos)
+      << shown.str();
 }
 
 TEST_F(Jobs, ListForMachinesIsARecordALine) {

@@ -81,6 +81,19 @@ TEST_F(ShowLog, WhereNothingIsToBeShownItSaysSo) {
   EXPECT_EQ(shown.str(), "");
 }
 
+TEST_F(ShowLog, OfALogThatWasMailed) {
+  const std::string file = folder.write("mail/log.txt", "[14:03:07] [a.cpp][1][run][debug] mine\n");
+  options = {};
+  options.copy = {.logFile = file};
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "14:03:07 run: mine\n");
+  options = {};
+  options.copy = {.jobFile = file};
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: the log is not at hand: give it with --log-file, too\n");
+}
+
 TEST_F(ShowLog, WithoutALogThereIsNoneToShow) {
   std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   EXPECT_EQ(run(), kNotFound);

@@ -163,7 +163,7 @@ TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithItsFailureAndKept) {
 
 TEST_F(UpdateFw, WhatTheWorkerSaidIsToldWithAFailedJob) {
   makeWorkerThatLeaves("FREE", "32852");
-  makeWorker(folder.read("Manager.app/Contents/Resources/Kelvane") + "echo complaint >&2\n");
+  makeWorker("echo complaint >&2\n" + folder.read("Manager.app/Contents/Resources/Kelvane"));
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(shownAtTheEnd().rfind("result 32852 (0x8054): the text\n  complaint\n  (kept in ", 0),
             0U)
@@ -242,7 +242,9 @@ TEST_F(UpdateFw, WhatIsNotUtf8IsRefused) {
 
 TEST_F(UpdateFw, NoBundleAndNoWorkerIsRefused) {
   job.bundle = "";
-  expectRefused("neither a bundle nor a worker is given");
+  expectRefused(
+      "neither a bundle nor a worker is given: give --bundle APP.app, set KELVANE_BUNDLE, or give "
+      "--worker PATH");
 }
 
 TEST_F(UpdateFw, EmptySharedFolderIsRefused) {

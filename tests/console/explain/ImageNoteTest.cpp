@@ -24,6 +24,15 @@ TEST(ImageNote, TellsWhichKindTheControllerTakes) {
             "its image: /no.img does not exist; product 0x4301 takes standard images");
 }
 
+TEST(ImageNote, OfACopyTheImageIsNotLookedFor) {
+  FailedController failed;
+  failed.product = "4301";
+  EXPECT_EQ(imageNote(platform::parseJson(
+                          R"({"input_parameters": [{"wwn": "A", "file_path": "/no.img"}]})"),
+                      failed, true),
+            "its image: /no.img; product 0x4301 takes standard images");
+}
+
 TEST(ImageNote, TellsAnEntryWithoutAnImage) {
   EXPECT_EQ(note(R"({"wwn": "A"})"), "its image: none is given");
   EXPECT_EQ(note(R"({"file_path": 5})"), "its image: file_path is no string");

@@ -90,6 +90,62 @@ TEST(JobExplanation, RunningWhoseWorkerGaveUp) {
   EXPECT_EQ(found.lastStep, "a step");
 }
 
+JobCircumstances copied() {
+  JobCircumstances circumstances = withWorker();
+  circumstances.isCopy = true;
+  return circumstances;
+}
+
+TEST(JobExplanation, WhatWasKeptOfStandardErrorIsTold) {
+  const std::string failed =
+      R"("state_id": "FREE", "result": 259, "input_parameters": [{"productid": "p"}],
+         "output": [{"productid": "p"}])";
+  const Explanation silent = explained("downloadOnlineUpdateFile", failed);
+  ASSERT_EQ(silent.details.size(), 2U);
+  EXPECT_NE(silent.details[1].find("nothing of it is kept here"), std::string::npos);
+  JobCircumstances circumstances;
+  circumstances.standardError = {"EngineRunner: no such service", "(kept in /x)"};
+  const Explanation found = explained("downloadOnlineUpdateFile", failed, circumstances);
+  ASSERT_EQ(found.details.size(), 3U);
+  EXPECT_EQ(found.details[1], "standard error: EngineRunner: no such service");
+  EXPECT_EQ(found.details[2], "standard error: (kept in /x)");
+}
+
+TEST(JobExplanation, RunningInACopyDoesNotTellOfWorkers) {
+  JobCircumstances circumstances = copied();
+  const std::string output =
+      R"(, "output": [{"wwn": "A1", "fw_percentage": 30, "total_percentage": 30}])";
+  const Explanation found = explained("updateFW", kRunning + output, circumstances);
+  EXPECT_EQ(found.subject, "job 17 (updateFW): running when it was copied");
+  EXPECT_EQ(found.meaning,
+            "A worker had taken it. Whether one still runs cannot be told from a copy.");
+  EXPECT_EQ(found.tryAgain, "only where no worker runs");
+  EXPECT_EQ(found.controller, "A1 firmware at 30%");
+  EXPECT_NE(found.note.find("This is a copy: neither workers nor"), std::string::npos);
+  circumstances.log.gaveUp = true;
+  EXPECT_EQ(explained("updateFW", kRunning, circumstances).meaning,
+            "A worker had taken it, and the log ends with an error of its. Unless it went on "
+            "behind that, nothing takes the job up.");
+}
+
+TEST(JobExplanation, WaitingInACopyTellsWhatTheLogHasOfIt) {
+  JobCircumstances circumstances = copied();
+  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).subject,
+            "job 17 (updateSW): waiting when it was copied");
+  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).meaning,
+            "The log has no worker that took it.");
+  circumstances.log.absence = "The log is not at hand.";
+  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).meaning,
+            "Whether a worker has taken it cannot be told.");
+  circumstances.log = {};
+  circumstances.log.isFound = true;
+  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).meaning,
+            "A worker took it, and the log tells of no step of it.");
+  circumstances.log.hasStarted = true;
+  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).subject,
+            "job 17 (updateSW): waiting, though a worker took it");
+}
+
 TEST(JobExplanation, AbandonedInstallationMayHaveRemovedTheApplication) {
   EXPECT_EQ(explained("updateSW", kRunning).advice,
             "Look whether the application is still there: it is removed before the new one is "

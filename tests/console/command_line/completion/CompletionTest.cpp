@@ -84,6 +84,11 @@ TEST_F(BashCompletion, ReadsAValueAfterAnEqualsSign) {
   EXPECT_EQ(offered({"query", "--worker", "=", "o"}), Words{"other.txt"});
 }
 
+TEST_F(BashCompletion, OffersFoldersAndThenSubCommandsBehindAnOptionOfTheProgram) {
+  EXPECT_EQ(offered({"--shared", "an"}), Words{"an image"});
+  EXPECT_EQ(offered({"--shared", "an image", "update"}), (Words{"update-fw", "update-sw"}));
+}
+
 TEST_F(BashCompletion, OffersNothingForAValueThatIsTheUsersOwn) {
   EXPECT_EQ(offered({"query", "--log-id", ""}), Words());
 }
@@ -128,6 +133,12 @@ TEST_P(CompletionFor, NamesEverySubCommandAndOption) {
       EXPECT_TRUE(names(asNamed(option.names.back()))) << option.names.back();
     }
   }
+}
+
+TEST(FishCompletion, OffersSubCommandsBehindAnOptionOfTheProgram) {
+  EXPECT_NE(scriptFor("fish").find("'not __fish_seen_subcommand_from devices query "),
+            std::string::npos);
+  EXPECT_EQ(scriptFor("fish").find("__fish_use_subcommand"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryShell, CompletionFor, ::testing::ValuesIn(completionShells()),
