@@ -1,8 +1,11 @@
 #include "console/commands/Jobs.h"
 
+#include <utility>
+
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/commands/JobList.h"
 #include "console/display/JobText.h"
 #include "console/display/Packages.h"
 #include "console/display/Paragraphs.h"
@@ -31,42 +34,6 @@ Value requiredRecord(const JobFile& file, const std::string& logId) {
     throw Failure(kNotFound, "no job " + logId + " in " + file.path());
   }
   return record;
-}
-
-// "RUN", "RUN, no worker"
-std::string stateText(const JobStatus& status) {
-  return status.hasNoWorker && status.state == job::kRun ? status.state + ", no worker"
-                                                         : status.state;
-}
-
-// A job that runs has neither result nor text yet, a firmware job its controllers instead.
-std::string outcomeText(const JobStatus& status) {
-  std::string progress = progressText(status);
-  if (status.state == job::kRun) return progress;
-  if (status.hasSucceeded() || !status.isFinished() || progress.empty()) return status.resultText;
-  return status.resultText + " (" + progress + ")";
-}
-
-std::string logIdText(const Value& record) {
-  const Value& logId = record.get(job::kLogId);
-  if (logId.isNothing()) return "-";
-  return logId.isString() ? logId.string() : platform::describe(logId) + " (no string)";
-}
-
-Table tableOf(const Value& records, const std::string& sharedFolder) {
-  Table table({{"Log id", true}, {"Command"}, {"State"}, {"Result", true}, {"Text"}});
-  const auto processes = platform::runningProcesses();
-  for (const Value& record : records.elements()) {
-    if (!record.isDictionary()) {
-      table.addRow({"-", "(no record)", "", "", ""});
-      continue;
-    }
-    JobStatus status = statusOf(record);
-    if (!workerRuns(status.logId, sharedFolder, processes)) markWithoutWorker(status);
-    table.addRow({logIdText(record), status.command, stateText(status),
-                  status.isFinished() ? resultNumber(status.result) : "", outcomeText(status)});
-  }
-  return table;
 }
 
 Table controllersOf(const JobStatus& status) {
@@ -100,13 +67,18 @@ void showAll(const JobStatus& status, const Value& record, const LogStretch& log
 // --- the sub-commands
 
 constexpr char kJob[] = "log_id";
+constexpr char kFailedFlag[] = "--failed";
+constexpr char kLastOption[] = "--last";
 
 OneJobOptions oneJobOptionsOf(const Given& given) {
   return {.sharedFolder = given.text(kSharedOption), .logId = given.text(kJob)};
 }
 
 int runList(const Given& given, const Screen& screen) {
-  return list({.sharedFolder = given.text(kSharedOption)}, screen);
+  return list({.sharedFolder = given.text(kSharedOption),
+               .failed = given.has(kFailedFlag),
+               .last = given.text(kLastOption)},
+              screen);
 }
 
 int runShow(const Given& given, const Screen& screen) {
@@ -133,17 +105,17 @@ Command oneJobCommand(const std::string& name, const std::string& description, c
 
 int list(const ListOptions& options, const Screen& screen) {
   const std::string sharedFolder = workersShared(options.sharedFolder);
-  const Value records = JobFile(sharedFolder).read();
-  if (!screen.json) {
-    if (records.count() == 0) {
-      showLines({"no jobs"}, screen);
-    } else {
-      showTable(tableOf(records, sharedFolder), screen);
+  JobList jobs = listedJobs(JobFile(sharedFolder).read(), sharedFolder);
+  if (options.failed) jobs = failedOnes(std::move(jobs));
+  if (!options.last.empty()) jobs = lastOnes(std::move(jobs), countIn(options.last, kLastOption));
+  if (screen.json) {
+    for (const ListedJob& job : jobs) {
+      screen.out << platform::printJsonLine(forMachines(job)).value_or("null") << '\n';
     }
-    return kSuccess;
-  }
-  for (const Value& record : records.elements()) {
-    screen.out << platform::printJsonLine(record).value_or("null") << '\n';
+  } else if (jobs.empty()) {
+    showLines({options.failed ? "no failed jobs" : "no jobs"}, screen);
+  } else {
+    showTable(tableOf(jobs), screen);
   }
   return kSuccess;
 }
@@ -175,11 +147,25 @@ int watch(const OneJobOptions& options, const Surroundings& surroundings) {
 }
 
 Command listCommand() {
-  return {.name = "list",
-          .description = "Show the jobs of the job file as a table",
-          .options = {sharedOption(), jsonFlag()},
-          .footer = "Example:\n  kelvane-console list --shared ~/Shared",
-          .run = runList};
+  return {
+      .name = "list",
+      .description = "Show the jobs of the job file as a table",
+      .options = {sharedOption(),
+                  jsonFlag(),
+                  {.names = {kFailedFlag},
+                   .kind = ValueKind::none,
+                   .description = "Show the jobs that did not come to a good end"},
+                  {.names = {kLastOption},
+                   .valueName = "N",
+                   .description = "Show the last N of them"}},
+      .footer =
+          "Start and length are told where the log tells them, which has no dates; a \"+\" is\n"
+          "behind the length up to now of a job that is not finished. \"WAIT, taken\" is a job\n"
+          "that a worker took, and whose record it could not write.\n"
+          "Examples:\n"
+          "  kelvane-console list --shared ~/Shared\n"
+          "  kelvane-console list --shared ~/Shared --failed --last 5",
+      .run = runList};
 }
 
 Command showCommand() { return oneJobCommand("show", "Show one job whole", runShow); }
