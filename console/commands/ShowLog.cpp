@@ -2,14 +2,27 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
 
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/commands/RotateLog.h"
+#include "console/commands/Submission.h"
 #include "console/display/Colour.h"
+#include "console/display/Paragraphs.h"
+#include "console/display/Terminal.h"
 #include "console/job/ExitCode.h"
+#include "console/job/Follower.h"
+#include "console/job/JobFile.h"
 #include "console/job/LogFile.h"
+#include "console/job/LogFollower.h"
+#include "console/job/LoggedJobs.h"
 #include "contract/Log.h"
+#include "platform/File.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {
@@ -62,34 +75,154 @@ std::string jsonOf(const LogEntry& entry, Charset charset) {
 std::string nothingText(const ShowLogOptions& options) {
   std::string text = "no entries";
   if (!options.function.empty()) text.append(" of ").append(options.function);
+  if (!options.logId.empty()) text.append(" of job ").append(options.logId);
   return options.level == logging::kLevels[0] ? text : text + " at this level";
 }
+
+void showEntry(const LogEntry& entry, const ShowLogOptions& options, const Screen& screen) {
+  screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
+             << '\n';
+}
+
+// The job's record; nothing where the job file has none, or cannot be read.
+Value recordOf(const std::string& sharedFolder, const std::string& logId) {
+  return JobFile(sharedFolder).find(logId);
+}
+
+// The job's entries. A job that was removed, or whose job file is damaged, is the last one that the
+// log has by this log id.
+std::span<const LogEntry> entriesOfJob(const std::vector<LogEntry>& entries,
+                                       const ShowLogOptions& options, const Screen& screen) {
+  const std::string sharedFolder = existingShared(options.sharedFolder);
+  requireText(options.logId, "the log id");
+  const Value record = recordOf(sharedFolder, options.logId);
+  const LoggedJobs jobs(entries);
+  const auto found = record.isNothing() ? jobs.findLast(options.logId) : jobs.find(record);
+  if (!found && record.isNothing()) {
+    throw Failure(kNotFound, "no job " + options.logId + " in " + JobFile(sharedFolder).path() +
+                                 ", and the log has none either");
+  }
+  if (!found) return {};
+  if (found->isMixed && !screen.json) {
+    showLines({"another worker wrote at the same time: some of these entries may be its"}, screen);
+  }
+  return found->entries;
+}
+
+// Those that are wanted; of these the last ones.
+std::vector<const LogEntry*> chosen(std::span<const LogEntry> entries,
+                                    const ShowLogOptions& options) {
+  std::vector<const LogEntry*> all;
+  for (const LogEntry& entry : entries) {
+    if (isWanted(entry, options)) all.push_back(&entry);
+  }
+  if (options.tail.empty()) return all;
+  const std::size_t count = std::min(all.size(), countIn(options.tail, "--tail"));
+  all.erase(all.begin(), all.end() - static_cast<std::ptrdiff_t>(count));
+  return all;
+}
+
+// --- as it is written
+
+void showChange(LogNews::Kind kind, const std::string& path, const Screen& screen) {
+  if (screen.json) return;
+  const bool isGone = kind == LogNews::Kind::gone;
+  showLines({isGone ? path + " is not there: the worker never creates it; waiting for it"
+                    : "the log begins anew"},
+            screen);
+}
+
+void showNews(const std::vector<LogNews>& news, const ShowLogOptions& options,
+              const Screen& screen) {
+  for (const LogNews& one : news) {
+    if (one.kind != LogNews::Kind::entry) {
+      showChange(one.kind, logPath(asPrefix(options.sharedFolder)), screen);
+    } else if (isWanted(one.entry, options)) {
+      showEntry(one.entry, options, screen);
+    }
+  }
+}
+
+// What is there at first, of which only the last ones may be wanted.
+void showFirst(LogFollower& log, const ShowLogOptions& options, const Screen& screen) {
+  std::vector<LogNews> changes;
+  std::vector<LogEntry> entries;
+  const auto take = [&](std::vector<LogNews> news) {
+    for (LogNews& one : news) {
+      if (one.kind == LogNews::Kind::entry) {
+        entries.push_back(std::move(one.entry));
+      } else {
+        changes.push_back(std::move(one));
+      }
+    }
+  };
+  take(log.look());
+  take(log.rest());
+  for (const LogEntry* entry : chosen(entries, options)) showEntry(*entry, options, screen);
+  showNews(changes, options, screen);
+}
+
+// --- the sub-command
 
 constexpr char kLevel[] = "--level";
 constexpr char kFunction[] = "--function";
 constexpr char kFull[] = "--full";
+constexpr char kJob[] = "--job";
+constexpr char kTail[] = "--tail";
+constexpr char kFollow[] = "--follow";
+constexpr char kRotate[] = "--rotate";
 
+ShowLogOptions optionsOf(const Given& given) {
+  return {.sharedFolder = given.text(kSharedOption),
+          .level = given.text(kLevel, logging::kLevels[0]),
+          .function = given.text(kFunction),
+          .full = given.has(kFull),
+          .logId = given.text(kJob),
+          .tail = given.text(kTail)};
+}
+
+int runRotation(const Given& given, const Screen& screen) {
+  for (const char* other : {kLevel, kFunction, kFull, kJob, kTail, kFollow}) {
+    if (!given.has(other)) continue;
+    throw Failure(kBadUsage, std::string("--rotate shows nothing: ") + other + " is not for it");
+  }
+  const std::unique_ptr<View> view = viewOn(screen);
+  SystemClock clock;
+  return rotateLog({.sharedFolder = given.text(kSharedOption)}, {clock, *view, screen});
+}
+
+// Without an end of its own it takes the first interrupt for that; the others end at once by it.
 int runLog(const Given& given, const Screen& screen) {
-  return showLog({.sharedFolder = given.text(kSharedOption),
-                  .level = given.text(kLevel, logging::kLevels[0]),
-                  .function = given.text(kFunction),
-                  .full = given.has(kFull)},
-                 screen);
+  if (given.has(kRotate)) return runRotation(given, screen);
+  if (!given.has(kFollow)) return showLog(optionsOf(given), screen);
+  SystemClock clock;
+  return followLog(optionsOf(given), clock, screen);
 }
 
 }  // namespace
 
 int showLog(const ShowLogOptions& options, const Screen& screen) {
-  bool isEmpty = true;
-  for (const LogEntry& entry : parseLog(readLog(existingShared(options.sharedFolder)))) {
-    if (!isWanted(entry, options)) continue;
-    isEmpty = false;
-    screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
-               << '\n';
-  }
-  if (isEmpty && !screen.json) screen.out << nothingText(options) << '\n';
+  const std::vector<LogEntry> entries = parseLog(readLog(existingShared(options.sharedFolder)));
+  const bool isOfJob = !options.logId.empty();
+  const auto shown = chosen(isOfJob ? entriesOfJob(entries, options, screen) : entries, options);
+  for (const LogEntry* entry : shown) showEntry(*entry, options, screen);
+  if (shown.empty() && !screen.json) showLines({nothingText(options)}, screen);
   screen.out.flush();
   return kSuccess;
+}
+
+int followLog(const ShowLogOptions& options, Clock& clock, const Screen& screen) {
+  const std::string sharedFolder = existingShared(options.sharedFolder);
+  if (!options.logId.empty()) {
+    throw Failure(kBadUsage, "--follow shows what any job writes: --job is not for it");
+  }
+  LogFollower log(logPath(sharedFolder));
+  showFirst(log, options, screen);
+  if (!log.isThere() && platform::exists(logPath(sharedFolder))) readLog(sharedFolder);  // raises
+  while (screen.out.flush() && clock.wait(kPollInterval)) showNews(log.look(), options, screen);
+  showNews(log.rest(), options, screen);
+  screen.out.flush();
+  return kInterrupted;
 }
 
 Command logCommand() {
@@ -106,8 +239,23 @@ Command logCommand() {
                   {.names = {kFunction},
                    .valueName = "NAME",
                    .description = "Show the entries of this function alone"},
-                  {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"}},
-      .footer = "Example:\n  kelvane-console log --shared ~/Shared --level error",
+                  {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"},
+                  {.names = {kJob},
+                   .valueName = "LOG_ID",
+                   .description = "Show what the worker of this job wrote"},
+                  {.names = {kTail}, .valueName = "N", .description = "Show the last N entries"},
+                  {.names = {kFollow},
+                   .kind = ValueKind::none,
+                   .description = "Go on with what is written, until an interrupt"},
+                  {.names = {kRotate},
+                   .kind = ValueKind::none,
+                   .description = "Move a log of 100 MiB or more to its next generation"}},
+      .footer =
+          "A log is rotated as the worker's own module does it, and not while a job is running.\n"
+          "Examples:\n"
+          "  kelvane-console log --shared ~/Shared --level error\n"
+          "  kelvane-console log --shared ~/Shared --job 17 --tail 20\n"
+          "  kelvane-console log --shared ~/Shared --follow",
       .run = runLog};
 }
 
