@@ -44,8 +44,9 @@ std::string nextGeneration(const std::string& path) {
     std::string generation = fileRename(path, n).string();
     if (!platform::exists(generation)) return generation;
   }
-  throw Failure(kNotRotated, "all " + std::to_string(logging::kGenerations) + " generations of " +
-                                 path + " are there; move some away");
+  std::string message = "all ";
+  message.append(std::to_string(logging::kGenerations)).append(" generations of ").append(path);
+  throw Failure(kNotRotated, message.append(" are there; move some away"));
 }
 
 // Of the old log, so that the worker may write to the new one, too, whoever has rotated it.

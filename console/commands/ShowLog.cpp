@@ -31,6 +31,14 @@ using platform::Value;
 
 namespace {
 
+constexpr char kLevel[] = "--level";
+constexpr char kFunction[] = "--function";
+constexpr char kFull[] = "--full";
+constexpr char kJob[] = "--job";
+constexpr char kTail[] = "--tail";
+constexpr char kFollow[] = "--follow";
+constexpr char kRotate[] = "--rotate";
+
 // What is of no known level is shown like the gravest.
 std::ptrdiff_t gravity(const std::string& level) {
   return std::find(std::begin(logging::kLevels), std::end(logging::kLevels), level) -
@@ -60,16 +68,16 @@ std::string lineOf(const LogEntry& entry, bool full, const Screen& screen) {
                                                   : text;
 }
 
-std::string jsonOf(const LogEntry& entry, Charset charset) {
+std::string jsonOf(const LogEntry& entry, bool isMixed) {
   // Repaired: the log may hold a line that a crash has cut inside a character.
-  return platform::printJsonLine(
-             Value::dictionary({{"time", displayText(entry.time, charset)},
-                                {"file", displayText(entry.file, charset)},
-                                {"line", displayText(entry.line, charset)},
-                                {"function", displayText(entry.function, charset)},
-                                {"level", displayText(entry.level, charset)},
-                                {"message", displayLines(entry.message, charset)}}))
-      .value_or("null");
+  Value object = Value::dictionary({{"time", displayText(entry.time, Charset::utf8)},
+                                    {"file", displayText(entry.file, Charset::utf8)},
+                                    {"line", displayText(entry.line, Charset::utf8)},
+                                    {"function", displayText(entry.function, Charset::utf8)},
+                                    {"level", displayText(entry.level, Charset::utf8)},
+                                    {"message", displayLines(entry.message, Charset::utf8)}});
+  if (isMixed) object.set("mixed", Value::boolean(true));
+  return platform::printJsonLine(object).value_or("null");
 }
 
 std::string nothingText(const ShowLogOptions& options) {
@@ -79,34 +87,26 @@ std::string nothingText(const ShowLogOptions& options) {
   return options.level == logging::kLevels[0] ? text : text + " at this level";
 }
 
-void showEntry(const LogEntry& entry, const ShowLogOptions& options, const Screen& screen) {
-  screen.out << (screen.json ? jsonOf(entry, Charset::utf8) : lineOf(entry, options.full, screen))
+// Of a job it may be mixed with another's, which machines are told with each entry.
+void showEntry(const LogEntry& entry, const ShowLogOptions& options, const Screen& screen,
+               bool isMixed = false) {
+  screen.out << (screen.json ? jsonOf(entry, isMixed) : lineOf(entry, options.full, screen))
              << '\n';
 }
 
-// The job's record; nothing where the job file has none, or cannot be read.
-Value recordOf(const std::string& sharedFolder, const std::string& logId) {
-  return JobFile(sharedFolder).find(logId);
-}
-
-// The job's entries. A job that was removed, or whose job file is damaged, is the last one that the
-// log has by this log id.
-std::span<const LogEntry> entriesOfJob(const std::vector<LogEntry>& entries,
-                                       const ShowLogOptions& options, const Screen& screen) {
-  const std::string sharedFolder = existingShared(options.sharedFolder);
+// The job's part of the log, which may be empty. A job that was removed, or whose job file is
+// damaged, is the last one that the log has by this log id.
+LoggedJob partOfJob(const std::vector<LogEntry>& entries, const ShowLogOptions& options) {
+  const JobFile file(existingShared(options.sharedFolder));
   requireText(options.logId, "the log id");
-  const Value record = recordOf(sharedFolder, options.logId);
+  const Value record = file.find(options.logId);
   const LoggedJobs jobs(entries);
   const auto found = record.isNothing() ? jobs.findLast(options.logId) : jobs.find(record);
   if (!found && record.isNothing()) {
-    throw Failure(kNotFound, "no job " + options.logId + " in " + JobFile(sharedFolder).path() +
+    throw Failure(kNotFound, "no job " + options.logId + " in " + file.path() +
                                  ", and the log has none either");
   }
-  if (!found) return {};
-  if (found->isMixed && !screen.json) {
-    showLines({"another worker wrote at the same time: some of these entries may be its"}, screen);
-  }
-  return found->entries;
+  return found.value_or(LoggedJob());
 }
 
 // Those that are wanted; of these the last ones.
@@ -117,7 +117,7 @@ std::vector<const LogEntry*> chosen(std::span<const LogEntry> entries,
     if (isWanted(entry, options)) all.push_back(&entry);
   }
   if (options.tail.empty()) return all;
-  const std::size_t count = std::min(all.size(), countIn(options.tail, "--tail"));
+  const std::size_t count = std::min(all.size(), countIn(options.tail, kTail));
   all.erase(all.begin(), all.end() - static_cast<std::ptrdiff_t>(count));
   return all;
 }
@@ -164,14 +164,6 @@ void showFirst(LogFollower& log, const ShowLogOptions& options, const Screen& sc
 
 // --- the sub-command
 
-constexpr char kLevel[] = "--level";
-constexpr char kFunction[] = "--function";
-constexpr char kFull[] = "--full";
-constexpr char kJob[] = "--job";
-constexpr char kTail[] = "--tail";
-constexpr char kFollow[] = "--follow";
-constexpr char kRotate[] = "--rotate";
-
 ShowLogOptions optionsOf(const Given& given) {
   return {.sharedFolder = given.text(kSharedOption),
           .level = given.text(kLevel, logging::kLevels[0]),
@@ -203,9 +195,13 @@ int runLog(const Given& given, const Screen& screen) {
 
 int showLog(const ShowLogOptions& options, const Screen& screen) {
   const std::vector<LogEntry> entries = parseLog(readLog(existingShared(options.sharedFolder)));
-  const bool isOfJob = !options.logId.empty();
-  const auto shown = chosen(isOfJob ? entriesOfJob(entries, options, screen) : entries, options);
-  for (const LogEntry* entry : shown) showEntry(*entry, options, screen);
+  const LoggedJob part =
+      options.logId.empty() ? LoggedJob{.entries = entries} : partOfJob(entries, options);
+  const auto shown = chosen(part.entries, options);
+  if (part.isMixed && !screen.json) {
+    showLines({"another worker wrote at the same time: some of these entries may be its"}, screen);
+  }
+  for (const LogEntry* entry : shown) showEntry(*entry, options, screen, part.isMixed);
   if (shown.empty() && !screen.json) showLines({nothingText(options)}, screen);
   screen.out.flush();
   return kSuccess;

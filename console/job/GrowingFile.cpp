@@ -57,7 +57,7 @@ void GrowingFile::begin() {
 }
 
 void GrowingFile::readOn(std::vector<FileNews>& news) {
-  constexpr std::size_t kAtOnce = 1 << 20;
+  constexpr std::size_t kAtOnce = 1 << 16;
   std::string text;
   for (;;) {
     const std::string more = readAt(file_.number(), place_, kAtOnce);

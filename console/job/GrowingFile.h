@@ -1,9 +1,8 @@
 // A text file that others write to, looked at again and again.
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <sys/types.h>

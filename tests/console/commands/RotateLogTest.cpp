@@ -89,7 +89,8 @@ TEST_F(RotateLog, IsRefusedWhileAWorkerRuns) {
 
 TEST_F(RotateLog, WithAllGenerationsTakenTheLogStays) {
   for (int n = 1; n <= 100; ++n) {
-    folder.write("shared/utility/logs/TarselVistrelUtility(" + std::to_string(n) + ").txt", "");
+    std::string name = "shared/utility/logs/TarselVistrelUtility(";
+    folder.write(name.append(std::to_string(n)).append(").txt"), "");
   }
   EXPECT_EQ(run(), kNotRotated);
   EXPECT_EQ(messages.str(),
