@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "console/command_line/completion/CompletionCommand.h"
+#include "console/command_line/completion/ValuesCommand.h"
 #include "console/commands/Check.h"
 #include "console/commands/Devices.h"
 #include "console/commands/Explain.h"
@@ -29,10 +30,10 @@ constexpr char kFooter[] =
     "(a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {devicesCommand(),  queryCommand(),     downloadCommand(), updateSwCommand(),
-          updateFwCommand(), retryCommand(),     watchCommand(),    listCommand(),
-          showCommand(),     removeCommand(),    logCommand(),      checkCommand(),
-          explainCommand(),  completionCommand()};
+  return {devicesCommand(),  queryCommand(),      downloadCommand(), updateSwCommand(),
+          updateFwCommand(), retryCommand(),      watchCommand(),    listCommand(),
+          showCommand(),     removeCommand(),     logCommand(),      checkCommand(),
+          explainCommand(),  completionCommand(), valuesCommand()};
 }
 
 Option helpFlag() {

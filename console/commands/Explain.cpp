@@ -191,6 +191,7 @@ Command explainCommand() {
       .description = "Say what a result code or a job means, and what to do",
       .options = {sharedOptionForLogId(), jsonFlag("Show the explanation as JSON for machines")},
       .arguments = {{.names = {kSubject},
+                     .kind = ValueKind::logId,
                      .valueName = "CODE|LOG_ID",
                      .description = "A result code, such as 0x8050, its name, or a job's log id",
                      .required = true}},

@@ -94,6 +94,7 @@ Command oneJobCommand(const std::string& name, const std::string& description, c
           .description = description,
           .options = {sharedOption(), jsonFlag()},
           .arguments = {{.names = {kJob},
+                         .kind = ValueKind::logId,
                          .valueName = "LOG_ID",
                          .description = "The job",
                          .required = true}},

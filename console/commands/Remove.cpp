@@ -171,8 +171,11 @@ Command removeCommand() {
                       {.names = {kKeepOption},
                        .valueName = "N",
                        .description = "Of the finished jobs, let the last N stay"}},
-          .arguments =
-              {{.names = {kJobs}, .valueName = "LOG_ID", .description = "A job", .repeated = true}},
+          .arguments = {{.names = {kJobs},
+                         .kind = ValueKind::logId,
+                         .valueName = "LOG_ID",
+                         .description = "A job",
+                         .repeated = true}},
           .footer =
               "Not while a job is running. The other records stay as they are.\n"
               "Examples:\n"

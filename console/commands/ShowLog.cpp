@@ -237,6 +237,7 @@ Command logCommand() {
                    .description = "Show the entries of this function alone"},
                   {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"},
                   {.names = {kJob},
+                   .kind = ValueKind::logId,
                    .valueName = "LOG_ID",
                    .description = "Show what the worker of this job wrote"},
                   {.names = {kTail}, .valueName = "N", .description = "Show the last N entries"},
