@@ -17,9 +17,9 @@ Findings jobFindings(const Places& places) {
   Findings findings = concerning(places.jobFile, jobFileContentFindings(places.jobFile));
   const Value records = readJsonFile(places.jobFile).value;
   if (!records.isArray()) return findings;
-  append(findings, recordFindings(places.jobFile, records, {}, [&places](const Value& record) {
-           return stretchIn(places, record);
-         }));
+  const JobsLog log(places);
+  append(findings, recordFindings(places.jobFile, records, {},
+                                  [&log](const Value& record) { return log.stretchOf(record); }));
   return findings;
 }
 

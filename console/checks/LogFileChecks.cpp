@@ -31,11 +31,10 @@ Finding notWritable(const std::string& path, const std::string& cause) {
 }
 
 Finding large(const std::string& path, std::uint64_t bytes) {
-  return {
-      Code::logLarge, Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
-      "It has reached 100 MiB and grows without a bound: nothing rotates it. On a full disk jobs "
-      "can stay in state RUN.",
-      "Move it away while no job runs, and put an empty file in its place."};
+  return {Code::logLarge, Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
+          "It has reached 100 MiB and grows without a bound: the worker does not rotate it. On a "
+          "full disk jobs can stay in state RUN.",
+          "Rotate it while no job runs, with \"kelvane-console log --rotate\"."};
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "console/checks/SharedFolderChecks.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 
 #include "console/checks/Access.h"
@@ -12,6 +13,7 @@
 #include "console/checks/RightsChecks.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/job/LogFile.h"
+#include "console/job/LogStretch.h"
 #include "console/job/Processes.h"
 #include "contract/JobFile.h"
 #include "contract/Paths.h"
@@ -57,8 +59,10 @@ Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRu
   Findings findings = concerning(path, jobFileFindings(path));
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();
-  const LogOf logOf = [&sharedFolder](const Value& record) {
-    return stretchIn(sharedFolder, record);
+  std::optional<JobsLog> log;  // read where a record asks for it
+  const LogOf logOf = [&](const Value& record) {
+    if (!log) log.emplace(placesIn(sharedFolder));
+    return log->stretchOf(record);
   };
   append(findings, recordFindings(path, records, workerRuns, logOf));
   append(findings, engineFolderFindings(records));

@@ -1,5 +1,6 @@
 #include "console/commands/Arguments.h"
 
+#include <charconv>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -14,6 +15,15 @@ namespace kelvane::console {
 void requireText(const std::string& text, const std::string& what) {
   if (text.empty()) throw Failure(kBadUsage, what + " is missing");
   if (!platform::isUtf8(text)) throw Failure(kBadUsage, what + " is not UTF-8: " + text);
+}
+
+std::size_t countIn(const std::string& text, const std::string& option) {
+  std::size_t count = 0;
+  const auto [rest, failed] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (failed != std::errc() || rest != text.data() + text.size()) {
+    throw Failure(kBadUsage, option + " " + text + " is no whole number");
+  }
+  return count;
 }
 
 std::string asPrefix(const std::string& folder) {

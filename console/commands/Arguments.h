@@ -2,12 +2,16 @@
 // raise Failure (bad usage) with a line that says what is wrong.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace kelvane::console {
 
 // `what` names the text in the message. It is there and UTF-8: the job file holds nothing else.
 void requireText(const std::string& text, const std::string& what);
+
+// The whole number that was given for this option.
+std::size_t countIn(const std::string& text, const std::string& option);
 
 // The shared folder as the worker takes it: a plain prefix, with a "/" at its end.
 std::string asPrefix(const std::string& folder);

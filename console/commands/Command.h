@@ -21,6 +21,8 @@ enum class ValueKind {
   folder,
   assignedFile,  // a file behind a sign: "WWN=IMAGE"
   choice,
+  logId,    // of a job of the job file
+  product,  // one that the update service offers
 };
 
 // An option or an argument.

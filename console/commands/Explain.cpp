@@ -193,6 +193,7 @@ Command explainCommand() {
       .description = "Say what a result code or a job means, and what to do",
       .options = options,
       .arguments = {{.names = {kSubject},
+                     .kind = ValueKind::logId,
                      .valueName = "CODE|LOG_ID",
                      .description = "A result code, such as 0x8050, its name, or a job's log id",
                      .required = true}},

@@ -1,15 +1,17 @@
 #include "console/commands/Jobs.h"
 
+#include <utility>
+
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/commands/JobList.h"
 #include "console/display/JobText.h"
 #include "console/display/Packages.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/Table.h"
 #include "console/explain/FlashNotes.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobFile.h"
 #include "console/job/LogStretch.h"
 #include "console/job/Processes.h"
 #include "console/job/UnwrittenJob.h"
@@ -26,45 +28,6 @@ namespace {
 Value requiredRecord(const Places& places, const std::string& logId) {
   requireText(logId, "the log id");
   return recordAt(places, logId);
-}
-
-// "RUN", "RUN, no worker"
-std::string stateText(const JobStatus& status) {
-  return status.hasNoWorker && status.state == job::kRun ? status.state + ", no worker"
-                                                         : status.state;
-}
-
-// A job that runs has neither result nor text yet, a firmware job its controllers instead.
-std::string outcomeText(const JobStatus& status) {
-  std::string progress = progressText(status);
-  if (status.state == job::kRun) return progress;
-  if (status.hasSucceeded() || !status.isFinished() || progress.empty()) return status.resultText;
-  return status.resultText + " (" + progress + ")";
-}
-
-std::string logIdText(const Value& record) {
-  const Value& logId = record.get(job::kLogId);
-  if (logId.isNothing()) return "-";
-  return logId.isString() ? logId.string() : platform::describe(logId) + " (no string)";
-}
-
-Table tableOf(const Value& records, const Places& places) {
-  Table table({{"Log id", true}, {"Command"}, {"State"}, {"Result", true}, {"Text"}});
-  const auto processes =
-      places.isCopy ? std::vector<platform::RunningProcess>() : platform::runningProcesses();
-  for (const Value& record : records.elements()) {
-    if (!record.isDictionary()) {
-      table.addRow({"-", "(no record)", "", "", ""});
-      continue;
-    }
-    JobStatus status = statusOf(record);
-    if (!places.isCopy && !workerRuns(status.logId, places.sharedFolder, processes)) {
-      markWithoutWorker(status);
-    }
-    table.addRow({logIdText(record), status.command, stateText(status),
-                  status.isFinished() ? resultNumber(status.result) : "", outcomeText(status)});
-  }
-  return table;
 }
 
 Table controllersOf(const JobStatus& status) {
@@ -104,6 +67,8 @@ void showAll(const JobStatus& status, const Value& record, const LogStretch& log
 // --- the sub-commands
 
 constexpr char kJob[] = "log_id";
+constexpr char kFailedFlag[] = "--failed";
+constexpr char kLastOption[] = "--last";
 
 OneJobOptions oneJobOptionsOf(const Given& given) {
   return {.sharedFolder = given.text(kSharedOption), .logId = given.text(kJob)};
@@ -116,7 +81,11 @@ OneJobOptions showOptionsOf(const Given& given) {
 }
 
 int runList(const Given& given, const Screen& screen) {
-  return list({.sharedFolder = given.text(kSharedOption), .copy = copyOptionsOf(given)}, screen);
+  return list({.sharedFolder = given.text(kSharedOption),
+               .failed = given.has(kFailedFlag),
+               .last = given.text(kLastOption),
+               .copy = copyOptionsOf(given)},
+              screen);
 }
 
 int runShow(const Given& given, const Screen& screen) { return show(showOptionsOf(given), screen); }
@@ -131,6 +100,7 @@ Command oneJobCommand(const std::string& name, const std::string& description,
           .description = description,
           .options = options,
           .arguments = {{.names = {kJob},
+                         .kind = ValueKind::logId,
                          .valueName = "LOG_ID",
                          .description = "The job",
                          .required = true}},
@@ -148,18 +118,18 @@ std::vector<Option> placesAndJson() {
 
 int list(const ListOptions& options, const Screen& screen) {
   const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
-  const Value records = recordsAt(places);
-  if (!screen.json) {
-    if (records.count() == 0) {
-      showLines({"no jobs"}, screen);
-    } else {
-      showTable(tableOf(records, places), screen);
-      tellWhatWasNotLookedAt(places, screen);
+  JobList jobs = listedJobs(recordsAt(places), places);
+  if (options.failed) jobs = failedOnes(std::move(jobs));
+  if (!options.last.empty()) jobs = lastOnes(std::move(jobs), countIn(options.last, kLastOption));
+  if (screen.json) {
+    for (const ListedJob& job : jobs) {
+      screen.out << platform::printJsonLine(forMachines(job)).value_or("null") << '\n';
     }
-    return kSuccess;
-  }
-  for (const Value& record : records.elements()) {
-    screen.out << platform::printJsonLine(record).value_or("null") << '\n';
+  } else if (jobs.empty()) {
+    showLines({options.failed ? "no failed jobs" : "no jobs"}, screen);
+  } else {
+    showTable(tableOf(jobs), screen);
+    tellWhatWasNotLookedAt(places, screen);
   }
   return kSuccess;
 }
@@ -191,14 +161,25 @@ int watch(const OneJobOptions& options, const Surroundings& surroundings) {
 }
 
 Command listCommand() {
-  return {.name = "list",
-          .description = "Show the jobs of the job file as a table",
-          .options = placesAndJson(),
-          .footer =
-              "Examples:\n"
-              "  kelvane-console list --shared ~/Shared\n"
-              "  kelvane-console list --job-file ~/Mail/BGPLog.json",
-          .run = runList};
+  std::vector<Option> options = placesAndJson();
+  options.push_back({.names = {kFailedFlag},
+                     .kind = ValueKind::none,
+                     .description = "Show the jobs that did not come to a good end"});
+  options.push_back(
+      {.names = {kLastOption}, .valueName = "N", .description = "Show the last N of them"});
+  return {
+      .name = "list",
+      .description = "Show the jobs of the job file as a table",
+      .options = std::move(options),
+      .footer =
+          "Start and length are told where the log tells them, which has no dates; a \"+\" is\n"
+          "behind the length up to now of a job that is not finished. \"WAIT, taken\" is a job\n"
+          "that a worker took, and whose record it could not write.\n"
+          "Examples:\n"
+          "  kelvane-console list --shared ~/Shared\n"
+          "  kelvane-console list --shared ~/Shared --failed --last 5\n"
+          "  kelvane-console list --job-file ~/Mail/BGPLog.json",
+      .run = runList};
 }
 
 Command showCommand() {

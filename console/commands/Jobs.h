@@ -12,6 +12,8 @@ namespace kelvane::console {
 
 struct ListOptions {
   std::string sharedFolder;
+  bool failed = false;    // whether only those that did not come to a good end are shown
+  std::string last = {};  // how many of the last ones, as it was given; empty: all
   CopyOptions copy = {};
 };
 
@@ -23,7 +25,8 @@ struct OneJobOptions {
 
 // All three return the exit code, and raise Failure where something is not there or not readable.
 
-// The jobs as a table, in the order of the file; for machines a line of JSON each.
+// The jobs as a table, in the order of the file, with what the log tells of each; for machines a
+// line of JSON each.
 int list(const ListOptions& options, const Screen& screen);
 
 // One job: its state, its result, what came out, and the whole record.

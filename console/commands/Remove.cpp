@@ -1,7 +1,6 @@
 #include "console/commands/Remove.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 #include "console/commands/Arguments.h"
@@ -22,6 +21,8 @@ using platform::Value;
 namespace {
 
 using LogIds = std::vector<std::string>;
+
+constexpr char kKeepOption[] = "--keep";
 
 // As the user names it: of a log id that is no string, and keeps the worker from writing, the
 // number.
@@ -79,12 +80,8 @@ class Choice {
 
  private:
   void readKeep(const RemoveOptions& options) {
-    const std::string& text = options.keep;
     if (!options.finished) throw Failure(kBadUsage, "--keep goes with --finished alone");
-    const auto [rest, failed] = std::from_chars(text.data(), text.data() + text.size(), keep_);
-    if (failed != std::errc() || rest != text.data() + text.size()) {
-      throw Failure(kBadUsage, "--keep " + text + " is no whole number");
-    }
+    keep_ = countIn(options.keep, kKeepOption);
   }
 
   LogIds named_;
@@ -135,7 +132,6 @@ void show(const LogIds& removed, const Screen& screen) {
 }
 
 constexpr char kFinishedFlag[] = "--finished";
-constexpr char kKeepOption[] = "--keep";
 constexpr char kJobs[] = "log_ids";
 
 int runRemove(const Given& given, const Surroundings& surroundings) {
@@ -175,8 +171,11 @@ Command removeCommand() {
                       {.names = {kKeepOption},
                        .valueName = "N",
                        .description = "Of the finished jobs, let the last N stay"}},
-          .arguments =
-              {{.names = {kJobs}, .valueName = "LOG_ID", .description = "A job", .repeated = true}},
+          .arguments = {{.names = {kJobs},
+                         .kind = ValueKind::logId,
+                         .valueName = "LOG_ID",
+                         .description = "A job",
+                         .repeated = true}},
           .footer =
               "Not while a job is running. The other records stay as they are.\n"
               "Examples:\n"

@@ -107,8 +107,11 @@ Command retryCommand() {
       .name = "retry",
       .description = "Run a job once more",
       .options = options,
-      .arguments =
-          {{.names = {kJob}, .valueName = "LOG_ID", .description = "The job", .required = true}},
+      .arguments = {{.names = {kJob},
+                     .kind = ValueKind::logId,
+                     .valueName = "LOG_ID",
+                     .description = "The job",
+                     .required = true}},
       .footer =
           "A job that is still waiting is run itself; of any other a new record is added, with\n"
           "the same command and parameters. After a firmware job whose worker was killed leave\n"

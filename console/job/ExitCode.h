@@ -14,6 +14,7 @@ inline constexpr int kFindings = 1;        // of check: there are findings
 inline constexpr int kBadUsage = 2;        // nothing was written, nothing was started
 inline constexpr int kWorkerFailed = 3;    // the worker could not be started or left the job undone
 inline constexpr int kJobFileFailed = 4;   // the job file is damaged or cannot be read or written
+inline constexpr int kNotRotated = 4;      // of log --rotate: the log stays as it is
 inline constexpr int kNotFound = 5;        // no such job, code or log
 inline constexpr int kBusy = 6;            // another job runs; nothing was changed
 inline constexpr int kNotConfirmed = 7;    // the user said no; nothing was changed

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "console/job/LoggedJobs.h"
 #include "console/job/LoggedValue.h"
 #include "contract/JobFile.h"
 
@@ -26,7 +27,6 @@ constexpr std::string_view kCompleted = "Flash Completed.";
 constexpr std::string_view kCpldBegun = "Start transferring CPLD image";
 constexpr std::string_view kTransfer = "Start transferring image";
 constexpr std::string_view kQvxfTransfer = "[WRONG] zr_transferQVXFFlashImage = ";
-constexpr std::string_view kEndOfJob = " end, retDict = ";
 constexpr std::string_view kWritten = "writeJSONFile, newArray = ";
 
 bool startsWith(const std::string& text, std::string_view start) {

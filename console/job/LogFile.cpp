@@ -72,6 +72,8 @@ std::vector<LogEntry> parseLog(std::string_view text) {
   return entries;
 }
 
+bool beginsEntry(std::string_view line) { return parseFirstLine(line).has_value(); }
+
 std::string logPath(const std::string& sharedFolder) { return sharedFolder + paths::kLog; }
 
 std::string readLog(const std::string& sharedFolder) { return readLogAt(logPath(sharedFolder)); }

@@ -22,6 +22,9 @@ struct LogEntry {
 // other fields are empty.
 std::vector<LogEntry> parseLog(std::string_view text);
 
+// Whether the line is an entry's first.
+bool beginsEntry(std::string_view line);
+
 // The log's path below the shared folder, which ends with "/".
 std::string logPath(const std::string& sharedFolder);
 

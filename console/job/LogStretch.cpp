@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <optional>
-#include <set>
 #include <span>
 #include <string_view>
 #include <utility>
 
 #include "console/job/ExitCode.h"
-#include "console/job/LoggedValue.h"
+#include "console/job/LogTime.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
 
@@ -20,13 +18,8 @@ using platform::Value;
 
 namespace {
 
-using Run = std::span<const LogEntry>;
+using Entries = std::span<const LogEntry>;
 
-constexpr char kLookedAt[] = "logId = ";
-constexpr char kInputs[] = ", inputParmsDict = ";
-constexpr char kState[] = ", stateId = ";
-constexpr std::string_view kJobFileRead = "currentJobArray = ";
-constexpr std::string_view kEnd = " end, retDict = ";
 constexpr char kStart[] = "init";
 
 // What writes the job file, and what ends an operation, tells of no step.
@@ -53,131 +46,12 @@ constexpr Method kMethods[] = {
     {"downloadOnlineUpdateFile", job::kDownloadOnlineUpdateFile},
 };
 
-bool isRun(const LogEntry& entry) { return entry.function == "run"; }
-
 bool startsWith(const std::string& text, std::string_view start) {
   return text.rfind(start, 0) == 0;
 }
 
-// Whether a worker begins with this entry. The settings come before the job file; an error of the
-// job runner's own follows its other lines, unless it is the first of another worker.
-bool isStart(const LogEntry& entry, const LogEntry* before) {
-  if (entry.function == kStart) return true;
-  if (!isRun(entry)) return false;
-  if (startsWith(entry.message, kJobFileRead)) {
-    return before == nullptr || before->function != kStart;
-  }
-  if (entry.level != "error") return !startsWith(entry.message, kLookedAt);
-  return before == nullptr || !isRun(*before);
-}
-
-std::vector<Run> runsOf(const std::vector<LogEntry>& entries) {
-  const Run all(entries);
-  std::vector<Run> runs;
-  std::size_t start = 0;
-  for (std::size_t i = 1; i <= all.size(); ++i) {
-    if (i < all.size() && !isStart(all[i], &all[i - 1])) continue;
-    runs.push_back(all.subspan(start, i - start));
-    start = i;
-  }
-  return runs;
-}
-
-// The log id of the job that the worker took, the last one that it looked at, if that was waiting.
-std::optional<std::string> takenIn(Run run) {
-  const auto last = std::find_if(run.rbegin(), run.rend(), [](const LogEntry& entry) {
-    return isRun(entry) && startsWith(entry.message, kLookedAt);
-  });
-  if (last == run.rend()) return std::nullopt;
-  const std::string& text = last->message;
-  const std::string waiting = std::string(kState) + job::kWait + ". ";
-  const std::size_t inputs = text.find(kInputs);
-  const std::size_t state = text.rfind(kState);
-  if (inputs == std::string::npos || state == std::string::npos || state < inputs ||
-      text.compare(state, waiting.size(), waiting) != 0) {
-    return std::nullopt;
-  }
-  const std::size_t start = std::string_view(kLookedAt).size();
-  return text.substr(start, inputs - start);
-}
-
 Value get(const Value& value, const char* key) {
   return value.isDictionary() ? value.get(key) : Value();
-}
-
-// Whether the record, as the worker read it, asks for the same as this one. What cannot be read out
-// of the log is taken for it.
-bool asksForTheSame(Run run, const std::string& logId, const Value& record) {
-  const auto read = std::find_if(run.begin(), run.end(), [](const LogEntry& entry) {
-    return isRun(entry) && startsWith(entry.message, kJobFileRead);
-  });
-  if (read == run.end()) return true;
-  const Value records = parseLogged(std::string_view(read->message).substr(kJobFileRead.size()));
-  if (!records.isArray()) return true;
-  bool isFound = false;
-  for (const Value& found : records.elements()) {
-    if (get(found, job::kLogId) != Value(logId)) continue;
-    isFound = true;
-    if (get(found, job::kJobId) == asLogged(get(record, job::kJobId)) &&
-        get(found, job::kInputParameters) == asLogged(get(record, job::kInputParameters))) {
-      return true;
-    }
-  }
-  return !isFound;
-}
-
-// The log id of the job whose last line this is.
-std::optional<std::string> endedBy(const LogEntry& entry) {
-  const std::size_t end = entry.message.find(kEnd);
-  if (end == std::string::npos) return std::nullopt;
-  const Value record = parseLogged(std::string_view(entry.message).substr(end + kEnd.size()));
-  const Value logId = get(record, job::kLogId);
-  return logId.isString() ? std::optional(logId.string()) : std::nullopt;
-}
-
-// The entries from the worker's first one to the job's last line, where that is there.
-struct Span {
-  Run entries;
-  bool hasEnded = false;
-  bool isMixed = false;
-};
-
-Span spanOf(const std::vector<Run>& runs, std::vector<Run>::const_iterator taken, const Run all,
-            const std::string& logId) {
-  const auto begin = static_cast<std::size_t>(taken->data() - all.data());
-  const std::size_t endOfRun = begin + taken->size();
-  // A worker that goes on behind another's start; one that takes the log id again ends the search.
-  std::size_t limit = all.size();
-  for (auto later = std::next(taken); later != runs.end(); ++later) {
-    if (takenIn(*later) != logId) continue;
-    limit = static_cast<std::size_t>(later->data() - all.data());
-    break;
-  }
-  for (std::size_t i = begin; i < limit; ++i) {
-    if (endedBy(all[i]) != logId) continue;
-    return {all.subspan(begin, i + 1 - begin), true, i >= endOfRun};
-  }
-  return {*taken, false, false};
-}
-
-// Whether a worker that began before this one ends behind its start.
-bool isWithinAnother(const std::vector<Run>& runs, const Run& taken) {
-  std::set<std::string> open;  // the jobs whose last lines are still to come
-  for (const Run& run : runs) {
-    if (const auto logId = takenIn(run)) {
-      if (run.data() < taken.data()) {
-        open.insert(*logId);
-      } else {
-        open.erase(*logId);
-      }
-    }
-    for (const LogEntry& entry : run) {
-      const std::optional<std::string> ended = endedBy(entry);
-      if (!ended || open.erase(*ended) == 0) continue;
-      if (&entry > taken.data()) return true;
-    }
-  }
-  return false;
 }
 
 bool isOfAnotherCommand(const LogEntry& entry, const std::string& command) {
@@ -190,7 +64,7 @@ bool isStep(const LogEntry& entry) {
   return std::find(std::begin(kHousekeeping), std::end(kHousekeeping), entry.function) ==
              std::end(kHousekeeping) &&
          entry.function != kStart && entry.level != "error" &&
-         entry.message.find(kEnd) == std::string::npos;
+         entry.message.find(kEndOfJob) == std::string::npos;
 }
 
 constexpr std::string_view kEngineSaid = "execute EngineRunner result = ";
@@ -241,7 +115,7 @@ std::string textOf(const Value& value) { return value.isString() ? value.string(
 
 // The worker takes the input entries one after the other: what was begun with another image is
 // another job's.
-void takeFlashes(Run entries, const Value& record, LogStretch& stretch) {
+void takeFlashes(Entries entries, const Value& record, LogStretch& stretch) {
   const Value& inputs = record.get(job::kInputParameters);
   if (!inputs.isArray()) return;
   stretch.flashes = flashStepsIn(entries);
@@ -258,27 +132,29 @@ void takeFlashes(Run entries, const Value& record, LogStretch& stretch) {
 
 }  // namespace
 
-LogStretch stretchOf(const std::vector<LogEntry>& entries, const Value& record) {
+LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   LogStretch stretch;
-  const std::string logId = textOf(get(record, job::kLogId));
+  const std::optional<LoggedJob> found = jobs.find(record);
+  if (!found) return stretch;
   const std::string command = textOf(get(record, job::kJobId));
-  const std::vector<Run> runs = runsOf(entries);
-  const auto found = std::find_if(runs.rbegin(), runs.rend(), [&](Run run) {
-    return takenIn(run) == logId && asksForTheSame(run, logId, record);
-  });
-  if (found == runs.rend()) return stretch;
-  const auto taken = std::prev(found.base());
-  const Span span = spanOf(runs, taken, entries, logId);
   stretch.isFound = true;
-  stretch.hasEnded = span.hasEnded;
-  stretch.isMixed = span.isMixed || isWithinAnother(runs, *taken);
+  stretch.hasEnded = found->hasEnded;
+  stretch.isMixed = found->isMixed;
   Reader reader(stretch);
-  for (const LogEntry& entry : span.entries) {
+  for (const LogEntry& entry : found->entries) {
     if (!isOfAnotherCommand(entry, command)) reader.take(entry);
   }
   reader.finish();
-  if (command == job::kUpdateFW) takeFlashes(span.entries, record, stretch);
+  if (command == job::kUpdateFW) takeFlashes(found->entries, record, stretch);
+  const auto first = std::find_if(found->entries.begin(), found->entries.end(),
+                                  [](const LogEntry& entry) { return !entry.time.empty(); });
+  if (first != found->entries.end()) stretch.start = first->time;
+  stretch.length = timeBetween(found->entries);
   return stretch;
+}
+
+LogStretch stretchOf(const std::vector<LogEntry>& entries, const Value& record) {
+  return stretchOf(LoggedJobs(entries), record);
 }
 
 LogStretch stretchIn(const std::string& sharedFolder, const Value& record) {
@@ -286,17 +162,23 @@ LogStretch stretchIn(const std::string& sharedFolder, const Value& record) {
 }
 
 LogStretch stretchIn(const Places& places, const Value& record) {
-  LogStretch none;
-  if (places.log.empty()) {
-    none.absence = "The log is not at hand.";
-    return none;
-  }
+  return JobsLog(places).stretchOf(record);
+}
+
+JobsLog::JobsLog(const Places& places) {
   try {
-    return stretchOf(parseLog(readLogAt(places.log)), record);
+    if (places.log.empty()) absence_ = "The log is not at hand.";
+    if (!places.log.empty()) entries_ = parseLog(readLogAt(places.log));
   } catch (const Failure& failure) {
-    none.absence = failure.what();
-    return none;
+    absence_ = failure.what();
   }
+  jobs_.emplace(entries_);
+}
+
+LogStretch JobsLog::stretchOf(const Value& record) const {
+  LogStretch stretch = console::stretchOf(*jobs_, record);
+  stretch.absence = absence_;
+  return stretch;
 }
 
 }  // namespace kelvane::console

@@ -1,11 +1,14 @@
 // A job's stretch of the log: what the worker that ran it wrote.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "console/job/FlashSteps.h"
 #include "console/job/LogFile.h"
+#include "console/job/LoggedJobs.h"
 #include "console/job/Places.h"
 #include "platform/Value.h"
 
@@ -25,14 +28,34 @@ struct LogStretch {
   std::string engineSaid = {};           // the last line that the update engine printed
   std::vector<FlashSteps> flashes = {};  // of a firmware job
   std::string absence = {};              // why there is no log to look into
+  std::string start = {};                // the time of its first entry
+  std::chrono::seconds length{0};        // up to its last one
 };
 
 // The last stretch in which a worker took the job of this record: with its log id, its command and
 // its parameters, as a log id may have been another job's before.
+LogStretch stretchOf(const LoggedJobs& jobs, const platform::Value& record);
 LogStretch stretchOf(const std::vector<LogEntry>& entries, const platform::Value& record);
 
 // The same of the shared folder's log. Never raises.
 LogStretch stretchIn(const std::string& sharedFolder, const platform::Value& record);
 LogStretch stretchIn(const Places& places, const platform::Value& record);
+
+// The log of the places, read once for all jobs. Never raises: where there is no log to look
+// into, every stretch says so.
+class JobsLog {
+ public:
+  explicit JobsLog(const Places& places);
+  JobsLog(const JobsLog&) = delete;
+  JobsLog& operator=(const JobsLog&) = delete;
+  ~JobsLog() = default;
+
+  LogStretch stretchOf(const platform::Value& record) const;
+
+ private:
+  std::string absence_;
+  std::vector<LogEntry> entries_;
+  std::optional<LoggedJobs> jobs_;
+};
 
 }  // namespace kelvane::console

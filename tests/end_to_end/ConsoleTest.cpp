@@ -19,6 +19,7 @@ namespace {
 using platform::Value;
 using test::PseudoTerminal;
 using test::TerminalForm;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -279,7 +280,8 @@ TEST_F(ConsoleJob, UpdateFwFlashes) {
 TEST_F(ConsoleJob, AfterwardsTheJobCanBeListedShownAndReadInTheLog) {
   console("query", {"--url", folder / "service", "fw3"});
   EXPECT_THAT(console("list", {}, false).out,
-              HasSubstr("     1  getOnlineUpdateData  FREE        0  no error\n"));
+              ContainsRegex("     1  getOnlineUpdateData  FREE   [0-9:]+    [0-9:]+       0  no "
+                            "error\n"));
   EXPECT_THAT(console("show", {"1"}, false).out, HasSubstr("command getOnlineUpdateData\n"));
   EXPECT_THAT(console("log", {"--function", "getOnlineUpdateData"}, false).out,
               HasSubstr(" getOnlineUpdateData: execute EngineRunner result = "));

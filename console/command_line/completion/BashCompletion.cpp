@@ -1,6 +1,7 @@
 // The completion script for bash, versions 3.2 and later.
 
 #include "console/command_line/completion/Completion.h"
+#include "console/command_line/completion/ValuesCommand.h"
 #include "console/display/ShellQuoting.h"
 #include "console/display/Words.h"
 
@@ -21,6 +22,22 @@ _kelvane_console_reply() {
 _kelvane_console_paths() {
   compopt -o filenames 2>/dev/null
   _kelvane_console_reply "$@"
+}
+
+# What the console knows of; with more than one to choose from, each with what it is. The users of
+# the keys that put in one after the other (37, 42) get the values alone.
+_kelvane_console_values() {
+  local value about program=${COMP_WORDS[0]} values=() told=()
+  if [[ $program == '~/'* ]]; then program=$HOME${program:1}; fi
+  while IFS=$'\t' read -r value about; do
+    [[ $value == "$word"* ]] || continue
+    printf -v value %q "$value"
+    values+=("$value") told+=("$value  $about")
+  done < <("$program" values "$1" -- "${COMP_WORDS[@]:1:COMP_CWORD-1}" 2>/dev/null)
+  COMPREPLY=("${values[@]}")
+  if [[ ${#values[@]} -gt 1 && $COMP_TYPE != 37 && $COMP_TYPE != 42 ]]; then
+    COMPREPLY=("${told[@]}")
+  fi
 }
 
 _kelvane_console() {
@@ -58,6 +75,9 @@ std::string replyFor(const Option& option) {
       return "_kelvane_console_paths -f";
     case ValueKind::choice:
       return "_kelvane_console_reply -W " + shellQuoted(joined(option.choices, " "));
+    case ValueKind::logId:
+    case ValueKind::product:
+      return std::string("_kelvane_console_values ").append(askedFor(option.kind));
     case ValueKind::none:
     case ValueKind::text:
     case ValueKind::assignedFile:

@@ -1,5 +1,6 @@
 // Completion scripts for shells, made of the table of the sub-commands. They complete sub-commands,
-// options and what options take: files, folders, one of a few words.
+// options and what options and arguments take: files, folders, one of a few words, and what the
+// console finds in the job file.
 #pragma once
 
 #include <string>

@@ -1,6 +1,7 @@
 // The completion script for fish.
 
 #include "console/command_line/completion/Completion.h"
+#include "console/command_line/completion/ValuesCommand.h"
 #include "console/display/ShellQuoting.h"
 #include "console/display/Words.h"
 
@@ -11,6 +12,12 @@ constexpr char kBeginning[] =
     R"(# Completion of kelvane-console in fish, made by "kelvane-console completion fish".
 
 complete -c kelvane-console -f
+
+function __kelvane_console_values
+  set -l typed (commandline -opc)
+  set -l program (string replace -r '^~/' "$HOME/" -- $typed[1])
+  command $program values $argv[1] -- $typed[2..-1] 2>/dev/null
+end
 )";
 
 // Behind an option's value no sub-command may stand yet.
@@ -37,6 +44,11 @@ std::string words(const Option& option) {
       return " -F";
     case ValueKind::choice:
       return " -a " + shellQuoted(joined(option.choices, " "));
+    case ValueKind::logId:
+    case ValueKind::product:
+      return std::string(" -k -a '(__kelvane_console_values ")
+          .append(askedFor(option.kind))
+          .append(")'");
     case ValueKind::none:
     case ValueKind::text:
     case ValueKind::assignedFile:

@@ -1,6 +1,7 @@
 // The completion script for zsh.
 
 #include "console/command_line/completion/Completion.h"
+#include "console/command_line/completion/ValuesCommand.h"
 #include "console/display/ShellQuoting.h"
 #include "console/display/Words.h"
 
@@ -8,14 +9,25 @@ namespace kelvane::console {
 namespace {
 
 constexpr char kBeginning[] =
-    R"(#compdef kelvane-console
+    R"zsh(#compdef kelvane-console
 # Completion of kelvane-console in zsh, made by "kelvane-console completion zsh".
 
+_kelvane_console_values() {
+  local one
+  local -a found
+  for one in ${(f)"$(${~program} values $1 -- "${typed[@]}" 2>/dev/null)"}; do
+    found+=("${${one%%$'\t'*}//:/\\:}:${one#*$'\t'}")
+  done
+  _describe -V $1 found
+}
+
 _kelvane_console() {
-  local context state state_descr line
+  local context state state_descr line program=${(Q)words[1]}
+  local -a typed
+  typed=("${(@)words[2,CURRENT-1]}")
   typeset -A opt_args
   _arguments -C \
-)";
+)zsh";
 
 constexpr char kCommands[] = R"(    '1:command:->command' \
     '*::argument:->argument' && return
@@ -65,6 +77,10 @@ std::string actionFor(const Option& option) {
       return "{compset -P \"*=\" && _files}";
     case ValueKind::choice:
       return between("(", joined(option.choices, " "), ")");
+    case ValueKind::logId:
+    case ValueKind::product:
+      // Behind a blank, which keeps the words as they are.
+      return std::string(" _kelvane_console_values ").append(askedFor(option.kind));
     case ValueKind::none:
     case ValueKind::text:
       break;

@@ -44,7 +44,8 @@ TEST_F(Jobs, ListIsATable) {
 constexpr char kNotLooked[] = "this is a copy: whether a worker runs was not looked at";
 
 TEST_F(Jobs, ListOfACopyTellsNothingOfWorkersAndSaysSoOnce) {
-  EXPECT_EQ(runHere(list, {folder / "shared", {.offline = true}}), kSuccess);
+  EXPECT_EQ(runHere(list, {.sharedFolder = folder / "shared", .copy = {.offline = true}}),
+            kSuccess);
   EXPECT_NE(shown.str().find("     2  updateFW             RUN            A1 CPLD at 25%\n"),
             std::string::npos)
       << shown.str();
@@ -53,7 +54,7 @@ TEST_F(Jobs, ListOfACopyTellsNothingOfWorkersAndSaysSoOnce) {
 
 TEST_F(Jobs, ListAndShowOfAJobFileAlone) {
   const std::string file = folder.write("mail/jobs.json", folder.read(test::kJobFile));
-  EXPECT_EQ(runHere(list, {"", {.jobFile = file}}), kSuccess);
+  EXPECT_EQ(runHere(list, {.sharedFolder = "", .copy = {.jobFile = file}}), kSuccess);
   EXPECT_NE(shown.str().find("     1  updateSW             FREE        0  fine\n"),
             std::string::npos)
       << shown.str();
@@ -76,7 +77,7 @@ TEST_F(Jobs, ALogAloneShowsTheRecordsThatAreInIt) {
                    "[14:03:08] [a.cpp][1][writeJSONFile][debug] writeJSONFile, "
                    "newArray = " +
                        written + "\n");
-  EXPECT_EQ(runHere(list, {"", {.logFile = file}}), kSuccess);
+  EXPECT_EQ(runHere(list, {.sharedFolder = "", .copy = {.logFile = file}}), kSuccess);
   EXPECT_NE(shown.str().find("     1  updateSW             FREE        0  fine\n"
                              "     2  updateFW             RUN            A1 CPLD at 25%\n"),
             std::string::npos)
@@ -91,7 +92,7 @@ TEST_F(Jobs, ALogAloneShowsTheRecordsThatAreInIt) {
 
 TEST_F(Jobs, ALogWithoutRecordsSaysSo) {
   const std::string file = folder.write("mail/log.txt", "");
-  EXPECT_EQ(runHere(list, {"", {.logFile = file}}), kNotFound);
+  EXPECT_EQ(runHere(list, {.sharedFolder = "", .copy = {.logFile = file}}), kNotFound);
   EXPECT_EQ(messages.str(), "kelvane-console: " + file + " shows no records\n");
 }
 

@@ -27,9 +27,17 @@ class BashCompletion : public ::testing::Test {
     folder.write("an image.img", "");
     folder.write("other.txt", "");
   }
+  // A program that keeps what it is asked, as the file "asked", and offers these lines.
+  void makeConsole(const std::string& lines) {
+    console =
+        folder.write("bin/console", "#!/bin/sh\nprintf '%s\\n' \"$@\" > asked\ncat <<'END'\n" +
+                                        lines + "END\necho no such job >&2\n");
+    std::filesystem::permissions(console, std::filesystem::perms::owner_all);
+  }
   // What bash offers for the last of these words, sorted.
   Words offered(const Words& words) const {
-    std::string script = scriptFor("bash") + "COMP_WORDS=(kelvane-console";
+    std::string script =
+        scriptFor("bash") + "COMP_TYPE=" + completionType + "\nCOMP_WORDS=(" + console;
     for (const std::string& word : words) script += " " + shellQuoted(word);
     script += ")\nCOMP_CWORD=" + std::to_string(words.size()) +
               "\n_kelvane_console\nfor word in \"${COMPREPLY[@]}\"; do echo \"$word\"; done\n";
@@ -43,6 +51,8 @@ class BashCompletion : public ::testing::Test {
   }
 
   test::TempFolder folder;
+  std::string console = "kelvane-console";
+  std::string completionType = "9";
 };
 
 TEST_F(BashCompletion, OffersEverySubCommandFirst) {
@@ -104,6 +114,35 @@ TEST_F(BashCompletion, OffersImagesBehindAController) {
 TEST_F(BashCompletion, OffersWordsWhereThereAreFew) {
   EXPECT_EQ(offered({"completion", ""}), (Words{"bash", "fish", "zsh"}));
   EXPECT_EQ(offered({"completion", "z"}), Words{"zsh"});
+}
+
+TEST_F(BashCompletion, AsksTheConsoleForLogIds) {
+  makeConsole("17\tupdateFW, FREE\n2\tupdateSW, WAIT\n");
+  EXPECT_EQ(offered({"show", "--shared", "=", "my\\ shared", ""}),
+            (Words{"17  updateFW, FREE", "2  updateSW, WAIT"}));
+  EXPECT_EQ(folder.read("asked"), "values\njobs\n--\nshow\n--shared\n=\nmy\\ shared\n");
+  EXPECT_EQ(offered({"log", "--job", ""}).size(), 2U);
+  EXPECT_EQ(offered({"log", "--job", "=", "1"}), Words{"17"});
+}
+
+TEST_F(BashCompletion, AsksTheConsoleForProducts) {
+  makeConsole("manager\t2.0\nfw 3\t\n");
+  EXPECT_EQ(offered({"query", "m"}), Words{"manager"});
+  EXPECT_EQ(folder.read("asked"), "values\nproducts\n--\nquery\n");
+  EXPECT_EQ(offered({"download", "fw"}), Words{"fw\\ 3"});
+}
+
+TEST_F(BashCompletion, OffersValuesAloneWhereTheyArePutInOneAfterTheOther) {
+  makeConsole("17\tupdateFW, FREE\n2\tupdateSW, WAIT\n");
+  for (const char* type : {"37", "42"}) {
+    completionType = type;
+    EXPECT_EQ(offered({"show", ""}), (Words{"17", "2"}));
+  }
+}
+
+TEST_F(BashCompletion, OffersOptionsWhereAValueCouldStandToo) {
+  makeConsole("17\tupdateFW, FREE\n");
+  EXPECT_EQ(offered({"show", "--sh"}), Words{"--shared"});
 }
 
 TEST_F(BashCompletion, LeavesTheUsersVariablesAlone) {

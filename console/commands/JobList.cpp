@@ -1,0 +1,130 @@
+#include "console/commands/JobList.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "console/display/JobText.h"
+#include "console/job/Processes.h"
+#include "console/job/UnwrittenJob.h"
+#include "contract/JobFile.h"
+#include "platform/Text.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+bool mayBeDone(const ListedJob& listed) {
+  return listed.record.isDictionary() && mayHaveBeenDone(listed.record, listed.log);
+}
+
+bool hasFailed(const ListedJob& listed) {
+  const JobStatus& status = listed.status;
+  if (!listed.record.isDictionary()) return false;
+  if (status.isFinished()) return !status.hasSucceeded();
+  return (status.hasNoWorker && status.state == job::kRun) || mayBeDone(listed);
+}
+
+// "RUN", "RUN, no worker", "WAIT, taken"
+std::string stateText(const ListedJob& listed) {
+  const JobStatus& status = listed.status;
+  if (mayBeDone(listed)) return status.state + ", taken";
+  return status.hasNoWorker && status.state == job::kRun ? status.state + ", no worker"
+                                                         : status.state;
+}
+
+// A job that runs has neither result nor text yet, a firmware job its controllers instead.
+std::string outcomeText(const ListedJob& listed) {
+  const JobStatus& status = listed.status;
+  if (mayBeDone(listed)) return whatMayHaveBeenDone(listed.record, listed.log);
+  std::string progress = progressText(status);
+  if (status.state == job::kRun) return progress;
+  if (status.hasSucceeded() || !status.isFinished() || progress.empty()) return status.resultText;
+  return status.resultText + " (" + progress + ")";
+}
+
+std::string logIdText(const Value& record) {
+  const Value& logId = record.get(job::kLogId);
+  if (logId.isNothing()) return "-";
+  return logId.isString() ? logId.string() : platform::describe(logId) + " (no string)";
+}
+
+bool hasStart(const ListedJob& listed) { return !listed.log.start.empty(); }
+
+// What another worker wrote may be behind the job's end, where that is not told.
+bool hasLength(const ListedJob& listed) {
+  return hasStart(listed) && (listed.log.hasEnded || !listed.log.isMixed);
+}
+
+// "2:05"; "2:05+" of a job that was not finished then.
+std::string lengthText(const ListedJob& listed) {
+  if (!hasLength(listed)) return {};
+  return timeText(listed.log.length) + (listed.status.isFinished() ? "" : "+");
+}
+
+void addRow(const ListedJob& listed, bool withTimes, Table& table) {
+  const JobStatus& status = listed.status;
+  std::vector<std::string> row = {"-", "(no record)", ""};
+  if (listed.record.isDictionary()) {
+    row = {logIdText(listed.record), status.command, stateText(listed)};
+  }
+  if (withTimes) row.insert(row.end(), {listed.log.start, lengthText(listed)});
+  row.push_back(status.isFinished() ? resultNumber(status.result) : "");
+  row.push_back(outcomeText(listed));
+  table.addRow(std::move(row));
+}
+
+}  // namespace
+
+JobList listedJobs(const Value& records, const Places& places) {
+  JobList jobs;
+  const JobsLog log(places);
+  const auto processes =
+      places.isCopy ? std::vector<platform::RunningProcess>() : platform::runningProcesses();
+  for (const Value& record : records.elements()) {
+    ListedJob& listed = jobs.emplace_back(ListedJob{.record = record});
+    if (!record.isDictionary()) continue;
+    listed.log = log.stretchOf(record);
+    listed.status = statusOf(record, listed.log);
+    if (!places.isCopy && !workerRuns(listed.status.logId, places.sharedFolder, processes)) {
+      markWithoutWorker(listed.status);
+    }
+  }
+  return jobs;
+}
+
+JobList failedOnes(JobList jobs) {
+  std::erase_if(jobs, [](const ListedJob& listed) { return !hasFailed(listed); });
+  return jobs;
+}
+
+JobList lastOnes(JobList jobs, std::size_t count) {
+  const std::size_t others = jobs.size() - std::min(jobs.size(), count);
+  jobs.erase(jobs.begin(), jobs.begin() + static_cast<std::ptrdiff_t>(others));
+  return jobs;
+}
+
+Table tableOf(const JobList& jobs) {
+  const bool withTimes = std::any_of(jobs.begin(), jobs.end(), hasStart);
+  std::vector<Column> columns = {{"Log id", true}, {"Command"}, {"State"}};
+  if (withTimes) columns.insert(columns.end(), {{"Start"}, {"Length", true}});
+  columns.insert(columns.end(), {{"Result", true}, {"Text"}});
+  Table table(std::move(columns));
+  for (const ListedJob& listed : jobs) addRow(listed, withTimes, table);
+  return table;
+}
+
+Value forMachines(const ListedJob& job) {
+  Value told = Value::dictionary();
+  if (hasStart(job)) told.set(listed::kStart, job.log.start);
+  if (hasLength(job)) told.set(listed::kSeconds, Value::integer(job.log.length.count()));
+  if (mayBeDone(job)) told.set(listed::kMayBeDone, Value::boolean(true));
+  if (told.entries().empty()) return job.record;
+  Value record = job.record;
+  record.set(listed::kToldByLog, told);
+  return record;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,51 @@
+// The jobs of a job file as list shows them: with what the log tells of each.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "console/display/Table.h"
+#include "console/job/JobStatus.h"
+#include "console/job/LogStretch.h"
+#include "console/job/Places.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+// The keys that list adds to a record for machines, where the log tells of the job.
+namespace listed {
+
+inline constexpr char kToldByLog[] = "told_by_log";  // an object
+// In it: "14:03:07", when its worker began; there are no dates.
+inline constexpr char kStart[] = "start";
+inline constexpr char kSeconds[] = "seconds";               // up to the job's last entry
+inline constexpr char kMayBeDone[] = "may_have_been_done";  // true: of a waiting job; else missing
+
+}  // namespace listed
+
+struct ListedJob {
+  platform::Value record;  // may be no dictionary: then there is nothing else
+  JobStatus status = {};
+  LogStretch log = {};
+};
+
+using JobList = std::vector<ListedJob>;
+
+// All of these records, in their order; the log and the workers are those of the places.
+JobList listedJobs(const platform::Value& records, const Places& places);
+
+// Those that did not come to a good end: finished with another result than 0 or with none, left by
+// their worker, or taken by one that could not write what became of them.
+JobList failedOnes(JobList jobs);
+
+JobList lastOnes(JobList jobs, std::size_t count);
+
+// With columns for start and length where the log tells any.
+Table tableOf(const JobList& jobs);
+
+// The record, with the keys above.
+platform::Value forMachines(const ListedJob& job);
+
+}  // namespace kelvane::console

@@ -1,0 +1,41 @@
+#include "console/job/LogTime.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+
+namespace kelvane::console {
+
+using std::chrono::hours;
+using std::chrono::seconds;
+
+std::optional<seconds> timeOfDay(const std::string& time) {
+  constexpr std::size_t kForm = 8;  // "14:03:07"
+  if (time.size() != kForm || time[2] != ':' || time[5] != ':') return std::nullopt;
+  std::array<int, 3> parts = {};
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const char* const start = time.data() + 3 * i;
+    const auto [rest, failed] = std::from_chars(start, start + 2, parts[i]);
+    if (failed != std::errc() || rest != start + 2 || parts[i] < 0) return std::nullopt;
+  }
+  return hours(parts[0]) + std::chrono::minutes(parts[1]) + seconds(parts[2]);
+}
+
+seconds timeBetween(std::span<const LogEntry> entries) {
+  constexpr hours kDay(24);
+  std::optional<seconds> before;
+  seconds all(0);
+  for (const LogEntry& entry : entries) {
+    const std::optional<seconds> time = timeOfDay(entry.time);
+    if (!time) continue;
+    if (before) {
+      const seconds step = *time - *before;
+      all += step < -kDay / 2 ? step + kDay : std::max(step, seconds(0));
+    }
+    before = time;
+  }
+  return all;
+}
+
+}  // namespace kelvane::console

@@ -1,0 +1,167 @@
+#include "console/job/LoggedJobs.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "console/job/LoggedValue.h"
+#include "contract/JobFile.h"
+
+namespace kelvane::console {
+
+using platform::Value;
+
+namespace {
+
+using Entries = std::span<const LogEntry>;
+
+constexpr char kLookedAt[] = "logId = ";
+constexpr char kInputs[] = ", inputParmsDict = ";
+constexpr char kState[] = ", stateId = ";
+constexpr std::string_view kJobFileRead = "currentJobArray = ";
+constexpr char kStart[] = "init";
+
+bool isRun(const LogEntry& entry) { return entry.function == "run"; }
+
+bool startsWith(const std::string& text, std::string_view start) {
+  return text.rfind(start, 0) == 0;
+}
+
+// Whether a worker begins with this entry. The settings come before the job file; an error of the
+// job runner's own follows its other lines, unless it is the first of another worker.
+bool isStart(const LogEntry& entry, const LogEntry* before) {
+  if (entry.function == kStart) return true;
+  if (!isRun(entry)) return false;
+  if (startsWith(entry.message, kJobFileRead)) {
+    return before == nullptr || before->function != kStart;
+  }
+  if (entry.level != "error") return !startsWith(entry.message, kLookedAt);
+  return before == nullptr || !isRun(*before);
+}
+
+// The log id of the job that the worker took, the last one that it looked at, if that was waiting.
+std::optional<std::string> takenIn(Entries run) {
+  const auto last = std::find_if(run.rbegin(), run.rend(), [](const LogEntry& entry) {
+    return isRun(entry) && startsWith(entry.message, kLookedAt);
+  });
+  if (last == run.rend()) return std::nullopt;
+  const std::string& text = last->message;
+  const std::string waiting = std::string(kState) + job::kWait + ". ";
+  const std::size_t inputs = text.find(kInputs);
+  const std::size_t state = text.rfind(kState);
+  if (inputs == std::string::npos || state == std::string::npos || state < inputs ||
+      text.compare(state, waiting.size(), waiting) != 0) {
+    return std::nullopt;
+  }
+  const std::size_t start = std::string_view(kLookedAt).size();
+  return text.substr(start, inputs - start);
+}
+
+Value get(const Value& value, const char* key) {
+  return value.isDictionary() ? value.get(key) : Value();
+}
+
+// Whether the record, as the worker read it, asks for the same as this one. What cannot be read out
+// of the log is taken for it.
+bool asksForTheSame(Entries run, const std::string& logId, const Value& record) {
+  const auto read = std::find_if(run.begin(), run.end(), [](const LogEntry& entry) {
+    return isRun(entry) && startsWith(entry.message, kJobFileRead);
+  });
+  if (read == run.end()) return true;
+  const Value records = parseLogged(std::string_view(read->message).substr(kJobFileRead.size()));
+  if (!records.isArray()) return true;
+  bool isFound = false;
+  for (const Value& found : records.elements()) {
+    if (get(found, job::kLogId) != Value(logId)) continue;
+    isFound = true;
+    if (get(found, job::kJobId) == asLogged(get(record, job::kJobId)) &&
+        get(found, job::kInputParameters) == asLogged(get(record, job::kInputParameters))) {
+      return true;
+    }
+  }
+  return !isFound;
+}
+
+// The log id of the job whose last line this is.
+std::optional<std::string> endedBy(const LogEntry& entry) {
+  const std::string_view message = entry.message;
+  const std::size_t end = message.substr(0, message.find('\n')).find(kEndOfJob);
+  if (end == std::string_view::npos) return std::nullopt;
+  const Value record = parseLogged(message.substr(end + kEndOfJob.size()));
+  const Value logId = get(record, job::kLogId);
+  return logId.isString() ? std::optional(logId.string()) : std::nullopt;
+}
+
+}  // namespace
+
+LoggedJobs::LoggedJobs(std::span<const LogEntry> entries) : entries_(entries) {
+  takeWorkers();
+  takeEnds();
+  markThoseWithinAnother();
+}
+
+void LoggedJobs::takeWorkers() {
+  std::size_t start = 0;
+  for (std::size_t i = 1; i <= entries_.size(); ++i) {
+    if (i < entries_.size() && !isStart(entries_[i], &entries_[i - 1])) continue;
+    if (const auto logId = takenIn(entries_.subspan(start, i - start))) {
+      takers_[*logId].push_back(workers_.size());
+      workers_.push_back({.begin = start, .end = i, .ended = {}});
+    }
+    start = i;
+  }
+}
+
+// An end is that of the last worker before it that took the log id, which may go on behind the
+// start of others; one end each.
+void LoggedJobs::takeEnds() {
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    const std::optional<std::string> logId = endedBy(entries_[i]);
+    const auto takers = logId ? takers_.find(*logId) : takers_.end();
+    if (takers == takers_.end()) continue;
+    const std::vector<std::size_t>& all = takers->second;
+    const auto next = std::partition_point(
+        all.begin(), all.end(), [&](std::size_t worker) { return workers_[worker].begin <= i; });
+    if (next == all.begin()) continue;
+    std::optional<std::size_t>& ended = workers_[*std::prev(next)].ended;
+    if (!ended) ended = i;
+  }
+}
+
+void LoggedJobs::markThoseWithinAnother() {
+  std::size_t last = 0;
+  for (Worker& worker : workers_) {
+    worker.isWithinAnother = last > worker.begin;
+    last = std::max(last, worker.ended.value_or(0));
+  }
+}
+
+LoggedJob LoggedJobs::jobOf(const Worker& worker) const {
+  if (!worker.ended) {
+    return {entries_.subspan(worker.begin, worker.end - worker.begin), false,
+            worker.isWithinAnother};
+  }
+  return {entries_.subspan(worker.begin, *worker.ended + 1 - worker.begin), true,
+          worker.isWithinAnother || *worker.ended >= worker.end};
+}
+
+std::optional<LoggedJob> LoggedJobs::find(const Value& record) const {
+  const Value logId = get(record, job::kLogId);
+  const auto takers = logId.isString() ? takers_.find(logId.string()) : takers_.end();
+  if (takers == takers_.end()) return std::nullopt;
+  const std::vector<std::size_t>& all = takers->second;
+  const auto found = std::find_if(all.rbegin(), all.rend(), [&](std::size_t place) {
+    const Worker& worker = workers_[place];
+    return asksForTheSame(entries_.subspan(worker.begin, worker.end - worker.begin), logId.string(),
+                          record);
+  });
+  return found == all.rend() ? std::nullopt : std::optional(jobOf(workers_[*found]));
+}
+
+std::optional<LoggedJob> LoggedJobs::findLast(const std::string& logId) const {
+  const auto takers = takers_.find(logId);
+  if (takers == takers_.end()) return std::nullopt;
+  return jobOf(workers_[takers->second.back()]);
+}
+
+}  // namespace kelvane::console
