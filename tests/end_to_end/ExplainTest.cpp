@@ -16,6 +16,7 @@ namespace {
 
 using console::ResultCode;
 using platform::Value;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -244,7 +245,7 @@ TEST_F(Explain, AJobThatRunsAndThenTheSameWithItsWorkerKilled) {
   EXPECT_EQ(told("subject"), "job 17 (updateFW): running, and no worker for it is seen");
   EXPECT_THAT(told("controllers"), StartsWith("50000000000000A1 stopped at "));
   EXPECT_THAT(console({"list", "--shared", shared()}).out,
-              HasSubstr("RUN, no worker          50000000000000A1 stopped at "));
+              ContainsRegex("RUN, no worker +[0-9:]+ +[0-9:]+[+] +50000000000000A1 stopped at "));
   EXPECT_THAT(console({"show", "--shared", shared(), "17"}).out,
               StartsWith("job 17: running, no worker\n"));
   EXPECT_THAT(told("meaning"), StartsWith("Its worker was killed"));
