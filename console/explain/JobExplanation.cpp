@@ -220,6 +220,7 @@ void takeLog(const LogStretch& log, Explanation& explanation) {
   explanation.errors.insert(explanation.errors.end(), log.errors.begin(), log.errors.end());
   explanation.lastStep = log.lastStep;
   explanation.note = noteOf(log);
+  explanation.times = timesOf(log);
 }
 
 // Of a firmware job the controller that it ended at, and what its CPLDs did.

@@ -277,6 +277,7 @@ LogStretch stretchOf(const std::vector<LogEntry>& entries, const Value& record) 
     if (!isOfAnotherCommand(entry, command)) reader.take(entry);
   }
   reader.finish();
+  stretch.history = historyOf(span.entries, logId);
   if (command == job::kUpdateFW) takeFlashes(span.entries, record, stretch);
   return stretch;
 }
