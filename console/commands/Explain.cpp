@@ -9,7 +9,10 @@
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
 #include "console/display/Colour.h"
+#include "console/display/JobText.h"
 #include "console/display/Paragraphs.h"
+#include "console/display/TimeText.h"
+#include "console/display/Words.h"
 #include "console/explain/CodeExplanation.h"
 #include "console/explain/JobExplanation.h"
 #include "console/explain/ResultCodes.h"
@@ -110,6 +113,20 @@ Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) 
 
 // --- showing
 
+// "3:04; 5000A1: CPLD 0:12, firmware 1:20"
+std::string timesText(const JobTimes& times) {
+  std::vector<std::string> all = timeLines(times.controllers);
+  if (times.length && *times.length >= std::chrono::seconds(1)) {
+    all.insert(all.begin(), timeText(*times.length));
+  }
+  return joined(all, "; ");
+}
+
+Value lengthOf(const JobTimes& times) {
+  if (!times.length) return Value::null();
+  return Value::integer(std::chrono::duration_cast<std::chrono::seconds>(*times.length).count());
+}
+
 Value asValue(const Explanation& one) {
   const auto text = [](const std::string& bytes) { return displayText(bytes, Charset::utf8); };
   const auto list = [&text](const std::vector<std::string>& lines) {
@@ -127,6 +144,8 @@ Value asValue(const Explanation& one) {
                             {"details", list(one.details)},
                             {"log_errors", list(one.errors)},
                             {"last_step", text(one.lastStep)},
+                            {"seconds", lengthOf(one.times)},
+                            {"phases", phasesForMachines(one.times.controllers)},
                             {"note", text(one.note)}});
 }
 
@@ -142,6 +161,7 @@ void show(const Explanation& one, const Screen& screen) {
                                        {"to do", one.advice},
                                        {"try again", one.tryAgain}};
   paragraphs.push_back({"came to", one.controller});
+  paragraphs.push_back({"took", timesText(one.times)});
   for (const std::string& detail : one.details) paragraphs.push_back({"besides", detail});
   for (const std::string& error : one.errors) paragraphs.push_back({"log error", error});
   paragraphs.push_back({"log tells", one.toldBy});

@@ -51,7 +51,7 @@ std::string logIdText(const Value& record) {
   return logId.isString() ? logId.string() : platform::describe(logId) + " (no string)";
 }
 
-bool hasStart(const ListedJob& listed) { return !listed.log.start.empty(); }
+bool hasStart(const ListedJob& listed) { return listed.log.history.has_value(); }
 
 // What another worker wrote may be behind the job's end, where that is not told.
 bool hasLength(const ListedJob& listed) {
@@ -61,7 +61,7 @@ bool hasLength(const ListedJob& listed) {
 // "2:05"; "2:05+" of a job that was not finished then.
 std::string lengthText(const ListedJob& listed) {
   if (!hasLength(listed)) return {};
-  return timeText(listed.log.length) + (listed.status.isFinished() ? "" : "+");
+  return timeText(listed.log.history->length) + (listed.status.isFinished() ? "" : "+");
 }
 
 void addRow(const ListedJob& listed, bool withTimes, Table& table) {
@@ -70,7 +70,8 @@ void addRow(const ListedJob& listed, bool withTimes, Table& table) {
   if (listed.record.isDictionary()) {
     row = {logIdText(listed.record), status.command, stateText(listed)};
   }
-  if (withTimes) row.insert(row.end(), {listed.log.start, lengthText(listed)});
+  if (withTimes)
+    row.insert(row.end(), {hasStart(listed) ? listed.log.history->start : "", lengthText(listed)});
   row.push_back(status.isFinished() ? resultNumber(status.result) : "");
   row.push_back(outcomeText(listed));
   table.addRow(std::move(row));
@@ -118,8 +119,8 @@ Table tableOf(const JobList& jobs) {
 
 Value forMachines(const ListedJob& job) {
   Value told = Value::dictionary();
-  if (hasStart(job)) told.set(listed::kStart, job.log.start);
-  if (hasLength(job)) told.set(listed::kSeconds, Value::integer(job.log.length.count()));
+  if (hasStart(job)) told.set(listed::kStart, job.log.history->start);
+  if (hasLength(job)) told.set(listed::kSeconds, Value::integer(job.log.history->length.count()));
   if (mayBeDone(job)) told.set(listed::kMayBeDone, Value::boolean(true));
   if (told.entries().empty()) return job.record;
   Value record = job.record;

@@ -10,8 +10,10 @@
 #include "console/display/Packages.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/Table.h"
+#include "console/display/TimeText.h"
 #include "console/explain/FlashNotes.h"
 #include "console/job/ExitCode.h"
+#include "console/job/JobTimes.h"
 #include "console/job/LogStretch.h"
 #include "console/job/Processes.h"
 #include "console/job/UnwrittenJob.h"
@@ -52,6 +54,13 @@ void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Scree
             screen);
 }
 
+void showTimes(const JobTimes& times, const Screen& screen) {
+  if (times.length && *times.length >= std::chrono::seconds(1)) {
+    screen.out << "took " << timeText(*times.length) << '\n';
+  }
+  showLines(timeLines(times.controllers), screen);
+}
+
 void showAll(const JobStatus& status, const Value& record, const LogStretch& log,
              const Places& places, const Screen& screen) {
   screen.out << jobLine(status, screen.charset) << '\n';
@@ -59,6 +68,7 @@ void showAll(const JobStatus& status, const Value& record, const LogStretch& log
   screen.out << "command " << displayText(status.command, screen.charset) << '\n';
   if (status.isFinished()) screen.out << resultLine(status, screen.charset) << '\n';
   if (!status.controllers.empty()) showTable(controllersOf(status), screen);
+  showTimes(timesOf(log), screen);
   showLines(flashNotes(record, log), screen);
   showPackages(record, screen, places.isCopy);
   tellWhatWasNotLookedAt(places, screen);
@@ -137,25 +147,32 @@ int list(const ListOptions& options, const Screen& screen) {
 int show(const OneJobOptions& options, const Screen& screen) {
   const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
   const Value record = requiredRecord(places, options.logId);
-  if (!screen.json) {
-    const LogStretch log = stretchIn(places, record);
-    JobStatus status = statusOf(record, log);
-    if (lacksWorker(options.logId, places)) markWithoutWorker(status);
-    showAll(status, record, log, places, screen);
+  const LogStretch log = stretchIn(places, record);
+  JobStatus status = statusOf(record, log);
+  if (screen.json) {
+    const JobTimes times = timesOf(log);
+    const Look look = {
+        .record = record, .status = status, .elapsed = times.length, .times = times.controllers};
+    screen.out << platform::printJson(recordWithTimes(look)).value_or("null") << std::endl;
+    return kSuccess;
   }
+  if (lacksWorker(options.logId, places)) markWithoutWorker(status);
+  showAll(status, record, log, places, screen);
   const std::string text = platform::printJson(record).value_or("null");
-  screen.out << (screen.json ? text : displayLines(text, screen.charset)) << std::endl;
+  screen.out << displayLines(text, screen.charset) << std::endl;
   return kSuccess;
 }
 
 int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   const std::string sharedFolder = workersShared(options.sharedFolder);
   const Value record = requiredRecord(placesIn(sharedFolder), options.logId);
+  const LogStretch log = stretchIn(sharedFolder, record);
   if (!surroundings.screen.json && !workerRuns(options.logId, sharedFolder)) {
-    tellOfEarlierWorker(record, stretchIn(sharedFolder, record), surroundings.screen);
+    tellOfEarlierWorker(record, log, surroundings.screen);
   }
   ForeignWorker worker(options.logId, sharedFolder);
-  const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings);
+  const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings,
+                                       pastOf(record, log, surroundings.clock));
   if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
   return exitCodeOf(finished);
 }
@@ -187,8 +204,11 @@ Command showCommand() {
 }
 
 Command watchCommand() {
-  return oneJobCommand("watch", "Follow a job that someone else started",
-                       {sharedOption(), jsonFlag()}, runWatch);
+  Command command = oneJobCommand("watch", "Follow a job that someone else started",
+                                  {sharedOption(), jsonFlag()}, runWatch);
+  command.footer.insert(
+      0, "The time that is shown is the job's, where the log tells when it began.\n");
+  return command;
 }
 
 }  // namespace kelvane::console

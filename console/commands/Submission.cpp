@@ -8,6 +8,7 @@
 #include "console/commands/Turn.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/ShellQuoting.h"
+#include "console/display/TimeText.h"
 #include "console/explain/FlashNotes.h"
 #include "console/explain/UnfinishedJob.h"
 #include "console/job/ExitCode.h"
@@ -223,10 +224,12 @@ JobOptions jobOptionsOf(const Given& given) {
 }
 
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
-                    const Surroundings& surroundings, const JobFile::IsMeant& isMeant) {
-  const Followed followed =
-      follow(JobFile(sharedFolder), logId, worker, surroundings.clock, surroundings.view, isMeant);
+                    const Surroundings& surroundings, const Past& past,
+                    const JobFile::IsMeant& isMeant) {
+  const Followed followed = follow(JobFile(sharedFolder), logId, worker, surroundings.clock,
+                                   surroundings.view, isMeant, past);
   requireFinished(followed, logId, sharedFolder, worker);
+  if (!surroundings.screen.json) showLines(timeLines(followed.last.times), surroundings.screen);
   showFlashNotes(followed.last.record, sharedFolder, surroundings.screen);
   return followed.last;
 }
@@ -235,13 +238,14 @@ std::optional<Look> runRecord(const JobOptions& options, const PutIn& putIn,
                               const Surroundings& surroundings) {
   const std::string sharedFolder = existingShared(options.sharedFolder);
   Started started = start(options, turnWishOf(options, sharedFolder), putIn, surroundings);
+  const Past past = pastOfNewJob(surroundings.clock);
   const std::string& logId = started.record.get(job::kLogId).string();
   if (options.noWait) {
     showLogId(logId, surroundings.screen);
     return std::nullopt;
   }
   const auto isMeant = [&](const Value& record) { return isSameJob(record, started.record); };
-  Look finished = followToTheEnd(logId, sharedFolder, started.worker, surroundings, isMeant);
+  Look finished = followToTheEnd(logId, sharedFolder, started.worker, surroundings, past, isMeant);
   discardSilence(sharedFolder, logId);
   showStandardError(sharedFolder, finished, surroundings.screen);
   return finished;

@@ -53,9 +53,11 @@ std::optional<Look> runRecord(const JobOptions& options, const PutIn& putIn,
 std::optional<Look> runJob(const JobOptions& options, const std::string& command,
                            const platform::Value& inputs, const Surroundings& surroundings);
 
-// Follows a job to its end; the finished look. Raises Failure like runJob().
+// Follows a job to its end, and tells what the result does not; the finished look. Raises Failure
+// like runJob().
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
-                    const Surroundings& surroundings, const JobFile::IsMeant& isMeant = {});
+                    const Surroundings& surroundings, const Past& past,
+                    const JobFile::IsMeant& isMeant = {});
 
 // The exit code of a finished job.
 int exitCodeOf(const Look& finished);

@@ -15,7 +15,6 @@
 namespace kelvane::console {
 namespace {
 
-constexpr std::chrono::seconds kLongSilence(10);
 // Controllers in these are counted, the first before those that are named.
 constexpr const char* kCountedPhases[] = {"done", "unknown", "waiting", "not started"};
 
@@ -98,7 +97,8 @@ std::string noWorkerText(const JobStatus& status) {
 }
 
 std::string silenceText(const Look& look) {
-  if (look.silence < kLongSilence || look.status.isFinished() || look.status.hasNoWorker) return {};
+  if (look.silence < look.patience || look.status.isFinished() || look.status.hasNoWorker)
+    return {};
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(look.silence).count();
   const bool flashes = look.status.state == job::kRun && look.status.command == job::kUpdateFW;
   return platform::format("no news for %ld s%s", seconds,

@@ -33,7 +33,7 @@ std::string timeText(std::chrono::milliseconds time);
 std::string noWorkerText(const JobStatus& status);
 
 // "no news for 14 s; a flash may be silent for minutes, do not unplug": what is to say of a job
-// that runs or waits and has shown no change for a while; else empty.
+// that runs or waits and has shown no change for longer than its pace explains; else empty.
 std::string silenceText(const Look& look);
 
 }  // namespace kelvane::console

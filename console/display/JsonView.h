@@ -1,4 +1,5 @@
-// The view for machines: the record as one line of JSON, at every change.
+// The view for machines: the record as one line of JSON, at every change, with "console_times" in
+// it where the console can tell of the job's times.
 #pragma once
 
 #include <ostream>

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "console/display/JobText.h"
+#include "console/display/TimeText.h"
 #include "console/display/Wrapping.h"
 
 namespace kelvane::console {
@@ -154,13 +155,21 @@ std::size_t firstShown(const JobStatus& status, std::size_t room) {
   return std::min(index, roomAfter(all.size(), room));
 }
 
-void appendControllers(const JobStatus& status, std::size_t rows, const Plan& plan,
-                       std::vector<std::string>& lines) {
-  const std::size_t linesEach = plan.sideBySide ? 1 : kStackedLines;
-  const std::size_t room = std::max<std::size_t>(rows / linesEach, 1);
+// Which controllers are shown.
+struct Range {
+  std::size_t first = 0;
+  std::size_t end = 0;
+};
+
+Range shownIn(const JobStatus& status, std::size_t rows, const Plan& plan) {
+  const std::size_t room = std::max<std::size_t>(rows / (plan.sideBySide ? 1 : kStackedLines), 1);
   const std::size_t first = firstShown(status, room);
-  const std::size_t end = std::min(first + room, status.controllers.size());
-  for (std::size_t i = first; i < end; ++i) {
+  return {first, std::min(first + room, status.controllers.size())};
+}
+
+void appendControllers(const JobStatus& status, const Range& range, const Plan& plan,
+                       std::vector<std::string>& lines) {
+  for (std::size_t i = range.first; i < range.end; ++i) {
     const ControllerStatus& controller = status.controllers[i];
     if (plan.sideBySide) {
       lines.push_back(sideBySideLine(controller, plan));
@@ -170,9 +179,22 @@ void appendControllers(const JobStatus& status, std::size_t rows, const Plan& pl
   }
 }
 
-std::vector<std::string> silenceLines(const Look& look, std::size_t columns) {
-  const std::string noWorker = noWorkerText(look.status);
-  const std::string text = noWorker.empty() ? silenceText(look) : noWorker;
+// "6 of 30" where not all of them are shown; "6 of 30 controllers" where there is room.
+std::string headLine(const Look& look, const Range& range, const Plan& plan) {
+  std::string head = jobLine(look.status, Charset::ascii);
+  if (const std::string time = jobTimeText(look); !time.empty()) head.append(", ").append(time);
+  const std::size_t count = look.status.controllers.size();
+  const std::size_t shown = range.end - range.first;
+  if (shown == count) return head;
+  head.append(", ").append(std::to_string(shown)).append(" of ").append(std::to_string(count));
+  const std::string unit = " controllers";
+  return head.size() + unit.size() <= plan.columns ? head.append(unit) : head;
+}
+
+std::vector<std::string> linesBelow(const Look& look, std::size_t columns) {
+  std::string text = noWorkerText(look.status);
+  if (text.empty()) text = silenceText(look);
+  if (text.empty()) text = timeLeftText(look);
   return text.empty() ? std::vector<std::string>() : wrapped(text, columns);
 }
 
@@ -181,11 +203,11 @@ std::vector<std::string> silenceLines(const Look& look, std::size_t columns) {
 std::vector<std::string> statusLines(const Look& look, TerminalSize size, Charset charset) {
   const JobStatus& status = look.status;
   const Plan plan = planFor(status, std::max<std::size_t>(roomAfter(size.columns, 1), 1), charset);
-  const std::vector<std::string> silence = silenceLines(look, plan.columns);
-  const std::string head = jobLine(status, Charset::ascii) + ", " + timeText(look.elapsed);
-  std::vector<std::string> lines = {shortened(head, plan.columns, charset)};
-  appendControllers(status, roomAfter(size.rows, 2 + silence.size()), plan, lines);
-  lines.insert(lines.end(), silence.begin(), silence.end());
+  const std::vector<std::string> below = linesBelow(look, plan.columns);
+  const Range range = shownIn(status, roomAfter(size.rows, 2 + below.size()), plan);
+  std::vector<std::string> lines = {shortened(headLine(look, range, plan), plan.columns, charset)};
+  appendControllers(status, range, plan, lines);
+  lines.insert(lines.end(), below.begin(), below.end());
   return lines;
 }
 

@@ -3,9 +3,14 @@
 #include <string>
 
 #include "console/display/JobText.h"
+#include "console/display/TimeText.h"
 
 namespace kelvane::console {
 namespace {
+
+// Shorter times are not worth a line.
+constexpr std::chrono::milliseconds kShortestLeft(10'000);
+constexpr std::chrono::milliseconds kShortestJob(1000);
 
 std::string progressLine(const ControllerStatus& controller) {
   std::string line = displayName(controller.wwn);
@@ -20,11 +25,13 @@ std::string progressLine(const ControllerStatus& controller) {
 }  // namespace
 
 void PlainView::show(const Look& look) {
-  showNews(look.status);
+  showNews(look);
+  showTimeLeft(look);
   showSilence(look);
 }
 
-void PlainView::showNews(const JobStatus& status) {
+void PlainView::showNews(const Look& look) {
+  const JobStatus& status = look.status;
   if (status == shown_) return;
   const bool isNew = status.state != shown_.state || status.hasNoWorker != shown_.hasNoWorker;
   if (isNew && !status.isFinished()) {
@@ -34,9 +41,21 @@ void PlainView::showNews(const JobStatus& status) {
   for (std::size_t i = 0; i < status.controllers.size(); ++i) {
     if (!isShown(status, i)) out_ << progressLine(status.controllers[i]) << '\n';
   }
-  if (status.isFinished()) out_ << resultLine(status, charset_) << '\n';
+  if (status.isFinished()) {
+    out_ << resultLine(status, charset_) << '\n';
+    if (look.elapsed && *look.elapsed >= kShortestJob) out_ << "took " << jobTimeText(look) << '\n';
+  }
   out_.flush();
   shown_ = status;
+}
+
+void PlainView::showTimeLeft(const Look& look) {
+  if (!look.left || look.left->ofJob.value_or(look.left->ofPhase) < kShortestLeft) return;
+  const std::string phase = look.left->phase + " " + look.left->wwn;
+  if (phase == shownPhase_ && look.followed < shownLeft_ + std::chrono::minutes(1)) return;
+  out_ << timeLeftText(look) << std::endl;
+  shownPhase_ = phase;
+  shownLeft_ = look.followed;
 }
 
 // Once a minute.

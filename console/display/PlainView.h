@@ -1,8 +1,10 @@
-// The plain view: one line per change, for output that is not a terminal.
+// The plain view: one line per change, for output that is not a terminal. How long it still takes
+// is told once a phase and once a minute.
 #pragma once
 
 #include <cstddef>
 #include <ostream>
+#include <string>
 
 #include "console/display/DisplayText.h"
 #include "console/job/View.h"
@@ -17,7 +19,8 @@ class PlainView : public View {
   void show(const Look& look) override;
 
  private:
-  void showNews(const JobStatus& status);
+  void showNews(const Look& look);
+  void showTimeLeft(const Look& look);
   void showSilence(const Look& look);
   bool isShown(const JobStatus& status, std::size_t index) const;
 
@@ -25,6 +28,8 @@ class PlainView : public View {
   Charset charset_;
   JobStatus shown_;
   std::chrono::minutes shownSilence_{0};
+  std::string shownPhase_;  // of which controller
+  std::chrono::milliseconds shownLeft_{0};
 };
 
 }  // namespace kelvane::console

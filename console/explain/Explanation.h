@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "console/job/JobTimes.h"
+
 namespace kelvane::console {
 
 // Texts are as the files have them: they may hold control characters. Empty ones are not shown.
@@ -19,6 +21,7 @@ struct Explanation {
   std::string controller = {};            // the one that the job ended at, and how far each came
   std::string toldBy = {};                // the line of the log that tells the failure
   std::vector<std::string> details = {};  // what else is to be known: packages, images, CPLDs
+  JobTimes times = {};                    // as the job's log tells them
 };
 
 }  // namespace kelvane::console

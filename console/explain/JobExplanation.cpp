@@ -248,6 +248,7 @@ void takeLog(const JobCircumstances& circumstances, Explanation& explanation) {
   explanation.errors.insert(explanation.errors.end(), log.errors.begin(), log.errors.end());
   explanation.lastStep = log.lastStep;
   explanation.note = noteOf(log);
+  explanation.times = timesOf(log);
   if (!circumstances.isCopy) return;
   if (!explanation.note.empty()) explanation.note += ' ';
   explanation.note +=

@@ -12,6 +12,14 @@ extern "C" void noteInterrupt(int /*signal*/) { interrupted = 1; }
 
 }  // namespace
 
+std::chrono::seconds Clock::timeOfDay() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local = {};
+  ::localtime_r(&now, &local);
+  return std::chrono::hours(local.tm_hour) + std::chrono::minutes(local.tm_min) +
+         std::chrono::seconds(local.tm_sec);
+}
+
 SystemClock::SystemClock() {
   struct sigaction action = {};
   action.sa_handler = noteInterrupt;

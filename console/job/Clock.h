@@ -13,6 +13,8 @@ class Clock {
   // Waits. False where the user interrupted the console, before or meanwhile: then it returns at
   // once.
   virtual bool wait(std::chrono::milliseconds time) = 0;
+  // The local time of day, as the worker's log has it.
+  virtual std::chrono::seconds timeOfDay();
 };
 
 // The real one. From its making on, the first interrupt (SIGINT) no longer ends the console but is

@@ -1,6 +1,7 @@
 #include "console/job/Follower.h"
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "contract/JobFile.h"
@@ -16,25 +17,54 @@ constexpr int kWhole = 100;
 // Takes what was found over into the look, and the time it was found at.
 class Watch {
  public:
-  explicit Watch(Clock& clock) : clock_(clock), start_(clock.now()), news_(start_) {}
+  Watch(Clock& clock, const Past& past)
+      : clock_(clock),
+        past_(past),
+        begin_(clock.now()),
+        start_(past.start),
+        news_(begin_),
+        pace_(past.start) {
+    for (const Moment& moment : past.moments) {
+      pace_.take(moment.time, statusOf(moment.record), moment.record);
+    }
+  }
 
   const Look& take(const platform::Value& record, Worker& worker, bool hasEnded) {
     const milliseconds now = clock_.now();
-    if (record != look_.record) {
-      look_.record = record;
-      news_ = now;
-    }
+    const std::string before = look_.status.state;
+    const bool isNew = record != look_.record;
+    if (isNew) look_.record = record;
     look_.status = statusOf(record);
+    if (isNew) news_ = timeOfNews(now);
     keepPercentages(look_.status.controllers);
     const bool waits = look_.status.state == job::kWait;
     if (hasEnded || (waits && !worker.isSeen())) markWithoutWorker(look_.status);
-    look_.elapsed = now - start_;
-    look_.silence = now - news_;
+    if (!start_ && before == job::kWait && !waits) start_ = now;
+    pace_.take(now, look_.status, record);
+    takeTimes(now);
     return look_;
   }
   const Look& last() const { return look_; }
 
  private:
+  // What stands in the record at the first look may be known from before.
+  milliseconds timeOfNews(milliseconds now) const {
+    if (look_.followed > milliseconds(0) || past_.moments.empty()) return now;
+    const Moment& last = past_.moments.back();
+    return statusOf(last.record).controllers == look_.status.controllers ? last.time : now;
+  }
+
+  void takeTimes(milliseconds now) {
+    look_.elapsed = start_ ? std::optional(now - *start_) : past_.times.length;
+    look_.silence = now - news_;
+    look_.patience = pace_.patience();
+    look_.followed = now - begin_;
+    look_.left = pace_.left(now);
+    if (!look_.status.isFinished()) return;
+    look_.times = pace_.course().times();
+    if (look_.times.empty()) look_.times = past_.times.controllers;
+  }
+
   // Where the record no longer tells how far a controller came, an earlier look does. At 100
   // percent it is not known yet whether the flash has failed.
   void keepPercentages(std::vector<ControllerStatus>& controllers) {
@@ -51,8 +81,11 @@ class Watch {
   }
 
   Clock& clock_;
-  milliseconds start_;
+  const Past& past_;
+  milliseconds begin_;
+  std::optional<milliseconds> start_;  // of the job
   milliseconds news_;
+  Pace pace_;
   std::vector<ControllerStatus> under_;  // as each was seen last below 100 percent
   Look look_;
 };
@@ -60,8 +93,8 @@ class Watch {
 }  // namespace
 
 Followed follow(const JobFile& file, const std::string& logId, Worker& worker, Clock& clock,
-                View& view, const JobFile::IsMeant& isMeant) {
-  Watch watch(clock);
+                View& view, const JobFile::IsMeant& isMeant, const Past& past) {
+  Watch watch(clock, past);
   for (int missed = 0;;) {
     // Asked before the file is read, so that what the worker wrote last is seen.
     const bool ended = worker.hasEnded();

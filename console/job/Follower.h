@@ -6,6 +6,7 @@
 
 #include "console/job/Clock.h"
 #include "console/job/JobFile.h"
+#include "console/job/Past.h"
 #include "console/job/View.h"
 #include "console/job/Worker.h"
 
@@ -29,8 +30,9 @@ struct Followed {
 };
 
 // Follows the job `logId`, showing each look in the view. A look that finds no file, a damaged one
-// or no such record is passed over, and so is a record that is not meant.
+// or no such record is passed over, and so is a record that is not meant. The times are the job's,
+// as far as its past is known.
 Followed follow(const JobFile& file, const std::string& logId, Worker& worker, Clock& clock,
-                View& view, const JobFile::IsMeant& isMeant = {});
+                View& view, const JobFile::IsMeant& isMeant = {}, const Past& past = {});
 
 }  // namespace kelvane::console

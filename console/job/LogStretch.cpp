@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "console/job/ExitCode.h"
-#include "console/job/LogTime.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
 
@@ -145,11 +144,8 @@ LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
     if (!isOfAnotherCommand(entry, command)) reader.take(entry);
   }
   reader.finish();
+  stretch.history = historyOf(found->entries, textOf(get(record, job::kLogId)));
   if (command == job::kUpdateFW) takeFlashes(found->entries, record, stretch);
-  const auto first = std::find_if(found->entries.begin(), found->entries.end(),
-                                  [](const LogEntry& entry) { return !entry.time.empty(); });
-  if (first != found->entries.end()) stretch.start = first->time;
-  stretch.length = timeBetween(found->entries);
   return stretch;
 }
 

@@ -1,12 +1,12 @@
 // A job's stretch of the log: what the worker that ran it wrote.
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "console/job/FlashSteps.h"
+#include "console/job/JobHistory.h"
 #include "console/job/LogFile.h"
 #include "console/job/LoggedJobs.h"
 #include "console/job/Places.h"
@@ -28,8 +28,8 @@ struct LogStretch {
   std::string engineSaid = {};           // the last line that the update engine printed
   std::vector<FlashSteps> flashes = {};  // of a firmware job
   std::string absence = {};              // why there is no log to look into
-  std::string start = {};                // the time of its first entry
-  std::chrono::seconds length{0};        // up to its last one
+  // When it ran, and how it went on; other jobs' where the stretch is mixed.
+  std::optional<JobHistory> history = {};
 };
 
 // The last stretch in which a worker took the job of this record: with its log id, its command and

@@ -22,20 +22,10 @@ std::optional<seconds> timeOfDay(const std::string& time) {
   return hours(parts[0]) + std::chrono::minutes(parts[1]) + seconds(parts[2]);
 }
 
-seconds timeBetween(std::span<const LogEntry> entries) {
+seconds timePassed(seconds from, seconds to) {
   constexpr hours kDay(24);
-  std::optional<seconds> before;
-  seconds all(0);
-  for (const LogEntry& entry : entries) {
-    const std::optional<seconds> time = timeOfDay(entry.time);
-    if (!time) continue;
-    if (before) {
-      const seconds step = *time - *before;
-      all += step < -kDay / 2 ? step + kDay : std::max(step, seconds(0));
-    }
-    before = time;
-  }
-  return all;
+  const seconds step = to - from;
+  return step < -kDay / 2 ? step + kDay : std::max(step, seconds(0));
 }
 
 }  // namespace kelvane::console

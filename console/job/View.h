@@ -2,8 +2,11 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
+#include <vector>
 
 #include "console/job/JobStatus.h"
+#include "console/job/Pace.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -12,8 +15,13 @@ namespace kelvane::console {
 struct Look {
   platform::Value record;  // nothing where the record was never seen
   JobStatus status;
-  std::chrono::milliseconds elapsed{0};  // since the following began
-  std::chrono::milliseconds silence{0};  // since the record last changed
+  // Since the job began, of a finished one until its end; nothing where that is not known.
+  std::optional<std::chrono::milliseconds> elapsed = std::chrono::milliseconds(0);
+  std::chrono::milliseconds silence{0};                 // since the record last changed
+  std::chrono::milliseconds patience = kUsualPatience;  // from when on a silence is one
+  std::chrono::milliseconds followed{0};                // since the following began
+  std::optional<TimeLeft> left = std::nullopt;          // of a firmware job that runs
+  std::vector<ControllerTimes> times = {};              // of a finished one
 };
 
 class View {

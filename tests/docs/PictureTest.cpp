@@ -46,13 +46,21 @@ Lines screen() {
   return {all.begin() + kCommandLines, all.end()};
 }
 
-// The time at the end of the screen's first line, such as "0:04".
+// Of a text that begins with a time, such as "0:04 left".
+std::chrono::milliseconds timeIn(const std::string& text) {
+  return std::chrono::minutes(std::stoi(text)) +
+         std::chrono::seconds(std::stoi(text.substr(text.find(':') + 1)));
+}
+
+// The time at the end of the screen's first line.
 std::chrono::milliseconds elapsed() {
-  const std::string line = screen().at(0);
-  const std::string time = line.substr(line.rfind(' ') + 1);
-  const std::size_t colon = time.find(':');
-  return std::chrono::minutes(std::stoi(time.substr(0, colon))) +
-         std::chrono::seconds(std::stoi(time.substr(colon + 1)));
+  const std::string line = screen().front();
+  return timeIn(line.substr(line.rfind(' ') + 1));
+}
+
+// The time in its last line.
+std::chrono::milliseconds left() {
+  return timeIn(screen().back().substr(std::string("about ").size()));
 }
 
 // The job that is half way: a controller that is done, one in its firmware's flash, one waiting.
@@ -68,6 +76,7 @@ console::Look halfWay() {
        "total_percentage": 0}]})");
   look.status = console::statusOf(look.record);
   look.elapsed = elapsed();
+  look.left = console::TimeLeft{"50000000000000B2", "firmware", left(), left()};
   return look;
 }
 

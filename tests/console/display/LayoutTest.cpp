@@ -109,6 +109,31 @@ TEST(Layout, ALongSilenceIsToldBelow) {
                    "for minutes, do not unplug"}));
 }
 
+TEST(Layout, WhatIsLeftIsToldBelowUnlessThereIsASilence) {
+  Look look = {{}, kJob};
+  const std::chrono::seconds time(200);
+  look.left = TimeLeft{"5000A1B2C3D4E5F6", "firmware", time, time, 2 * time};
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii).back(),
+            "about 3:20 left for 5000A1B2C3D4E5F6, 6:40 for the job");
+  const Lines narrow = console::statusLines(look, {20, 24}, Charset::utf8);
+  EXPECT_EQ((Lines{narrow.end() - 3, narrow.end()}),
+            (Lines{"about 3:20 left for", "5000A1B2C3D4E5F6,", "6:40 for the job"}));
+  look.silence = std::chrono::seconds(14);
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii).back(), "no news for 14 s");
+  look.patience = std::chrono::seconds(36);
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii).back().substr(0, 10),
+            "about 3:20");
+}
+
+TEST(Layout, AJobWhoseBeginningIsNotKnownHasNoTimeOfItsOwn) {
+  Look look = {{}, {"18", "RUN", {}, "", ""}};
+  look.elapsed.reset();
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii), (Lines{"job 18: running"}));
+  look.followed = std::chrono::seconds(12);
+  EXPECT_EQ(console::statusLines(look, {80, 24}, Charset::ascii),
+            (Lines{"job 18: running, watched for 0:12"}));
+}
+
 TEST(Layout, OnlyARunningFlashIsNotToBeUnplugged) {
   Look look = {{}, {"18", "WAIT", {}, "", "", "updateFW"}};
   look.silence = std::chrono::seconds(14);
@@ -166,6 +191,16 @@ TEST(Layout, WhereRowsAreFewTheDoneControllersLeaveFirst) {
   EXPECT_EQ(shownIn(4, 3), "CD");
   EXPECT_EQ(shownIn(4, 4), "CD");
   EXPECT_EQ(shownIn(1, 2), "C");
+}
+
+TEST(Layout, WhereNotAllControllersFitTheirNumberIsTold) {
+  const auto head = [](std::size_t columns, std::size_t rows) {
+    return statusLines(jobOfFour(1), {columns, rows}, Charset::ascii).front();
+  };
+  EXPECT_EQ(head(80, 6), "job 18: running, 0:00");
+  EXPECT_EQ(head(80, 5), "job 18: running, 0:00, 3 of 4 controllers");
+  EXPECT_EQ(head(40, 12), "job 18: running, 0:00, 2 of 4");
+  EXPECT_EQ(head(20, 12), "job 18: ..., 2 of 4");
 }
 
 }  // namespace

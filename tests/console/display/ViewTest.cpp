@@ -96,6 +96,48 @@ TEST_F(PlainViewTest, ASilenceIsToldOnceAMinute) {
   EXPECT_EQ(shownAt(60), "no news for 60 s; a flash may be silent for minutes, do not unplug\n");
 }
 
+// About how long it takes still, at some seconds of the following.
+class PlainTimeLeft : public PlainViewTest {
+ protected:
+  std::string shownAt(int second, std::optional<TimeLeft> left) {
+    out.str("");
+    Look look = {{}, running(100, 10, 55)};
+    look.followed = std::chrono::seconds(second);
+    look.left = std::move(left);
+    view.show(look);
+    return out.str();
+  }
+  static TimeLeft left(const std::string& phase, int seconds) {
+    return {"5000A1B2C3D4E5F6", phase, std::chrono::seconds(seconds),
+            std::chrono::seconds(seconds)};
+  }
+};
+
+TEST_F(PlainTimeLeft, IsToldOnceAPhaseAndOnceAMinute) {
+  shownAt(0, {});
+  EXPECT_EQ(shownAt(1, left("CPLD", 200)), "about 3:20 left\n");
+  EXPECT_EQ(shownAt(2, left("CPLD", 199)), "");
+  EXPECT_EQ(shownAt(30, {}), "");
+  EXPECT_EQ(shownAt(60, left("CPLD", 141)), "");
+  EXPECT_EQ(shownAt(61, left("CPLD", 140)), "about 2:20 left\n");
+  EXPECT_EQ(shownAt(62, left("firmware", 100)), "about 1:40 left\n");
+}
+
+TEST_F(PlainTimeLeft, AFewSecondsAreNotWorthALine) {
+  shownAt(0, {});
+  EXPECT_EQ(shownAt(1, left("firmware", 9)), "");
+}
+
+TEST_F(PlainViewTest, AJobThatTookItsTimeIsToldWithIt) {
+  Look look = {{}, finished("0", "no error")};
+  look.elapsed = std::chrono::seconds(65);
+  view.show(look);
+  EXPECT_EQ(out.str(),
+            "5000A1B2C3D4E5F6  cpld 100%  firmware 100%  total 100%\n"
+            "result 0: no error\n"
+            "took 1:05\n");
+}
+
 TEST(JsonView, OneLineForEachChangeOfTheRecord) {
   std::ostringstream out;
   JsonView view(out);

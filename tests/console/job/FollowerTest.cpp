@@ -11,6 +11,7 @@
 
 #include "console/display/PlainView.h"
 #include "console/job/Follower.h"
+#include "platform/Json.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
@@ -31,7 +32,7 @@ class Follower : public ::testing::Test, public Clock {
   Followed followVersions(std::vector<std::string> versions) {
     versions_ = std::move(versions);
     putVersion();
-    return follow(JobFile(folder / ""), "18", worker, *this, view, isMeant);
+    return follow(JobFile(folder / ""), "18", worker, *this, view, isMeant, past);
   }
 
   std::chrono::milliseconds now() override { return time; }
@@ -59,6 +60,7 @@ class Follower : public ::testing::Test, public Clock {
   }
 
   JobFile::IsMeant isMeant;
+  Past past;
   std::size_t workerEndsAtWait = 0;
   std::size_t interruptedAtWait = 0;
   std::chrono::milliseconds time{1'000'000};
@@ -204,10 +206,64 @@ TEST_F(Follower, InterruptLeavesTheWorkerAlone) {
 
 TEST_F(Follower, TellsTheTimeSinceTheStartAndSinceTheLastChange) {
   interruptedAtWait = 5;
+  past = pastOfNewJob(*this);
   const Followed followed =
       followVersions({waiting(), running(0, 0, 0), running(0, 0, 0), kMissing, running(0, 0, 0)});
   EXPECT_EQ(followed.last.elapsed, std::chrono::milliseconds(800));
   EXPECT_EQ(followed.last.silence, std::chrono::milliseconds(600));
+}
+
+TEST_F(Follower, AJobThatWaitedBeginsWhenItRuns) {
+  interruptedAtWait = 5;
+  const Followed followed = followVersions({waiting(), running(0, 0, 0)});
+  EXPECT_EQ(followed.last.elapsed, std::chrono::milliseconds(600));
+  EXPECT_EQ(followed.last.followed, std::chrono::milliseconds(800));
+}
+
+TEST_F(Follower, OfAJobThatRanAlreadyTheBeginningIsNotKnown) {
+  interruptedAtWait = 2;
+  EXPECT_FALSE(followVersions({running(0, 0, 0)}).last.elapsed);
+}
+
+// A job that has been running for a minute, with a percent a second up to ten seconds ago.
+class FollowedLate : public Follower {
+ protected:
+  FollowedLate() {
+    interruptedAtWait = 5;
+    past.start = time - std::chrono::minutes(1);
+    for (int second = 40; second <= 50; ++second) {
+      const auto file = platform::parseJson(running(0, second, 50 + second / 2));
+      past.moments.push_back({*past.start + std::chrono::seconds(second), file.at(1)});
+    }
+  }
+};
+
+TEST_F(FollowedLate, TakesTimeAndSilenceOver) {
+  const Followed followed = followVersions({running(0, 50, 75)});
+  EXPECT_EQ(followed.last.elapsed, std::chrono::milliseconds(60'800));
+  EXPECT_EQ(followed.last.silence, std::chrono::milliseconds(10'800));
+  EXPECT_EQ(followed.last.left, std::nullopt);
+}
+
+TEST_F(FollowedLate, TakesThePaceOver) {
+  const Followed followed = followVersions({running(0, 51, 75)});
+  EXPECT_EQ(followed.last.silence, std::chrono::milliseconds(800));
+  ASSERT_TRUE(followed.last.left);
+  EXPECT_EQ(followed.last.left->ofPhase, std::chrono::milliseconds(48'200));
+}
+
+TEST_F(Follower, AFinishedJobHasItsPhases) {
+  std::vector<std::string> versions = {waiting()};
+  for (int percent = 10; percent < 100; percent += 10) versions.push_back(running(percent, 0, 5));
+  versions.push_back(running(100, 0, 50));
+  for (int percent = 10; percent < 100; percent += 10) {
+    versions.push_back(running(100, percent, 75));
+  }
+  versions.push_back(finished("0", "no error"));
+  EXPECT_EQ(followVersions(versions).last.times,
+            (std::vector<ControllerTimes>{{"5000A1",
+                                           {{"CPLD", std::chrono::milliseconds(2000)},
+                                            {"firmware", std::chrono::milliseconds(2000)}}}}));
 }
 
 TEST_F(Follower, LastLookHoldsTheRecord) {

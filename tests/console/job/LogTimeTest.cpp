@@ -1,6 +1,4 @@
-// Times in the log: how long its entries took.
-
-#include <vector>
+// Times in the log, and how they pass.
 
 #include <gtest/gtest.h>
 
@@ -10,12 +8,6 @@ namespace kelvane::console {
 namespace {
 
 using std::chrono::seconds;
-
-seconds between(const std::vector<const char*>& times) {
-  std::vector<LogEntry> entries;
-  for (const char* time : times) entries.emplace_back().time = time;
-  return timeBetween(entries);
-}
 
 TEST(LogTime, IsTheTimeSinceMidnight) {
   EXPECT_EQ(timeOfDay("14:03:07"), seconds(50587));
@@ -28,22 +20,19 @@ TEST(LogTime, OfAnyOtherTextThereIsNone) {
   }
 }
 
-TEST(LogTime, EntriesTakeTheTimeFromTheFirstToTheLast) {
-  EXPECT_EQ(between({"14:03:07", "14:03:09", "14:05:07"}), seconds(120));
-  EXPECT_EQ(between({"14:03:07"}), seconds(0));
-  EXPECT_EQ(between({}), seconds(0));
+TEST(LogTime, PassesFromOneLineToTheNext) {
+  EXPECT_EQ(timePassed(seconds(7), seconds(9)), seconds(2));
+  EXPECT_EQ(timePassed(seconds(7), seconds(7)), seconds(0));
 }
 
-TEST(LogTime, AJobThatRunsPastMidnightGoesOn) {
-  EXPECT_EQ(between({"23:59:50", "00:00:10", "00:01:10"}), seconds(80));
+TEST(LogTime, GoesOnPastMidnight) {
+  EXPECT_EQ(timePassed(*timeOfDay("23:59:50"), *timeOfDay("00:00:10")), seconds(20));
 }
 
-TEST(LogTime, AClockThatIsSetBackTakesNoTime) {
-  EXPECT_EQ(between({"03:00:00", "02:00:00", "02:00:10"}), seconds(10));
-}
-
-TEST(LogTime, ATextWithoutATimeIsPassedOver) {
-  EXPECT_EQ(between({"", "14:03:07", "", "14:03:08"}), seconds(1));
+TEST(LogTime, DoesNotPassWhereTheClockWasSetBack) {
+  EXPECT_EQ(timePassed(*timeOfDay("03:00:00"), *timeOfDay("02:00:00")), seconds(0));
+  EXPECT_EQ(timePassed(*timeOfDay("14:00:00"), *timeOfDay("02:00:00")), seconds(0));
+  EXPECT_EQ(timePassed(*timeOfDay("14:00:01"), *timeOfDay("02:00:00")), seconds(43199));
 }
 
 }  // namespace

@@ -1,0 +1,29 @@
+// The past of a job: what is known of it when a console begins to follow it.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <vector>
+
+#include "console/job/Clock.h"
+#include "console/job/JobHistory.h"
+#include "console/job/JobTimes.h"
+#include "console/job/LogStretch.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+// Times are the clock's.
+struct Past {
+  std::optional<std::chrono::milliseconds> start = {};  // of a job that runs
+  JobTimes times = {};                                  // of a finished one
+  std::vector<Moment> moments = {};
+};
+
+// Of a job that is submitted now.
+Past pastOfNewJob(Clock& clock);
+
+// Of a job that someone else started, by its stretch of the log.
+Past pastOf(const platform::Value& record, const LogStretch& log, Clock& clock);
+
+}  // namespace kelvane::console
