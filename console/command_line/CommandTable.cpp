@@ -10,6 +10,7 @@
 #include "console/commands/Jobs.h"
 #include "console/commands/OnlineUpdate.h"
 #include "console/commands/Remove.h"
+#include "console/commands/Report.h"
 #include "console/commands/Retry.h"
 #include "console/commands/ShowLog.h"
 #include "console/commands/UpdateFw.h"
@@ -28,10 +29,10 @@ constexpr char kFooter[] =
     "gives no answer, 70 internal error, 130 interrupted (a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {devicesCommand(),  queryCommand(),     downloadCommand(), updateSwCommand(),
-          updateFwCommand(), retryCommand(),     watchCommand(),    listCommand(),
-          showCommand(),     removeCommand(),    logCommand(),      checkCommand(),
-          explainCommand(),  completionCommand()};
+  return {devicesCommand(),  queryCommand(),  downloadCommand(),  updateSwCommand(),
+          updateFwCommand(), retryCommand(),  watchCommand(),     listCommand(),
+          showCommand(),     removeCommand(), logCommand(),       checkCommand(),
+          explainCommand(),  reportCommand(), completionCommand()};
 }
 
 Option helpFlag() {

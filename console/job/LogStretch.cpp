@@ -256,28 +256,41 @@ void takeFlashes(Run entries, const Value& record, LogStretch& stretch) {
   }
 }
 
-}  // namespace
-
-LogStretch stretchOf(const std::vector<LogEntry>& entries, const Value& record) {
-  LogStretch stretch;
+// Nothing where no worker took the job.
+std::optional<Span> spanOfJob(const std::vector<LogEntry>& entries, const Value& record) {
   const std::string logId = textOf(get(record, job::kLogId));
-  const std::string command = textOf(get(record, job::kJobId));
   const std::vector<Run> runs = runsOf(entries);
   const auto found = std::find_if(runs.rbegin(), runs.rend(), [&](Run run) {
     return takenIn(run) == logId && asksForTheSame(run, logId, record);
   });
-  if (found == runs.rend()) return stretch;
+  if (found == runs.rend()) return std::nullopt;
   const auto taken = std::prev(found.base());
-  const Span span = spanOf(runs, taken, entries, logId);
+  Span span = spanOf(runs, taken, entries, logId);
+  span.isMixed = span.isMixed || isWithinAnother(runs, *taken);
+  return span;
+}
+
+}  // namespace
+
+std::span<const LogEntry> entriesOf(const std::vector<LogEntry>& entries, const Value& record) {
+  const std::optional<Span> span = spanOfJob(entries, record);
+  return span ? span->entries : Run();
+}
+
+LogStretch stretchOf(const std::vector<LogEntry>& entries, const Value& record) {
+  LogStretch stretch;
+  const std::string command = textOf(get(record, job::kJobId));
+  const std::optional<Span> span = spanOfJob(entries, record);
+  if (!span) return stretch;
   stretch.isFound = true;
-  stretch.hasEnded = span.hasEnded;
-  stretch.isMixed = span.isMixed || isWithinAnother(runs, *taken);
+  stretch.hasEnded = span->hasEnded;
+  stretch.isMixed = span->isMixed;
   Reader reader(stretch);
-  for (const LogEntry& entry : span.entries) {
+  for (const LogEntry& entry : span->entries) {
     if (!isOfAnotherCommand(entry, command)) reader.take(entry);
   }
   reader.finish();
-  if (command == job::kUpdateFW) takeFlashes(span.entries, record, stretch);
+  if (command == job::kUpdateFW) takeFlashes(span->entries, record, stretch);
   return stretch;
 }
 

@@ -1,6 +1,7 @@
 // A job's stretch of the log: what the worker that ran it wrote.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -30,7 +31,12 @@ struct LogStretch {
 // its parameters, as a log id may have been another job's before.
 LogStretch stretchOf(const std::vector<LogEntry>& entries, const platform::Value& record);
 
-// The same of the shared folder's log. Never raises.
+// The entries of that stretch, from the worker's first one to the job's last line, with those that
+// another worker wrote in between; none where there is no such stretch.
+std::span<const LogEntry> entriesOf(const std::vector<LogEntry>& entries,
+                                    const platform::Value& record);
+
+// stretchOf() of the shared folder's log. Never raises.
 LogStretch stretchIn(const std::string& sharedFolder, const platform::Value& record);
 
 }  // namespace kelvane::console

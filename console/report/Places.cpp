@@ -1,0 +1,104 @@
+#include "console/report/Places.h"
+
+#include <array>
+#include <cerrno>
+#include <ctime>
+#include <filesystem>
+#include <system_error>
+
+#include <sys/stat.h>
+
+#include "console/checks/Framework.h"
+#include "console/checks/RightsChecks.h"
+#include "console/checks/SettingsChecks.h"
+#include "contract/Paths.h"
+#include "platform/File.h"
+
+namespace kelvane::console {
+namespace {
+
+std::string permissionsOf(mode_t mode) {
+  constexpr std::array<char, 3> kLetters = {'r', 'w', 'x'};
+  std::string text(1, S_ISDIR(mode) ? 'd' : S_ISLNK(mode) ? 'l' : '-');
+  for (int bit = 8; bit >= 0; --bit) {
+    const bool isSet = (mode >> static_cast<unsigned>(bit) & 1U) != 0;
+    text += isSet ? kLetters.at(static_cast<std::size_t>(8 - bit) % 3) : '-';
+  }
+  if ((mode & S_ISVTX) != 0) text += 't';
+  return text;
+}
+
+std::string kindOf(const std::string& path, mode_t mode) {
+  if (S_ISREG(mode)) return "file";
+  if (S_ISDIR(mode)) return "folder";
+  if (!S_ISLNK(mode)) return "neither file nor folder";
+  std::error_code untold;
+  const std::string target = std::filesystem::read_symlink(path, untold).string();
+  std::string text = "link to ";
+  text += target;
+  return platform::exists(path) ? text : text + ", where nothing is";
+}
+
+void addShared(std::vector<Place>& places, const std::string& folder) {
+  for (const char* part :
+       {"", "utility", "utility/command", paths::kJobFile, paths::kLogFolder, paths::kLog,
+        "utility/config", paths::kSharedSettings, "tmp", paths::kDownloadArea}) {
+    places.push_back(placeAt(folder + part));
+  }
+}
+
+void addBundle(std::vector<Place>& places, const std::string& bundle) {
+  places.push_back(placeAt(platform::withoutLastComponent(bundle)));
+  places.push_back(placeAt(bundle));
+  for (const char* part : {"Contents", "Contents/Resources", paths::kWorker, paths::kEngine,
+                           paths::kProductSettings, paths::kFrameworks}) {
+    places.push_back(placeAt(bundle + "/" + part));
+  }
+  places.push_back(placeAt(frameworkPath(bundle)));
+  const std::string installed = installedApplication(bundle);
+  if (installed.empty() || installed == bundle) return;
+  places.push_back(placeAt(platform::withoutLastComponent(installed)));
+  places.push_back(placeAt(installed));
+  places.push_back(placeAt(installed + "/Contents"));
+}
+
+}  // namespace
+
+Place placeAt(const std::string& path) {
+  Place place{path, {}, {}, {}, {}, {}, {}};
+  struct stat entry = {};
+  std::string plain = path;  // with a "/" behind it a link would be followed
+  while (plain.size() > 1 && plain.back() == '/') plain.pop_back();
+  if (!platform::canBePath(plain) || ::lstat(plain.c_str(), &entry) != 0) {
+    place.kind = errno == ENOENT || errno == ENOTDIR
+                     ? "not there"
+                     : std::error_code(errno, std::generic_category()).message();
+    return place;
+  }
+  place.kind = kindOf(plain, entry.st_mode);
+  place.permissions = permissionsOf(entry.st_mode);
+  place.owner = userName(entry.st_uid);
+  place.group = groupName(entry.st_gid);
+  if (S_ISREG(entry.st_mode)) place.size = std::to_string(entry.st_size);
+  place.modified = timeText(entry.st_mtime);
+  return place;
+}
+
+std::vector<Place> placesOf(const std::string& sharedFolder, const std::string& bundle) {
+  std::vector<Place> places;
+  addShared(places, sharedFolder);
+  if (!bundle.empty()) addBundle(places, bundle);
+  return places;
+}
+
+std::string timeText(long long secondsSince1970) {
+  const auto moment = static_cast<std::time_t>(secondsSince1970);
+  std::tm local = {};
+  if (::localtime_r(&moment, &local) == nullptr) return {};
+  std::array<char, 64> text = {};
+  const std::size_t length =
+      std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %z", &local);
+  return {text.data(), length};
+}
+
+}  // namespace kelvane::console

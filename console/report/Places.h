@@ -1,0 +1,28 @@
+// Files and folders that a job depends on: what stands there, and whose it is.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelvane::console {
+
+struct Place {
+  std::string path;
+  std::string kind;         // "file", "folder", "link to ..."; "not there"
+  std::string permissions;  // "drwxr-xr-x"
+  std::string owner;
+  std::string group;
+  std::string size;      // in bytes; of a file
+  std::string modified;  // "2026-01-31 14:03:07 +0100"
+};
+
+// What stands at the path; of a link the link itself.
+Place placeAt(const std::string& path);
+
+// The parts of a shared folder, which ends with "/", and of a bundle; without one, none of it.
+std::vector<Place> placesOf(const std::string& sharedFolder, const std::string& bundle);
+
+// "2026-01-31 14:03:07 +0100": local time.
+std::string timeText(long long secondsSince1970);
+
+}  // namespace kelvane::console
