@@ -81,6 +81,11 @@ bool isNumber(std::string_view text) {
   return text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+// One text for all that get one stand-in.
+std::string keyOf(const std::string& text, Secret secret) {
+  return secret == Secret::wwn ? plainWwn(text) : text;
+}
+
 // Who and with what in "://WHO:WHAT@host", which the text starts with; nothing where there is
 // nobody. A password may hold signs that were not written as they have to be.
 std::optional<std::string_view> userInformation(std::string_view text) {
@@ -188,8 +193,7 @@ class Redaction::Reading {
     if (takeWwn()) return true;
     for (const Word& word : redaction_.words_) {
       if (!startsWith(rest(), word.text) || !isWordEnd(rest().substr(word.text.size()))) continue;
-      const bool isWwn = word.secret == Secret::wwn;
-      replace(word.text.size(), word.secret, isWwn ? plainWwn(word.text) : word.text);
+      replace(word.text.size(), word.secret, keyOf(word.text, word.secret));
       return true;
     }
     return false;
@@ -216,6 +220,7 @@ void Redaction::addWord(const std::string& text, Secret secret) {
   const auto place = std::find_if(words_.begin(), words_.end(),
                                   [&](const Word& word) { return word.text.size() < text.size(); });
   words_.insert(place, {text, secret});
+  numberOf(secret, keyOf(text, secret));
 }
 
 void Redaction::addUser(const std::string& name) {
@@ -230,6 +235,7 @@ void Redaction::addHome(const std::string& folder) {
   const auto place = std::find_if(homes_.begin(), homes_.end(),
                                   [&](const std::string& one) { return one.size() < home.size(); });
   homes_.insert(place, home);
+  numberOf(Secret::home, home);
 }
 
 void Redaction::addWwn(const std::string& wwn) {
@@ -250,24 +256,30 @@ void Redaction::learn(std::string_view text) {
     const std::size_t colon = who->find(':');
     if (colon == std::string_view::npos) continue;
     const std::string password(who->substr(colon + 1));
+    numberOf(Secret::credentials, std::string(*who));
     if (password.size() >= kShortestPassword) addWord(password, Secret::credentials);
   }
 }
 
 std::string Redaction::applied(std::string_view text) { return Reading(*this, text).result(); }
 
+std::size_t Redaction::numberOf(Secret secret, const std::string& key) {
+  auto& numbers = numbers_[static_cast<std::size_t>(secret)];
+  return numbers.try_emplace(key, numbers.size() + 1).first->second;
+}
+
 std::string Redaction::standIn(Secret secret, const std::string& key) {
   const auto kind = static_cast<std::size_t>(secret);
-  const auto [entry, isNew] = numbers_[kind].try_emplace(key, numbers_[kind].size() + 1);
+  replaced_[kind].insert(key);
   ++places_[kind];
   std::string text = "[";
   text.append(kSecretKinds[kind].standIn).append("-");
-  return text.append(std::to_string(entry->second)).append("]");
+  return text.append(std::to_string(numberOf(secret, key))).append("]");
 }
 
 Redaction::Count Redaction::count(Secret secret) const {
   const auto kind = static_cast<std::size_t>(secret);
-  return {numbers_[kind].size(), places_[kind]};
+  return {replaced_[kind].size(), places_[kind]};
 }
 
 }  // namespace kelvane::console

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,7 +25,8 @@ inline constexpr SecretKind kSecretKinds[] = {
     {Secret::wwn, "wwn", "WWNs"},
     {Secret::credentials, "credentials", "credentials in URLs"}};
 
-// The same text always gets the same stand-in. A WWN is the same however it is written.
+// The same text always gets the same stand-in, numbered as they become known. A WWN is the same
+// however it is written.
 class Redaction {
  public:
   // What is known from elsewhere. The system's own users are no secret, nor is a text that is too
@@ -53,11 +55,13 @@ class Redaction {
     Secret secret;
   };
   void addWord(const std::string& text, Secret secret);
+  std::size_t numberOf(Secret secret, const std::string& key);
   std::string standIn(Secret secret, const std::string& key);
 
   std::vector<std::string> homes_;  // the longest first
   std::vector<Word> words_;         // the longest first
   std::array<std::map<std::string, std::size_t>, std::size(kSecretKinds)> numbers_;
+  std::array<std::set<std::string>, std::size(kSecretKinds)> replaced_;
   std::array<std::size_t, std::size(kSecretKinds)> places_ = {};
 };
 

@@ -117,16 +117,16 @@ void addThisUser(Redaction& redaction) {
 
 Redaction redactionFor(const Html& header, const Html& content, const ReportMatter& matter) {
   Redaction redaction;
-  addThisUser(redaction);
-  for (const Place& place : placesOf(matter.subject.sharedFolder, matter.subject.bundle)) {
-    redaction.addUser(place.owner);
-  }
   if (matter.hasJob()) {
     addWwnsOf(matter.record.get(job::kInputParameters), redaction);
     addWwnsOf(matter.record.get(job::kOutput), redaction);
   }
   for (const Html* part : {&header, &content}) {
     for (const std::string_view text : part->texts()) redaction.learn(text);
+  }
+  addThisUser(redaction);
+  for (const Place& place : placesOf(matter.subject.sharedFolder, matter.subject.bundle)) {
+    redaction.addUser(place.owner);
   }
   return redaction;
 }

@@ -89,7 +89,7 @@ figcaption { display: flex; flex-wrap: wrap; gap: 0.25rem 1.25rem; }
 @media (max-width: 30rem) {
   body { padding: 0.75rem; }
   dl { grid-template-columns: 1fr; gap: 0; } dd { margin-bottom: 0.5rem; }
-  table { font-size: 0.8rem; } th, td { padding-right: 0.45rem; }
+  table { font-size: 0.76rem; } th, td { padding-right: 0.35rem; }
 }
 @media print {
   :root {
@@ -101,6 +101,7 @@ figcaption { display: flex; flex-wrap: wrap; gap: 0.25rem 1.25rem; }
   body { max-width: none; padding: 0; font-size: 10pt; }
   nav { display: none; }
   .wide { overflow: visible; }
+  table { width: 100%; font-size: 8pt; } th, td { overflow-wrap: anywhere; }
   h2, h3 { break-after: avoid; }
   figure, tr, .finding, .banner { break-inside: avoid; }
 }

@@ -95,6 +95,14 @@ TEST(Redaction, APasswordIsReplacedWhereverItStands) {
             "https://[credentials-1]@x.example refused [credentials-2]");
 }
 
+TEST(Redaction, NumbersWhatIsKnownBeforehandInItsOrder) {
+  Redaction redaction;
+  redaction.addWwn("50000000000000A1");
+  redaction.addWwn("50000000000000B2");
+  EXPECT_EQ(redaction.applied("50000000000000b2"), "[wwn-2]");
+  EXPECT_EQ(redaction.count(Secret::wwn).different, 1U);
+}
+
 TEST(Redaction, CountsWhatItReplaced) {
   Redaction redaction;
   redaction.learn("/home/ann/x");
