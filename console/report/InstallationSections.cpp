@@ -171,7 +171,8 @@ void showSettings(Html& page, const ReportMatter& matter, bool isRedacted) {
 
 void showPlaces(Html& page, const ReportMatter& matter) {
   openSection(page, "places", "Owners and permissions");
-  page.element("p", "The report was made by " + userName(::geteuid()) + ".");
+  page.element("p", "The report was made by " + userName(::geteuid()) +
+                        ". Times are local, as at its head.");
   {
     HtmlTable table(page, "Owners and permissions",
                     {"Path", "Kind", "Permissions", "Owner", "Group", "Size", "Modified"});

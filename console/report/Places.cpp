@@ -2,8 +2,9 @@
 
 #include <array>
 #include <cerrno>
-#include <ctime>
 #include <filesystem>
+#include <iomanip>
+#include <sstream>
 #include <system_error>
 
 #include <sys/stat.h>
@@ -62,6 +63,14 @@ void addBundle(std::vector<Place>& places, const std::string& bundle) {
   places.push_back(placeAt(installed + "/Contents"));
 }
 
+std::string formatted(std::time_t moment, const char* form) {
+  std::tm local = {};
+  if (::localtime_r(&moment, &local) == nullptr) return {};
+  std::ostringstream text;
+  text << std::put_time(&local, form);
+  return text.str();
+}
+
 }  // namespace
 
 Place placeAt(const std::string& path) {
@@ -91,14 +100,10 @@ std::vector<Place> placesOf(const std::string& sharedFolder, const std::string& 
   return places;
 }
 
-std::string timeText(long long secondsSince1970) {
-  const auto moment = static_cast<std::time_t>(secondsSince1970);
-  std::tm local = {};
-  if (::localtime_r(&moment, &local) == nullptr) return {};
-  std::array<char, 64> text = {};
-  const std::size_t length =
-      std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %z", &local);
-  return {text.data(), length};
+std::string timeText(std::time_t moment) { return formatted(moment, "%Y-%m-%d %H:%M:%S"); }
+
+std::string timeTextWithZone(std::time_t moment) {
+  return formatted(moment, "%Y-%m-%d %H:%M:%S %z");
 }
 
 }  // namespace kelvane::console

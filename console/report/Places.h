@@ -1,6 +1,7 @@
 // Files and folders that a job depends on: what stands there, and whose it is.
 #pragma once
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@ struct Place {
   std::string owner;
   std::string group;
   std::string size;      // in bytes; of a file
-  std::string modified;  // "2026-01-31 14:03:07 +0100"
+  std::string modified;  // local time, "2026-01-31 14:03:07"
 };
 
 // What stands at the path; of a link the link itself.
@@ -22,7 +23,8 @@ Place placeAt(const std::string& path);
 // The parts of a shared folder, which ends with "/", and of a bundle; without one, none of it.
 std::vector<Place> placesOf(const std::string& sharedFolder, const std::string& bundle);
 
-// "2026-01-31 14:03:07 +0100": local time.
-std::string timeText(long long secondsSince1970);
+// Local time: "2026-01-31 14:03:07", and with its zone "2026-01-31 14:03:07 +0100".
+std::string timeText(std::time_t moment);
+std::string timeTextWithZone(std::time_t moment);
 
 }  // namespace kelvane::console

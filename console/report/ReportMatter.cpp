@@ -83,7 +83,7 @@ void compareInstallation(ReportMatter& matter, const JobStatus& status) {
 ReportMatter gatherReport(const ReportSubject& subject) {
   ReportMatter matter;
   matter.subject = subject;
-  matter.made = timeText(std::time(nullptr));
+  matter.made = timeTextWithZone(std::time(nullptr));
   readJobFile(matter);
   readJobsLog(matter);
   if (!matter.hasJob()) return matter;

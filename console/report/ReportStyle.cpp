@@ -51,7 +51,7 @@ code { color: var(--faint); }
 table { border-collapse: collapse; font-size: 0.9rem; font-variant-numeric: tabular-nums; }
 th, td { text-align: left; vertical-align: top; padding: 0.3rem 0.9rem 0.3rem 0;
   border-bottom: 1px solid var(--rule); overflow-wrap: normal; }
-tbody th { font-weight: 500; } thead th { color: var(--faint); font-weight: 600; }
+tbody th { font-weight: 500; overflow-wrap: anywhere; min-width: 7.5rem; } .short { white-space: nowrap; } thead th { color: var(--faint); font-weight: 600; }
 .findings { list-style: none; padding: 0; }
 .finding { border-left: 0.25rem solid var(--open); padding-left: 0.75rem; margin: 1rem 0; }
 .finding.error { border-color: var(--bad); }
@@ -101,7 +101,7 @@ figcaption { display: flex; flex-wrap: wrap; gap: 0.25rem 1.25rem; }
   body { max-width: none; padding: 0; font-size: 10pt; }
   nav { display: none; }
   .wide { overflow: visible; }
-  table { width: 100%; font-size: 8pt; } th, td { overflow-wrap: anywhere; }
+  table { width: 100%; font-size: 8pt; } td { overflow-wrap: anywhere; }
   h2, h3 { break-after: avoid; }
   figure, tr, .finding, .banner { break-inside: avoid; }
 }

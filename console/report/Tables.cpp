@@ -17,6 +17,15 @@ std::string textOf(const Value& value) {
   return platform::describe(value);
 }
 
+// What is short stays on one line: a date, permissions, a number.
+Html::Attributes attributesOf(const std::string& cell) {
+  constexpr std::size_t kShort = 20;
+  const bool isShort =
+      !cell.empty() && cell.size() <= kShort && cell.find('/') == std::string::npos;
+  if (!isShort) return {};
+  return {{"class", "short"}};
+}
+
 bool isListOfObjects(const Value& value) {
   if (!value.isArray() || value.count() == 0) return false;
   const auto& all = value.elements();
@@ -108,7 +117,7 @@ void HtmlTable::addRow(const std::vector<std::string>& cells) {
     if (i == 0) {
       page_.element("th", cells[i], {{"scope", "row"}});
     } else {
-      page_.element("td", cells[i]);
+      page_.element("td", cells[i], attributesOf(cells[i]));
     }
   }
   page_.close();

@@ -123,7 +123,7 @@ TEST_F(Report, OfAnInstallationWithoutPermission) {
                       "missing permission"),
             HasSubstr("<li>/bin/rm: "), HasSubstr("Permission denied</li>"),
             HasSubstr("<th scope=\"row\">" + (folder / "Installed.app") +
-                      "</th><td>folder</td><td>drwx")));
+                      "</th><td class=\"short\">folder</td><td class=\"short\">drwx")));
 }
 
 TEST_F(Report, RedactedItHoldsNoWwnAndSaysSo) {
@@ -135,12 +135,13 @@ TEST_F(Report, RedactedItHoldsNoWwnAndSaysSo) {
 
 TEST_F(Report, TellsVersionsSettingsAndPermissions) {
   flashThree({});
-  EXPECT_THAT(report(),
-              AllOf(HasSubstr("<th scope=\"row\">framework</th>"), HasSubstr("<td>" + framework()),
-                    HasSubstr("<td>" + worker()),
-                    HasSubstr("&quot;AppPath&quot;: &quot;" + bundle.path() + "&quot;"),
-                    HasSubstr("<th scope=\"row\">" + jobFile() + "</th><td>file</td>"),
-                    HasSubstr("&quot;online_update_plist_name&quot;: &quot;Offers&quot;")));
+  EXPECT_THAT(
+      report(),
+      AllOf(HasSubstr("<th scope=\"row\">framework</th>"), HasSubstr("<td>" + framework()),
+            HasSubstr("<td>" + worker()),
+            HasSubstr("&quot;AppPath&quot;: &quot;" + bundle.path() + "&quot;"),
+            HasSubstr("<th scope=\"row\">" + jobFile() + "</th><td class=\"short\">file</td>"),
+            HasSubstr("&quot;online_update_plist_name&quot;: &quot;Offers&quot;")));
 }
 
 // Fifty megabytes of other jobs before this one.

@@ -130,8 +130,9 @@ TEST_F(Report, ADamagedSettingsFileIsLeftOutOfARedactedOne) {
 TEST_F(Report, TellsOwnersAndPermissions) {
   ::chmod((folder / "shared/utility").c_str(), 0750);
   run();
-  EXPECT_THAT(written(), HasSubstr("<th scope=\"row\">" + (folder / "shared/utility") +
-                                   "</th><td>folder</td><td>drwxr-x---</td>"));
+  EXPECT_THAT(written(),
+              HasSubstr("<th scope=\"row\">" + (folder / "shared/utility") +
+                        "</th><td class=\"short\">folder</td><td class=\"short\">drwxr-x---</td>"));
 }
 
 TEST_F(Report, OfALongLogItIsBoundedAndSaysWhatIsLeftOut) {
