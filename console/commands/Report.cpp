@@ -166,6 +166,8 @@ Command reportCommand() {
       .footer =
           "The report is one HTML page that stands for itself. A report that is there already is\n"
           "replaced; any other file is left alone.\n"
+          "Exit status: 0 it is written, 2 it is not, or another file stands there, 5 there is no\n"
+          "such job.\n"
           "Example:\n"
           "  kelvane-console report --shared ~/Shared --bundle /Manager/Manager.app 17",
       .run = runReport};

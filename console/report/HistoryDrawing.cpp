@@ -17,7 +17,7 @@ constexpr int kTop = 24;
 constexpr int kAreaHeight = 160;
 constexpr int kWholeHeight = 206;
 // Of the width on a phone; what has no room has its name in the table alone.
-constexpr double kPerCharacter = 0.02;
+constexpr double kPerCharacter = 0.025;
 
 using Percentage = int HistoryPoint::*;
 

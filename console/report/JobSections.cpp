@@ -7,11 +7,12 @@
 #include "console/display/JobText.h"
 #include "console/explain/JobExplanation.h"
 #include "console/job/JobStatus.h"
-#include "console/job/StandardError.h"
+#include "console/job/UnwrittenJob.h"
 #include "console/report/HistoryDrawing.h"
 #include "console/report/LogSection.h"
 #include "console/report/Tables.h"
 #include "contract/JobFile.h"
+#include "contract/Paths.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {
@@ -21,6 +22,10 @@ using platform::Value;
 namespace {
 
 constexpr std::size_t kMostRecordBytes = 512UL * 1024;
+constexpr char kMixed[] =
+    "Another worker wrote into the log at the same time: some of these lines may be that one's, "
+    "and "
+    "what is drawn of them may be wrong.";
 constexpr std::size_t kMostBytesSaid = 64UL * 1024;
 
 JobStatus statusOfJob(const ReportMatter& matter) {
@@ -36,14 +41,19 @@ struct Verdict {
   const char* kind;  // of the banner
 };
 
-Verdict verdictOn(const JobStatus& status, const ReportMatter& matter) {
+Verdict verdictOnFinished(const JobStatus& status, const Explanation& told) {
+  if (status.result.empty()) return {"Unclear", "open"};
+  if (!status.hasSucceeded()) return {"Failed", "bad"};
+  return told.whoActs == "nobody" ? Verdict{"Done", "good"} : Verdict{"Ended", "open"};
+}
+
+Verdict verdictOn(const JobStatus& status, const Explanation& told, const ReportMatter& matter) {
   if (!matter.installationFault.empty()) return {"Failed", "bad"};
-  if (status.hasSucceeded()) return {"Done", "good"};
-  if (status.isFinished()) return {"Failed", "bad"};
-  if (status.state == job::kRun) {
-    return status.hasNoWorker ? Verdict{"Left undone", "bad"} : Verdict{"Running", "open"};
-  }
-  return {"Not done", status.hasNoWorker ? "bad" : "open"};
+  if (status.isFinished()) return verdictOnFinished(status, told);
+  if (!status.hasNoWorker) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
+  if (status.state == job::kRun) return {"Left undone", "bad"};
+  if (mayHaveBeenDone(matter.record, matter.log)) return {"Unclear", "bad"};
+  return {"Not done", "bad"};
 }
 
 void showBanner(Html& page, const Verdict& verdict, const std::string& text) {
@@ -78,16 +88,25 @@ std::vector<std::string> silenceNotes(const ReportMatter& matter) {
   return notes;
 }
 
+void takeInstallationFault(const std::string& fault, Explanation& told) {
+  told.meaning = "The worker ends an installation with 0 whatever became of it, but ";
+  told.meaning += fault + ".";
+  told.whoActs = "user";
+  told.advice =
+      "Mend what the system's tools complained of, such as a missing permission (the table of "
+      "owners and permissions below shows whose the folders are), and add the job anew.";
+  told.tryAgain = "yes, under another log_id";
+}
+
 Explanation explanationOf(const ReportMatter& matter) {
   Explanation told = explainJob(matter.record, {matter.workerRuns, matter.log});
   if (!matter.installationFault.empty()) {
-    told.meaning = "The worker ends an installation with 0 whatever became of it, but " +
-                   matter.installationFault + ".";
-    told.whoActs = "user";
-    told.advice =
-        "Mend what the system's tools complained of, such as a missing permission (the tables of "
-        "owners and permissions below show whose the folders are), and add the job anew.";
-    told.tryAgain = "yes, under another log_id";
+    takeInstallationFault(matter.installationFault, told);
+  } else if (matter.isInstalled) {
+    told.meaning = "The application was replaced: what stands in its place is the package.";
+    told.whoActs = "nobody";
+    told.advice.clear();
+    told.tryAgain = "no";
   }
   return told;
 }
@@ -105,7 +124,7 @@ void showControllers(Html& page, const JobStatus& status) {
 void tellOfJob(Html& page, const ReportMatter& matter) {
   const JobStatus status = statusOfJob(matter);
   const Explanation told = explanationOf(matter);
-  showBanner(page, verdictOn(status, matter), told.subject);
+  showBanner(page, verdictOn(status, told, matter), told.subject);
   showPairs(page, {{"This means", told.meaning},
                    {"What to do", told.advice},
                    {"Who acts", told.whoActs},
@@ -124,7 +143,18 @@ void tellOfJob(Html& page, const ReportMatter& matter) {
   showList(page, "The worker and its tools complained:", said);
 }
 
-// The finding about the job file says what to do.
+// The finding about the job file; else the first error.
+const Finding* findingBehind(const ReportMatter& matter) {
+  const std::string jobFile = matter.subject.sharedFolder + paths::kJobFile;
+  const Finding* first = nullptr;
+  for (const Finding& finding : matter.findings) {
+    if (finding.severity != Severity::error) continue;
+    if (finding.path == jobFile) return &finding;
+    if (first == nullptr) first = &finding;
+  }
+  return first;
+}
+
 void tellOfNoJob(Html& page, const ReportMatter& matter) {
   if (matter.jobFileFault.empty()) {
     showBanner(page, {"No job", "open"},
@@ -132,12 +162,10 @@ void tellOfNoJob(Html& page, const ReportMatter& matter) {
     return;
   }
   showBanner(page, {"No job can be told", "bad"}, matter.jobFileFault);
-  for (const Finding& finding : matter.findings) {
-    if (finding.severity != Severity::error) continue;
-    showPairs(
-        page,
-        {{"Found", finding.what}, {"This means", finding.meaning}, {"What to do", finding.advice}});
-    return;
+  if (const Finding* finding = findingBehind(matter)) {
+    showPairs(page, {{"Found", finding->what},
+                     {"This means", finding->meaning},
+                     {"What to do", finding->advice}});
   }
 }
 
@@ -210,6 +238,7 @@ void tellHistory(Html& page, const ReportMatter& matter) {
   page.label("p",
              "As the job's lines of the log tell. Percentages that the worker writes behind a "
              "failed flash are left out.");
+  if (matter.log.isMixed) page.label("p", kMixed);
   if (matter.entries.empty()) {
     page.element(
         "p", matter.logAbsence.empty() ? "The log has no lines of this job." : matter.logAbsence);

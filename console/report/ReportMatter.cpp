@@ -75,7 +75,9 @@ void compareInstallation(ReportMatter& matter, const JobStatus& status) {
   const std::string installed = installedApplication(matter.subject.bundle);
   if (!inputs.isDictionary() || !inputs.get(job::kFilePath).isString() || installed.empty()) return;
   const std::string& package = inputs.get(job::kFilePath).string();
-  if (platform::isFolder(package)) matter.installationFault = installationFault(package, installed);
+  if (!platform::isFolder(package)) return;
+  matter.installationFault = installationFault(package, installed);
+  matter.isInstalled = matter.installationFault.empty();
 }
 
 }  // namespace

@@ -35,8 +35,10 @@ struct ReportMatter {
   std::vector<LogEntry> entries;  // the job's; without a job those at the end of the log
   std::string logAbsence;
   FlashHistory history;
-  // Of a finished installation: why what stands there is not the package.
+  // Of a finished installation: why what stands there is not the package, or that it is. Neither
+  // where that cannot be told.
   std::string installationFault;
+  bool isInstalled = false;
   std::vector<std::string> standardError;
 
   Findings findings;

@@ -51,7 +51,9 @@ code { color: var(--faint); }
 table { border-collapse: collapse; font-size: 0.9rem; font-variant-numeric: tabular-nums; }
 th, td { text-align: left; vertical-align: top; padding: 0.3rem 0.9rem 0.3rem 0;
   border-bottom: 1px solid var(--rule); overflow-wrap: normal; }
-tbody th { font-weight: 500; overflow-wrap: anywhere; min-width: 7.5rem; } .short { white-space: nowrap; } thead th { color: var(--faint); font-weight: 600; }
+tbody th { font-weight: 500; }
+.short { white-space: nowrap; } .path { overflow-wrap: anywhere; min-width: 7.5rem; }
+thead th { color: var(--faint); font-weight: 600; }
 .findings { list-style: none; padding: 0; }
 .finding { border-left: 0.25rem solid var(--open); padding-left: 0.75rem; margin: 1rem 0; }
 .finding.error { border-color: var(--bad); }
@@ -89,7 +91,7 @@ figcaption { display: flex; flex-wrap: wrap; gap: 0.25rem 1.25rem; }
 @media (max-width: 30rem) {
   body { padding: 0.75rem; }
   dl { grid-template-columns: 1fr; gap: 0; } dd { margin-bottom: 0.5rem; }
-  table { font-size: 0.76rem; } th, td { padding-right: 0.35rem; }
+  table { font-size: 0.72rem; } th, td { padding-right: 0.35rem; }
 }
 @media print {
   :root {

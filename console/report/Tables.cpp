@@ -17,13 +17,14 @@ std::string textOf(const Value& value) {
   return platform::describe(value);
 }
 
-// What is short stays on one line: a date, permissions, a number.
-Html::Attributes attributesOf(const std::string& cell) {
+// What is short, such as a date or permissions, stays on one line; a path may break anywhere.
+void showCell(Html& page, const char* element, const std::string& text,
+              Html::Attributes attributes = {}) {
   constexpr std::size_t kShort = 20;
-  const bool isShort =
-      !cell.empty() && cell.size() <= kShort && cell.find('/') == std::string::npos;
-  if (!isShort) return {};
-  return {{"class", "short"}};
+  const bool isPath = text.find('/') != std::string::npos;
+  if (isPath) attributes.emplace_back("class", "path");
+  if (!isPath && !text.empty() && text.size() <= kShort) attributes.emplace_back("class", "short");
+  page.element(element, text, attributes);
 }
 
 bool isListOfObjects(const Value& value) {
@@ -68,7 +69,7 @@ void showList(Html& page, const char* name, const Value& list) {
   for (const Value& one : list.elements()) {
     page.open("tr");
     page.label("th", std::to_string(number++), {{"scope", "row"}});
-    for (const std::string& key : keys) page.element("td", textOf(one.get(key)));
+    for (const std::string& key : keys) showCell(page, "td", textOf(one.get(key)));
     page.close();
   }
   page.close();
@@ -81,7 +82,7 @@ void showObject(Html& page, const char* name, const Value& object) {
   for (const auto& [key, value] : object.entries()) {
     page.open("tr");
     page.element("th", key, {{"scope", "row"}});
-    page.element("td", textOf(value));
+    showCell(page, "td", textOf(value));
     page.close();
   }
   page.close();
@@ -115,9 +116,9 @@ void HtmlTable::addRow(const std::vector<std::string>& cells) {
   page_.open("tr");
   for (std::size_t i = 0; i < cells.size(); ++i) {
     if (i == 0) {
-      page_.element("th", cells[i], {{"scope", "row"}});
+      showCell(page_, "th", cells[i], {{"scope", "row"}});
     } else {
-      page_.element("td", cells[i], attributesOf(cells[i]));
+      showCell(page_, "td", cells[i]);
     }
   }
   page_.close();

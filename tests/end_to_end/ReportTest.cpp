@@ -122,7 +122,7 @@ TEST_F(Report, OfAnInstallationWithoutPermission) {
             HasSubstr("<dd>Mend what the system&#39;s tools complained of, such as a "
                       "missing permission"),
             HasSubstr("<li>/bin/rm: "), HasSubstr("Permission denied</li>"),
-            HasSubstr("<th scope=\"row\">" + (folder / "Installed.app") +
+            HasSubstr("<th scope=\"row\" class=\"path\">" + (folder / "Installed.app") +
                       "</th><td class=\"short\">folder</td><td class=\"short\">drwx")));
 }
 
@@ -135,13 +135,14 @@ TEST_F(Report, RedactedItHoldsNoWwnAndSaysSo) {
 
 TEST_F(Report, TellsVersionsSettingsAndPermissions) {
   flashThree({});
-  EXPECT_THAT(
-      report(),
-      AllOf(HasSubstr("<th scope=\"row\">framework</th>"), HasSubstr("<td>" + framework()),
-            HasSubstr("<td>" + worker()),
-            HasSubstr("&quot;AppPath&quot;: &quot;" + bundle.path() + "&quot;"),
-            HasSubstr("<th scope=\"row\">" + jobFile() + "</th><td class=\"short\">file</td>"),
-            HasSubstr("&quot;online_update_plist_name&quot;: &quot;Offers&quot;")));
+  EXPECT_THAT(report(),
+              AllOf(HasSubstr("<th scope=\"row\" class=\"short\">framework</th>"),
+                    HasSubstr("<td class=\"path\">" + framework()),
+                    HasSubstr("<td class=\"path\">" + worker()),
+                    HasSubstr("&quot;AppPath&quot;: &quot;" + bundle.path() + "&quot;"),
+                    HasSubstr("<th scope=\"row\" class=\"path\">" + jobFile() +
+                              "</th><td class=\"short\">file</td>"),
+                    HasSubstr("&quot;online_update_plist_name&quot;: &quot;Offers&quot;")));
 }
 
 // Fifty megabytes of other jobs before this one.

@@ -131,7 +131,7 @@ TEST_F(Report, TellsOwnersAndPermissions) {
   ::chmod((folder / "shared/utility").c_str(), 0750);
   run();
   EXPECT_THAT(written(),
-              HasSubstr("<th scope=\"row\">" + (folder / "shared/utility") +
+              HasSubstr("<th scope=\"row\" class=\"path\">" + (folder / "shared/utility") +
                         "</th><td class=\"short\">folder</td><td class=\"short\">drwxr-x---</td>"));
 }
 

@@ -119,6 +119,35 @@ TEST(ReportPage, AnInstallationThatDidNothingIsNoSuccess) {
                                     HasSubstr("<li>/bin/rm: Permission denied</li>")));
 }
 
+TEST(ReportPage, AnInstallationThatWasComparedIsDone) {
+  ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateSW", "state_id": "FREE",
+      "result": 0, "resultStr": "no error", "input_parameters": {"file_path": "/a"}})");
+  EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Ended</strong>"),
+                                    HasSubstr("<dd>Look whether the new application stands")));
+  matter.isInstalled = true;
+  EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Done</strong>"),
+                                    HasSubstr("what stands in its place is the package.</dd>"),
+                                    Not(HasSubstr("Look whether"))));
+}
+
+TEST(ReportPage, OfAJobThatMayHaveBeenDoneItDoesNotSayThatItWasNot) {
+  ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
+      "input_parameters": {"file_path": "/a"}})");
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Not done</strong> job 17 (updateSW): waiting"));
+  matter.log.isFound = true;
+  matter.log.hasStarted = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Unclear</strong> job 17 (updateSW): waiting, "
+                                        "though a worker took it"));
+}
+
+TEST(ReportPage, WhereAnotherWorkerWroteItWarns) {
+  ReportMatter matter = matterOf(kDone);
+  matter.log.isFound = true;
+  matter.log.isMixed = true;
+  matter.history = test::TimedLog({"A1"}).history();
+  EXPECT_THAT(pageOf(matter), HasSubstr("what is drawn of them may be wrong."));
+}
+
 TEST(ReportPage, ATimeWithoutAChangeIsToldAtTheTop) {
   test::TimedLog log({"50000000000000A1"});
   log.step("updateFW", "devId = 0, filePath = a.img");
