@@ -1,6 +1,7 @@
 #include "console/report/HistoryDrawing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -29,7 +30,7 @@ double partOf(JobTime time, JobTime length) {
 
 // With one digit behind the point, whatever the locale.
 std::string decimal(double number) {
-  const auto tenths = static_cast<long>(number * 10 + 0.5);
+  const auto tenths = std::lround(number * 10);
   return platform::format("%ld.%ld", tenths / 10, tenths % 10);
 }
 

@@ -171,8 +171,11 @@ void showSettings(Html& page, const ReportMatter& matter, bool isRedacted) {
 
 void showPlaces(Html& page, const ReportMatter& matter) {
   openSection(page, "places", "Owners and permissions");
-  page.element("p", "The report was made by " + userName(::geteuid()) +
-                        ". Times are local, as at its head.");
+  page.open("p");
+  page.words("The report was made by ");
+  page.text(userName(::geteuid()));
+  page.words(". Times are local, as at its head.");
+  page.close();
   {
     HtmlTable table(page, "Owners and permissions",
                     {"Path", "Kind", "Permissions", "Owner", "Group", "Size", "Modified"});

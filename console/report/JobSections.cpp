@@ -17,8 +17,6 @@
 
 namespace kelvane::console {
 
-using platform::Value;
-
 namespace {
 
 constexpr std::size_t kMostRecordBytes = 512UL * 1024;
@@ -253,7 +251,7 @@ void tellHistory(Html& page, const ReportMatter& matter) {
 void showRecord(Html& page, const ReportMatter& matter) {
   if (!matter.hasJob()) return;
   openSection(page, "record", "The record");
-  page.label("p", "No. " + std::to_string(matter.place) + ", counted from 0, of " +
+  page.label("p", std::to_string(matter.place).insert(0, "No. ") + ", counted from 0, of " +
                       std::to_string(matter.count) + " in the job file.");
   std::string text = platform::printJson(matter.record).value_or("(cannot be shown)");
   const std::size_t size = text.size();

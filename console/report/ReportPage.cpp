@@ -31,7 +31,7 @@ constexpr char kPolicy[] = "default-src 'none'; base-uri 'none'; form-action 'no
 
 std::string titleOf(const ReportMatter& matter) {
   if (!matter.hasJob()) return "Report of a shared folder";
-  return "Report of job " + statusOf(matter.record).logId;
+  return statusOf(matter.record).logId.insert(0, "Report of job ");
 }
 
 void addHeader(Html& page, const ReportMatter& matter) {

@@ -18,13 +18,18 @@ std::string textOf(const Value& value) {
 }
 
 // What is short, such as a date or permissions, stays on one line; a path may break anywhere.
-void showCell(Html& page, const char* element, const std::string& text,
-              Html::Attributes attributes = {}) {
+const char* classOf(const std::string& text) {
   constexpr std::size_t kShort = 20;
-  const bool isPath = text.find('/') != std::string::npos;
-  if (isPath) attributes.emplace_back("class", "path");
-  if (!isPath && !text.empty() && text.size() <= kShort) attributes.emplace_back("class", "short");
-  page.element(element, text, attributes);
+  if (text.find('/') != std::string::npos) return "path";
+  return text.size() <= kShort ? "short" : "long";
+}
+
+void showCell(Html& page, const std::string& text) {
+  page.element("td", text, {{"class", classOf(text)}});
+}
+
+void showRowsHeading(Html& page, const std::string& text) {
+  page.element("th", text, {{"scope", "row"}, {"class", classOf(text)}});
 }
 
 bool isListOfObjects(const Value& value) {
@@ -69,7 +74,7 @@ void showList(Html& page, const char* name, const Value& list) {
   for (const Value& one : list.elements()) {
     page.open("tr");
     page.label("th", std::to_string(number++), {{"scope", "row"}});
-    for (const std::string& key : keys) showCell(page, "td", textOf(one.get(key)));
+    for (const std::string& key : keys) showCell(page, textOf(one.get(key)));
     page.close();
   }
   page.close();
@@ -82,7 +87,7 @@ void showObject(Html& page, const char* name, const Value& object) {
   for (const auto& [key, value] : object.entries()) {
     page.open("tr");
     page.element("th", key, {{"scope", "row"}});
-    showCell(page, "td", textOf(value));
+    showCell(page, textOf(value));
     page.close();
   }
   page.close();
@@ -116,9 +121,9 @@ void HtmlTable::addRow(const std::vector<std::string>& cells) {
   page_.open("tr");
   for (std::size_t i = 0; i < cells.size(); ++i) {
     if (i == 0) {
-      showCell(page_, "th", cells[i], {{"scope", "row"}});
+      showRowsHeading(page_, cells[i]);
     } else {
-      showCell(page_, "td", cells[i]);
+      showCell(page_, cells[i]);
     }
   }
   page_.close();
