@@ -9,7 +9,6 @@ namespace kelvane {
 namespace {
 
 using platform::Value;
-using ::testing::ElementsAre;
 
 class ReportInABrowser : public ReportInstallation {
  protected:

@@ -1,7 +1,5 @@
 // Reports of jobs of the real worker: each says what happened, where, and what to do.
 
-#include <filesystem>
-
 #include <gmock/gmock.h>
 
 #include "tests/end_to_end/ReportInstallation.h"
@@ -12,7 +10,6 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::MatchesRegex;
 using ::testing::Not;
 
 class Report : public ReportInstallation {};

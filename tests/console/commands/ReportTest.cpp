@@ -17,7 +17,6 @@ using platform::Value;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
-using ::testing::StartsWith;
 
 class Report : public ConsoleWorld {
  protected:

@@ -27,7 +27,7 @@ std::string digestOf(const std::string& text) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest = {};
   unsigned int size = 0;
   EVP_Digest(text.data(), text.size(), digest.data(), &size, EVP_sha256(), nullptr);
-  std::array<unsigned char, 2 * EVP_MAX_MD_SIZE> encoded = {};
+  std::array<unsigned char, 2UL * EVP_MAX_MD_SIZE> encoded = {};
   const int length = EVP_EncodeBlock(encoded.data(), digest.data(), static_cast<int>(size));
   return "sha256-" + std::string(encoded.begin(), encoded.begin() + length);
 }
