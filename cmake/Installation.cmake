@@ -75,5 +75,6 @@ endfunction()
 install(FILES README.md ARCHITECTURE.md CONTRIBUTING.md CHANGELOG.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
-        FILES_MATCHING PATTERN "*.md" PATTERN "*.json" PATTERN "*.svg" PATTERN "integration/client.*"
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.json" PATTERN "*.svg" PATTERN "*.png"
+        PATTERN "integration/client.*"
         PATTERN man EXCLUDE)

@@ -36,9 +36,9 @@ bool holdsAProgram(const std::string& folder) {
   return false;
 }
 
-platform::Value propertyListOf(const std::string& bundle) {
+platform::Value propertyListAt(const std::string& path) {
   try {
-    return platform::parseXmlPropertyList(platform::readFile(bundle + kPropertyList));
+    return platform::parseXmlPropertyList(platform::readFile(path));
   } catch (const platform::Exception&) {
     return {};  // there is none
   }
@@ -54,7 +54,11 @@ std::string applicationFault(const std::string& bundle) {
 }
 
 std::string versionOf(const std::string& bundle) {
-  const platform::Value list = propertyListOf(bundle);
+  return versionOfPropertyList(bundle + kPropertyList);
+}
+
+std::string versionOfPropertyList(const std::string& path) {
+  const platform::Value list = propertyListAt(path);
   if (!list.isDictionary()) return {};
   for (const char* key : kVersionKeys) {
     const platform::Value& version = list.get(key);

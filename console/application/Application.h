@@ -12,4 +12,7 @@ std::string applicationFault(const std::string& bundle);
 // ones would take a library more.
 std::string versionOf(const std::string& bundle);
 
+// The same of a property list.
+std::string versionOfPropertyList(const std::string& path);
+
 }  // namespace kelvane::console

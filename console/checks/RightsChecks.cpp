@@ -12,6 +12,15 @@ namespace {
 
 constexpr const char* kPlaces[] = {"", "utility", "utility/config", paths::kSharedSettings};
 
+// Many systems give each user a group of the same name, with nobody else in it.
+bool isOwnersAlone(const struct stat& entry) {
+  const ::group* found = ::getgrgid(entry.st_gid);
+  return found != nullptr && (found->gr_mem == nullptr || *found->gr_mem == nullptr) &&
+         userName(entry.st_uid) == found->gr_name;
+}
+
+}  // namespace
+
 std::string userName(uid_t user) {
   const passwd* found = ::getpwuid(user);
   return found == nullptr ? "user " + std::to_string(user) : found->pw_name;
@@ -21,15 +30,6 @@ std::string groupName(gid_t group) {
   const ::group* found = ::getgrgid(group);
   return found == nullptr ? "group " + std::to_string(group) : found->gr_name;
 }
-
-// Many systems give each user a group of the same name, with nobody else in it.
-bool isOwnersAlone(const struct stat& entry) {
-  const ::group* found = ::getgrgid(entry.st_gid);
-  return found != nullptr && (found->gr_mem == nullptr || *found->gr_mem == nullptr) &&
-         userName(entry.st_uid) == found->gr_name;
-}
-
-}  // namespace
 
 std::string othersWhoMayWrite(const struct stat& entry, uid_t user) {
   if ((entry.st_mode & S_IWOTH) != 0) return "everyone";

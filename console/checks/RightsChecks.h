@@ -18,4 +18,8 @@ Findings rightsFindings(const std::string& sharedFolder);
 // empty where nobody may. The super user may in any case, and does not count.
 std::string othersWhoMayWrite(const struct stat& entry, uid_t user);
 
+// Their names; "user 501", "group 20" where the system has none.
+std::string userName(uid_t user);
+std::string groupName(gid_t group);
+
 }  // namespace kelvane::console

@@ -150,6 +150,13 @@ void findApplication(const std::string& path, const std::string& application, Fi
 
 }  // namespace
 
+std::string installedApplication(const std::string& bundle) {
+  const Value settings = readJsonFile(productSettingsPath(bundle)).value;
+  if (!settings.isDictionary()) return {};
+  const Value& path = settings.get(settings::kAppPath);
+  return path.isString() ? path.string() : "";
+}
+
 std::string sharedSettingsPath(const std::string& sharedFolder) {
   return sharedFolder + paths::kSharedSettings;
 }

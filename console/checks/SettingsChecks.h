@@ -11,6 +11,10 @@ namespace kelvane::console {
 std::string sharedSettingsPath(const std::string& sharedFolder);  // which ends with "/"
 std::string productSettingsPath(const std::string& bundle);
 
+// Where the application stands that an installation replaces, as the product's settings say; empty
+// where they do not.
+std::string installedApplication(const std::string& bundle);
+
 // The shared folder's settings, and the update engine that they lead to; of a copy from another
 // system the settings alone.
 Findings sharedSettingsFindings(const std::string& path, bool isCopy = false);

@@ -12,6 +12,7 @@
 #include "console/commands/Jobs.h"
 #include "console/commands/OnlineUpdate.h"
 #include "console/commands/Remove.h"
+#include "console/commands/Report.h"
 #include "console/commands/Retry.h"
 #include "console/commands/ShowLog.h"
 #include "console/commands/UpdateFw.h"
@@ -31,10 +32,10 @@ constexpr char kFooter[] =
     "(a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {devicesCommand(),  queryCommand(),      downloadCommand(), updateSwCommand(),
-          updateFwCommand(), retryCommand(),      watchCommand(),    listCommand(),
-          showCommand(),     removeCommand(),     logCommand(),      checkCommand(),
-          explainCommand(),  completionCommand(), valuesCommand()};
+  return {devicesCommand(),  queryCommand(),  downloadCommand(),  updateSwCommand(),
+          updateFwCommand(), retryCommand(),  watchCommand(),     listCommand(),
+          showCommand(),     removeCommand(), logCommand(),       checkCommand(),
+          explainCommand(),  reportCommand(), completionCommand(), valuesCommand()};
 }
 
 Option helpFlag() {

@@ -4,8 +4,7 @@
 #include <system_error>
 
 #include "console/application/Application.h"
-#include "console/application/TreeDifference.h"
-#include "console/checks/Access.h"
+#include "console/application/InstallationFault.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
@@ -23,15 +22,6 @@ namespace kelvane::console {
 using platform::Value;
 
 namespace {
-
-// Where the application stands that is replaced, as the worker's settings say; empty where they do
-// not. Asked before the job: the settings go with the application.
-std::string installedApplication(const std::string& bundle) {
-  const Value settings = readJsonFile(productSettingsPath(bundle)).value;
-  if (!settings.isDictionary()) return {};
-  const Value& path = settings.get(settings::kAppPath);
-  return path.isString() ? path.string() : "";
-}
 
 // The folder itself where a link is given: the link would be copied.
 std::string packagePath(const std::string& path) {
@@ -85,31 +75,14 @@ void announce(const std::string& installed, const UpdateSwOptions& options,
   requireConfirmed("Remove the application and install the new one?", surroundings);
 }
 
-std::string listed(const TreeDifferences& found) {
-  std::string text;
-  for (const std::string& difference : found.first) {
-    if (!text.empty()) text += ", ";
-    text += difference;
-  }
-  const std::size_t more = found.count - found.first.size();
-  return more == 0 ? text : text + ", and " + std::to_string(more) + " more differences";
-}
-
 // What the system's tools said is the only trace of what went wrong.
 void requireInstalled(const std::string& installed, const UpdateSwOptions& options,
                       const Look& finished) {
-  const auto said =
-      standardErrorInShort(existingShared(options.job.sharedFolder), finished.status.logId);
-  if (!platform::exists(installed)) {
-    throw Failure(kJobFailed,
-                  "no application stands at " + installed +
-                      ": it was removed, and the new one was not copied",
-                  said);
-  }
-  const TreeDifferences found = treeDifferences(options.package, installed);
-  if (found.count == 0) return;
-  throw Failure(kJobFailed, "what stands at " + installed + " is not the package: " + listed(found),
-                said);
+  const std::string fault = installationFault(options.package, installed);
+  if (fault.empty()) return;
+  throw Failure(
+      kJobFailed, fault,
+      standardErrorInShort(existingShared(options.job.sharedFolder), finished.status.logId));
 }
 
 constexpr char kPackage[] = "package";
@@ -130,6 +103,7 @@ std::vector<Option> updateSwOptions() {
 
 int install(const UpdateSwOptions& options, const Submits& submit,
             const Surroundings& surroundings) {
+  // Asked before the job: the settings go with the application.
   const std::string installed = installedApplication(options.job.bundle);
   requireApplication(options.package);
   requirePlace(installed, options.job);

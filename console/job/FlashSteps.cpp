@@ -74,7 +74,7 @@ void takeStep(const LogEntry& entry, FlashSteps& steps) {
   if (message == kCompleted) steps.isFlashed = true;
   // Behind the flash's end an error is the job's.
   if (steps.isFlashed || !steps.fault.empty()) return;
-  if (isFault(message) || entry.level == "error") steps.fault = lineOf(entry);
+  if (isFlashFault(entry)) steps.fault = lineOf(entry);
 }
 
 bool isEndOfJob(const std::string& message) { return message.find(kEndOfJob) != std::string::npos; }
@@ -106,6 +106,10 @@ std::optional<int> firmwareIn(const LogEntry& entry, const std::string& logId,
 }
 
 }  // namespace
+
+bool isFlashFault(const LogEntry& entry) {
+  return isFault(entry.message) || entry.level == "error";
+}
 
 std::string lineOf(const LogEntry& entry) {
   std::string first = entry.message.substr(0, entry.message.find('\n'));

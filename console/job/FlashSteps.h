@@ -29,6 +29,9 @@ struct FlashSteps {
 // Of each controller that was found, in the order of the job's input entries.
 std::vector<FlashSteps> flashStepsIn(std::span<const LogEntry> entries);
 
+// Whether it tells that a flash, of a CPLD or of firmware, has failed or was not begun.
+bool isFlashFault(const LogEntry& entry);
+
 // The entry on one line: "14:03:07 updateFW: Flash Error".
 std::string lineOf(const LogEntry& entry);
 

@@ -131,6 +131,10 @@ void takeFlashes(Entries entries, const Value& record, LogStretch& stretch) {
 
 }  // namespace
 
+std::span<const LogEntry> entriesOf(const std::vector<LogEntry>& entries, const Value& record) {
+  return LoggedJobs(entries).find(record).value_or(LoggedJob()).entries;
+}
+
 LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   LogStretch stretch;
   const std::optional<LoggedJob> found = jobs.find(record);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,12 @@ struct LogStretch {
 LogStretch stretchOf(const LoggedJobs& jobs, const platform::Value& record);
 LogStretch stretchOf(const std::vector<LogEntry>& entries, const platform::Value& record);
 
-// The same of the shared folder's log. Never raises.
+// The entries of that stretch, from the worker's first one to the job's last line, with those that
+// another worker wrote in between; none where there is no such stretch.
+std::span<const LogEntry> entriesOf(const std::vector<LogEntry>& entries,
+                                    const platform::Value& record);
+
+// stretchOf() of the shared folder's log. Never raises.
 LogStretch stretchIn(const std::string& sharedFolder, const platform::Value& record);
 LogStretch stretchIn(const Places& places, const platform::Value& record);
 

@@ -65,7 +65,7 @@ TEST_P(PageNamed, HasLinksThatLeadSomewhere) {
 
 INSTANTIATE_TEST_SUITE_P(Docs, PageNamed,
                          ::testing::Values("bundle.md", "findings.md", "integration.md",
-                                           "job-file.md", "log.md", "performance.md",
+                                           "job-file.md", "log.md", "performance.md", "report.md",
                                            "result-codes.md", "settings.md"),
                          [](const auto& test) {
                            std::string name = test.param;

@@ -4,12 +4,17 @@
 //   KELVANE_TEST_WRITES    file that gets a line for each fsync, syncfs, rename and removal of a
 //                          folder, with their paths
 //   KELVANE_TEST_VERSIONS  folder that gets the versions, as 0001.json and so on
+//   KELVANE_TEST_TIME      where the worker's clock stands at its start, in seconds since 1970; its
+//                          sleeps alone move it on
+//   KELVANE_TEST_KILL      the worker is killed at so many sleeps
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -20,6 +25,7 @@
 
 extern "C" {
 unsigned int sleep(unsigned int seconds);
+std::time_t time(std::time_t* now) noexcept;
 int rename(const char* from, const char* to) noexcept;
 int fsync(int file);
 int syncfs(int file) noexcept;
@@ -69,11 +75,25 @@ void keepVersion(const char* path) {
   if (failed) std::abort();
 }
 
+unsigned int slept = 0;  // seconds
+
 }  // namespace
 
 unsigned int sleep(unsigned int seconds) {
+  static int count = 0;
   note("KELVANE_TEST_SLEEPS", std::to_string(seconds));
+  slept += seconds;
+  const char* last = std::getenv("KELVANE_TEST_KILL");
+  if (last != nullptr && ++count == std::atoi(last)) ::raise(SIGKILL);
   return 0;
+}
+
+std::time_t time(std::time_t* now) noexcept {
+  static const auto next = real<std::time_t(std::time_t*)>("time");
+  const char* start = std::getenv("KELVANE_TEST_TIME");
+  const std::time_t told = start == nullptr ? next(nullptr) : std::atol(start) + slept;
+  if (now != nullptr) *now = told;
+  return told;
 }
 
 int syncfs(int file) noexcept {

@@ -91,6 +91,15 @@ void SupportInstallation::addFirmwareJob() const {
   writeJobs(test::waitingJob("updateFW", platform::Value::array({entry})));
 }
 
+void SupportInstallation::giveSharedFolderToEveryone() const {
+  for (const char* name : {"", "/utility", "/utility/command", "/utility/logs"}) {
+    ::chmod((folder / "shared" + name).c_str(), 0777);
+  }
+  for (const char* name : {"command/BGPLog.json", "logs/TarselVistrelUtility.txt"}) {
+    ::chmod((folder / "shared/utility/" + name).c_str(), 0666);
+  }
+}
+
 void SupportInstallation::installFramework(const std::string& library) const {
   fs::copy_file(library, framework(), fs::copy_options::overwrite_existing);
 }

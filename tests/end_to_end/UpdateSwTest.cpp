@@ -1,7 +1,6 @@
 // The application replaced through the console, by the real worker and the system's own tools.
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include "tests/end_to_end/SupportInstallation.h"
 #include "tests/support/OrdinaryUser.h"
@@ -22,15 +21,6 @@ class UpdateSwJob : public SupportInstallation {
             "--bundle",
             bundle.path(),
             folder / "Manager.app"};
-  }
-  // What the worker writes there.
-  void giveSharedFolderToEveryone() const {
-    for (const char* name : {"", "/utility", "/utility/command", "/utility/logs"}) {
-      ::chmod((folder / "shared" + name).c_str(), 0777);
-    }
-    for (const char* name : {"command/BGPLog.json", "logs/TarselVistrelUtility.txt"}) {
-      ::chmod((folder / "shared/utility/" + name).c_str(), 0666);
-    }
   }
 };
 
