@@ -13,6 +13,13 @@ std::uint64_t mixed(std::uint64_t number) {
   return number ^ (number >> 31U);
 }
 
+// Another pick for each number and each place in the script, to which it is added.
+unsigned pickedByNumber(std::uint64_t number, unsigned count, Script& script) {
+  const std::uint64_t place = (number << 8U) + script.size();
+  script.push_back(static_cast<unsigned>(mixed(place) % count));
+  return script.back();
+}
+
 }  // namespace
 
 std::string textOf(const Script& script) {
@@ -47,7 +54,7 @@ bool Tree::next() {
 }
 
 unsigned Tree::branch(unsigned count) {
-  if (isFree_) return pickFreely(count);
+  if (isFree_) return turn(count);
   if (depth_ == path_.size()) path_.push_back({0, count});
   const Pick& pick = path_[depth_++];
   if (pick.count != count) throw std::logic_error("a branch depends on what may not matter");
@@ -55,13 +62,7 @@ unsigned Tree::branch(unsigned count) {
   return pick.taken;
 }
 
-unsigned Tree::turn(unsigned count) { return pickFreely(count); }
-
-unsigned Tree::pickFreely(unsigned count) {
-  const std::uint64_t place = (number_ << 8U) + script_.size();
-  script_.push_back(static_cast<unsigned>(mixed(place) % count));
-  return script_.back();
-}
+unsigned Tree::turn(unsigned count) { return pickedByNumber(number_, count, script_); }
 
 void Tree::cut(const std::string& state) {
   if (isFree_) return;
@@ -70,6 +71,14 @@ void Tree::cut(const std::string& state) {
   const auto first = firstWays_.try_emplace(state, way).first;
   isFree_ = first->second != way;
 }
+
+unsigned Walk::branch(unsigned count) {
+  if (mixed((number_ << 8U) + script_.size() + 128) % 4 == 0) return turn(count);
+  script_.push_back(0);
+  return 0;
+}
+
+unsigned Walk::turn(unsigned count) { return pickedByNumber(number_, count, script_); }
 
 unsigned Replay::turn(unsigned count) {
   const unsigned pick = next_ < script_.size() ? script_[next_++] : 0;

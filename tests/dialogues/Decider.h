@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace kelvane::dialogues {
@@ -44,14 +45,28 @@ class Tree : public Decider {
     unsigned taken;
     unsigned count;
   };
-  unsigned pickFreely(unsigned count);
-
   std::vector<Pick> path_;  // the branches on the way to this dialogue
   std::size_t depth_ = 0;   // how far along it the dialogue has come
   bool isFree_ = false;     // behind a cut whose state was met on another way
   std::uint64_t number_ = 0;
   Script script_;
   std::unordered_map<std::string, std::string> firstWays_;  // to each state
+};
+
+// One way through a tree, another for each number: at every branch mostly the first, which leads
+// on, else any.
+class Walk : public Decider {
+ public:
+  explicit Walk(std::uint64_t number) : number_(number) {}
+  const Script& script() const { return script_; }
+
+  unsigned branch(unsigned count) override;
+  unsigned turn(unsigned count) override;
+  void cut(const std::string&) override {}
+
+ private:
+  std::uint64_t number_;
+  Script script_;
 };
 
 // One dialogue again.

@@ -1,13 +1,14 @@
 #include "tests/dialogues/MemoryFiles.h"
 
 #include <limits>
+#include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "tests/dialogues/Oracle.h"
-#include "tests/support/LogLine.h"
 
 namespace kelvane::dialogues {
 namespace {
@@ -18,26 +19,39 @@ void note(std::string event) {
   if (current->tell) current->tell(std::move(event));
 }
 
-bool endsWith(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
 bool isBelowShared(const std::string& path, const std::string& name) {
   return path == kShared + name;
 }
 
+// Takes what stands in brackets off the front of the text.
+std::string_view takeField(std::string_view& text) {
+  const std::size_t end = text.find(']');
+  if (text.empty() || text[0] != '[' || end == std::string_view::npos) return {};
+  const std::string_view field = text.substr(1, end - 1);
+  text.remove_prefix(end + 1);
+  return field;
+}
+
+bool isNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 // What the log's line tells; a line that is none as it stands.
-std::string eventOf(const std::string& text) {
-  const std::size_t size = text.size();
-  const auto line = test::parseLogLine(text.substr(0, size - 1));
-  if (!line || text[size - 1] != '\n' || line->time != "14:03:07" ||
-      !endsWith(line->file, ".cpp") ||
-      line->line.find_first_not_of("0123456789") != std::string::npos) {
-    return "odd line: " + text;
+std::string eventOf(std::string_view text) {
+  std::string_view rest = text;
+  const bool isTimed = takeField(rest) == "14:03:07" && !rest.empty() && rest[0] == ' ';
+  if (isTimed) rest.remove_prefix(1);
+  const bool isPlaced = takeField(rest).ends_with(".cpp") && isNumber(takeField(rest));
+  const std::string_view function = takeField(rest);
+  const std::string_view level = takeField(rest);
+  std::string event;
+  event.reserve(text.size());
+  if (!isTimed || !isPlaced || !rest.starts_with(' ') || !rest.ends_with('\n')) {
+    return event.append("odd line: ").append(text);
   }
-  std::string event = "log ";
-  event.append(line->function).append(line->level == "debug" ? ": " : " " + line->level + ": ");
-  return event.append(line->message);
+  event.append("log ").append(function);
+  if (level != "debug") event.append(" ").append(level);
+  return event.append(": ").append(rest.substr(1, rest.size() - 2));
 }
 
 }  // namespace
@@ -94,9 +108,7 @@ FileEnd::FileEnd(std::string path)
                 ? std::numeric_limits<int>::max()
                 : -1) {}
 
-void FileEnd::append(std::string_view text) {
-  dialogues::note(dialogues::eventOf(std::string(text)));
-}
+void FileEnd::append(std::string_view text) { dialogues::note(dialogues::eventOf(text)); }
 
 void FileEnd::append(const std::vector<std::string_view>& pieces) {
   std::string text;

@@ -214,6 +214,9 @@ class Oracle {
   // --- one entry
 
   void take(const Json& input) {
+    // What an entry can tell of those before it. Which failure it was only matters for its note and
+    // for the result: behind a failure nothing is asked whose answer counts. Percentages are no
+    // more than what stands in the job file, which every update reads.
     state_ = fmt::format("entry {} {} {} {} {} {} {}", ++entries_, status_ == 0, pageKind_,
                          address_.value_or("none"), fmt::join(listedIds(), ","), qvxfChecked_,
                          qvxfAnalysed_);
@@ -242,7 +245,7 @@ class Oracle {
       if (!input.contains("wwn") || input["wwn"] != wwn) continue;
       entry.hasController = true;
       entry.id = std::to_string(id);
-      entry.path = input.value("file_path", "");
+      entry.path = input.value("file_path", "").substr(0, 255);
       address_ = entry.id;
       say(idAndPath(entry));
       return readPages();
@@ -322,6 +325,8 @@ class Oracle {
   void takeStandard(Entry& entry) {
     if (status_ == 0) examineAndFlashCpld(entry);
     if (status_ != 0 && !isTolerated(entry)) return noteAndClose();
+    // What the rest can tell of the CPLD's flash. How many polls it took, and how far they came, is
+    // left in the job file alone.
     decider_.cut(fmt::format("{} flash {} {} {} {} {}", state_, pageKind_, status_, entry.cpldEnd,
                              entry.image, entry.usbParm()));
     status_ = ask("zr_initializeFlashProcess", "", judgedStatus);

@@ -7,6 +7,7 @@
 
 #include "Kelvane.h"
 #include "log/iLog.h"
+#include "tests/dialogues/Laws.h"
 #include "tests/dialogues/MemoryFiles.h"
 #include "tests/support/FakeFramework.h"
 #include "tests/support/FakeHost.h"
@@ -105,6 +106,15 @@ std::string difference(const std::vector<std::string>& expected,
          fmt::format("  expected: {}\n  seen:     {}\n", eventAt(expected, at), eventAt(seen, at));
 }
 
+std::string deviationOf(const Form& form, const Dialogue& dialogue) {
+  const std::vector<std::string> seen = play(form, dialogue);
+  std::string found = difference(dialogue.events, seen);
+  if (const std::string law = brokenLaw(seen); !law.empty()) {
+    found.append("  law broken: ").append(law).append("\n");
+  }
+  return found;
+}
+
 std::string textOf(const Deviation& deviation) {
   return fmt::format("form {}, dialogue {}, script {}\n{}", deviation.form, deviation.number,
                      textOf(deviation.script), deviation.difference);
@@ -115,8 +125,7 @@ std::uint64_t prove(const Form& form, const std::function<void(const Deviation&)
   std::uint64_t count = 0;
   while (tree.next()) {
     ++count;
-    const Dialogue dialogue = tell(form, tree);
-    const std::string found = difference(dialogue.events, play(form, dialogue));
+    const std::string found = deviationOf(form, tell(form, tree));
     if (!found.empty()) deviates({form.name, tree.number(), tree.script(), found});
   }
   return count;

@@ -23,6 +23,10 @@ std::vector<std::string> play(const Form& form, const Dialogue& dialogue);
 std::string difference(const std::vector<std::string>& expected,
                        const std::vector<std::string>& seen);
 
+// The dialogue played and judged: where it differs from what was told, or which law it breaks;
+// empty where it does neither.
+std::string deviationOf(const Form& form, const Dialogue& dialogue);
+
 struct Deviation {
   std::string form;
   std::uint64_t number;  // of the dialogue, from 1

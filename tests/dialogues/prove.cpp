@@ -44,7 +44,7 @@ int showOne(const Form& form, const Script& script) {
   Replay replay(script);
   const Dialogue dialogue = tell(form, replay);
   for (const std::string& event : dialogue.events) std::printf("%s\n", event.c_str());
-  const std::string found = difference(dialogue.events, play(form, dialogue));
+  const std::string found = deviationOf(form, dialogue);
   std::printf("\nscript %s\n%s", textOf(script).c_str(),
               found.empty() ? "no deviation\n" : found.c_str());
   return found.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -56,7 +56,7 @@ Script scriptOfNumber(const Form& form, std::uint64_t number) {
     tell(form, tree);
     if (tree.number() == number) return tree.script();
   }
-  throw std::invalid_argument("the form has no dialogue of this number");
+  throw std::invalid_argument("the form has " + std::to_string(tree.number()) + " dialogues");
 }
 
 bool isNumberOrScript(const std::string& text) {
