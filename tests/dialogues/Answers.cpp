@@ -1,6 +1,7 @@
 #include "tests/dialogues/Answers.h"
 
 #include <initializer_list>
+#include <map>
 #include <vector>
 
 namespace kelvane::dialogues {
@@ -102,7 +103,7 @@ Progress progress(Decider& decider, const std::vector<Report>& reports, const Pr
   const auto all = static_cast<unsigned>(reports.size());
   unsigned succeeding = 0;  // those that end the polling come first
   while (succeeding < all && (!isLast || reports[succeeding].endsPolling)) ++succeeding;
-  const unsigned pick = decider.branch(succeeding + all + 1);
+  const unsigned pick = decider.fork(succeeding + all + 1);
   if (pick < succeeding) return filled(decider, reports[pick], before);
   Progress failed = before;
   if (pick < succeeding + all) failed = filled(decider, reports[pick - succeeding], before);
@@ -148,19 +149,15 @@ std::uint32_t cpldStartStatus(Decider& decider) {
   return branched(decider, {0, 0x8058, 0x8050, kUnsupported, kCurrent}, with({0x0105, 0x4027}));
 }
 
-std::uint16_t productIdentifier(Decider& decider, char& kind) {
-  static const struct {
-    char kind;
-    Bytes highBytes;
-  } kKinds[] = {
-      {'u', {0x43, 0x44, 0x45, 0x46, 0x47, 0x88}},                    // standard, with a USB image
-      {'s', {0x42}},                                                  // standard, without one
-      {'q', {0x48, 0x49}},                                            // QVXF
-      {'x', {0x00, 0x01, 0x41, 0x4A, 0x84, 0x87, 0x89, 0xC8, 0xFF}},  // no path of its own
+std::uint16_t productIdentifier(Decider& decider, const std::string& kinds, char& kind) {
+  static const std::map<char, Bytes> kHighBytes = {
+      {'u', {0x43, 0x44, 0x45, 0x46, 0x47, 0x88}},
+      {'s', {0x42}},
+      {'q', {0x48, 0x49}},
+      {'x', {0x00, 0x01, 0x41, 0x4A, 0x84, 0x87, 0x89, 0xC8, 0xFF}},
   };
-  const auto& picked = kKinds[decider.branch(4)];
-  kind = picked.kind;
-  const unsigned high = oneOf(decider, picked.highBytes);
+  kind = kinds[decider.fork(static_cast<unsigned>(kinds.size()))];
+  const unsigned high = oneOf(decider, kHighBytes.at(kind));
   return static_cast<std::uint16_t>((high << 8U) | oneOf(decider, Bytes{0x01, 0x00, 0x42, 0xFF}));
 }
 

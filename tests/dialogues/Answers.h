@@ -34,8 +34,9 @@ std::uint32_t usbStatus(Decider& decider);
 // The call that starts the CPLD flash.
 std::uint32_t cpldStartStatus(Decider& decider);
 
-// A product identifier of each kind of high byte, and what kind that is.
-std::uint16_t productIdentifier(Decider& decider, char& kind);
+// A product identifier, of each of these kinds, and which it is:
+//   u standard, with a USB image    s standard, without one    q QVXF    x no path of its own
+std::uint16_t productIdentifier(Decider& decider, const std::string& kinds, char& kind);
 
 // A progress read, whole or failed. `before` is the record as it stands; in the last poll only what
 // ends the polling.

@@ -73,7 +73,7 @@ void Tree::cut(const std::string& state) {
 }
 
 unsigned Walk::branch(unsigned count) {
-  if (mixed((number_ << 8U) + script_.size() + 128) % 4 == 0) return turn(count);
+  if (mixed((number_ << 8U) + script_.size() + 128) % 16 == 0) return turn(count);
   script_.push_back(0);
   return 0;
 }

@@ -15,6 +15,8 @@ class Decider {
   virtual ~Decider() = default;
   // One of `count` kinds of answer that the worker tells apart.
   virtual unsigned branch(unsigned count) = 0;
+  // The same, where none of the kinds is a failure, or any of them goes on.
+  virtual unsigned fork(unsigned count) { return branch(count); }
   // One of `count` that mean the same to the worker: all have their turn, in different dialogues.
   virtual unsigned turn(unsigned count) = 0;
   // What can still happen depends on the state alone, however the dialogue came here.
@@ -61,6 +63,7 @@ class Walk : public Decider {
   const Script& script() const { return script_; }
 
   unsigned branch(unsigned count) override;
+  unsigned fork(unsigned count) override { return turn(count); }
   unsigned turn(unsigned count) override;
   void cut(const std::string&) override {}
 

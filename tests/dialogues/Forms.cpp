@@ -1,5 +1,7 @@
 #include <stdexcept>
 
+#include <fmt/format.h>
+
 #include "tests/dialogues/Proof.h"
 
 namespace kelvane::dialogues {
@@ -43,17 +45,25 @@ Json withAnotherKey(Json entry) {
   return entry;
 }
 
+Form twoControllers(const char* name, const char* which, const char* firstKinds) {
+  return {name,
+          fmt::format("two controllers, {}", which),
+          waiting({entry(kFirst, "/a.img"), withAnotherKey(entry(kSecond, "/b.img"))}),
+          {kFirst, kSecond},
+          2,
+          3,
+          firstKinds};
+}
+
 }  // namespace
 
 const std::vector<Form>& forms() {
   static const std::vector<Form> all = {
       {"one", "one controller", waiting({entry(kFirst, "/a.img")}), {kFirst}, 1, 3},
-      {"two",
-       "two controllers",
-       waiting({entry(kFirst, "/a.img"), withAnotherKey(entry(kSecond, "/b.img"))}),
-       {kFirst, kSecond},
-       2,
-       3},
+      twoControllers("two-usb", "the first with a USB image", "u"),
+      twoControllers("two-standard", "the first without a USB image", "s"),
+      twoControllers("two-qvxf", "the first QVXF", "q"),
+      twoControllers("two-other", "the first without a path of its own", "x"),
       {"again",
        "the same controller twice, with two images",
        waiting({withAnotherKey(entry(kFirst, "/a.img")), entry(kFirst, "/b.img")}),
@@ -94,6 +104,12 @@ const std::vector<Form>& forms() {
        "a path that is longer than the record's room for it",
        waiting({entry(kFirst, ("/" + std::string(300, 'p') + ".img").c_str())}),
        {kFirst},
+       1,
+       1},
+      {"namesakes",
+       "two controllers of the same WWN, of which the first that answers is the one",
+       waiting({entry(kFirst, "/a.img")}),
+       {kFirst, kFirst},
        1,
        1},
       {"none",

@@ -1,6 +1,7 @@
 // The platform's files in memory: defined in place of platform/File.cpp, which the linker then
-// leaves out. There is a job file, a log that tells each of its lines, and the product's settings;
-// a dialogue that does no more with files than a firmware job may takes no system call.
+// leaves out; a function of its that is missing here makes the linker take both, and complain.
+// There is a job file, a log that tells each of its lines, and the product's settings: all that a
+// firmware job needs, without a disk.
 #pragma once
 
 #include <functional>

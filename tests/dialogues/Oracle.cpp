@@ -259,7 +259,8 @@ class Oracle {
     status_ = answer.status = judgedStatus(decider_);
     product_ = 0;
     char kind = kPlainKind;
-    if (status_ == 0) answer.value = product_ = productIdentifier(decider_, kind);
+    const std::string kinds = entries_ == 1 ? form_.firstKinds : "usqx";
+    if (status_ == 0) answer.value = product_ = productIdentifier(decider_, kinds, kind);
     say(fmt::format("zr_getControllerInfo(), u32Ret = {:x}", status_));
     if (pageKind_ != kNoPage) pageKind_ = kind;
     if (status_ != 0) return;
@@ -549,7 +550,7 @@ class Oracle {
         called("zr_mac_checkUSBFWVersion", addressed(fmt::format("{}, 0", entry.usbParm())));
     static constexpr std::uint32_t kFlags[] = {1, 2, 256, 0xFFFFFFFF};
     answer.status = usbStatus(decider_);
-    if (decider_.branch(2) == 0) answer.value = kFlags[decider_.turn(4)];
+    if (decider_.fork(2) == 0) answer.value = kFlags[decider_.turn(4)];
     const auto flag = static_cast<std::int32_t>(answer.value);
     if (answer.status != 0) return {answer.status, flag};
     const Status read = ask("zr_mac_getNVRAM", entry.usbNvram(), usbStatus);

@@ -20,6 +20,7 @@ struct Form {
   std::vector<std::string> wwns;  // the controllers, in the order of their discovery
   std::size_t adapters;           // the first ones; the others are subsystems
   unsigned polls;                 // at most, of each flash
+  std::string firstKinds = "usqx";  // what the first controller may be: see Answers.h
 };
 
 // The scripted framework's answer to one call.
