@@ -18,7 +18,7 @@ void expectNoDeviation(const Deviation& deviation) { ADD_FAILURE() << textOf(dev
 class EachForm : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(EachForm, WalksThroughItsDialoguesDoNotDeviate) {
-  constexpr std::uint64_t kWalks = 80;
+  constexpr std::uint64_t kWalks = 60;
   const Form& form = formNamed(GetParam());
   for (std::uint64_t number = 1; number <= kWalks; ++number) {
     Walk walk(number);
