@@ -453,8 +453,9 @@ class Oracle {
       }
       retries = record.retries;
       event("sleep 2");
+      if (!hasFailed) continue;
       entry.cpldEnd = "read failed";
-      if (hasFailed) return;
+      return;
     }
   }
 
@@ -523,7 +524,7 @@ class Oracle {
     interface.status = usbStatus(decider_);
     if (interface.status != 0) return interface.status;
     static constexpr std::uint32_t kBytes[][3] = {{1, 1, 1}, {0, 0, 0}, {2, 128, 255}};
-    const unsigned pick = decider_.branch(3);
+    const unsigned pick = decider_.fork(3);
     interface.value = kBytes[pick][decider_.turn(3)];
     if (pick != 0) return 0;
 

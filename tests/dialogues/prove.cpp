@@ -14,7 +14,7 @@ constexpr char kUsage[] =
     "usage: prove_dialogues [FORM]...       all dialogues of these forms of job, or of all\n"
     "       prove_dialogues forms           the forms\n"
     "       prove_dialogues FORM NUMBER     one dialogue, with all that is expected of it\n"
-    "       prove_dialogues FORM SCRIPT     the same by its script, which ends with a full stop\n";
+    "       prove_dialogues FORM SCRIPT     the same by its script, \"0.3.1\"\n";
 
 int listForms() {
   for (const Form& form : forms()) {
