@@ -1,5 +1,6 @@
 #include "tests/dialogues/Answers.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <map>
 #include <vector>
@@ -112,6 +113,23 @@ Progress progress(Decider& decider, const std::vector<Report>& reports, const Pr
   return failed;
 }
 
+bool holds(const Bytes& bytes, std::uint8_t byte) {
+  return std::find(bytes.begin(), bytes.end(), byte) != bytes.end();
+}
+
+// The last kind has all that the others have not.
+std::map<char, Bytes> highBytesByKind() {
+  const Bytes withUsbImage = {0x43, 0x44, 0x45, 0x46, 0x47, 0x88};
+  const Bytes qvxf = {0x48, 0x49};
+  constexpr std::uint8_t kWithoutUsbImage = 0x42;
+  Bytes others;
+  for (unsigned byte = 0; byte <= 0xFF; ++byte) others.push_back(static_cast<std::uint8_t>(byte));
+  std::erase_if(others, [&](std::uint8_t byte) {
+    return byte == kWithoutUsbImage || holds(withUsbImage, byte) || holds(qvxf, byte);
+  });
+  return {{'u', withUsbImage}, {'s', {kWithoutUsbImage}}, {'q', qvxf}, {'x', others}};
+}
+
 }  // namespace
 
 const char* textOf(std::uint32_t status) {
@@ -150,12 +168,7 @@ std::uint32_t cpldStartStatus(Decider& decider) {
 }
 
 std::uint16_t productIdentifier(Decider& decider, const std::string& kinds, char& kind) {
-  static const std::map<char, Bytes> kHighBytes = {
-      {'u', {0x43, 0x44, 0x45, 0x46, 0x47, 0x88}},
-      {'s', {0x42}},
-      {'q', {0x48, 0x49}},
-      {'x', {0x00, 0x01, 0x41, 0x4A, 0x84, 0x87, 0x89, 0xC8, 0xFF}},
-  };
+  static const std::map<char, Bytes> kHighBytes = highBytesByKind();
   kind = kinds[decider.fork(static_cast<unsigned>(kinds.size()))];
   const unsigned high = oneOf(decider, kHighBytes.at(kind));
   return static_cast<std::uint16_t>((high << 8U) | oneOf(decider, Bytes{0x01, 0x00, 0x42, 0xFF}));
