@@ -32,9 +32,9 @@ constexpr char kFooter[] =
     "(a worker that was started goes on).";
 
 std::vector<Command> allCommands() {
-  return {devicesCommand(),  queryCommand(),  downloadCommand(),  updateSwCommand(),
-          updateFwCommand(), retryCommand(),  watchCommand(),     listCommand(),
-          showCommand(),     removeCommand(), logCommand(),       checkCommand(),
+  return {devicesCommand(),  queryCommand(),  downloadCommand(),   updateSwCommand(),
+          updateFwCommand(), retryCommand(),  watchCommand(),      listCommand(),
+          showCommand(),     removeCommand(), logCommand(),        checkCommand(),
           explainCommand(),  reportCommand(), completionCommand(), valuesCommand()};
 }
 

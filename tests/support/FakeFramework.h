@@ -52,6 +52,10 @@ class FakeFramework {
   std::uint8_t interfaceByte = 1;
   std::uint32_t usbUpdateFlag = 1;
   std::function<void()> onCall;
+  // Where it is set, it is asked for every call's status, in place of `answers`, and may first set
+  // the fields above; the call is the last of `calls`.
+  std::function<std::uint32_t(const std::string& function)> decide;
+  bool failuresTellCounts = false;  // a failing count is written all the same
 
   // What was called, such as "zr_flashQVXFImage(0/0, 0)". Addresses are adapter/subsystem; records
   // show in brackets what the fake put into them, "zeroed" where all bytes are 0.
