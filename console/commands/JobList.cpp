@@ -85,13 +85,15 @@ JobList listedJobs(const Value& records, const Places& places) {
   const auto processes =
       places.isCopy ? std::vector<platform::RunningProcess>() : platform::runningProcesses();
   for (const Value& record : records.elements()) {
-    ListedJob& listed = jobs.emplace_back(ListedJob{.record = record});
-    if (!record.isDictionary()) continue;
-    listed.log = log.stretchOf(record);
-    listed.status = statusOf(record, listed.log);
-    if (!places.isCopy && !workerRuns(listed.status.logId, places.sharedFolder, processes)) {
-      markWithoutWorker(listed.status);
+    ListedJob listed{.record = record};
+    if (record.isDictionary()) {
+      listed.log = log.stretchOf(record);
+      listed.status = statusOf(record, listed.log);
+      const bool mayHaveWorker =
+          places.isCopy || workerRuns(listed.status.logId, places.sharedFolder, processes);
+      if (!mayHaveWorker) markWithoutWorker(listed.status);
     }
+    jobs.push_back(std::move(listed));
   }
   return jobs;
 }

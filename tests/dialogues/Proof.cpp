@@ -67,7 +67,7 @@ class Player {
       }
     }
     if (function == "zr_getCPLDProgress") framework_.cpldProgress = {answer.progress};
-    if (function.find("zr_getFlash") == 0) framework_.flashProgress = {answer.progress};
+    if (function.starts_with("zr_getFlash")) framework_.flashProgress = {answer.progress};
     return answer.status;
   }
 
@@ -98,7 +98,8 @@ std::string difference(const std::vector<std::string>& expected,
   std::string text;
   for (std::size_t i = 0; i < at; ++i) {
     // Of what is right, the calls and sleeps tell where we are.
-    if (expected[i].find("log ") != 0 && expected[i].find("write ") != 0 && expected[i] != "read") {
+    if (!expected[i].starts_with("log ") && !expected[i].starts_with("write ") &&
+        expected[i] != "read") {
       text += fmt::format("    {}\n", expected[i]);
     }
   }

@@ -37,41 +37,41 @@ class LoggedJobsTest : public ::testing::Test {
     }
     return words + (found->hasEnded ? "ended" : "open") + (found->isMixed ? " mixed" : "");
   }
-  void log(const std::string& text) { entries = parseLog(text); }
+  void writeLog(const std::string& text) { entries = parseLog(text); }
 
   std::vector<LogEntry> entries;
 };
 
 TEST_F(LoggedJobsTest, APartIsFromTheWorkersFirstEntryToTheJobsLastLine) {
-  log(line("init", "before") + taken("17") + line("updateFW", "step") + end("17") +
-      line("updateFW", "behind") + taken("18") + line("updateSW", "other"));
+  writeLog(line("init", "before") + taken("17") + line("updateFW", "step") + end("17") +
+           line("updateFW", "behind") + taken("18") + line("updateSW", "other"));
   EXPECT_EQ(partOf("17"), "before currentJobArray logId step updateAllFW ended");
   EXPECT_EQ(partOf("18"), "currentJobArray logId other open");
   EXPECT_EQ(partOf("19"), "none");
 }
 
 TEST_F(LoggedJobsTest, ALastLineBehindTheStartOfAnotherWorkerIsStillTheJobs) {
-  log(taken("17") + taken("18") + line("updateFW", "whose") + end("17") + end("18"));
+  writeLog(taken("17") + taken("18") + line("updateFW", "whose") + end("17") + end("18"));
   EXPECT_EQ(partOf("17"),
             "currentJobArray logId currentJobArray logId whose updateAllFW ended mixed");
   EXPECT_EQ(partOf("18"), "currentJobArray logId whose updateAllFW updateAllFW ended mixed");
 }
 
 TEST_F(LoggedJobsTest, ALastLineIsThatOfTheWorkerThatTookTheLogIdLast) {
-  log(taken("17") + line("updateFW", "killed") + taken("17") + line("updateFW", "again") +
-      end("17"));
+  writeLog(taken("17") + line("updateFW", "killed") + taken("17") + line("updateFW", "again") +
+           end("17"));
   EXPECT_EQ(partOf("17"), "currentJobArray logId again updateAllFW ended");
 }
 
 TEST_F(LoggedJobsTest, ALogThatBeginsWithALastLineHasNoWorkerForIt) {
-  log(end("17") + taken("17"));
+  writeLog(end("17") + taken("17"));
   EXPECT_EQ(partOf("17"), "currentJobArray logId open");
 }
 
 TEST_F(LoggedJobsTest, AnEmptyLogHasNone) { EXPECT_EQ(partOf("17"), "none"); }
 
 TEST_F(LoggedJobsTest, ARecordWithoutALogIdHasNone) {
-  log(taken(""));
+  writeLog(taken(""));
   EXPECT_FALSE(LoggedJobs(entries).find(platform::parseJson(R"({"log_id": 5})")));
   EXPECT_FALSE(LoggedJobs(entries).find(platform::parseJson("[]")));
 }
