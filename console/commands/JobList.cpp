@@ -64,14 +64,19 @@ std::string lengthText(const ListedJob& listed) {
   return timeText(listed.log.history->length) + (listed.status.isFinished() ? "" : "+");
 }
 
+// Log id, command and state.
+std::vector<std::string> nameCells(const ListedJob& listed) {
+  if (!listed.record.isDictionary()) return {"-", "(no record)", ""};
+  return {logIdText(listed.record), listed.status.command, stateText(listed)};
+}
+
 void addRow(const ListedJob& listed, bool withTimes, Table& table) {
   const JobStatus& status = listed.status;
-  std::vector<std::string> row = {"-", "(no record)", ""};
-  if (listed.record.isDictionary()) {
-    row = {logIdText(listed.record), status.command, stateText(listed)};
+  std::vector<std::string> row = nameCells(listed);
+  if (withTimes) {
+    row.push_back(hasStart(listed) ? listed.log.history->start : "");
+    row.push_back(lengthText(listed));
   }
-  if (withTimes)
-    row.insert(row.end(), {hasStart(listed) ? listed.log.history->start : "", lengthText(listed)});
   row.push_back(status.isFinished() ? resultNumber(status.result) : "");
   row.push_back(outcomeText(listed));
   table.addRow(std::move(row));
@@ -112,8 +117,12 @@ JobList lastOnes(JobList jobs, std::size_t count) {
 Table tableOf(const JobList& jobs) {
   const bool withTimes = std::any_of(jobs.begin(), jobs.end(), hasStart);
   std::vector<Column> columns = {{"Log id", true}, {"Command"}, {"State"}};
-  if (withTimes) columns.insert(columns.end(), {{"Start"}, {"Length", true}});
-  columns.insert(columns.end(), {{"Result", true}, {"Text"}});
+  if (withTimes) {
+    columns.push_back({"Start"});
+    columns.push_back({"Length", true});
+  }
+  columns.push_back({"Result", true});
+  columns.push_back({"Text"});
   Table table(std::move(columns));
   for (const ListedJob& listed : jobs) addRow(listed, withTimes, table);
   return table;
