@@ -146,17 +146,18 @@ int report(const ReportOptions& options, const Screen& screen) {
 }
 
 Command reportCommand() {
+  const std::vector<Option> own = {
+      bundleOption(),
+      {.names = {"-o", kOutput},
+       .kind = ValueKind::file,
+       .valueName = "FILE",
+       .description = "The file to be written; without it one in the current folder"},
+      {.names = {kRedact},
+       .kind = ValueKind::none,
+       .description = "Replace user names, home folders, WWNs and credentials in URLs"},
+      jsonFlag("Show where the report is as JSON for machines")};
   std::vector<Option> options = placeOptions();
-  options.insert(options.end(),
-                 {bundleOption(),
-                  {.names = {"-o", kOutput},
-                   .kind = ValueKind::file,
-                   .valueName = "FILE",
-                   .description = "The file to be written; without it one in the current folder"},
-                  {.names = {kRedact},
-                   .kind = ValueKind::none,
-                   .description = "Replace user names, home folders, WWNs and credentials in URLs"},
-                  jsonFlag("Show where the report is as JSON for machines")});
+  options.insert(options.end(), own.begin(), own.end());
   return {
       .name = "report",
       .description = "Write one file for a support ticket: what happened, where, what to do",

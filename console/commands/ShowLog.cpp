@@ -235,29 +235,30 @@ int followLog(const ShowLogOptions& options, Clock& clock, const Screen& screen)
 }
 
 Command logCommand() {
+  const std::vector<Option> own = {
+      jsonFlag(),
+      {.names = {kLevel},
+       .kind = ValueKind::choice,
+       .valueName = "LEVEL",
+       .description = "The least level that is shown",
+       .choices = {std::begin(logging::kLevels), std::end(logging::kLevels)}},
+      {.names = {kFunction},
+       .valueName = "NAME",
+       .description = "Show the entries of this function alone"},
+      {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"},
+      {.names = {kJob},
+       .kind = ValueKind::logId,
+       .valueName = "LOG_ID",
+       .description = "Show what the worker of this job wrote"},
+      {.names = {kTail}, .valueName = "N", .description = "Show the last N entries"},
+      {.names = {kFollow},
+       .kind = ValueKind::none,
+       .description = "Go on with what is written, until an interrupt"},
+      {.names = {kRotate},
+       .kind = ValueKind::none,
+       .description = "Move a log of 100 MiB or more to its next generation"}};
   std::vector<Option> options = placeOptions();
-  options.insert(options.end(),
-                 {jsonFlag(),
-                  {.names = {kLevel},
-                   .kind = ValueKind::choice,
-                   .valueName = "LEVEL",
-                   .description = "The least level that is shown",
-                   .choices = {std::begin(logging::kLevels), std::end(logging::kLevels)}},
-                  {.names = {kFunction},
-                   .valueName = "NAME",
-                   .description = "Show the entries of this function alone"},
-                  {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"},
-                  {.names = {kJob},
-                   .kind = ValueKind::logId,
-                   .valueName = "LOG_ID",
-                   .description = "Show what the worker of this job wrote"},
-                  {.names = {kTail}, .valueName = "N", .description = "Show the last N entries"},
-                  {.names = {kFollow},
-                   .kind = ValueKind::none,
-                   .description = "Go on with what is written, until an interrupt"},
-                  {.names = {kRotate},
-                   .kind = ValueKind::none,
-                   .description = "Move a log of 100 MiB or more to its next generation"}});
+  options.insert(options.end(), own.begin(), own.end());
   return {
       .name = "log",
       .description = "Show the worker's log, objects folded",

@@ -26,7 +26,7 @@ _kelvane_console() {
   local -a typed
   typed=("${(@)words[2,CURRENT-1]}")
   typeset -A opt_args
-  _arguments -C \
+  _arguments -C -A "-*" \
 )zsh";
 
 constexpr char kCommands[] = R"(    '1:command:->command' \
