@@ -117,7 +117,7 @@ TEST_F(Report, OfAnInstallationWithoutPermission) {
             HasSubstr("but what stands at " + (folder / "Installed.app") + " is not the package: "),
             HasSubstr("<dd>Mend what the system&#39;s tools complained of, such as a "
                       "missing permission"),
-            HasSubstr("<li>/bin/rm: "), HasSubstr("Permission denied</li>"),
+            HasSubstr("<li>standard error: /bin/rm: "), HasSubstr("Permission denied</li>"),
             HasSubstr("<th scope=\"row\" class=\"path\">" + (folder / "Installed.app") +
                       "</th><td class=\"short\">folder</td><td class=\"short\">drwx")));
 }
