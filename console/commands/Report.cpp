@@ -38,12 +38,13 @@ ReportMatter matterOf(const ReportOptions& options) {
   return matter;
 }
 
-// What a file's name cannot hold of a log id is left out of it.
-std::string defaultName(const ReportMatter& matter) {
+// What a file's name cannot hold of a log id is left out of it; of a redacted report all, as an
+// application may put anything into log ids.
+std::string defaultName(const ReportMatter& matter, bool redact) {
   constexpr std::string_view kPlain =
       "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_-";
   constexpr std::size_t kLongest = 64;
-  if (!matter.hasJob()) return "kelvane-report.html";
+  if (!matter.hasJob() || redact) return "kelvane-report.html";
   std::string name = "kelvane-report-";
   for (const char character : statusOf(matter.record).logId.substr(0, kLongest)) {
     name += kPlain.find(character) == std::string_view::npos ? '_' : character;
@@ -133,7 +134,8 @@ int runReport(const Given& given, const Screen& screen) {
 int report(const ReportOptions& options, const Screen& screen) {
   if (!options.output.empty()) requireOwn(options.output);
   const ReportMatter matter = matterOf(options);
-  const std::string path = options.output.empty() ? defaultName(matter) : options.output;
+  const std::string path =
+      options.output.empty() ? defaultName(matter, options.redact) : options.output;
   const bool hasReplaced = requireOwn(path);
   const ReportPage page = reportPage(matter, options.redact);
   write(path, page.text);

@@ -19,6 +19,7 @@ std::optional<seconds> timeOfDay(const std::string& time) {
     const auto [rest, failed] = std::from_chars(start, start + 2, parts[i]);
     if (failed != std::errc() || rest != start + 2 || parts[i] < 0) return std::nullopt;
   }
+  if (parts[0] > 23 || parts[1] > 59 || parts[2] > 60) return std::nullopt;  // 60: a leap second
   return hours(parts[0]) + std::chrono::minutes(parts[1]) + seconds(parts[2]);
 }
 

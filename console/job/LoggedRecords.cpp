@@ -34,11 +34,15 @@ bool isNumbersKey(const std::string& key) {
   return std::find(std::begin(kNumbers), std::end(kNumbers), key) != std::end(kNumbers);
 }
 
+// As JSON writes them, and no longer than the worker can have written one.
 bool isWholeNumber(const Value& value) {
+  constexpr std::size_t kMostDigits = 18;
   if (!value.isString()) return false;
-  const std::string& digits = value.string();
-  const std::size_t sign = digits.substr(0, 1) == "-" ? 1 : 0;
-  return digits.size() > sign && digits.find_first_not_of("0123456789", sign) == std::string::npos;
+  std::string_view digits = value.string();
+  if (digits.substr(0, 1) == "-") digits.remove_prefix(1);
+  if (digits.empty() || digits.size() > kMostDigits) return false;
+  if (digits.front() == '0' && digits.size() > 1) return false;
+  return digits.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 // Logged values are no deeper than the job file.

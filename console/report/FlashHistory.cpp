@@ -1,9 +1,12 @@
 #include "console/report/FlashHistory.h"
 
+#include <algorithm>
 #include <charconv>
+#include <optional>
 #include <string_view>
 
 #include "console/job/FlashSteps.h"
+#include "console/job/LogTime.h"
 #include "console/job/LoggedValue.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
@@ -44,35 +47,19 @@ bool startsWith(const std::string& text, std::string_view start) {
   return text.rfind(start, 0) == 0;
 }
 
-int twoDigits(const std::string& text, std::size_t at) {
-  return (text[at] - '0') * 10 + (text[at + 1] - '0');
-}
-
-// Of the log's "14:03:07".
-JobTime timeOfDay(const std::string& clock) {
-  return std::chrono::hours(twoDigits(clock, 0)) + std::chrono::minutes(twoDigits(clock, 3)) +
-         std::chrono::seconds(twoDigits(clock, 6));
-}
-
 // The time that passes from entry to entry.
 class LogClock {
  public:
   JobTime at(const LogEntry& entry) {
-    if (entry.time.empty()) return passed_;
-    const JobTime now = timeOfDay(entry.time);
-    if (started_) {
-      const JobTime step = now - last_;
-      if (step.count() >= 0) passed_ += step;
-      if (step < -kDay / 2) passed_ += step + kDay;
-    }
-    started_ = true;
+    const std::optional<JobTime> now = timeOfDay(entry.time);
+    if (!now) return passed_;
+    if (last_) passed_ += timePassed(*last_, *now);
     last_ = now;
     return passed_;
   }
 
  private:
-  bool started_ = false;
-  JobTime last_{0};
+  std::optional<JobTime> last_;
   JobTime passed_{0};
 };
 
@@ -82,7 +69,7 @@ int percentIn(const Value& entry, const char* key) {
   if (!value.isString()) return 0;
   const std::string& text = value.string();
   std::from_chars(text.data(), text.data() + text.size(), percent);
-  return percent;
+  return std::clamp(percent, 0, 100);
 }
 
 std::string textOf(const Value& value) { return value.isString() ? value.string() : ""; }
@@ -250,8 +237,9 @@ FlashHistory flashHistoryOf(std::span<const LogEntry> entries, const Value& reco
 }
 
 std::string clockAt(const FlashHistory& history, JobTime time) {
-  if (history.startedAt.empty()) return {};
-  const JobTime clock = (timeOfDay(history.startedAt) + time) % kDay;
+  const std::optional<JobTime> start = timeOfDay(history.startedAt);
+  if (!start) return {};
+  const JobTime clock = (*start + time) % kDay;
   const auto seconds = static_cast<long>(clock.count());
   return platform::format("%02ld:%02ld:%02ld", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }

@@ -48,6 +48,7 @@ Verdict verdictOnFinished(const JobStatus& status, const Explanation& told) {
 Verdict verdictOn(const JobStatus& status, const Explanation& told, const ReportMatter& matter) {
   if (!matter.installationFault.empty()) return {"Failed", "bad"};
   if (status.isFinished()) return verdictOnFinished(status, told);
+  if (matter.subject.places.isCopy) return {"Not finished", "open"};  // then, or not told
   if (!status.hasNoWorker) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
   if (status.state == job::kRun) return {"Left undone", "bad"};
   if (mayHaveBeenDone(matter.record, matter.log)) return {"Unclear", "bad"};

@@ -67,6 +67,7 @@ TEST_F(Report, OfACopyItTellsOfNoWorkersAndOfNoOwners) {
   options.bundle = "/Manager/Manager.app";
   EXPECT_EQ(run(), kSuccess);
   EXPECT_THAT(written(), AllOf(HasSubstr("this is a copy: whether a worker runs was not looked at"),
+                               HasSubstr("<strong>Not finished</strong>"),
                                HasSubstr("No bundle goes with a copy."),
                                Not(HasSubstr("/Manager/Manager.app")), Not(HasSubstr("drwx"))));
 }

@@ -12,10 +12,12 @@ using std::chrono::seconds;
 TEST(LogTime, IsTheTimeSinceMidnight) {
   EXPECT_EQ(timeOfDay("14:03:07"), seconds(50587));
   EXPECT_EQ(timeOfDay("00:00:00"), seconds(0));
+  EXPECT_EQ(timeOfDay("23:59:60"), seconds(86400));
 }
 
 TEST(LogTime, OfAnyOtherTextThereIsNone) {
-  for (const char* text : {"", "14:03:0", "14:03:077", "14-03-07", "14:03:x7", "-4:03:07"}) {
+  for (const char* text : {"", "14:03:0", "14:03:077", "14-03-07", "14:03:x7", "-4:03:07",
+                           "24:00:00", "14:60:00", "14:03:61", "99:99:99"}) {
     EXPECT_EQ(timeOfDay(text), std::nullopt) << text;
   }
 }

@@ -33,6 +33,14 @@ TEST(LoggedRecords, HaveTheirNumbersAgain) {
       {"fw_percentage": 50, "version": "17", "size": 12}], "n": "1"}, {"result": "none"}])"));
 }
 
+TEST(LoggedRecords, HaveNoNumbersThatJsonHasNot) {
+  for (const char* text : {"007", "00", "-", "-01", "1234567890123456789", "1.5", "+1"}) {
+    const Value record = Value::dictionary({{"result", text}});
+    const std::string log = line("currentJobArray = " + platform::describe(Value::array({record})));
+    EXPECT_EQ(lastRecordsIn(parseLog(log)).at(0).get("result"), Value(text)) << text;
+  }
+}
+
 TEST(LoggedRecords, ThatAreCutAreNotTaken) {
   const std::string whole = line("currentJobArray = " + shown(R"([{"log_id": "1"}])"));
   const std::string cut = line("writeJSONFile, newArray = (\n        {\n        \"log_id\" = 2");

@@ -164,6 +164,21 @@ TEST(FlashHistory, OtherJobsInTheJobFileAreNotThisOnes) {
   EXPECT_THAT(pointsOf(log.history().controllers[0]), ElementsAre("0 0/0/0"));
 }
 
+TEST(FlashHistory, NoPercentageIsBelowNothingOrAboveAll) {
+  TimedLog log({"A1"});
+  log.step("updateFW", "devId = 0, filePath = a.img");
+  log.pass(5).written({{-2147483647, 101, 2147483647}});
+  EXPECT_THAT(pointsOf(log.history().controllers[0]), ElementsAre("0 0/0/0", "5 0/100/100"));
+}
+
+TEST(FlashHistory, ATimeThatIsNoneLetsNoTimePass) {
+  const auto entries = parseLog(
+      "[14:00:00] [x.cpp][1][updateFW][debug] devId = 0, filePath = a.img\n"
+      "[99:99:99] [x.cpp][1][updateFW][debug] x\n"
+      "[14:00:05] [x.cpp][1][updateFW][debug] y\n");
+  EXPECT_EQ(flashHistoryOf(entries, TimedLog({"A1"}).record()).length.count(), 5);
+}
+
 TEST(FlashHistory, WithoutEntriesThereIsNone) {
   const FlashHistory history = flashHistoryOf({}, TimedLog({"A1"}).record());
   EXPECT_EQ(history.startedAt, "");
