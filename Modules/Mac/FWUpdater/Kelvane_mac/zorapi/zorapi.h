@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "contract/Framework.h"
 
@@ -141,6 +142,7 @@ struct UsbParm {
   std::uint8_t at8;
   std::uint8_t at9;
   std::uint8_t at10;
+  std::uint8_t at11;
   std::uint16_t at12;
   std::uint8_t at14;
   std::uint8_t at15;
@@ -151,9 +153,11 @@ struct UsbParm {
   std::uint8_t at23[16];
   std::uint8_t at39[24];
   std::uint8_t at63[24];
+  std::uint8_t at87;
   std::uint32_t flashRequest;  // 1 asks for the bridge to be written
 };
 static_assert(sizeof(UsbParm) == 92);
+static_assert(std::has_unique_object_representations_v<UsbParm>);  // zeroed, it is zero throughout
 static_assert(offsetof(UsbParm, usb_u32checkUSB) == 0);
 static_assert(offsetof(UsbParm, at4) == 4);
 static_assert(offsetof(UsbParm, at8) == 8);
@@ -173,9 +177,11 @@ static_assert(offsetof(UsbParm, flashRequest) == 88);
 
 struct CpldParm {
   std::uint16_t at0;
+  std::uint8_t at2[2];
   std::uint32_t at4[6];
 };
 static_assert(sizeof(CpldParm) == 28);
+static_assert(std::has_unique_object_representations_v<CpldParm>);
 static_assert(offsetof(CpldParm, at0) == 0);
 static_assert(offsetof(CpldParm, at4) == 4);
 
