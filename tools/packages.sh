@@ -7,8 +7,6 @@ test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-
   procps zsh fish chromium fonts-dejavu-core)
 benchmark_packages=(python3 strace linux-perf gnuplot-nox)
 style_packages=(git clang-format clang-tidy cppcheck shellcheck lintian)
-# For tools/mutate.
-mutation_packages=(git python3 bubblewrap)
 # The second compiler, and the test library's sources for its runtime. The last is for the client in
 # Objective-C.
 clang_packages=(clang-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev googletest

@@ -9,7 +9,6 @@
 #include "console/command_line/CommandTable.h"
 #include "console/command_line/completion/Completion.h"
 #include "console/job/ExitCode.h"
-#include "console/job/JobFileLock.h"
 #include "console/job/StandardError.h"
 #include "console/manual/ManualPage.h"
 #include "contract/JobFile.h"
@@ -161,7 +160,7 @@ TEST(WorkerManual, NamesEveryPathAndNoOther) {
 
 TEST(ConsoleManual, NamesTheFilesThatItReads) {
   EXPECT_EQ(textsOf(".I", part(consolePage(), ".SH FILES")),
-            (Names{paths::kJobFile, paths::kLog, console::lockPath(paths::kJobFile),
+            (Names{paths::kJobFile, paths::kLog, paths::kJobFile + std::string(".lock"),
                    console::standardErrorPath("", "LOG_ID")}));
 }
 

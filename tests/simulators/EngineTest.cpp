@@ -256,7 +256,9 @@ TEST_F(UpdateEngine, APackageThatIsNeitherFileNorFolderIsTold) {
 
 TEST_F(UpdateEngine, AFolderThatCannotBeMadeIsTold) {
   const std::string file = folder.write("plain", "");
-  EXPECT_EQ(complaint(with("-folder", file)), "make folder " + file + ": Not a directory");
+  const std::string start = "make folder " + file + ": ";
+  EXPECT_THAT(complaint(with("-folder", file)),  // the C++ runtimes name different causes
+              ::testing::AnyOf(start + "Not a directory", start + "File exists"));
 }
 
 // --- the settings
