@@ -123,7 +123,7 @@ std::size_t readSome(const Descriptor& file, const std::string& path, char* room
 // read of it till then. Each piece is compared while it is in the processor's cache.
 bool readKnown(const Descriptor& file, const std::string& path, std::string_view known,
                std::string& bytes) {
-  constexpr std::size_t kPiece = 256 * 1024;
+  constexpr std::size_t kPiece = std::size_t{256} * 1024;
   // Room for one byte more than there should be: the last reading tells the end.
   std::string piece(std::min(known.size() + 1, kPiece), '\0');
   for (std::size_t same = 0;;) {
