@@ -26,6 +26,11 @@ std::size_t countIn(const std::string& text, const std::string& option) {
   return count;
 }
 
+std::string withoutSlashAtEnd(std::string folder) {
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+  return folder;
+}
+
 std::string asPrefix(const std::string& folder) {
   requireText(folder, "the shared folder");
   return folder.back() == '/' ? folder : folder + "/";

@@ -22,6 +22,9 @@ std::string existingShared(const std::string& folder);
 // The same of one that the worker has been told of: there is a part in it of what the two share.
 std::string workersShared(const std::string& folder);
 
+// A folder's path without "/" at its end.
+std::string withoutSlashAtEnd(std::string folder);
+
 // The absolute path of something that may or may not be there.
 std::string absolutePath(const std::string& path, const std::string& what);
 

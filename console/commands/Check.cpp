@@ -101,11 +101,6 @@ Findings cataloguesOfJobs(const std::string& sharedFolder, const std::string& bu
 }
 
 // The bundle's path without "/" at its end.
-std::string trimmed(std::string bundle) {
-  while (bundle.size() > 1 && bundle.back() == '/') bundle.pop_back();
-  return bundle;
-}
-
 int runCheck(const Given& given, const Screen& screen) {
   return check({.sharedFolder = given.text(kSharedOption),
                 .bundle = given.text(kBundleOption),
@@ -135,7 +130,7 @@ int check(const CheckOptions& options, const Screen& screen) {
   const bool isCopy = options.copy.offline;  // a folder that is no copy may be a finding itself
   const Places places =
       placesOf(options.sharedFolder, options.copy, isCopy ? workersShared : asPrefix);
-  const std::string bundle = trimmed(options.bundle);
+  const std::string bundle = withoutSlashAtEnd(options.bundle);
   const Findings findings = findingsOf(places, bundle);
   if (screen.json) {
     showJson(findings, screen);

@@ -22,18 +22,13 @@ using platform::Value;
 
 namespace {
 
-// Without "/" at its end.
-std::string trimmed(std::string folder) {
-  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
-  return folder;
-}
-
 ReportMatter matterOf(const ReportOptions& options) {
   const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
-  ReportMatter matter = gatherReport({.version = KELVANE_VERSION,
-                                      .places = places,
-                                      .bundle = places.isCopy ? "" : trimmed(options.bundle),
-                                      .logId = options.logId});
+  ReportMatter matter =
+      gatherReport({.version = KELVANE_VERSION,
+                    .places = places,
+                    .bundle = places.isCopy ? "" : withoutSlashAtEnd(options.bundle),
+                    .logId = options.logId});
   matter.findings = findingsOf(places, matter.subject.bundle);
   return matter;
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "console/job/LoggedJobs.h"
+#include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
 #include "contract/JobFile.h"
 
@@ -27,7 +28,6 @@ constexpr std::string_view kCompleted = "Flash Completed.";
 constexpr std::string_view kCpldBegun = "Start transferring CPLD image";
 constexpr std::string_view kTransfer = "Start transferring image";
 constexpr std::string_view kQvxfTransfer = "[WRONG] zr_transferQVXFFlashImage = ";
-constexpr std::string_view kWritten = "writeJSONFile, newArray = ";
 
 bool startsWith(const std::string& text, std::string_view start) {
   return text.rfind(start, 0) == 0;
@@ -97,7 +97,7 @@ const Value* entryNamed(const Value& entries, const char* key, const std::string
 // The percentage in the worker's version of the job file that this entry shows.
 std::optional<int> firmwareIn(const LogEntry& entry, const std::string& logId,
                               const std::string& wwn) {
-  const Value records = parseLogged(std::string_view(entry.message).substr(kWritten.size()));
+  const Value records = parseLogged(std::string_view(entry.message).substr(kRecordsWritten.size()));
   const Value* record = entryNamed(records, job::kLogId, logId);
   if (record == nullptr) return std::nullopt;
   const Value* progress = entryNamed(record->get(job::kOutput), job::kWwn, wwn);
@@ -144,7 +144,7 @@ std::optional<int> firmwareBeforeTheEnd(std::span<const LogEntry> entries, const
                                         const std::string& wwn) {
   constexpr int kWhole = 100;
   for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-    if (!startsWith(entry->message, kWritten)) continue;
+    if (!startsWith(entry->message, kRecordsWritten)) continue;
     const std::optional<int> firmware = firmwareIn(*entry, logId, wwn);
     if (!firmware || *firmware < kWhole) return firmware;
   }

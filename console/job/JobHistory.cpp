@@ -1,10 +1,9 @@
 #include "console/job/JobHistory.h"
 
-#include <charconv>
-#include <cstdint>
 #include <string_view>
 
 #include "console/job/LogTime.h"
+#include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
 #include "contract/JobFile.h"
 
@@ -15,36 +14,6 @@ using platform::Value;
 namespace {
 
 using std::chrono::seconds;
-
-constexpr std::string_view kWritten = "writeJSONFile, newArray = ";
-
-// The log shows numbers as texts.
-void takeNumber(Value& container, const char* key) {
-  if (!container.get(key).isString()) return;
-  const std::string digits = container.get(key).string();
-  std::int64_t number = 0;
-  const auto [rest, failed] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (failed == std::errc() && rest == digits.data() + digits.size()) {
-    container.set(key, Value::integer(number));
-  }
-}
-
-Value withNumbers(Value record) {
-  takeNumber(record, job::kResult);
-  if (!record.get(job::kOutput).isArray()) return record;
-  Value output = Value::array();
-  for (const Value& entry : record.get(job::kOutput).elements()) {
-    Value one = entry;
-    if (one.isDictionary()) {
-      for (const char* key : {job::kCpldPercentage, job::kFwPercentage, job::kTotalPercentage}) {
-        takeNumber(one, key);
-      }
-    }
-    output.append(std::move(one));
-  }
-  record.set(job::kOutput, std::move(output));
-  return record;
-}
 
 // The job's record in this version of the job file; nothing where it shows none.
 Value recordIn(std::string_view version, const std::string& logId) {
@@ -68,8 +37,8 @@ std::optional<JobHistory> historyOf(std::span<const LogEntry> entries, const std
     if (!history) history = JobHistory{.logId = logId, .start = entry.time, .lastLine = *time};
     history->length += timePassed(history->lastLine, *time);
     history->lastLine = *time;
-    if (entry.message.rfind(kWritten, 0) != 0) continue;
-    const std::string_view text = std::string_view(entry.message).substr(kWritten.size());
+    if (entry.message.rfind(kRecordsWritten, 0) != 0) continue;
+    const std::string_view text = std::string_view(entry.message).substr(kRecordsWritten.size());
     // The worker writes the same again and again.
     std::vector<JobHistory::Version>& all = history->versions;
     if (all.empty() || all.back().text != text) all.push_back({history->length, std::string(text)});

@@ -14,7 +14,7 @@ using platform::Value;
 
 namespace {
 
-constexpr std::string_view kBeforeRecords[] = {"currentJobArray = ", "writeJSONFile, newArray = "};
+constexpr std::string_view kBeforeRecords[] = {"currentJobArray = ", kRecordsWritten};
 
 constexpr std::string_view kNone = "(null)";  // of a file that could not be read
 
@@ -45,30 +45,30 @@ bool isWholeNumber(const Value& value) {
   return digits.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+}  // namespace
+
 // Logged values are no deeper than the job file.
-Value typed(const Value& logged) {
+Value withNumbers(const Value& logged) {
   if (logged.isArray()) {
     Value all = Value::array();
-    for (const Value& element : logged.elements()) all.append(typed(element));
+    for (const Value& element : logged.elements()) all.append(withNumbers(element));
     return all;
   }
   if (!logged.isDictionary()) return logged;
   Value object = Value::dictionary();
   for (const auto& [key, value] : logged.entries()) {
     const bool isNumber = isNumbersKey(key) && isWholeNumber(value);
-    object.set(key, isNumber ? Value::number(value.string()) : typed(value));
+    object.set(key, isNumber ? Value::number(value.string()) : withNumbers(value));
   }
   return object;
 }
-
-}  // namespace
 
 Value lastRecordsIn(const std::vector<LogEntry>& entries) {
   for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
     const std::string_view text = recordsTextOf(*entry);
     if (text.empty() || text == kNone) continue;
     const Value records = parseLogged(text);
-    if (records.isArray()) return typed(records);
+    if (records.isArray()) return withNumbers(records);
   }
   return {};
 }

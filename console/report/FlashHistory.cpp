@@ -7,6 +7,7 @@
 
 #include "console/job/FlashSteps.h"
 #include "console/job/LogTime.h"
+#include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
@@ -22,7 +23,6 @@ constexpr JobTime kDay{24 * 60 * 60};
 constexpr std::string_view kController = "devId = ";
 constexpr std::string_view kRetry = "Found error, try to flash CPLD again";
 constexpr std::string_view kCompleted = "Flash Completed.";
-constexpr std::string_view kWritten = "writeJSONFile, newArray = ";
 constexpr char kOfController[] = "updateFW";
 constexpr char kOfCpld[] = "flashCPLD";
 
@@ -100,7 +100,7 @@ class Historian {
   void take(const LogEntry& entry) {
     now_ = clock_.at(entry);
     ++number_;
-    if (startsWith(entry.message, kWritten)) {
+    if (startsWith(entry.message, kRecordsWritten)) {
       takeWritten(entry);
     } else if (entry.function == kOfController || entry.function == kOfCpld) {
       takeStep(entry);
@@ -166,7 +166,8 @@ class Historian {
   // --- percentages
 
   void takeWritten(const LogEntry& entry) {
-    const Value records = parseLogged(std::string_view(entry.message).substr(kWritten.size()));
+    const Value records =
+        parseLogged(std::string_view(entry.message).substr(kRecordsWritten.size()));
     if (!records.isArray()) return;
     for (const Value& record : records.elements()) {
       if (!record.isDictionary() || record.get(job::kLogId) != Value(logId_)) continue;

@@ -152,7 +152,7 @@ void showVersions(Html& page, const ReportMatter& matter) {
     }
     const std::string engine = enginePath(matter.subject.places);
     if (!engine.empty()) addFile(table, "update engine", kUntold, engine);
-    table.addRow({"system", systemText(), "", "", ""});
+    table.addRow({"system that made the report", systemText(), "", "", ""});
   }
   page.label("p",
              "Nothing is started for this: where a piece tells no version, its size and the time "
@@ -180,6 +180,11 @@ void showSettings(Html& page, const ReportMatter& matter, bool isRedacted) {
 
 void showDiskEntries(Html& page, const ReportMatter& matter) {
   openSection(page, "places", "Owners and permissions");
+  if (matter.subject.places.isCopy) {
+    page.label("p", "A copy's owners and permissions tell nothing of what it was made of.");
+    page.close();
+    return;
+  }
   page.open("p");
   page.words("The report was made by ");
   page.text(userName(::geteuid()));

@@ -69,7 +69,9 @@ TEST_F(Report, OfACopyItTellsOfNoWorkersAndOfNoOwners) {
   EXPECT_THAT(written(), AllOf(HasSubstr("this is a copy: whether a worker runs was not looked at"),
                                HasSubstr("<strong>Not finished</strong>"),
                                HasSubstr("No bundle goes with a copy."),
-                               Not(HasSubstr("/Manager/Manager.app")), Not(HasSubstr("drwx"))));
+                               Not(HasSubstr("/Manager/Manager.app")),
+                               HasSubstr("A copy&#39;s owners and permissions tell nothing"),
+                               HasSubstr("system that made the report"), Not(HasSubstr("drwx"))));
 }
 
 TEST_F(Report, OfAJobFileThatWasMailed) {
