@@ -116,12 +116,4 @@ bool isSystemRuntime(const std::string& library) {
          library.rfind("ld-linux", 0) == 0;
 }
 
-bool isSecondRuntime(const std::string& library) {
-#ifdef _LIBCPP_VERSION
-  return isOneOf({"libc++.so.1", "libc++abi.so.1", "libunwind.so.1"}, library);
-#else
-  return library.empty();  // of no library
-#endif
-}
-
 }  // namespace kelvane::test

@@ -38,10 +38,5 @@ Hardening hardeningOf(const std::string& path);
 
 // Of the system's C and C++ runtime.
 bool isSystemRuntime(const std::string& library);
-// Of the runtime of the second compiler, in a build with it. No other build may need it.
-bool isSecondRuntime(const std::string& library);
-inline bool isRuntime(const std::string& library) {
-  return isSystemRuntime(library) || isSecondRuntime(library);
-}
 
 }  // namespace kelvane::test

@@ -57,7 +57,7 @@ class InstalledTree : public ::testing::Test {
   // What it needs beyond the system's runtime.
   static Names neededBeyondRuntime(const std::string& path) {
     Names needed = neededLibraries(path);
-    std::erase_if(needed, isRuntime);
+    std::erase_if(needed, isSystemRuntime);
     return needed;
   }
   static Names broughtAlong() { return bundle->names("Contents/Frameworks"); }
@@ -115,7 +115,7 @@ TEST_F(InstalledTree, LibrariesAreFoundInTheBundleAlsoWhenItHasMoved) {
   for (const std::string& program : programs) {
     for (const auto& [library, found] : loadedLibraries(moved / program)) {
       const bool isInBundle = found == moved / "Contents/Frameworks" / library;
-      EXPECT_EQ(isInBundle, !isRuntime(library)) << program << ": " << library << found;
+      EXPECT_EQ(isInBundle, !isSystemRuntime(library)) << program << ": " << library << found;
       EXPECT_NE(found, "") << program << ": " << library;
     }
   }
@@ -127,12 +127,7 @@ TEST_F(InstalledTree, LibrariesAreLookedForRelativeToTheProgram) {
   }
 }
 
-// The checks of the sanitizers name the sources, as the compiler was given them.
-#ifdef KELVANE_SANITIZED
-const Names kPlacesOfTheBuild = {KELVANE_BUILD};
-#else
 const Names kPlacesOfTheBuild = {KELVANE_BUILD, KELVANE_SOURCES};
-#endif
 
 TEST_F(InstalledTree, NothingNamesThePlaceWhereItWasBuilt) {
   for (const std::string& binary : binaries()) {

@@ -187,7 +187,6 @@ TEST_F(DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsProgramsNeed) {
   for (const std::string& file : binariesBelow(folder.path())) {
     for (const std::string& library : neededLibraries(folder / file)) {
       if (platform::exists(folder / ("usr/lib/kelvane/Contents/Frameworks/" + library))) continue;
-      if (isSecondRuntime(library)) continue;  // not for anyone but those who build it
       EXPECT_TRUE(isSystemRuntime(library)) << file << ": " << library;
       EXPECT_THAT(depends, HasSubstr(packageOf(library) + " (>= ")) << file << ": " << library;
     }
