@@ -76,6 +76,7 @@ function(kelvane_third_party component)
     COMMENT "Notices and bill of materials of the ${component}" VERBATIM)
   add_custom_target(kelvane_third_party_${component} ALL
                     DEPENDS ${base}-notices.txt ${base}.cdx.json)
+  add_dependencies(programs kelvane_third_party_${component})
 endfunction()
 
 function(kelvane_install_third_party component destination)

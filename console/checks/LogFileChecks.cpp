@@ -14,9 +14,11 @@ constexpr char kNothingLogged[] =
     "Nothing is logged, and jobs run all the same: what a job did cannot be told afterwards.";
 
 Finding missing(const std::string& path) {
-  return {Code::logMissing, Severity::warning, "open " + path + ": No such file or directory",
-          std::string("The worker never makes the log. ") + kNothingLogged,
-          "Make an empty file there."};
+  Finding finding{Code::logMissing, Severity::warning, "open ", "The worker never makes the log. ",
+                  "Make an empty file there."};
+  finding.what.append(path).append(": No such file or directory");
+  finding.meaning += kNothingLogged;
+  return finding;
 }
 
 Finding notAFile(const std::string& path, EntryKind kind) {
@@ -54,12 +56,16 @@ Findings logFileFindings(const std::string& path) {
 }
 
 Findings logCopyFindings(const std::string& path) {
+  Findings findings;
   const EntryKind kind = kindOf(path);
-  if (kind == EntryKind::missing) return {missing(path)};
-  if (kind == EntryKind::folder || kind == EntryKind::other) return {notAFile(path, kind)};
-  const std::uint64_t bytes = platform::fileSize(path);
-  if (bytes < kLargeFrom) return {};
-  return {large(path, bytes)};
+  if (kind == EntryKind::missing) {
+    findings.push_back(missing(path));
+  } else if (kind == EntryKind::folder || kind == EntryKind::other) {
+    findings.push_back(notAFile(path, kind));
+  } else if (const std::uint64_t bytes = platform::fileSize(path); bytes >= kLargeFrom) {
+    findings.push_back(large(path, bytes));
+  }
+  return findings;
 }
 
 }  // namespace kelvane::console
