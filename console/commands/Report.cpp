@@ -151,7 +151,7 @@ Command reportCommand() {
        .description = "The file to be written; without it one in the current folder"},
       {.names = {kRedact},
        .kind = ValueKind::none,
-       .description = "Replace user names, home folders, WWNs and credentials in URLs"},
+       .description = "Replace user names, home folders, WWNs and credentials by stand-ins"},
       jsonFlag("Show where the report is as JSON for machines")};
   std::vector<Option> options = placeOptions();
   options.insert(options.end(), own.begin(), own.end());

@@ -15,8 +15,8 @@ constexpr std::string_view kAsciiEllipsis = "...";
 
 // The start of the character that stands at this byte, so that none is cut; of the first character
 // its end, as a line has to hold something.
-std::size_t characterStart(const std::string& text, std::size_t byte) {
-  const auto continues = [&text](std::size_t at) {
+std::size_t characterStart(std::string_view text, std::size_t byte) {
+  const auto continues = [text](std::size_t at) {
     return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
   };
   std::size_t start = byte;
@@ -51,14 +51,14 @@ std::string shortened(const std::string& name, std::size_t columns, Charset char
 
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
   std::vector<std::string> lines;
-  for (std::string rest = text; !rest.empty();) {
+  for (std::string_view rest = text; !rest.empty();) {
     std::size_t end = rest.size();
     if (end > columns) {
       const std::size_t blank = rest.rfind(' ', columns);
-      end = blank == std::string::npos || blank == 0 ? characterStart(rest, columns) : blank;
+      end = blank == std::string_view::npos || blank == 0 ? characterStart(rest, columns) : blank;
     }
-    lines.push_back(rest.substr(0, end));
-    rest.erase(0, std::min(rest.find_first_not_of(' ', end), rest.size()));
+    lines.emplace_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(rest.find_first_not_of(' ', end), rest.size()));
   }
   return lines;
 }

@@ -112,6 +112,22 @@ Explanation abandoned(const JobStatus& status, const JobCircumstances& circumsta
           "user", adviceForAbandoned(status), "yes, under another log_id"};
 }
 
+// What the worker wrote last into the log did not come into the job file.
+Explanation endedUnwritten(const JobCircumstances& circumstances) {
+  const std::string& result = circumstances.log.endedWith;
+  std::string meaning = "The log has the job's last line";
+  if (!result.empty()) meaning.append(", with the result ").append(resultNumber(result));
+  meaning += ": it came to its end, and the job file";
+  meaning += circumstances.isCopy ? " is older than the log or its last write failed."
+                                  : "'s last write failed, as on a full disk.";
+  const char* advice =
+      circumstances.isCopy
+          ? "Where it was copied, \"kelvane-console show\" tells what became of it."
+          : "Mend what kept the job file from being written.";
+  return {"running, though the log has its end", meaning, "user", advice,
+          result == "0" ? "no" : "yes, under another log_id"};
+}
+
 Explanation runningInCopy(const JobStatus& status, const LogStretch& log) {
   const char* meaning = "A worker had taken it. Whether one still runs cannot be told from a copy.";
   if (log.gaveUp) {
@@ -204,12 +220,21 @@ Explanation finishedWithoutResult(const JobStatus& status) {
           "Find out who writes the job file besides the worker.", "yes, under another log_id"};
 }
 
+Explanation finishedWithAnotherNumber(const std::string& digits) {
+  return {"finished with the result " + digits + ", which is no whole number of 64 bits",
+          "The worker ends no job so: another program wrote the record, or changed it. What became "
+          "of the job, the log tells.",
+          "support", "Find out who writes the job file besides the worker.",
+          "when it is known what became of it"};
+}
+
 Explanation finished(const Value& record, const JobStatus& status, const LogStretch& log) {
   const Value& result = record.get(job::kResult);
   if (!result.isNumber()) {
     return finishedWithoutResult(status);
   }
   const std::int64_t code = result.integerValue();
+  if (std::to_string(code) != result.digits()) return finishedWithAnotherNumber(result.digits());
   Explanation explanation = explainResult(code, status.command, status.resultText);
   const std::string subject = "finished with " + explanation.subject;
   if (code == 0) explanation = succeeded(record, status, log);
@@ -222,6 +247,8 @@ Explanation byState(const Value& record, const JobStatus& status,
   if (status.state == job::kWait) return waiting(record, circumstances);
   if (status.state == job::kFree) return finished(record, status, circumstances.log);
   if (status.state == job::kRun) {
+    const bool hasEnded = circumstances.log.hasEnded && !circumstances.log.isMixed;
+    if (hasEnded && !circumstances.workerRuns) return endedUnwritten(circumstances);
     if (circumstances.isCopy) return runningInCopy(status, circumstances.log);
     return circumstances.workerRuns ? underWay(status) : abandoned(status, circumstances);
   }

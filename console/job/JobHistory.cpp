@@ -13,8 +13,6 @@ using platform::Value;
 
 namespace {
 
-using std::chrono::seconds;
-
 // The job's record in this version of the job file; nothing where it shows none.
 Value recordIn(std::string_view version, const std::string& logId) {
   const Value records = parseLogged(version);
@@ -31,12 +29,12 @@ Value recordIn(std::string_view version, const std::string& logId) {
 
 std::optional<JobHistory> historyOf(std::span<const LogEntry> entries, const std::string& logId) {
   std::optional<JobHistory> history;
+  LogClock clock;
   for (const LogEntry& entry : entries) {
-    const std::optional<seconds> time = timeOfDay(entry.time);
-    if (!time) continue;
-    if (!history) history = JobHistory{.logId = logId, .start = entry.time, .lastLine = *time};
-    history->length += timePassed(history->lastLine, *time);
-    history->lastLine = *time;
+    if (!clock.take(entry.time)) continue;
+    if (!history) history = JobHistory{.logId = logId, .start = entry.time};
+    history->length = clock.passed();
+    history->lastLine = clock.timeOfDay();
     if (entry.message.rfind(kRecordsWritten, 0) != 0) continue;
     const std::string_view text = std::string_view(entry.message).substr(kRecordsWritten.size());
     // The worker writes the same again and again.

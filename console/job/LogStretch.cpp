@@ -142,6 +142,9 @@ LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   const std::string command = textOf(get(record, job::kJobId));
   stretch.isFound = true;
   stretch.hasEnded = found->hasEnded;
+  if (found->hasEnded) {
+    stretch.endedWith = textOf(get(recordAtTheEnd(found->entries.back()), job::kResult));
+  }
   stretch.isMixed = found->isMixed;
   Reader reader(stretch);
   for (const LogEntry& entry : found->entries) {

@@ -26,6 +26,7 @@ struct LogStretch {
   bool gaveUp = false;                   // whether an error stands behind the last step
   bool hasStarted = false;               // whether a program was started for it, and has ended
   bool hasEnded = false;                 // whether the job's last line is there
+  std::string endedWith = {};            // the result that it shows
   std::string engineSaid = {};           // the last line that the update engine printed
   std::vector<FlashSteps> flashes = {};  // of a firmware job
   std::string absence = {};              // why there is no log to look into

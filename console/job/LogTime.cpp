@@ -29,4 +29,12 @@ seconds timePassed(seconds from, seconds to) {
   return step < -kDay / 2 ? step + kDay : std::max(step, seconds(0));
 }
 
+bool LogClock::take(const std::string& time) {
+  const std::optional<seconds> now = console::timeOfDay(time);
+  if (!now) return false;
+  if (last_) passed_ += timePassed(*last_, *now);
+  last_ = now;
+  return true;
+}
+
 }  // namespace kelvane::console

@@ -14,4 +14,20 @@ std::optional<std::chrono::seconds> timeOfDay(const std::string& time);
 // next day; by less the clock was set back, and no time has passed.
 std::chrono::seconds timePassed(std::chrono::seconds from, std::chrono::seconds to);
 
+// The time that passes from line to line.
+class LogClock {
+ public:
+  // Whether the line has a time; by one that has none, none passes.
+  bool take(const std::string& time);
+
+  // Since the first line that has one.
+  std::chrono::seconds passed() const { return passed_; }
+  // That of the last line that has one; 0 before there is one.
+  std::chrono::seconds timeOfDay() const { return last_.value_or(std::chrono::seconds(0)); }
+
+ private:
+  std::optional<std::chrono::seconds> last_;
+  std::chrono::seconds passed_{0};
+};
+
 }  // namespace kelvane::console

@@ -61,38 +61,61 @@ Value get(const Value& value, const char* key) {
   return value.isDictionary() ? value.get(key) : Value();
 }
 
-// Whether the record, as the worker read it, asks for the same as this one. What cannot be read out
-// of the log is taken for it.
-bool asksForTheSame(Entries run, const std::string& logId, const Value& record) {
+// The records that the worker read; nothing where they cannot be read out of the log.
+Value recordsReadIn(Entries run) {
   const auto read = std::find_if(run.begin(), run.end(), [](const LogEntry& entry) {
     return isRun(entry) && startsWith(entry.message, kJobFileRead);
   });
-  if (read == run.end()) return true;
-  const Value records = parseLogged(std::string_view(read->message).substr(kJobFileRead.size()));
+  if (read == run.end()) return {};
+  return parseLogged(std::string_view(read->message).substr(kJobFileRead.size()));
+}
+
+bool haveSame(const Value& logged, const Value& record, const char* key) {
+  const Value& value = get(record, key);
+  return get(logged, key) == (value.isNothing() ? value : asLogged(value));
+}
+
+// Whether the worker read the record as one that was finished before.
+bool wasFinished(const Value& found, const Value& record) {
+  const auto isTheSame = [&](const char* key) { return haveSame(found, record, key); };
+  constexpr const char* kTelling[] = {job::kJobId, job::kInputParameters, job::kStateId,
+                                      job::kResult, job::kOutput};
+  return get(found, job::kStateId) == Value(job::kFree) &&
+         std::all_of(std::begin(kTelling), std::end(kTelling), isTheSame);
+}
+
+// Whether the worker took this record: it read a waiting one that asks for the same, and not this
+// one as finished already. What cannot be read out of the log is taken for it.
+bool isTakenIn(Entries run, const std::string& logId, const Value& record) {
+  const Value records = recordsReadIn(run);
   if (!records.isArray()) return true;
-  bool isFound = false;
+  bool isWaiting = false;
+  bool isSame = false;
   for (const Value& found : records.elements()) {
     if (get(found, job::kLogId) != Value(logId)) continue;
-    isFound = true;
-    if (get(found, job::kJobId) == asLogged(get(record, job::kJobId)) &&
-        get(found, job::kInputParameters) == asLogged(get(record, job::kInputParameters))) {
-      return true;
-    }
+    if (wasFinished(found, record)) return false;
+    if (get(found, job::kStateId) != Value(job::kWait)) continue;
+    isWaiting = true;
+    isSame = isSame || (haveSame(found, record, job::kJobId) &&
+                        haveSame(found, record, job::kInputParameters));
   }
-  return !isFound;
+  return isSame || !isWaiting;
 }
 
 // The log id of the job whose last line this is.
 std::optional<std::string> endedBy(const LogEntry& entry) {
-  const std::string_view message = entry.message;
-  const std::size_t end = message.substr(0, message.find('\n')).find(kEndOfJob);
-  if (end == std::string_view::npos) return std::nullopt;
-  const Value record = parseLogged(message.substr(end + kEndOfJob.size()));
-  const Value logId = get(record, job::kLogId);
+  const Value logId = get(recordAtTheEnd(entry), job::kLogId);
   return logId.isString() ? std::optional(logId.string()) : std::nullopt;
 }
 
 }  // namespace
+
+Value recordAtTheEnd(const LogEntry& entry) {
+  const std::string_view message = entry.message;
+  const std::size_t end = message.substr(0, message.find('\n')).find(kEndOfJob);
+  if (end == std::string_view::npos) return {};
+  return parseLogged(message.substr(end + kEndOfJob.size()));
+}
 
 LoggedJobs::LoggedJobs(std::span<const LogEntry> entries) : entries_(entries) {
   takeWorkers();
@@ -152,8 +175,8 @@ std::optional<LoggedJob> LoggedJobs::find(const Value& record) const {
   const std::vector<std::size_t>& all = takers->second;
   const auto found = std::find_if(all.rbegin(), all.rend(), [&](std::size_t place) {
     const Worker& worker = workers_[place];
-    return asksForTheSame(entries_.subspan(worker.begin, worker.end - worker.begin), logId.string(),
-                          record);
+    return isTakenIn(entries_.subspan(worker.begin, worker.end - worker.begin), logId.string(),
+                     record);
   });
   return found == all.rend() ? std::nullopt : std::optional(jobOf(workers_[*found]));
 }

@@ -17,6 +17,9 @@ namespace kelvane::console {
 // What a job's last line shows its record behind, of the commands that have such a line.
 inline constexpr std::string_view kEndOfJob = " end, retDict = ";
 
+// The record that a job's last line shows; nothing of another entry.
+platform::Value recordAtTheEnd(const LogEntry& entry);
+
 // A part of the log: what the worker that ran a job wrote.
 struct LoggedJob {
   std::span<const LogEntry> entries = {};  // from the worker's first one to the job's last line

@@ -47,22 +47,6 @@ bool startsWith(const std::string& text, std::string_view start) {
   return text.rfind(start, 0) == 0;
 }
 
-// The time that passes from entry to entry.
-class LogClock {
- public:
-  JobTime at(const LogEntry& entry) {
-    const std::optional<JobTime> now = timeOfDay(entry.time);
-    if (!now) return passed_;
-    if (last_) passed_ += timePassed(*last_, *now);
-    last_ = now;
-    return passed_;
-  }
-
- private:
-  std::optional<JobTime> last_;
-  JobTime passed_{0};
-};
-
 int percentIn(const Value& entry, const char* key) {
   const Value& value = entry.get(key);
   int percent = 0;
@@ -79,7 +63,7 @@ bool isSame(const HistoryPoint& one, const HistoryPoint& other) {
 }
 
 // A controller under way, with the last news of it.
-struct Course {
+struct UnderWay {
   ControllerHistory history;
   bool hasEnded = false;
   JobTime newsAt{0};
@@ -92,13 +76,14 @@ class Historian {
     const Value& inputs = record.get(job::kInputParameters);
     if (!inputs.isArray()) return;
     for (const Value& input : inputs.elements()) {
-      Course& course = courses_.emplace_back();
+      UnderWay& course = courses_.emplace_back();
       if (input.isDictionary()) course.history.wwn = textOf(input.get(job::kWwn));
     }
   }
 
   void take(const LogEntry& entry) {
-    now_ = clock_.at(entry);
+    clock_.take(entry.time);
+    now_ = clock_.passed();
     ++number_;
     if (startsWith(entry.message, kRecordsWritten)) {
       takeWritten(entry);
@@ -110,7 +95,7 @@ class Historian {
   FlashHistory finish(const std::string& startedAt) {
     if (current_ != nullptr) end(*current_);
     FlashHistory history{startedAt, now_, {}};
-    for (Course& course : courses_) history.controllers.push_back(std::move(course.history));
+    for (UnderWay& course : courses_) history.controllers.push_back(std::move(course.history));
     return history;
   }
 
@@ -197,7 +182,7 @@ class Historian {
 
   // --- time
 
-  void news(Course& course) {
+  void news(UnderWay& course) {
     if (now_ - course.newsAt >= kLeastSilence) {
       course.history.silences.push_back(
           {course.newsAt, now_, number_ - course.newsEntry - (number_ > course.newsEntry ? 1 : 0)});
@@ -206,7 +191,7 @@ class Historian {
     course.newsEntry = number_;
   }
 
-  void end(Course& course) {
+  void end(UnderWay& course) {
     if (course.hasEnded) return;
     news(course);
     course.hasEnded = true;
@@ -216,9 +201,9 @@ class Historian {
   }
 
   std::string logId_;
-  std::vector<Course> courses_;
+  std::vector<UnderWay> courses_;
   std::size_t next_ = 0;
-  Course* current_ = nullptr;
+  UnderWay* current_ = nullptr;
   bool hasFailed_ = false;  // the firmware's flash: what is written then is no percentage
   LogClock clock_;
   JobTime now_{0};

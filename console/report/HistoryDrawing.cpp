@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "platform/Text.h"
@@ -20,7 +21,29 @@ constexpr int kWholeHeight = 206;
 // Of the width on a phone; what has no room has its name in the table alone.
 constexpr double kPerCharacter = 0.025;
 
+// More have no room beside one another.
+constexpr std::size_t kMostDrawn = 400;
+
 using Percentage = int HistoryPoint::*;
+
+// Every second one, every third, as many as have room, and the last one.
+template <typename Item>
+void thinOut(std::vector<Item>& items) {
+  const std::size_t step = items.size() / kMostDrawn + 1;
+  if (step == 1) return;
+  std::vector<Item> some;
+  for (std::size_t i = 0; i + 1 < items.size(); i += step) some.push_back(std::move(items[i]));
+  some.push_back(std::move(items.back()));
+  items = std::move(some);
+}
+
+ControllerHistory thinnedOut(ControllerHistory controller) {
+  thinOut(controller.points);
+  thinOut(controller.phases);
+  thinOut(controller.marks);
+  thinOut(controller.silences);
+  return controller;
+}
 
 double partOf(JobTime time, JobTime length) {
   return length.count() == 0
@@ -270,7 +293,7 @@ std::string inWords(const ControllerHistory& controller) {
 }
 
 void drawHistory(Html& page, const FlashHistory& history, std::size_t number) {
-  const ControllerHistory& controller = history.controllers.at(number);
+  const ControllerHistory controller = thinnedOut(history.controllers.at(number));
   const JobTime length = std::max(history.length, JobTime(1));
   const std::string title = std::to_string(number + 1).insert(0, "title");
   const std::string text = std::to_string(number + 1).insert(0, "text");

@@ -15,7 +15,8 @@ std::string lengthText(JobTime time);
 std::string inWords(const ControllerHistory& controller);
 
 // The controller that is the `number`-th one of the history, which it is a part of and which the
-// worker has come to: all drawings of a job have one time axis.
+// worker has come to: all drawings of a job have one time axis. Of more changes than have room
+// beside one another some are drawn.
 void drawHistory(Html& page, const FlashHistory& history, std::size_t number);
 
 // What the drawing shows, row by row; of more rows than these the middle is left out.

@@ -1,5 +1,7 @@
 #include "console/report/Html.h"
 
+#include <algorithm>
+
 #include "console/display/DisplayText.h"
 
 namespace kelvane::console {
@@ -45,6 +47,27 @@ std::string withoutTabs(std::string_view text) {
   return plain;
 }
 
+// So much of what is left out is kept behind what is shown: no secret is longer.
+constexpr std::size_t kBehindTheBorder = 4096;
+constexpr std::size_t kRoomAtFirst = 64UL * 1024;
+
+// No further than so many bytes, and not within a character.
+std::size_t borderIn(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text.size();
+  while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0U) == 0x80U) --most;
+  return most;
+}
+
+// How much of the text has room once it is escaped.
+std::size_t fitting(std::string_view text, std::size_t room) {
+  std::size_t size = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    size += escapedCharacter(text[at]).size();
+    if (size > room) return borderIn(text, at);
+  }
+  return text.size();
+}
+
 }  // namespace
 
 std::string escapedHtml(std::string_view text) {
@@ -52,6 +75,12 @@ std::string escapedHtml(std::string_view text) {
   escaped.reserve(text.size());
   for (const char& character : text) escaped += escapedCharacter(character);
   return escaped;
+}
+
+std::size_t escapedSize(std::string_view text) {
+  std::size_t size = 0;
+  for (const char& character : text) size += escapedCharacter(character).size();
+  return size;
 }
 
 void Html::open(const char* element, const Attributes& attributes) {
@@ -76,8 +105,15 @@ void Html::lone(const char* element, const Attributes& attributes) {
 
 void Html::words(std::string_view text) { markup(escapedHtml(text)); }
 
-void Html::text(std::string_view text) {
-  pieces_.push_back({displayLines(withoutTabs(text), Charset::utf8), false});
+void Html::text(std::string_view text, const Showing& showing) {
+  const bool isShort = text.size() <= showing.most;
+  const std::string_view kept = isShort ? text : text.substr(0, showing.most + kBehindTheBorder);
+  Piece piece{.kind = Kind::text,
+              .text = displayLines(withoutTabs(kept), Charset::utf8),
+              .name = showing.name};
+  piece.shown = borderIn(piece.text, showing.most);
+  piece.leftOut = piece.text.size() - piece.shown + text.size() - kept.size();
+  pieces_.push_back(std::move(piece));
 }
 
 void Html::label(const char* element, std::string_view words, const Attributes& attributes) {
@@ -86,41 +122,57 @@ void Html::label(const char* element, std::string_view words, const Attributes& 
   close();
 }
 
-void Html::element(const char* name, std::string_view text, const Attributes& attributes) {
+void Html::element(const char* name, std::string_view text, const Attributes& attributes,
+                   const Showing& showing) {
   open(name, attributes);
-  this->text(text);
+  this->text(text, showing);
   close();
 }
 
 void Html::append(const Html& other) {
   pieces_.insert(pieces_.end(), other.pieces_.begin(), other.pieces_.end());
+  markupSize_ += other.markupSize_;
 }
 
-std::vector<std::string_view> Html::texts() const {
-  std::vector<std::string_view> found;
+void Html::giveRoom(std::size_t bytes) { pieces_.push_back({.kind = Kind::room, .shown = bytes}); }
+
+std::vector<Html::Text> Html::texts() const {
+  std::vector<Text> found;
   for (const Piece& piece : pieces_) {
-    if (!piece.isMarkup) found.emplace_back(piece.text);
+    if (piece.kind == Kind::text) found.push_back(textOf(piece));
   }
   return found;
 }
 
 std::string Html::printed(const Filter& filter) const {
   std::string page;
+  std::size_t room = kRoomAtFirst;
   for (const Piece& piece : pieces_) {
-    if (piece.isMarkup) {
-      page += piece.text;
-    } else {
-      page += escapedHtml(filter ? filter(piece.text) : piece.text);
-    }
+    if (piece.kind == Kind::markup) page += piece.text;
+    if (piece.kind == Kind::text) print(piece, filter, room, page);
+    if (piece.kind == Kind::room) room = piece.shown;
   }
   return page;
 }
 
+void Html::print(const Piece& piece, const Filter& filter, std::size_t& room, std::string& page) {
+  const std::string shown = filter ? filter(textOf(piece)) : piece.text.substr(0, piece.shown);
+  const std::size_t end = fitting(shown, room);
+  const std::string escaped = escapedHtml(std::string_view(shown).substr(0, end));
+  room -= escaped.size();
+  page += escaped;
+  const std::size_t leftOut = piece.leftOut + shown.size() - end;
+  if (leftOut == 0) return;
+  page.append(" ... (").append(std::to_string(leftOut));
+  page.append(leftOut == 1 ? " byte is left out)" : " bytes are left out)");
+}
+
 void Html::markup(std::string text) {
-  if (!pieces_.empty() && pieces_.back().isMarkup) {
+  markupSize_ += text.size();
+  if (!pieces_.empty() && pieces_.back().kind == Kind::markup) {
     pieces_.back().text += text;
   } else {
-    pieces_.push_back({std::move(text), true});
+    pieces_.push_back({.text = std::move(text)});
   }
 }
 

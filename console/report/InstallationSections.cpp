@@ -105,7 +105,8 @@ void showSettingsFile(Html& page, const char* heading, const std::string& path, 
   page.element("p", path);
   const JsonFile file = readJsonFile(path);
   if (file.fault.empty()) {
-    page.element("pre", platform::printJson(file.value).value_or("(cannot be shown)"));
+    page.element("pre", platform::printJson(file.value).value_or("(cannot be shown)"), {},
+                 {.most = kMostSettingsBytes});
     return;
   }
   page.element("p", file.fault);
@@ -115,9 +116,7 @@ void showSettingsFile(Html& page, const char* heading, const std::string& path, 
     return;
   }
   try {
-    std::string text = platform::readFile(path);
-    if (text.size() > kMostSettingsBytes) text.resize(kMostSettingsBytes);
-    page.element("pre", text);
+    page.element("pre", platform::readFile(path), {}, {.most = kMostSettingsBytes});
   } catch (const platform::Exception&) {
     return;  // the fault has told why
   }
@@ -131,8 +130,10 @@ void showFindings(Html& page, const ReportMatter& matter) {
     page.label("p", "No findings.");
   } else {
     page.open("ul", {{"class", "findings"}});
-    for (const Finding& finding : matter.findings) showFinding(page, finding);
+    const std::size_t shown = std::min(matter.findings.size(), kMostRows);
+    for (std::size_t i = 0; i < shown; ++i) showFinding(page, matter.findings[i]);
     page.close();
+    tellLeftOut(page, matter.findings.size() - shown, "other is", "others are");
   }
   if (matter.subject.bundle.empty()) page.label("p", bundleAdvice(matter));
   page.close();

@@ -1,6 +1,7 @@
 #include "console/report/JobSections.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ namespace kelvane::console {
 namespace {
 
 constexpr std::size_t kMostRecordBytes = 512UL * 1024;
+constexpr std::size_t kMostLogBytes = 2560UL * 1024;
+constexpr std::size_t kMostListed = 100;
+constexpr std::size_t kMostHistoryBytes = 2048UL * 1024;  // of the drawings and their tables
 constexpr char kMixed[] =
     "Another worker wrote into the log at the same time: some of these lines may be that one's, "
     "and "
@@ -48,6 +52,8 @@ Verdict verdictOnFinished(const JobStatus& status, const Explanation& told) {
 Verdict verdictOn(const JobStatus& status, const Explanation& told, const ReportMatter& matter) {
   if (!matter.installationFault.empty()) return {"Failed", "bad"};
   if (status.isFinished()) return verdictOnFinished(status, told);
+  const bool hasEnded = matter.log.hasEnded && !matter.log.isMixed && !matter.workerRuns;
+  if (status.state == job::kRun && hasEnded) return {"Ended, and not written", "open"};
   if (matter.subject.places.isCopy) return {"Not finished", "open"};  // then, or not told
   if (!status.hasNoWorker) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
   if (status.state == job::kRun) return {"Left undone", "bad"};
@@ -67,8 +73,24 @@ void showList(Html& page, const char* label, const std::vector<std::string>& tex
   if (texts.empty()) return;
   page.label("p", label, {{"class", "above"}});
   page.open("ul");
-  for (const std::string& text : texts) page.element("li", text);
+  const std::size_t listed = std::min(texts.size(), kMostListed);
+  for (std::size_t i = 0; i < listed; ++i) page.element("li", texts[i]);
   page.close();
+  tellLeftOut(page, texts.size() - listed, "other is", "others are");
+}
+
+// What came when the controller had shown nothing.
+std::string newsBehind(const HistorySilence& silence, const ControllerHistory& controller,
+                       JobTime endOfLog) {
+  const auto isThen = [&](const auto& one) { return one.at == silence.to; };
+  const auto& marks = controller.marks;
+  const auto mark = std::find_if(marks.begin(), marks.end(), isThen);
+  if (mark != marks.end()) {
+    return (mark->kind == MarkKind::fault ? "; then came " : "; then ") + mark->text;
+  }
+  const auto& points = controller.points;
+  const bool isLast = silence.to >= endOfLog && std::none_of(points.begin(), points.end(), isThen);
+  return isLast ? ", and the job's lines in the log end there" : "; then it went on";
 }
 
 // Of each time in which a controller showed nothing.
@@ -79,8 +101,7 @@ std::vector<std::string> silenceNotes(const ReportMatter& matter) {
       std::string note = one.wwn;
       note.append(": no change for ").append(lengthText(silence.to - silence.from));
       note.append(" from ").append(clockAt(matter.history, silence.from)).append(" on");
-      const bool isLast = silence.to >= matter.history.length;
-      note.append(isLast ? ", and the job's lines in the log end there" : "; then it went on");
+      note += newsBehind(silence, one, matter.history.length);
       notes.push_back(note);
     }
   }
@@ -122,12 +143,17 @@ Explanation explanationOf(const ReportMatter& matter) {
 
 void showControllers(Html& page, const JobStatus& status) {
   if (status.controllers.empty()) return;
-  HtmlTable table(page, "Where each controller stands",
-                  {"Controller", "Phase", "CPLD", "Firmware", "Total"});
-  for (const ControllerStatus& one : status.controllers) {
-    table.addRow({one.wwn.empty() ? "(no WWN)" : one.wwn, phaseOf(one), percentText(one.cpld),
-                  percentText(one.firmware), percentText(one.total)});
+  const std::size_t rows = std::min(status.controllers.size(), kMostRows);
+  {
+    HtmlTable table(page, "Where each controller stands",
+                    {"Controller", "Phase", "CPLD", "Firmware", "Total"});
+    for (const ControllerStatus& one : std::span(status.controllers).first(rows)) {
+      table.addRow({one.wwn.empty() ? "(no WWN)" : one.wwn, phaseOf(one), percentText(one.cpld),
+                    percentText(one.firmware), percentText(one.total)});
+    }
   }
+  tellLeftOut(page, status.controllers.size() - rows, "other controller is",
+              "other controllers are");
 }
 
 void tellOfJob(Html& page, const ReportMatter& matter) {
@@ -248,30 +274,29 @@ void tellHistory(Html& page, const ReportMatter& matter) {
     page.element(
         "p", matter.logAbsence.empty() ? "The log has no lines of this job." : matter.logAbsence);
   } else {
-    for (std::size_t i = 0; i < matter.history.controllers.size(); ++i) {
-      tellOfController(page, matter, i);
-    }
+    const std::size_t controllers = matter.history.controllers.size();
+    const std::size_t most = page.markupSize() + kMostHistoryBytes;
+    std::size_t number = 0;
+    while (number < controllers && page.markupSize() < most)
+      tellOfController(page, matter, number++);
+    tellLeftOut(page, controllers - number, "other controller is", "other controllers are");
   }
   page.close();
 }
 
 void showRecord(Html& page, const ReportMatter& matter) {
   if (!matter.hasJob()) return;
-  openSection(page, "record", "The record");
+  openSection(page, "record", "The record", 2 * kMostRecordBytes);
   page.label("p", std::to_string(matter.place).insert(0, "No. ") + ", counted from 0, of " +
                       std::to_string(matter.count) + " in the job file.");
-  std::string text = platform::printJson(matter.record).value_or("(cannot be shown)");
-  const std::size_t size = text.size();
-  if (size > kMostRecordBytes) text.resize(kMostRecordBytes);
-  page.element("pre", text);
-  if (size > kMostRecordBytes) {
-    page.label("p", std::to_string(size - kMostRecordBytes) + " bytes are left out.");
-  }
+  page.element("pre", platform::printJson(matter.record).value_or("(cannot be shown)"), {},
+               {.most = kMostRecordBytes});
   page.close();
 }
 
 void showLogOf(Html& page, const ReportMatter& matter) {
-  openSection(page, "log", matter.hasJob() ? "The job's lines of the log" : "The end of the log");
+  openSection(page, "log", matter.hasJob() ? "The job's lines of the log" : "The end of the log",
+              kMostLogBytes);
   if (!matter.logAbsence.empty()) {
     page.element("p", matter.logAbsence);
   } else if (matter.entries.empty()) {
@@ -289,12 +314,7 @@ void showStandardError(Html& page, const ReportMatter& matter) {
   openSection(page, "complaints", "What the worker and its tools said on standard error");
   std::string text;
   for (const std::string& line : matter.standardError) text.append(line).append("\n");
-  const std::size_t size = text.size();
-  if (size > kMostBytesSaid) text.resize(kMostBytesSaid);
-  page.element("pre", text);
-  if (size > kMostBytesSaid) {
-    page.label("p", std::to_string(size - kMostBytesSaid) + " bytes are left out.");
-  }
+  page.element("pre", text, {}, {.most = kMostBytesSaid});
   page.close();
 }
 

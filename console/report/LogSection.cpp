@@ -42,6 +42,7 @@ class Selection {
     }
     findEqualObjects();
     leaveObjectsOut();
+    shortenLines();
   }
 
   std::size_t leftOut() const { return leftOut_; }
@@ -50,6 +51,8 @@ class Selection {
   std::size_t count() const { return shown_.size(); }
   const Shown& shown(std::size_t index) const { return shown_[index]; }
   const LogEntry& entry(std::size_t index) const { return *entries_[index]; }
+  // How much of a line is shown.
+  std::size_t lineBytes() const { return lineBytes_; }
   std::size_t objectsLeftOut() const {
     return static_cast<std::size_t>(std::count_if(
         shown_.begin(), shown_.end(), [](const Shown& one) { return one.isObjectLeftOut; }));
@@ -79,34 +82,46 @@ class Selection {
 
   static void keep(Shown& one, std::size_t& room) {
     if (one.same != nullptr) return;
-    one.isObjectLeftOut = one.object.size() > room;
-    if (!one.isObjectLeftOut) room -= one.object.size();
+    const std::size_t size = escapedSize(one.object);
+    one.isObjectLeftOut = size > room;
+    if (!one.isObjectLeftOut) room -= size;
+  }
+
+  // All lines alike, so that each has its beginning.
+  void shortenLines() {
+    constexpr std::size_t kShortest = 256;
+    lineBytes_ = bounds_.lineBytes;
+    while (lineBytes_ > kShortest && sizeOfLines() > bounds_.linesBytes) lineBytes_ /= 2;
+  }
+
+  std::size_t sizeOfLines() const {
+    std::size_t size = 0;
+    for (const Shown& one : shown_) size += escapedSize(one.line.substr(0, lineBytes_));
+    return size;
   }
 
   const LogBounds& bounds_;
   std::size_t leftOut_ = 0;
   std::size_t head_ = 0;
+  std::size_t lineBytes_ = 0;
   std::vector<Shown> shown_;
   std::vector<const LogEntry*> entries_;
 };
 
-void showLine(Html& page, const LogEntry& entry, std::string_view line, const LogBounds& bounds) {
+constexpr std::size_t kMostNameBytes = 128;  // of a function's
+
+void showLine(Html& page, const LogEntry& entry, std::string_view line, std::size_t lineBytes) {
   page.label("time", entry.time);
   page.words(" ");
   if (entry.level != "debug" && !entry.level.empty()) {
-    page.element("strong", entry.level);
+    page.element("strong", entry.level, {}, {.most = kMostNameBytes});
     page.words(" ");
   }
   if (!entry.function.empty()) {
-    page.element("b", entry.function);
+    page.element("b", entry.function, {}, {.most = kMostNameBytes});
     page.words(" ");
   }
-  page.text(line.substr(0, bounds.lineBytes));
-  if (line.size() > bounds.lineBytes) {
-    page.words(" ... (");
-    page.words(counted(line.size() - bounds.lineBytes, "byte is", "bytes are"));
-    page.words(" left out)");
-  }
+  page.text(line, {.most = lineBytes});
 }
 
 std::size_t linesIn(std::string_view object) {
@@ -118,7 +133,8 @@ void showObject(Html& page, const Shown& shown) {
   const std::string lines = counted(linesIn(shown.object), "line", "lines");
   if (shown.same != nullptr) {
     page.words(" (" + lines + ", the same as at " + shown.same->time + " in ");
-    page.text(shown.same->function + ")");
+    page.text(shown.same->function, {.most = kMostNameBytes});
+    page.words(")");
   } else if (shown.isObjectLeftOut) {
     page.words(" (" + lines + ", left out)");
   }
@@ -128,19 +144,19 @@ bool isFolded(const Shown& shown) {
   return !shown.object.empty() && shown.same == nullptr && !shown.isObjectLeftOut;
 }
 
-void showEntry(Html& page, const LogEntry& entry, const Shown& shown, const LogBounds& bounds) {
+void showEntry(Html& page, const LogEntry& entry, const Shown& shown, std::size_t lineBytes) {
   Html::Attributes attributes;
   if (entry.level == "error") attributes = {{"class", "error"}};
   page.open("li", attributes);
   if (isFolded(shown)) {
     page.open("details");
     page.open("summary");
-    showLine(page, entry, shown.line, bounds);
+    showLine(page, entry, shown.line, lineBytes);
     page.close();
-    page.element("pre", shown.object);
+    page.element("pre", shown.object, {}, {.most = kAllOfIt});
     page.close();
   } else {
-    showLine(page, entry, shown.line, bounds);
+    showLine(page, entry, shown.line, lineBytes);
     showObject(page, shown);
   }
   page.close();
@@ -156,7 +172,7 @@ std::string showEntries(Html& page, std::span<const LogEntry> entries, const Log
       page.label("li", counted(selection.leftOut(), "entry is", "entries are") + " left out here",
                  {{"class", "gap"}});
     }
-    showEntry(page, selection.entry(i), selection.shown(i), bounds);
+    showEntry(page, selection.entry(i), selection.shown(i), selection.lineBytes());
   }
   page.close();
   std::string leftOut;

@@ -29,6 +29,8 @@ constexpr char kBeginning[] =
 // No script, nothing fetched, no form; the style by its digest.
 constexpr char kPolicy[] = "default-src 'none'; base-uri 'none'; form-action 'none'; style-src '";
 
+constexpr std::size_t kMostTitleBytes = 256;
+
 std::string titleOf(const ReportMatter& matter) {
   if (!matter.hasJob()) return "Report of a shared folder";
   return statusOf(matter.record).logId.insert(0, "Report of job ");
@@ -43,7 +45,7 @@ std::string pathsOf(const Places& places) {
 
 void addHeader(Html& page, const ReportMatter& matter) {
   page.open("header");
-  page.element("h1", titleOf(matter));
+  page.element("h1", titleOf(matter), {}, {.most = kMostTitleBytes});
   page.open("p", {{"class", "faint"}});
   page.words("Made on " + matter.made + " by kelvane-console " + matter.subject.version + " of ");
   page.text(pathsOf(matter.subject.places));
@@ -131,7 +133,7 @@ Redaction redactionFor(const Html& header, const Html& content, const ReportMatt
     addWwnsOf(matter.record.get(job::kOutput), redaction);
   }
   for (const Html* part : {&header, &content}) {
-    for (const std::string_view text : part->texts()) redaction.learn(text);
+    for (const Html::Text& text : part->texts()) redaction.learn(text.text, text.name);
   }
   addThisUser(redaction);
   for (const DiskEntry& place : diskEntriesOf(matter.subject.places, matter.subject.bundle)) {
@@ -149,7 +151,7 @@ std::string redactionNotice(const Redaction& redaction) {
     text.append(std::to_string(count.places));
     text.append(count.places == 1 ? " place)" : " places)");
   }
-  return text.append(". Other texts are as they were found.");
+  return text.append(". Other texts are as they were found: look at them before this is sent.");
 }
 
 // --- the frame
@@ -169,7 +171,7 @@ std::string frameOf(const std::string& title, const std::string& content) {
 
 ReportPage reportPage(const ReportMatter& matter, bool isRedacted) {
   Html title;
-  title.text(titleOf(matter));
+  title.text(titleOf(matter), {.most = kMostTitleBytes});
   Html header;
   addHeader(header, matter);
   const Html content = contentOf(matter, isRedacted);
@@ -179,8 +181,8 @@ ReportPage reportPage(const ReportMatter& matter, bool isRedacted) {
     return page;
   }
   page.redaction = redactionFor(header, content, matter);
-  const Html::Filter filter = [&page](std::string_view text) {
-    return page.redaction.applied(text);
+  const Html::Filter filter = [&page](const Html::Text& text) {
+    return page.redaction.applied(text.text, text.name, text.shown);
   };
   const std::string above = header.printed(filter);
   const std::string body = content.printed(filter);

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "console/report/Redaction.h"
 #include "console/report/ReportMatter.h"
+#include "console/report/redaction/Redaction.h"
 
 namespace kelvane::console {
 

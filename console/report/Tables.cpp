@@ -1,6 +1,9 @@
 #include "console/report/Tables.h"
 
 #include <algorithm>
+#include <span>
+#include <string_view>
+#include <unordered_set>
 
 #include "platform/Json.h"
 #include "platform/Text.h"
@@ -24,8 +27,11 @@ const char* classOf(const std::string& text) {
   return text.size() <= kShort ? "short" : "long";
 }
 
-void showCell(Html& page, const std::string& text) {
-  page.element("td", text, {{"class", classOf(text)}});
+constexpr std::size_t kMostCellBytes = 1024;
+constexpr std::size_t kMostColumns = 30;
+
+void showCell(Html& page, const std::string& text, const std::string& name = {}) {
+  page.element("td", text, {{"class", classOf(text)}}, {.name = name, .most = kMostCellBytes});
 }
 
 void showRowsHeading(Html& page, const std::string& text) {
@@ -41,9 +47,10 @@ bool isListOfObjects(const Value& value) {
 // In the order in which they come first.
 std::vector<std::string> keysOf(const Value& list) {
   std::vector<std::string> keys;
+  std::unordered_set<std::string_view> known;
   for (const Value& one : list.elements()) {
     for (const auto& [key, value] : one.entries()) {
-      if (std::find(keys.begin(), keys.end(), key) == keys.end()) keys.push_back(key);
+      if (known.insert(key).second) keys.push_back(key);
     }
   }
   return keys;
@@ -60,45 +67,64 @@ void closeTable(Html& page) {
   page.close();
 }
 
+void showRow(Html& page, std::size_t number, const Value& object,
+             std::span<const std::string> keys) {
+  page.open("tr");
+  page.label("th", std::to_string(number), {{"scope", "row"}});
+  for (const std::string& key : keys) showCell(page, textOf(object.get(key)), key);
+  page.close();
+}
+
 void showList(Html& page, const char* name, const Value& list) {
-  const std::vector<std::string> keys = keysOf(list);
+  const std::vector<std::string> all = keysOf(list);
+  const std::span<const std::string> keys =
+      std::span(all).first(std::min(all.size(), kMostColumns));
   openTable(page, name);
   page.open("thead");
   page.open("tr");
   page.label("th", "No.", {{"scope", "col"}});
-  for (const std::string& key : keys) page.element("th", key, {{"scope", "col"}});
+  for (const std::string& key : keys) {
+    page.element("th", key, {{"scope", "col"}}, {.most = kMostCellBytes});
+  }
   page.close();
   page.close();
   page.open("tbody");
-  std::size_t number = 0;
-  for (const Value& one : list.elements()) {
-    page.open("tr");
-    page.label("th", std::to_string(number++), {{"scope", "row"}});
-    for (const std::string& key : keys) showCell(page, textOf(one.get(key)));
-    page.close();
-  }
+  const std::size_t rows = std::min(list.count(), kMostRows);
+  for (std::size_t i = 0; i < rows; ++i) showRow(page, i, list.at(i), keys);
   page.close();
   closeTable(page);
+  tellLeftOut(page, all.size() - keys.size(), "other key is", "other keys are");
+  tellLeftOut(page, list.count() - rows, "other is", "others are");
 }
 
 void showObject(Html& page, const char* name, const Value& object) {
   openTable(page, name);
   page.open("tbody");
-  for (const auto& [key, value] : object.entries()) {
+  const std::size_t rows = std::min(object.entries().size(), kMostRows);
+  for (std::size_t i = 0; i < rows; ++i) {
+    const auto& [key, value] = object.entries()[i];
     page.open("tr");
-    page.element("th", key, {{"scope", "row"}});
-    showCell(page, textOf(value));
+    page.element("th", key, {{"scope", "row"}}, {.most = kMostCellBytes});
+    showCell(page, textOf(value), key);
     page.close();
   }
   page.close();
   closeTable(page);
+  tellLeftOut(page, object.entries().size() - rows, "other key is", "other keys are");
 }
 
 }  // namespace
 
-void openSection(Html& page, const char* id, const char* heading) {
+void openSection(Html& page, const char* id, const char* heading, std::size_t mostBytes) {
   page.open("section", {{"id", id}});
   page.label("h2", heading);
+  page.giveRoom(mostBytes);
+}
+
+void tellLeftOut(Html& page, std::size_t count, const char* one, const char* many) {
+  if (count == 0) return;
+  std::string text = std::to_string(count);
+  page.label("p", text.append(" ").append(count == 1 ? one : many).append(" left out."));
 }
 
 HtmlTable::HtmlTable(Html& page, const char* name, const std::vector<const char*>& titles)

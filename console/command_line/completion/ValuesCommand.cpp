@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -29,11 +31,6 @@ constexpr char kProducts[] = "products";
 using Offer = std::pair<std::string, std::string>;
 using Offers = std::vector<Offer>;
 
-bool isOffered(const Offers& offers, const std::string& value) {
-  return std::any_of(offers.begin(), offers.end(),
-                     [&](const Offer& offer) { return offer.first == value; });
-}
-
 // A value that can be typed, and is not taken for an option.
 bool canBeOffered(const std::string& value) {
   return !value.empty() && value.front() != '-' && displayText(value, Charset::utf8) == value;
@@ -50,11 +47,12 @@ std::string aboutJob(const JobStatus& status) {
 // The newest first; of those with one log id the one that is meant by it.
 Offers jobsIn(const Value& records) {
   Offers offers;
+  std::unordered_set<std::string> offered;
   for (std::size_t i = records.count(); i > 0; --i) {
     const Value& record = records.at(i - 1);
     if (!record.isDictionary()) continue;
     const JobStatus status = statusOf(record);
-    if (isOffered(offers, status.logId)) continue;
+    if (!offered.insert(status.logId).second) continue;
     offers.emplace_back(status.logId, aboutJob(status));
   }
   return offers;
@@ -64,16 +62,16 @@ std::string textOf(const Value& value) { return value.isString() ? value.string(
 
 Offers offersOf(const Value& rules) {
   Offers offers;
+  std::unordered_map<std::string, std::size_t> places;  // of the products in the offers
   for (const Value& rule : rules.elements()) {
     if (!rule.isDictionary()) continue;
     const std::string product = textOf(rule.get(catalogue::kProductId));
     const std::string version = textOf(rule.get(catalogue::kVersion));
-    const auto same = std::find_if(offers.begin(), offers.end(),
-                                   [&](const Offer& offer) { return offer.first == product; });
-    if (same == offers.end()) {
+    const auto [place, isNew] = places.try_emplace(product, offers.size());
+    if (isNew) {
       offers.emplace_back(product, version);
     } else if (!version.empty()) {
-      same->second += ", " + version;
+      offers[place->second].second.append(", ").append(version);
     }
   }
   return offers;

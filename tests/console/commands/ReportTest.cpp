@@ -147,7 +147,7 @@ TEST_F(Report, RedactedItSaysWhatWasReplaced) {
   options.redact = true;
   EXPECT_EQ(run(), kSuccess);
   EXPECT_THAT(shown.str(), HasSubstr("\nredacted: "));
-  EXPECT_THAT(shown.str(), HasSubstr(" WWNs, 0 credentials in URLs\n"));
+  EXPECT_THAT(shown.str(), HasSubstr(" WWNs, 0 credentials\n"));
   EXPECT_THAT(written(), AllOf(HasSubstr("/a.app"), Not(HasSubstr("/Users/ann"))));
 }
 

@@ -308,5 +308,34 @@ TEST(JobExplanation, SaysWhereTheLogHasNothing) {
   EXPECT_EQ(explained("updateSW", kWaiting, circumstances).note, "there is no log");
 }
 
+TEST(JobExplanation, FinishedWithANumberThatTheWorkerNeverWrites) {
+  for (const char* number : {"1e300", "-1e300", "0.5", "1e2", "99999999999999999999"}) {
+    const Explanation found =
+        finished("updateSW", std::string(R"("result": )") + number + R"(, "resultStr": "x")");
+    EXPECT_EQ(found.subject, std::string("job 17 (updateSW): finished with the result ") + number +
+                                 ", which is no whole number of 64 bits");
+    EXPECT_EQ(found.whoActs, "support");
+  }
+}
+
+TEST(JobExplanation, RunningThoughTheLogHasItsEnd) {
+  JobCircumstances circumstances;
+  circumstances.log.isFound = true;
+  circumstances.log.hasEnded = true;
+  circumstances.log.endedWith = "32852";
+  EXPECT_EQ(explained("updateFW", kRunning, circumstances).meaning,
+            "The log has the job's last line, with the result 32852 (0x8054): it came to its end, "
+            "and the job file's last write failed, as on a full disk.");
+  circumstances.isCopy = true;
+  const Explanation found = explained("updateFW", kRunning, circumstances);
+  EXPECT_EQ(found.subject, "job 17 (updateFW): running, though the log has its end");
+  EXPECT_EQ(found.meaning,
+            "The log has the job's last line, with the result 32852 (0x8054): it came to its end, "
+            "and the job file is older than the log or its last write failed.");
+  circumstances.isCopy = false;
+  circumstances.workerRuns = true;
+  EXPECT_EQ(explained("updateFW", kRunning, circumstances).subject, "job 17 (updateFW): running");
+}
+
 }  // namespace
 }  // namespace kelvane::console

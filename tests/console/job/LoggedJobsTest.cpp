@@ -7,6 +7,7 @@
 
 #include "console/job/LoggedJobs.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 
 namespace kelvane::console {
 namespace {
@@ -69,6 +70,56 @@ TEST_F(LoggedJobsTest, ALogThatBeginsWithALastLineHasNoWorkerForIt) {
 }
 
 TEST_F(LoggedJobsTest, AnEmptyLogHasNone) { EXPECT_EQ(partOf("17"), "none"); }
+
+// A worker that reads these records, takes the waiting one with this log id, and does this.
+std::string run(const std::string& records, const std::string& step) {
+  return line("run", "currentJobArray = " + platform::describe(platform::parseJson(records))) +
+         line("run", "logId = 17, inputParmsDict = {\n}, stateId = WAIT. jobId = x") +
+         line("updateSW", step);
+}
+
+class LogIdUsedAgain : public LoggedJobsTest {
+ protected:
+  // The last line of the record's part.
+  std::string lastOf(const std::string& record) const {
+    const LoggedJobs jobs(entries);
+    const auto found = jobs.find(platform::parseJson(record));
+    return found ? found->entries.back().message : "none";
+  }
+};
+
+constexpr char kWaiting[] = R"({"log_id": "17", "job_id": "a", "state_id": "WAIT"})";
+constexpr char kFailed[] = R"({"log_id": "17", "job_id": "a", "state_id": "FREE", "result": 259})";
+constexpr char kDone[] = R"({"log_id": "17", "job_id": "a", "state_id": "FREE", "result": 0})";
+constexpr char kOther[] = R"({"log_id": "17", "job_id": "b", "state_id": "WAIT"})";
+
+std::string list(const std::string& one, const std::string& other) {
+  return "[" + one + ", " + other + "]";
+}
+
+TEST_F(LogIdUsedAgain, AFinishedJobIsNotGivenTheRunOfALaterOne) {
+  writeLog(run(list(kWaiting, "{}"), "first") + run(list(kFailed, kOther), "second"));
+  EXPECT_EQ(lastOf(kFailed), "first");
+  EXPECT_EQ(lastOf(R"({"log_id": "17", "job_id": "b", "state_id": "FREE", "result": 0})"),
+            "second");
+}
+
+TEST_F(LogIdUsedAgain, AFinishedJobIsNotGivenTheRunOfALaterOneThatAsksForTheSame) {
+  writeLog(run(list(kWaiting, "{}"), "first") + run(list(kFailed, kWaiting), "second"));
+  EXPECT_EQ(lastOf(kFailed), "first");
+  EXPECT_EQ(lastOf(kDone), "second");
+}
+
+TEST_F(LogIdUsedAgain, AJobWhoseRunIsNoLongerInTheLogIsGivenNone) {
+  writeLog(run(list(kFailed, kOther), "second"));
+  EXPECT_EQ(lastOf(kFailed), "none");
+}
+
+TEST_F(LogIdUsedAgain, AJobThatWasPutBackIsGivenItsLastRun) {
+  const std::string again = R"({"log_id": "17", "job_id": "a", "state_id": "WAIT", "result": 259})";
+  writeLog(run(list(kWaiting, "{}"), "first") + run(list(again, "{}"), "second"));
+  EXPECT_EQ(lastOf(kDone), "second");
+}
 
 TEST_F(LoggedJobsTest, ARecordWithoutALogIdHasNone) {
   writeLog(taken(""));

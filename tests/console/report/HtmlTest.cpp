@@ -59,8 +59,54 @@ TEST(Html, TheFilterSeesTextsAloneAndCannotMakeMarkup) {
   Html page;
   page.label("h2", "ann");
   page.element("p", "ann");
-  EXPECT_THAT(page.texts(), ElementsAre("ann"));
-  EXPECT_EQ(page.printed([](std::string_view) { return "<b>"; }), "<h2>ann</h2><p>&lt;b&gt;</p>");
+  ASSERT_EQ(page.texts().size(), 1U);
+  EXPECT_EQ(page.texts().front().text, "ann");
+  EXPECT_EQ(page.printed([](const Html::Text&) { return "<b>"; }), "<h2>ann</h2><p>&lt;b&gt;</p>");
+}
+
+TEST(Html, TheFilterIsToldWhatATextIsTheValueOf) {
+  Html page;
+  page.element("td", "ann", {}, {.name = "owner"});
+  EXPECT_EQ(page.printed([](const Html::Text& text) { return std::string(text.name); }),
+            "<td>owner</td>");
+}
+
+TEST(Html, OfALongTextTheRestIsLeftOutAndThatIsSaid) {
+  Html page;
+  page.text("abcdef", {.most = 5});
+  page.text("abcdef", {.most = 4});
+  page.text("abcdef", {.most = 6});
+  EXPECT_EQ(page.printed(), "abcde ... (1 byte is left out)abcd ... (2 bytes are left out)abcdef");
+}
+
+TEST(Html, ACharacterIsNotCut) {
+  Html page;
+  page.text("a\xC3\xBC", {.most = 2});
+  EXPECT_EQ(page.printed(), "a ... (2 bytes are left out)");
+}
+
+TEST(Html, TheFilterSeesWhatGoesOnBehindTheBorder) {
+  Html page;
+  page.text("abc", {.most = 2});
+  page.text(std::string(100000, 'x'), {.most = 2});
+  const std::vector<Html::Text> texts = page.texts();
+  EXPECT_EQ(texts.front().text, "abc");
+  EXPECT_EQ(texts.front().shown, 2U);
+  EXPECT_LT(texts.back().text.size(), 10000U);
+  EXPECT_EQ(page.printed([](const Html::Text&) { return "-"; }),
+            "- ... (1 byte is left out)- ... (99998 bytes are left out)");
+}
+
+TEST(Html, TextsTakeNoMoreThanTheRoomThatIsGiven) {
+  Html page;
+  page.giveRoom(7);
+  page.element("p", "a&b");
+  page.element("p", "c\"d");
+  page.label("p", "words have room");
+  page.giveRoom(1);
+  page.text("e");
+  EXPECT_EQ(page.printed(),
+            "<p>a&amp;b</p><p> ... (3 bytes are left out)</p><p>words have room</p>e");
 }
 
 TEST(Html, AnotherPageIsTakenWhole) {

@@ -75,6 +75,18 @@ TEST(LogSection, ALongLineIsCut) {
               HasSubstr("x ... (10 bytes are left out)"));
 }
 
+TEST(LogSection, OfManyLongLinesEachIsCut) {
+  const std::string log = line(std::string(4000, 'x')) + line(std::string(4000, 'y'));
+  const std::string page = shown(log, {.linesBytes = 5000}).page;
+  EXPECT_THAT(page, AllOf(HasSubstr("x ... (1952 bytes are left out)</li>"),
+                          HasSubstr("y ... (1952 bytes are left out)</li>")));
+}
+
+TEST(LogSection, ALongNameOfAFunctionIsCut) {
+  EXPECT_THAT(shown("[14:03:07] [x][1][" + std::string(1000, 'f') + "][debug] x\n").page,
+              HasSubstr("f ... (872 bytes are left out)</b>"));
+}
+
 TEST(LogSection, WhatStandsThereIsText) {
   EXPECT_THAT(
       shown("[14:03:07] [x.cpp][1][<b>][<i>] </li>\x1B\xFF\n").page,

@@ -161,12 +161,83 @@ TEST(ReportPage, ATimeWithoutAChangeIsToldAtTheTop) {
                                         "on"));
 }
 
+TEST(ReportPage, ATimeWithoutAChangeThatEndsWithAnErrorDidNotGoOn) {
+  test::TimedLog log({"50000000000000A1"});
+  log.step("updateFW", "devId = 0, filePath = a.img");
+  log.pass(600).step("updateFW", "Flash Error");
+  log.end();
+  ReportMatter matter = matterOf(kDone);
+  matter.entries = parseLog(log.text());
+  matter.history = log.history();
+  EXPECT_THAT(pageOf(matter), HasSubstr(" on; then came 14:10:00 updateFW: Flash Error</li>"));
+}
+
 TEST(ReportPage, ALargeRecordIsCutAndSaysSo) {
   ReportMatter matter = matterOf(kDone);
   matter.record.set("more", Value(std::string(1UL << 20U, 'x')));
   const std::string page = pageOf(matter);
   EXPECT_LT(page.size(), 700000U);
-  EXPECT_THAT(page, HasSubstr(" bytes are left out."));
+  EXPECT_THAT(page, HasSubstr(" bytes are left out)</pre>"));
+}
+
+// A bound of the whole, whatever is long in it.
+constexpr std::size_t kMostBytes = 8UL << 20U;
+constexpr std::size_t kLong = 20UL << 20U;
+
+TEST(ReportPage, WithALongLineInTheLogItIsInBounds) {
+  ReportMatter matter = matterOf(kDone);
+  matter.entries = parseLog("[14:03:07] [x][1][updateFW][debug] " + std::string(kLong, '"') + "\n");
+  matter.log.isFound = true;
+  matter.log.lastStep = matter.entries.front().message;
+  matter.log.startErrors = {matter.log.lastStep};
+  const std::string page = pageOf(matter);
+  EXPECT_LT(page.size(), kMostBytes);
+  EXPECT_THAT(page, HasSubstr(" bytes are left out)</dd>"));
+}
+
+TEST(ReportPage, WithManyErrorsItIsInBounds) {
+  ReportMatter matter = matterOf(kDone);
+  matter.log.isFound = true;
+  for (int i = 0; i < 60000; ++i) {
+    matter.log.errors.push_back(std::to_string(i).append(300, 'x'));
+    matter.findings.push_back(
+        {Code::jobFaulty, Severity::error, std::string(300, '"'), "", "", ""});
+  }
+  const std::string page = pageOf(matter);
+  EXPECT_LT(page.size(), kMostBytes);
+  EXPECT_THAT(page, AllOf(HasSubstr("<p>59900 others are left out.</p>"),
+                          HasSubstr("<p>59800 others are left out.</p>")));
+}
+
+TEST(ReportPage, WithManyParametersItIsInBounds) {
+  Value inputs = Value::array();
+  for (int i = 0; i < 1333; ++i) {
+    inputs.append(
+        Value::dictionary({{"wwn", "5000"}, {std::to_string(i), std::string(5000, '<')}}));
+  }
+  ReportMatter matter = matterOf(kDone);
+  matter.record.set("input_parameters", inputs);
+  const std::string page = pageOf(matter);
+  EXPECT_LT(page.size(), kMostBytes);
+  EXPECT_THAT(page, AllOf(HasSubstr("<p>1304 other keys are left out.</p>"),
+                          HasSubstr("<p>1133 others are left out.</p>")));
+}
+
+TEST(ReportPage, WithManyControllersItIsInBounds) {
+  std::vector<std::string> wwns;
+  for (int i = 0; i < 500; ++i) wwns.push_back(std::to_string(5000000000000000 + i));
+  test::TimedLog log(wwns);
+  for (int i = 0; i < 500; ++i) {
+    log.step("updateFW", "devId = 0, filePath = a.img");
+    for (int step = 0; step < 300; ++step) log.pass(1).step("flashCPLD", "flashCPLD start");
+  }
+  ReportMatter matter = matterOf(kDone);
+  matter.record.set("input_parameters", log.record().get("input_parameters"));
+  matter.entries = parseLog(log.text());
+  matter.history = log.history();
+  const std::string page = pageOf(matter);
+  EXPECT_LT(page.size(), kMostBytes);
+  EXPECT_THAT(page, HasSubstr(" other controllers are left out.</p>"));
 }
 
 TEST(ReportPage, RedactedItHoldsNoneOfTheSecrets) {
@@ -178,10 +249,28 @@ TEST(ReportPage, RedactedItHoldsNoneOfTheSecrets) {
   for (const char* secret : {"quintus", "/Users", "50000000000000A1", "s3cret"}) {
     EXPECT_THAT(page.text, Not(HasSubstr(secret)));
   }
-  EXPECT_THAT(page.text,
-              AllOf(HasSubstr("[home-1]/a.img"), HasSubstr("[wwn-1]"),
-                    HasSubstr("https://[credentials-1]@x.example"), HasSubstr("WWNs 1 ("),
-                    HasSubstr("credentials in URLs 1 (1 place)")));
+  EXPECT_THAT(page.text, AllOf(HasSubstr("[home-1]/a.img"), HasSubstr("[wwn-1]"),
+                               HasSubstr("https://[credentials-1]@x.example"),
+                               HasSubstr("WWNs 1 ("), HasSubstr("credentials 1 (1 place)")));
+}
+
+TEST(ReportPage, RedactedItHidesWhatATableHasUnderATellingName) {
+  ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateSW", "state_id": "FREE",
+      "result": 0, "input_parameters": {"file_path": "/a", "password": "hunter"}})");
+  const std::string page = reportPage(matter, true).text;
+  EXPECT_THAT(page, AllOf(Not(HasSubstr("hunter")),
+                          HasSubstr("<th scope=\"row\">password</th><td class=\"short\">"
+                                    "[credentials-1]</td>")));
+}
+
+TEST(ReportPage, RedactedItHidesWhatIsCutInTheMiddle) {
+  ReportMatter matter = matterOf(kDone);
+  for (std::size_t blanks = 4080; blanks < 4100; ++blanks) {
+    matter.standardError = {"/Users/quintus"};
+    matter.entries =
+        parseLog("[14:03:07] [x][1][run][debug] " + std::string(blanks, '-') + " quintus\n");
+    EXPECT_THAT(reportPage(matter, true).text, Not(HasSubstr("- q"))) << blanks;
+  }
 }
 
 TEST(ReportPage, IsKnownAgain) {
