@@ -13,12 +13,12 @@
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
 #include "console/display/Colour.h"
+#include "console/display/JsonText.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Processes.h"
 #include "contract/Paths.h"
 #include "platform/File.h"
-#include "platform/Json.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -42,7 +42,7 @@ Value asValue(const Finding& finding) {
 void showJson(const Findings& findings, const Screen& screen) {
   Value all = Value::array();
   for (const Finding& finding : findings) all.append(asValue(finding));
-  screen.out << platform::printJson(all).value_or("null") << std::endl;
+  screen.out << jsonText(all) << std::endl;
 }
 
 void show(const Finding& finding, const Screen& screen) {

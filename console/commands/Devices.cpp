@@ -11,12 +11,12 @@
 #include "console/commands/Given.h"
 #include "console/devices/Discovery.h"
 #include "console/display/Colour.h"
+#include "console/display/JsonText.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/Table.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
 #include "console/job/Processes.h"
-#include "platform/Json.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -162,7 +162,7 @@ int devices(const DevicesOptions& options, const Screen& screen) {
 
 int showDevices(const Value& all, const std::string& library, const Screen& screen) {
   if (screen.json) {
-    screen.out << platform::printJson(all).value_or("null") << std::endl;
+    screen.out << jsonText(all) << std::endl;
   } else if (all.count() == 0) {
     showNone(library, screen);
   } else {

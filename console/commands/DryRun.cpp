@@ -6,10 +6,10 @@
 #include "console/commands/Devices.h"
 #include "console/devices/Rehearsal.h"
 #include "console/display/Colour.h"
+#include "console/display/JsonText.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
 #include "contract/JobFile.h"
-#include "platform/Json.h"
 
 namespace kelvane::console {
 
@@ -68,7 +68,7 @@ void showEntries(const Value& all, const Screen& screen) {
 
 int showRehearsal(const Value& all, const Screen& screen) {
   if (screen.json) {
-    screen.out << platform::printJson(all).value_or("null") << std::endl;
+    screen.out << jsonText(all) << std::endl;
   } else {
     showEntries(all, screen);
     screen.out << "nothing was flashed" << std::endl;

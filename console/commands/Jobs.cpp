@@ -7,6 +7,7 @@
 #include "console/commands/Given.h"
 #include "console/commands/JobList.h"
 #include "console/display/JobText.h"
+#include "console/display/JsonText.h"
 #include "console/display/Packages.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/Table.h"
@@ -133,7 +134,7 @@ int list(const ListOptions& options, const Screen& screen) {
   if (!options.last.empty()) jobs = lastOnes(std::move(jobs), countIn(options.last, kLastOption));
   if (screen.json) {
     for (const ListedJob& job : jobs) {
-      screen.out << platform::printJsonLine(forMachines(job)).value_or("null") << '\n';
+      screen.out << jsonLine(forMachines(job)) << '\n';
     }
   } else if (jobs.empty()) {
     showLines({options.failed ? "no failed jobs" : "no jobs"}, screen);
@@ -153,7 +154,7 @@ int show(const OneJobOptions& options, const Screen& screen) {
     const JobTimes times = timesOf(log);
     const Look look = {
         .record = record, .status = status, .elapsed = times.length, .times = times.controllers};
-    screen.out << platform::printJson(recordWithTimes(look)).value_or("null") << std::endl;
+    screen.out << jsonText(recordWithTimes(look)) << std::endl;
     return kSuccess;
   }
   if (lacksWorker(options.logId, places)) markWithoutWorker(status);

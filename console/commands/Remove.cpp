@@ -7,12 +7,12 @@
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
 #include "console/commands/Turn.h"
+#include "console/display/JsonText.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobStatus.h"
 #include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 #include "platform/File.h"
-#include "platform/Json.h"
 
 namespace kelvane::console {
 
@@ -121,8 +121,7 @@ void show(const LogIds& removed, const Screen& screen) {
   if (screen.json) {
     Value all = Value::array();
     for (const std::string& logId : removed) all.append(displayText(logId, Charset::utf8));
-    screen.out << platform::printJsonLine(Value::dictionary({{"removed", all}})).value_or("null")
-               << std::endl;
+    screen.out << jsonLine(Value::dictionary({{"removed", all}})) << std::endl;
     return;
   }
   if (removed.empty()) screen.out << "nothing to remove" << std::endl;

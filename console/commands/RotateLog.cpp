@@ -8,13 +8,13 @@
 #include "console/checks/Access.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/Turn.h"
+#include "console/display/JsonText.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
 #include "console/job/LogFile.h"
 #include "contract/Log.h"
 #include "log/iLog.h"
 #include "platform/File.h"
-#include "platform/Json.h"
 
 namespace kelvane::console {
 
@@ -65,7 +65,7 @@ void takeOverAttributes(const std::string& path, const struct stat& old) {
 
 void showText(const Value& forMachines, const std::string& forPeople, const Screen& screen) {
   if (screen.json) {
-    screen.out << platform::printJsonLine(forMachines).value_or("null") << std::endl;
+    screen.out << jsonLine(forMachines) << std::endl;
   } else {
     showLines({forPeople}, screen);
   }

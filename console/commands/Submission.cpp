@@ -6,6 +6,7 @@
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
 #include "console/commands/Turn.h"
+#include "console/display/JsonText.h"
 #include "console/display/Paragraphs.h"
 #include "console/display/ShellQuoting.h"
 #include "console/display/TimeText.h"
@@ -18,7 +19,6 @@
 #include "console/job/Processes.h"
 #include "console/job/StandardError.h"
 #include "contract/JobFile.h"
-#include "platform/Json.h"
 
 namespace kelvane::console {
 
@@ -119,7 +119,7 @@ Started start(const JobOptions& options, const TurnWish& wish, const PutIn& putI
 void showLogId(const std::string& logId, const Screen& screen) {
   if (screen.json) {
     const Value answer = Value::dictionary({{job::kLogId, logId}});
-    screen.out << platform::printJsonLine(answer).value_or("null") << std::endl;
+    screen.out << jsonLine(answer) << std::endl;
   } else {
     screen.out << displayText(logId, screen.charset) << std::endl;
   }

@@ -1,7 +1,5 @@
 #include "console/display/DisplayText.h"
 
-#include <cstdint>
-
 #include "console/display/Characters.h"
 #include "platform/Utf8.h"
 
@@ -9,18 +7,6 @@ namespace kelvane::console {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
-
-bool within(std::uint32_t character, std::uint32_t low, std::uint32_t high) {
-  return character >= low && character <= high;
-}
-
-// Control characters, and those that take no room or turn the direction of writing.
-bool steersTheOutput(std::uint32_t character) {
-  return character < 0x20 || within(character, 0x7F, 0x9F) || character == 0xAD ||
-         character == 0x61C || within(character, 0x200B, 0x200F) ||
-         within(character, 0x2028, 0x202E) || within(character, 0x2060, 0x206F) ||
-         character == 0xFEFF;
-}
 
 std::string_view shown(std::string_view character, Charset charset) {
   if (charset == Charset::ascii && character.size() > 1) return "?";

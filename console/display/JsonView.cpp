@@ -1,13 +1,13 @@
 #include "console/display/JsonView.h"
 
+#include "console/display/JsonText.h"
 #include "console/display/TimeText.h"
-#include "platform/Json.h"
 
 namespace kelvane::console {
 
 void JsonView::show(const Look& look) {
   if (look.record == shown_) return;
-  out_ << platform::printJsonLine(recordWithTimes(look)).value_or("null") << std::endl;
+  out_ << jsonLine(recordWithTimes(look)) << std::endl;
   shown_ = look.record;
 }
 

@@ -1,0 +1,34 @@
+// What holds for every version of the job file that the worker puts in place, whatever the file
+// held before and whatever was answered to the worker.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace kelvane::fuzz {
+
+class JobFileLaws {
+ public:
+  explicit JobFileLaws(std::string logId) : logId_(std::move(logId)) {}
+
+  // Someone else has written the file while the job ran: what of the job's own record may change,
+  // and whether it is there at all, is no longer known.
+  void disturb() { isDisturbed_ = true; }
+
+  // The file is about to be replaced.
+  void judge(std::string_view before, std::string_view after);
+
+  // How many were put in place.
+  int versions() const { return versions_; }
+  // Of the job's record, in the version put in place last: "RUN", "FREE"; empty before the first.
+  const std::string& state() const { return state_; }
+
+ private:
+  std::string logId_;
+  std::string state_;
+  int versions_ = 0;
+  bool isDisturbed_ = false;
+};
+
+}  // namespace kelvane::fuzz

@@ -1,0 +1,102 @@
+// The laws bite: what breaks one ends the process, and says which.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/fuzz/JobFileLaws.h"
+#include "tests/fuzz/Law.h"
+#include "tests/fuzz/WorkerInMemory.h"
+
+namespace kelvane::fuzz {
+namespace {
+
+TEST(Harmless, IsPlainTextAlone) {
+  requireHarmless("two\nlines, \xC3\xA4 and \xE2\x82\xAC", false, "harmless");
+  requireHarmless("plain ~", true, "harmless");
+  for (const char* text :
+       {"\x1B[2J", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xEF\xBB\xBF", "\xFF"}) {
+    EXPECT_DEATH(requireHarmless(text, false, "harmless"), "law broken: harmless") << text;
+  }
+  EXPECT_DEATH(requireHarmless("\xC3\xA4", true, "harmless"), "law broken: harmless");
+}
+
+TEST(Same, IsEveryByte) {
+  requireSame("a", "a", "same");
+  EXPECT_DEATH(requireSame("a", "a ", "same"), "law broken: same\nexpected: a\nfound:    a ");
+}
+
+constexpr char kBefore[] = R"([{"log_id": "16", "n": 1.0}, {"log_id": "17", "k": 1}])";
+
+std::string with(const std::string& other, const std::string& own) {
+  return "[{" + other + "}, {" + own + "}]";
+}
+
+const std::string kOther = R"("log_id": "16", "n": 1.0)";
+const std::string kOwn = R"("log_id": "17", "k": 1)";
+const std::string kFree = R"(, "state_id": "FREE", "result": 0, "resultStr": "")";
+
+void judge(const std::string& after) { JobFileLaws("17").judge(kBefore, after); }
+
+TEST(JobFileLaws, TheWorkersOwnKeysMayChange) {
+  JobFileLaws laws("17");
+  laws.judge(kBefore, with(kOther, kOwn + R"(, "state_id": "RUN", "output": [])"));
+  EXPECT_EQ(laws.state(), "RUN");
+  laws.judge(kBefore, with(kOther, kOwn + kFree));
+  EXPECT_EQ(laws.state(), "FREE");
+}
+
+TEST(JobFileLaws, ADamagedFileIsTold) {
+  EXPECT_DEATH(judge("[{}"), "whole JSON");
+  EXPECT_DEATH(judge("{}"), "keeps its records");
+  EXPECT_DEATH(judge("[{" + kOwn + kFree + "}]"), "keeps its records");
+}
+
+TEST(JobFileLaws, AnotherJobsRecordIsKeptToTheDigit) {
+  EXPECT_DEATH(judge(with(R"("log_id": "16", "n": 1)", kOwn + kFree)), "stays as it is");
+  EXPECT_DEATH(judge(with(R"("n": 1.0, "log_id": "16")", kOwn + kFree)), "stays as it is");
+}
+
+TEST(JobFileLaws, AKeyOfTheApplicationIsKept) {
+  EXPECT_DEATH(judge(with(kOther, R"("log_id": "17")" + kFree)), "keeps its keys");
+  EXPECT_DEATH(judge(with(kOther, R"("log_id": "17", "k": 2)" + kFree)), "its own keys alone");
+  EXPECT_DEATH(judge(with(kOther, kOwn + R"(, "m": 2)" + kFree)), "its own keys alone");
+}
+
+TEST(JobFileLaws, AStateIsOneOfTheWorkersAndFreeTheLast) {
+  EXPECT_DEATH(judge(with(kOther, kOwn)), "has a state");
+  EXPECT_DEATH(judge(with(kOther, kOwn + R"(, "state_id": "WAIT")")), "runs or is free");
+  EXPECT_DEATH(judge(with(kOther, kOwn + R"(, "state_id": "FREE")")), "has a result");
+  JobFileLaws laws("17");
+  laws.judge(kBefore, with(kOther, kOwn + kFree));
+  EXPECT_DEATH(laws.judge(kBefore, with(kOther, kOwn + kFree)), "behind FREE");
+}
+
+constexpr char kJob[] = R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
+    "input_parameters": [{"wwn": "A1", "file_path": "/a.img"}]}])";
+
+TEST(WorkerInMemory, RunsAJobToItsEnd) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kJob);
+  world.run();
+  EXPECT_EQ(world.jobFile.state(), "FREE");
+  EXPECT_FALSE(world.hasToldAnError());
+  EXPECT_GT(world.framework.count("zr_getFlashProgress"), 0);
+}
+
+TEST(WorkerInMemory, SeesWhatIsNotClosed) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kJob);
+  world.framework.calls.emplace_back("zr_initializeCPLDProcess(7/0, 0)");
+  EXPECT_DEATH(world.run(), "a CPLD process that is opened is closed");
+}
+
+TEST(WorkerInMemory, SeesWhatIsNotReaped) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kJob);
+  world.programs.started = 1;
+  EXPECT_DEATH(world.run(), "reaped");
+}
+
+}  // namespace
+}  // namespace kelvane::fuzz

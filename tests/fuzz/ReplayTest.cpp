@@ -1,0 +1,51 @@
+// Every fuzz target with its seeds: inputs that are worth looking at, and all that a fuzzer has
+// ever found fault with.
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
+
+namespace kelvane::fuzz {
+namespace {
+
+using ::testing::HasSubstr;
+
+std::vector<std::string> allTargets() {
+  std::istringstream words(KELVANE_FUZZ_TARGETS);
+  std::vector<std::string> targets;
+  for (std::string target; words >> target;) targets.push_back(target);
+  return targets;
+}
+
+test::Ended replay(const std::string& target, const std::string& seeds) {
+  return test::runProgram({KELVANE_FUZZ_PROGRAMS "fuzz_" + target, seeds}, "/");
+}
+
+class SeedsOf : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(SeedsOf, KeepTheLaws) {
+  const test::Ended ended = replay(GetParam(), KELVANE_FUZZ_SOURCES "seeds/" + GetParam());
+  EXPECT_EQ(ended.signal, 0) << ended.err;
+  EXPECT_EQ(ended.exitStatus, 0) << ended.err;
+  EXPECT_THAT(ended.out, HasSubstr(" seeds\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Target, SeedsOf, ::testing::ValuesIn(allTargets()),
+                         [](const auto& one) { return one.param; });
+
+TEST(Replay, FailsWhereThereAreNoSeeds) {
+  const test::TempFolder empty;
+  const test::Ended ended = replay("json", empty.path());
+  EXPECT_EQ(ended.exitStatus, 1);
+  EXPECT_EQ(ended.out, "0 seeds\n");
+  EXPECT_EQ(replay("json", empty / "missing").exitStatus, 1);
+}
+
+}  // namespace
+}  // namespace kelvane::fuzz

@@ -1,0 +1,151 @@
+#include "tests/fuzz/WorkerInMemory.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "contract/Engine.h"
+#include "contract/JobFile.h"
+#include "contract/Log.h"
+#include "log/iLog.h"
+#include "platform/Utf8.h"
+#include "tests/fuzz/Law.h"
+#include "tests/support/LogLine.h"
+
+namespace kelvane::fuzz {
+
+const char kProductSettings[] =
+    R"({"AppPath": "/Applications/Manager.app", "online_update_plist_name": "catalogue",
+        "product_id_sw": "sw", "product_id_korfw": "kor", "product_id_zentanfw": "zen",
+        "product_id_tarsel2fw": "t2", "product_id_tarsel3fw": "t3", "app_name": "Manager"})";
+
+namespace {
+
+constexpr char kLog[] = "/Shared/utility/logs/TarselVistrelUtility.txt";
+
+bool begins(const std::string& call, const std::string& start) {
+  return call.compare(0, start.size(), start) == 0;
+}
+
+// "0/1" of "zr_initializeFlashProcess(0/1, 0)".
+std::string addressIn(const std::string& call) {
+  const std::size_t start = call.find('(') + 1;
+  return call.substr(start, call.find(',') - start);
+}
+
+// Whether each call that opens is followed by one that closes, of the same controller.
+bool closesWhatItOpens(const std::vector<std::string>& calls, const std::string& opening,
+                       const std::string& closing) {
+  std::string open;
+  for (const std::string& call : calls) {
+    if (begins(call, opening)) {
+      if (!open.empty()) return false;
+      open = addressIn(call);
+    }
+    if (begins(call, closing) && addressIn(call) == open) open.clear();
+  }
+  return open.empty();
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text.append(line).append("\n");
+  return text;
+}
+
+// The value behind the option.
+std::string valueOf(const std::vector<std::string>& argv, const char* option) {
+  const auto found = std::find(argv.begin(), argv.end(), option);
+  return found == argv.end() || std::next(found) == argv.end() ? "" : *std::next(found);
+}
+
+// The lowest number that an open file would get: higher where one was left open.
+int freeDescriptor() {
+  const int free = ::fcntl(STDIN_FILENO, F_DUPFD, 0);
+  ::close(free);
+  return free;
+}
+
+bool isLevel(const std::string& level) {
+  return std::find(std::begin(logging::kLevels), std::end(logging::kLevels), level) !=
+         std::end(logging::kLevels);
+}
+
+}  // namespace
+
+WorkerInMemory::WorkerInMemory() {
+  disk.put(kLog, "");
+  disk.put(kSharedSettingsPath, R"({"AppPath": "/A/B.app"})");
+  disk.put(kProductSettingsPath, kProductSettings);
+  disk.put(kEnginePath, "");
+  disk.put("/Applications/Manager.app/Contents/Info.plist", "");
+  host.folder = "/A/B.app/Contents/Resources";
+  framework.devices = {{"A1", 0x4301}, {"B2", 0x4801}};
+  framework.adapters = 1;
+  disk.onReplace = [this](const std::string& path, std::string_view bytes) {
+    require(path == kJobFilePath, "the worker writes no other file", path);
+    jobFile.judge(disk.bytesOf(path).value_or(""), bytes);
+  };
+  disk.onAppend = [this](const std::string&, std::string_view text) { judgeLine(text); };
+  programs.run = [this](const std::vector<std::string>& argv) { return runProgram(argv); };
+}
+
+WorkerInMemory::~WorkerInMemory() {
+  setLogPath("");
+  iLog_host = nullptr;
+}
+
+void WorkerInMemory::run() {
+  const int free = freeDescriptor();
+  {
+    Kelvane worker(host);
+    worker.init(kSharedFolder);
+    worker.run(kLogId);
+  }
+  judgeTheEnd();
+  require(freeDescriptor() == free, "no file is left open");
+}
+
+// "rm -Rf", "cp -Rf", and the engine, which need not be there.
+std::optional<std::string> WorkerInMemory::runProgram(const std::vector<std::string>& argv) {
+  if (argv[0] == "/bin/rm" && argv.size() > 2) {
+    disk.remove(argv[2]);
+    return "";
+  }
+  if (argv[0] == "/bin/cp" && argv.size() > 3) {
+    disk.copy(argv[2], argv[3]);
+    return "";
+  }
+  if (!disk.bytesOf(argv[0])) return std::nullopt;
+  return engine ? engine(valueOf(argv, kelvane::engine::kFolder)) : "done\n";
+}
+
+void WorkerInMemory::judgeLine(std::string_view text) {
+  require(
+      text.ends_with('\n') && text.find('\0') == std::string_view::npos && platform::isUtf8(text),
+      "an entry of the log is UTF-8 text, and ends its line", text);
+  const auto line = test::parseLogLine(std::string(text));
+  require(line && line->time == "14:03:07" && line->file.ends_with(".cpp") &&
+              !line->function.empty() && isLevel(line->level),
+          "an entry of the log begins with its fields", text);
+  hasToldAnError_ = hasToldAnError_ || line->level == "error";
+}
+
+void WorkerInMemory::judgeTheEnd() const {
+  const auto& calls = framework.calls;
+  require(closesWhatItOpens(calls, "zr_initializeFlashProcess(", "zr_finalizeFlashProcess("),
+          "a flash process that is opened is closed", joined(calls));
+  require(closesWhatItOpens(calls, "zr_initializeCPLDProcess(", "zr_finalizeCPLDProcess("),
+          "a CPLD process that is opened is closed", joined(calls));
+  require(closesWhatItOpens(calls, "zr_flashQVXFImage(", "zr_finializeQVXFImage("),
+          "a QVXF flash that is started is closed", joined(calls));
+  require(programs.started == programs.reaped, "a program that was started is ended and reaped");
+  // A folder that is given up may be the one that the log is in.
+  require(jobFile.state() != job::kRun || hasToldAnError_ || !disk.bytesOf(kLog),
+          "a job that is begun is finished, or an error is told",
+          disk.bytesOf(kJobFilePath).value_or(""));
+}
+
+}  // namespace kelvane::fuzz

@@ -1,0 +1,79 @@
+// JSON text: what is read is written again, to the digit.
+
+#include "platform/Json.h"
+
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/Text.h"
+#include "platform/Utf8.h"
+#include "tests/fuzz/Bytes.h"
+#include "tests/fuzz/Law.h"
+
+namespace kelvane::fuzz {
+namespace {
+
+using platform::Value;
+
+int depthOf(const Value& value) {
+  int most = 0;
+  if (value.isArray()) {
+    for (const Value& element : value.elements()) most = std::max(most, depthOf(element));
+  } else if (value.isDictionary()) {
+    for (const auto& [key, inner] : value.entries()) most = std::max(most, depthOf(inner));
+  } else {
+    return 0;
+  }
+  return most + 1;
+}
+
+// The same value, made anew, so that nothing in it remembers a text.
+Value fresh(const Value& value) {
+  if (value.isArray()) {
+    Value made = Value::array();
+    for (const Value& element : value.elements()) made.append(fresh(element));
+    return made;
+  }
+  if (!value.isDictionary()) return value;
+  Value made = Value::dictionary();
+  for (const auto& [key, inner] : value.entries()) made.set(key, fresh(inner));
+  return made;
+}
+
+std::string printed(const Value& value) {
+  const auto text = platform::printJson(value);
+  require(text.has_value(), "what was read from JSON can be written");
+  return *text;
+}
+
+void judge(const Value& value) {
+  require(value.isArray() || value.isDictionary(), "the top level is an array or an object");
+  require(depthOf(value) <= platform::kJsonDepthLimit, "nothing is read beyond the depth");
+  const std::string text = printed(value);
+  requireSame(text, printed(value), "a remembered text is the text");
+  requireSame(text, printed(fresh(value)), "a remembered text is what is made anew");
+  require(nlohmann::json::accept(text), "what is written is JSON", text);
+  const Value again = platform::parseJson(text);
+  require(value == again, "what is written is read again", text);
+  requireSame(text, printed(again), "what is read again is written the same");
+  const std::string line = platform::printJsonLine(value).value_or("");
+  require(line.find('\n') == std::string::npos && value == platform::parseJson(line),
+          "one line holds the same", line);
+  requireSame(platform::describe(value), platform::describe(fresh(value)),
+              "a remembered description is what is made anew");
+  require(platform::isUtf8(platform::describe(value)), "a description is UTF-8");
+}
+
+}  // namespace
+}  // namespace kelvane::fuzz
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace kelvane;
+  const std::string text = fuzz::Bytes(data, size).rest();
+  const platform::Value value = platform::parseJson(text);
+  if (value.isNothing()) return 0;
+  fuzz::require(platform::isUtf8(text), "JSON is UTF-8", text);
+  fuzz::judge(value);
+  return 0;
+}
