@@ -116,11 +116,11 @@ class BinaryList {
     return marker == 0x14 && table_ - start >= 16 && number(start, 8) == 0;
   }
 
-  // The number of elements; `start` moves behind it.
+  // The number of elements; `start` moves behind it. Where it stands in the table already, the
+  // number has no room before that.
   bool readCount(unsigned inMarker, std::uint64_t& start, std::uint64_t& elements) const {
     elements = inMarker;
     if (inMarker != 0xF) return true;
-    if (start >= table_) return false;
     const auto marker = static_cast<unsigned>(number(start, 1));
     const std::uint64_t size = 1ULL << (marker & 0xFU);
     if (marker >> 4U != 1 || size > 8 || size >= table_ - start) return false;
@@ -164,7 +164,7 @@ class BinaryList {
     outer.height = std::max(outer.height, inner.height + 1);
     const std::uint64_t weight = inner.weight + kIndentation * inner.lines;
     outer.weight = std::min(outer.weight + weight, limit() + 1);
-    outer.lines = std::min(outer.lines + inner.lines, limit() + 1);
+    outer.lines += inner.lines;  // fewer than it weighs
   }
 
   // A reference takes a byte at the least, so that a list in which each object is used once stays
