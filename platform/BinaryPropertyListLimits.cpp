@@ -30,7 +30,6 @@ class BinaryList {
 
  private:
   struct Object {
-    bool isOpen = false;
     bool isDone = false;
     int height = 0;            // of the containers inside one another, this one included
     std::uint64_t weight = 0;  // bytes that it takes once it is read and shown
@@ -79,7 +78,6 @@ class BinaryList {
     if (size > table_ - start) return false;
     const bool refers = isContainer(marker);
     path_.push_back({object, start, refers ? start + size : start});
-    objects_[object].isOpen = true;
     objects_[object].height = refers ? 1 : 0;
     objects_[object].weight = kObjectSize + (refers ? 0 : size);
     // More than there is are references that several objects claim for theirs.
@@ -129,6 +127,7 @@ class BinaryList {
     return elements <= bytes_.size();
   }
 
+  // Of references in a circle none is ever done, so that they come to the limit of the depth.
   bool walk() {
     if (!open(root_)) return false;
     while (!path_.empty()) {
@@ -139,7 +138,7 @@ class BinaryList {
       }
       const std::uint64_t object = number(visit.next, referenceSize_);
       visit.next += referenceSize_;
-      if (object >= count_ || (objects_[object].isOpen && !objects_[object].isDone)) return false;
+      if (object >= count_) return false;
       if (objects_[object].isDone) {
         addTo(visit.object, object);
       } else if (path_.size() > kPropertyListDepthLimit || !open(object)) {
