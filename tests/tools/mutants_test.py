@@ -70,6 +70,8 @@ class Mutants(unittest.TestCase):
         mutant, = mutants_of("a.cpp", source)
         self.assertEqual(mutant.described(), "a.cpp:3: constant: 7 -> 8")
         self.assertEqual(mutant.line_of(source), "int b = 7;  // why")
+        leaving = "case a:\n  break;\n"
+        self.assertEqual(mutants_of("a.cpp", leaving)[0].line_of(leaving), "case a: break;")
         self.assertIn("-  int b = 7;  // why\n+  int b = 8;  // why", mutant.diff(source))
 
 

@@ -6,7 +6,7 @@ from pathlib import Path
 import here  # noqa: F401
 from bite.source_maps import Place, _branches, _lines
 
-_PROJECT = Path("/project")
+_BUILD = Path("build/coverage")
 
 
 def is_ours(path):
@@ -14,16 +14,16 @@ def is_ours(path):
 
 
 def branches(found, segments):
-    exported = {"data": [{"files": [{"filename": "/project/platform/a.cpp", "branches": found,
+    exported = {"data": [{"files": [{"filename": "build/coverage/platform/a.cpp", "branches": found,
                                      "segments": segments}]}]}
-    return _branches(exported, _PROJECT, is_ours)
+    return _branches(exported, _BUILD, is_ours)
 
 
 class SourceMaps(unittest.TestCase):
     def test_lines_of_other_sources_are_not_told_of(self):
-        records = "SF:/project/platform/a.cpp\nDA:3,7\nDA:4,0\nend_of_record\n" \
-                  "SF:/project/tests/b.cpp\nDA:1,0\nend_of_record\nSF:/usr/c.h\nDA:1,0\n"
-        self.assertEqual(_lines(records, _PROJECT, is_ours),
+        records = "SF:build/coverage/platform/a.cpp\nDA:3,7\nDA:4,0\nend_of_record\n" \
+                  "SF:build/coverage/tests/b.cpp\nDA:1,0\nend_of_record\nSF:/usr/c.h\nDA:1,0\n"
+        self.assertEqual(_lines(records, _BUILD, is_ours),
                          {Place("platform/a.cpp", 3, 0, "line"): 7,
                           Place("platform/a.cpp", 4, 0, "line"): 0})
 

@@ -18,11 +18,11 @@ class Place:
     kind: str  # "line", "true", "false"
 
 
-def reached(objects, profile, project, wanted):
+def reached(objects, profile, build, wanted):
     """How often each place of the sources that are `wanted` was reached."""
     exported = [_export(objects, profile, form) for form in ("lcov", "text")]
-    lines = _lines(exported[0], project, wanted)
-    return {**lines, **_branches(json.loads(exported[1]), project, wanted)}
+    lines = _lines(exported[0], build, wanted)
+    return {**lines, **_branches(json.loads(exported[1]), build, wanted)}
 
 
 def _export(objects, profile, form):
@@ -32,30 +32,32 @@ def _export(objects, profile, form):
          str(objects[0]), *others], check=True, capture_output=True, text=True).stdout
 
 
-def _relative(path, project):
+def _source(path, build):
+    """The project's source; empty for those of others. Programs do not tell where they were built, so
+    that the maps name sources as though they stood in the build folder."""
     try:
-        return str(Path(path).relative_to(project))
+        return str(Path(path).relative_to(build))
     except ValueError:
         return ""
 
 
-def _lines(records, project, wanted):
+def _lines(records, build, wanted):
     counts, path = {}, ""
     for record in records.splitlines():
         key, _, value = record.partition(":")
         if key == "SF":
-            path = _relative(value, project)
+            path = _source(value, build)
         elif key == "DA" and wanted(path):
             line, count = value.split(",")[:2]
             counts[Place(path, int(line), 0, "line")] = int(count)
     return counts
 
 
-def _branches(exported, project, wanted):
+def _branches(exported, build, wanted):
     """The instances of a template count together."""
     counts = defaultdict(int)
     for source in exported["data"][0]["files"]:
-        path = _relative(source["filename"], project)
+        path = _source(source["filename"], build)
         if not wanted(path):
             continue
         segments = sorted(source["segments"])
