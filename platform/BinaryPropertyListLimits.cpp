@@ -30,7 +30,6 @@ class BinaryList {
 
  private:
   struct Object {
-    bool isOpen = false;
     bool isDone = false;
     int height = 0;            // of the containers inside one another, this one included
     std::uint64_t weight = 0;  // bytes that it takes once it is read and shown
@@ -79,7 +78,6 @@ class BinaryList {
     if (size > table_ - start) return false;
     const bool refers = isContainer(marker);
     path_.push_back({object, start, refers ? start + size : start});
-    objects_[object].isOpen = true;
     objects_[object].height = refers ? 1 : 0;
     objects_[object].weight = kObjectSize + (refers ? 0 : size);
     // More than there is are references that several objects claim for theirs.
@@ -116,11 +114,11 @@ class BinaryList {
     return marker == 0x14 && table_ - start >= 16 && number(start, 8) == 0;
   }
 
-  // The number of elements; `start` moves behind it.
+  // The number of elements; `start` moves behind it. Where it stands in the table already, the
+  // number has no room before that.
   bool readCount(unsigned inMarker, std::uint64_t& start, std::uint64_t& elements) const {
     elements = inMarker;
     if (inMarker != 0xF) return true;
-    if (start >= table_) return false;
     const auto marker = static_cast<unsigned>(number(start, 1));
     const std::uint64_t size = 1ULL << (marker & 0xFU);
     if (marker >> 4U != 1 || size > 8 || size >= table_ - start) return false;
@@ -129,6 +127,7 @@ class BinaryList {
     return elements <= bytes_.size();
   }
 
+  // Of references in a circle none is ever done, so that they come to the limit of the depth.
   bool walk() {
     if (!open(root_)) return false;
     while (!path_.empty()) {
@@ -139,7 +138,7 @@ class BinaryList {
       }
       const std::uint64_t object = number(visit.next, referenceSize_);
       visit.next += referenceSize_;
-      if (object >= count_ || (objects_[object].isOpen && !objects_[object].isDone)) return false;
+      if (object >= count_) return false;
       if (objects_[object].isDone) {
         addTo(visit.object, object);
       } else if (path_.size() > kPropertyListDepthLimit || !open(object)) {
@@ -164,7 +163,7 @@ class BinaryList {
     outer.height = std::max(outer.height, inner.height + 1);
     const std::uint64_t weight = inner.weight + kIndentation * inner.lines;
     outer.weight = std::min(outer.weight + weight, limit() + 1);
-    outer.lines = std::min(outer.lines + inner.lines, limit() + 1);
+    outer.lines += inner.lines;  // fewer than it weighs
   }
 
   // A reference takes a byte at the least, so that a list in which each object is used once stays

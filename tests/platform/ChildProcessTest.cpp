@@ -373,6 +373,12 @@ TEST_F(ChildProcessTest, APathOrArgumentThatHoldsANulCharacterRaises) {
   EXPECT_THROW(argumentList(text, {"a"}), Exception);
   EXPECT_EQ(argumentList("/p", {"a", Value(), text}),
             Value::array({"a"}));  // behind the list's end
+  try {
+    argumentList("/p", {text});
+  } catch (const Exception& raised) {
+    EXPECT_EQ(std::string(raised.what()),
+              std::string("start: an argument holds a NUL character: a"));
+  }
 }
 
 TEST_F(ChildProcessTest, DiscardedOutputIsWaitedForToItsEnd) {

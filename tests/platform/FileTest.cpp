@@ -1,9 +1,13 @@
 #include <csignal>
 #include <cstddef>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include <fcntl.h>
@@ -144,6 +148,12 @@ TEST_F(File, WhatIsLongerThanItsSizeSaysIsReadWhole) {
   const std::optional<std::string> name = readFileUnlessKnown("/proc/self/comm", "");
   EXPECT_EQ(name, readFile("/proc/self/comm"));
   EXPECT_EQ(name, "platform_tests\n");
+}
+
+TEST_F(File, WhatIsFarLongerThanItsSizeSaysIsReadWhole) {
+  std::ifstream file("/proc/filesystems");
+  const std::string whole{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  EXPECT_EQ(readFile("/proc/filesystems"), whole);
 }
 
 TEST_F(File, WhatIsNoRegularFileIsNeverReplaced) {
@@ -378,6 +388,41 @@ TEST_F(File, AppendsAsMuchAsThereIsRoomForAndThenRaises) {
   EXPECT_EQ(bytes.substr(bytes.size() - 7), "onetwot");
 }
 
+// Of the process's open files the one at this path; -1 where there is none.
+int openAt(const std::string& path) {
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code closed;
+    if (std::filesystem::read_symlink(entry, closed) == path) {
+      return std::stoi(entry.path().filename().string());
+    }
+  }
+  return -1;
+}
+
+TEST_F(File, WhatIsOpenIsNoneOfAnotherProgramsFiles) {
+  const FileEnd end(folder.write("file", ""));
+  const int number = openAt(folder / "file");
+  ASSERT_GE(number, 0);
+  EXPECT_EQ(::fcntl(number, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+TEST_F(File, NoTerminalBecomesTheProcesssOwn) {
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_EQ(::grantpt(terminal), 0);
+  ASSERT_EQ(::unlockpt(terminal), 0);
+  const std::string path = ::ptsname(terminal);
+  const pid_t process = ::fork();
+  if (process == 0) {
+    ::setsid();
+    const FileEnd end(path);
+    ::_exit(::open("/dev/tty", O_RDWR | O_NOCTTY) >= 0 ? 1 : 0);
+  }
+  int status = -1;
+  ::waitpid(process, &status, 0);
+  ::close(terminal);
+  EXPECT_EQ(status, 0);
+}
+
 TEST_F(File, OnlyARegularFileIsAppendedTo) {
   ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
   appendToFile(folder / "fifo", {"nobody listens"});
@@ -400,6 +445,8 @@ TEST_F(File, KnowsFoldersAndSizes) {
   EXPECT_TRUE(isFolder(folder / "inside"));
   EXPECT_FALSE(isFolder(folder / "inside/file"));
   EXPECT_FALSE(isFolder(folder / "missing"));
+  EXPECT_FALSE(isFolder((folder / "inside") + std::string("\0x", 2)));
+  EXPECT_EQ(fileSize((folder / "inside/file") + std::string("\0x", 2)), 0U);
   EXPECT_EQ(fileSize(folder / "inside/file"), 5U);
   EXPECT_EQ(fileSize(folder / "missing"), 0U);
 }

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <csignal>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -333,6 +335,26 @@ TEST_F(FileTree, ANameAsLongAsNamesCanBeIsCopied) {
   EXPECT_TRUE(copyTree(folder / ("from/" + name), folder / ("to/b" + name.substr(2))));
   EXPECT_TRUE(discardTree(folder / ("to/" + name)));
   EXPECT_EQ(folder.names("to"), Names{"b" + name.substr(2)});
+}
+
+TEST_F(FileTree, AStagedCopyStandsBesideItsPlaceUnderAHiddenName) {
+  folder.write("from", "x");
+  EXPECT_EQ(stageCopy(folder / "from", folder / "to"), folder / ".incoming-to");
+}
+
+TEST_F(FileTree, TheHiddenNameOfALongOneIsThatOneUpToACharactersEnd) {
+  folder.write("from", "x");
+  std::string accents = "a";
+  while (accents.size() < 201) accents += "\xC3\xA9";
+  const std::vector<std::pair<std::string, std::size_t>> names = {
+      {std::string(201, 'a'), 200}, {accents, 199}, {'a' + std::string(200, '\x80'), 0}};
+  for (const auto& [name, kept] : names) {
+    const std::string start = (folder / ".incoming-") + name.substr(0, kept) + "-";
+    const std::string staged = stageCopy(folder / "from", folder / name).value_or("none");
+    EXPECT_EQ(staged.substr(0, start.size()), start);
+  }
+  const std::string whole(200, 'a');
+  EXPECT_EQ(stageCopy(folder / "from", folder / whole), folder / (".incoming-" + whole));
 }
 
 TEST_F(FileTree, ALongNameThatIsNoTextIsCopied) {

@@ -189,6 +189,37 @@ TEST_F(Log, BytesThatAreNoTextAreReplaced) {
   EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] a\xEF\xBF\xBD\n");
 }
 
+TEST_F(Log, ALineOfAnyLengthIsWrittenWhole) {
+  const std::string fields = "[14:03:07] [f][1][run][debug] ";
+  for (const std::size_t size : {4000U, 4064U, 4065U, 4066U, 100'000U}) {
+    folder.write("log.txt", "");
+    const std::string text(size, 'x');
+    iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@ and %@", text, platform::Value("more"));
+    EXPECT_EQ(written(), fields + text + " and more\n") << size;
+  }
+}
+
+TEST_F(Log, ALongLineIsMendedAsAShortOneIs) {
+  const std::string text(5000, 'x');
+  iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@%s", text, "a\xC3");
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] " + text + "a\xEF\xBF\xBD\n");
+}
+
+TEST_F(Log, ACharacterMayStandInTwoPiecesOfALongLine) {
+  const std::string text(5000, 'x');
+  iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@%s%s", text, "\xC3", "\xA9");
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] " + text + "\xC3\xA9\n");
+}
+
+TEST_F(Log, AMessageEndsAtItsFirstNulCharacter) {
+  for (const std::size_t size : {1U, 5000U}) {
+    folder.write("log.txt", "");
+    const std::string text(size, 'x');
+    iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@%@ and %s", text, std::string("a\0b", 3), "more");
+    EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] " + text + "a\n") << size;
+  }
+}
+
 TEST_F(Log, AFailingWriteRaises) {
   const test::FullFile full;
   setLogPath(full.path().c_str());
