@@ -101,7 +101,8 @@ std::string redactionLine(const ReportPage& page) {
 
 void tell(const std::string& path, const ReportMatter& matter, const ReportPage& page,
           bool hasReplaced, const Screen& screen) {
-  std::string line = "report of the shared folder, without a job";
+  std::string line = "report of the ";
+  line.append(kindOf(matter.subject.places)).append(", without a job");
   if (matter.hasJob()) line = statusOf(matter.record).logId.insert(0, "report of job ");
   line.append(": ").append(path);
   if (hasReplaced) line.append(" (in place of the report that was there)");

@@ -120,10 +120,12 @@ Explanation endedUnwritten(const JobCircumstances& circumstances) {
   meaning += ": it came to its end, and the job file";
   meaning += circumstances.isCopy ? " is older than the log or its last write failed."
                                   : "'s last write failed, as on a full disk.";
-  const char* advice =
-      circumstances.isCopy
-          ? "Where it was copied, \"kelvane-console show\" tells what became of it."
-          : "Mend what kept the job file from being written.";
+  std::string advice = circumstances.isCopy ? "Ask for the job file once more."
+                                            : "Mend what kept the job file from being written.";
+  if (!result.empty()) {
+    advice.append(" What the result means tells \"kelvane-console explain ").append(result);
+    advice += "\".";
+  }
   return {"running, though the log has its end", meaning, "user", advice,
           result == "0" ? "no" : "yes, under another log_id"};
 }

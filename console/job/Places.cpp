@@ -58,4 +58,9 @@ std::string notLookedAt(const Places& places) {
   return text;
 }
 
+const char* kindOf(const Places& places) {
+  if (!places.sharedFolder.empty()) return "shared folder";
+  return places.jobFile.empty() ? "log" : "job file";
+}
+
 }  // namespace kelvane::console

@@ -40,4 +40,8 @@ bool lacksWorker(const std::string& logId, const Places& places);
 // What was not looked at and what is not at hand, as a sentence; empty where nothing is missing.
 std::string notLookedAt(const Places& places);
 
+// What they are in a word: "shared folder"; of files alone "job file" or "log", where both are at
+// hand the first.
+const char* kindOf(const Places& places);
+
 }  // namespace kelvane::console

@@ -188,8 +188,11 @@ const Finding* findingBehind(const ReportMatter& matter) {
 
 void tellOfNoJob(Html& page, const ReportMatter& matter) {
   if (matter.jobFileFault.empty()) {
-    showBanner(page, {"No job", "open"},
-               "There is no job in the job file. This report tells of the shared folder alone.");
+    const Places& places = matter.subject.places;
+    std::string text = "There is no job in the ";
+    text += places.jobFile.empty() ? "log" : "job file";
+    text.append(". This report tells of the ").append(kindOf(places)).append(" alone.");
+    showBanner(page, {"No job", "open"}, text);
     return;
   }
   showBanner(page, {"No job can be told", "bad"}, matter.jobFileFault);

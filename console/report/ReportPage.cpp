@@ -32,7 +32,7 @@ constexpr char kPolicy[] = "default-src 'none'; base-uri 'none'; form-action 'no
 constexpr std::size_t kMostTitleBytes = 256;
 
 std::string titleOf(const ReportMatter& matter) {
-  if (!matter.hasJob()) return "Report of a shared folder";
+  if (!matter.hasJob()) return std::string("Report of a ") + kindOf(matter.subject.places);
   return statusOf(matter.record).logId.insert(0, "Report of job ");
 }
 

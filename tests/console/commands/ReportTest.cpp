@@ -96,6 +96,17 @@ TEST_F(Report, OfALogThatWasMailed) {
                                HasSubstr("the records are as the log shows them last")));
 }
 
+TEST_F(Report, OfALogWithoutAJobItSaysThatItIsOfTheLog) {
+  options.sharedFolder.clear();
+  options.copy.logFile =
+      folder.write("log.txt", "[14:03:07] [a.cpp][1][run][debug] currentJobArray = (\n)\n");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "report of the log, without a job: " + options.output + "\n");
+  EXPECT_THAT(written(), AllOf(HasSubstr("<h1>Report of a log</h1>"),
+                               HasSubstr("There is no job in the log. This report tells of the log "
+                                         "alone.")));
+}
+
 TEST_F(Report, OfAnUnknownJobThereIsNone) {
   options.logId = "99";
   EXPECT_EQ(run(), kNotFound);

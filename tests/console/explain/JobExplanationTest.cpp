@@ -332,6 +332,9 @@ TEST(JobExplanation, RunningThoughTheLogHasItsEnd) {
   EXPECT_EQ(found.meaning,
             "The log has the job's last line, with the result 32852 (0x8054): it came to its end, "
             "and the job file is older than the log or its last write failed.");
+  EXPECT_EQ(found.advice,
+            "Ask for the job file once more. What the result means tells \"kelvane-console explain "
+            "32852\".");
   circumstances.isCopy = false;
   circumstances.workerRuns = true;
   EXPECT_EQ(explained("updateFW", kRunning, circumstances).subject, "job 17 (updateFW): running");
