@@ -195,8 +195,10 @@ std::string faultOfRound(const World& world, const HeldEngine& engine, bool isPa
 Tally proveReadings(World& world, std::uint64_t readings, const Tell& tell) {
   const Baseline baseline = baselineOf(world);
   Tally tally;
+  bool isAnythingSeen = false;
   while (tally.points < readings) {
     for (const Reader& reader : readWhileRunning(world)) {
+      isAnythingSeen = isAnythingSeen || reader.seen.size() > 1;
       tally.points += reader.readings;
       const bool isSound = !reader.wasMissing && areInOrder(reader.seen, baseline.jobFiles);
       if (isSound) continue;
@@ -205,6 +207,10 @@ Tally proveReadings(World& world, std::uint64_t readings, const Tell& tell) {
            (reader.wasMissing ? ": the job file was not there"
                               : ": a reader saw what is no version, or not in order"));
     }
+  }
+  if (!isAnythingSeen) {
+    ++tally.deviations;
+    tell(std::string(world.scenario().name) + ": no reader saw the job file change");
   }
   return tally;
 }

@@ -99,7 +99,8 @@ int provePart(const Kind& kind, const Part& part) {
   const std::string outcome =
       tally.deviations == 0 ? "no deviation" : std::to_string(tally.deviations) + " deviate";
   std::printf("%-22s %8llu %s, %s\n", part.name.c_str(),
-              static_cast<unsigned long long>(tally.points), kind.points, outcome.c_str());
+              static_cast<unsigned long long>(tally.points),
+              part.name == kConsoles ? "rounds" : kind.points, outcome.c_str());
   return tally.deviations == 0 && tally.points > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
