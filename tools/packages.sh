@@ -4,7 +4,7 @@
 #   . tools/packages.sh; tools/install-packages "${benchmark_packages[@]}"
 build_packages=(cmake ninja-build g++ nlohmann-json3-dev libfmt-dev libcli11-dev zlib1g-dev
   libplist-dev libexpat1-dev libpcre2-dev libssl-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev groff-base python3 jq
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libvalijson-dev librapidcheck-dev groff-base python3 jq
   procps zsh fish chromium fonts-dejavu-core)
 benchmark_packages=(python3 strace linux-perf gnuplot-nox)
 style_packages=(git clang-format clang-tidy cppcheck shellcheck lintian)
