@@ -89,8 +89,9 @@ Value dataOf(plist_t node) {
 Value dateOf(plist_t node) {
   const std::string text = contentOf(node, "date");
   std::tm time = {};
-  const char* end = ::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time);
-  if (end == nullptr || *end != '\0') throw Exception("a property list's date is damaged: " + text);
+  if (::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time) == nullptr) {
+    throw Exception("a property list's date is damaged: " + text);
+  }
   return Date{::timegm(&time)};
 }
 

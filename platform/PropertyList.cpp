@@ -23,12 +23,8 @@ Value parse(std::string_view bytes) {
 }  // namespace
 
 Value parsePropertyList(std::string_view bytes) {
-  try {
-    Value root = parse(withoutByteOrderMark(bytes));
-    return root.isDictionary() ? root : Value();
-  } catch (const Exception&) {
-    return {};
-  }
+  Value root = parse(withoutByteOrderMark(bytes));
+  return root.isDictionary() ? root : Value();
 }
 
 Value readPropertyList(const std::string& path, ParsedBytes& last) {

@@ -14,11 +14,11 @@ unsigned byteAt(std::string_view bytes, std::size_t index) {
 
 bool within(unsigned byte, unsigned low, unsigned high) { return byte >= low && byte <= high; }
 
-// The length of the well-formed sequence at `start`, 0 where there is none. The second byte's
-// range is what excludes overlong forms, surrogates and code points above U+10FFFF.
+// The length of the well-formed sequence at `start`, where no ASCII stands; 0 where there is none.
+// The second byte's range is what excludes overlong forms, surrogates and code points above
+// U+10FFFF.
 std::size_t sequenceLength(std::string_view bytes, std::size_t start) {
   const unsigned first = byteAt(bytes, start);
-  if (first < 0x80) return 1;
   std::size_t length = 0;
   unsigned low = 0x80;
   unsigned high = 0xBF;

@@ -101,28 +101,12 @@ class Value::Dictionary {
 
 namespace {
 
+// In the order of the kinds.
 const char* nameOf(Value::Kind kind) {
-  switch (kind) {
-    case Value::Kind::nothing:
-      return "nothing";
-    case Value::Kind::null:
-      return "null";
-    case Value::Kind::boolean:
-      return "a boolean";
-    case Value::Kind::number:
-      return "a number";
-    case Value::Kind::string:
-      return "a string";
-    case Value::Kind::data:
-      return "data";
-    case Value::Kind::date:
-      return "a date";
-    case Value::Kind::array:
-      return "an array";
-    case Value::Kind::dictionary:
-      return "a dictionary";
-  }
-  return "unknown";
+  static constexpr const char* kNames[] = {"nothing",  "null",     "a boolean",
+                                           "a number", "a string", "data",
+                                           "a date",   "an array", "a dictionary"};
+  return kNames[static_cast<std::size_t>(kind)];
 }
 
 const Value kNothing;

@@ -79,8 +79,7 @@ Value dateOf(std::string_view text) {
     if (kForm[i] == '0' ? !isDigit : date[i] != kForm[i]) return {};
   }
   std::tm time = {};
-  const char* end = ::strptime(date.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time);
-  if (end == nullptr || *end != '\0') return {};
+  if (::strptime(date.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time) == nullptr) return {};
   return Date{::timegm(&time)};
 }
 

@@ -146,6 +146,17 @@ TEST(IgnoreWriteSignals, LetsWritesFailInsteadOfEndingTheProcess) {
       ::testing::ExitedWithCode(7), "");
 }
 
+TEST(SystemHost, TellsTheSameTimeWithinASecond) {
+  const SystemHost host;
+  int same = 0;
+  for (int i = 0; i < 1000; ++i) {
+    const std::tm first = host.localTime();
+    const std::tm second = host.localTime();
+    same += first.tm_sec == second.tm_sec && first.tm_hour == second.tm_hour ? 1 : 0;
+  }
+  EXPECT_GT(same, 0);
+}
+
 TEST(SystemHost, TellsTheLocalTime) {
   const std::time_t before = std::time(nullptr);
   std::tm local = SystemHost().localTime();

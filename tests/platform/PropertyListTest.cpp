@@ -321,6 +321,22 @@ TEST_F(PropertyList, AWholeNumberBeyond64BitsIsDamageInABinaryListToo) {
   EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", "\x14"})).isNothing());
 }
 
+TEST_F(PropertyList, WhatIsOfNoKnownKindIsDamage) {
+  EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", {'\x80', 1}})).isNothing());
+}
+
+// A year of five digits: the text has no more the form of others.
+TEST_F(PropertyList, ADateOfFiveDigitsIsDamage) {
+  EXPECT_EQ(read(binaryOf({kOneEntry, "Qa", "\x33" + eight(0)})).get("a"), Value(Date{978307200}));
+  const std::string late = "\x33" + eight(0x4256000000000000U);
+  EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", late})).isNothing());
+}
+
+TEST_F(PropertyList, AListInsideAListOrAKeyOfNoDictionaryIsDamage) {
+  EXPECT_TRUE(read("<plist><plist><dict/></plist></plist>").isNothing());
+  EXPECT_TRUE(read("<plist><key>a</key><dict/></plist>").isNothing());
+}
+
 TEST_F(PropertyList, ReferencesInACircleAreNotFollowed) {
   EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", {'\xA1', 2}})).isNothing());
   EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", {'\xA1', 3}, {'\xA1', 2}})).isNothing());

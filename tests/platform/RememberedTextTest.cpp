@@ -143,6 +143,18 @@ TEST(RememberedText, LeavesItsRoomToOthersWhenItsContainerGoes) {
   }
 }
 
+TEST(RememberedText, IsTheFirstThatWasTakenOver) {
+  const Value record = Value::dictionary({{"a", "1"}});
+  std::string first = "first";
+  std::string second = "second";
+  const std::string* kept = record.rememberText(Value::Form::shownAlone, first);
+  ASSERT_NE(kept, nullptr);
+  EXPECT_EQ(record.rememberText(Value::Form::shownAlone, second), nullptr);
+  EXPECT_EQ(second, "second");
+  EXPECT_EQ(record.rememberedText(Value::Form::shownAlone), kept);
+  EXPECT_EQ(*kept, "first");
+}
+
 TEST(RememberedText, OfOnePlaceholderOutlivesTheNext) {
   const Value inner = Value::array({std::string(200, 'x')});
   EXPECT_EQ(format("%@|%@|%@", inner, Value::array({inner}), inner),

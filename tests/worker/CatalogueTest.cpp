@@ -242,6 +242,14 @@ TEST_F(Catalogue, AProductThatIsNoTextIsLoggedOnceAndNoRuleIsChosen) {
       ElementsAre("getUpdateEngineDataInDownloadFolder error: compared a number as a string"));
 }
 
+TEST_F(Catalogue, ParametersWithoutAProductChooseNoRule) {
+  writeRules(rule("fw", "1"));
+  EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(
+                Value::dictionary({{"folder", parameters("fw").get("folder")}})),
+            Value::dictionary());
+  EXPECT_THAT(log(), IsEmpty());
+}
+
 // --- the descriptions
 
 TEST_F(Catalogue, ADescriptionTakesVersionSizeAndHashFromTheRule) {

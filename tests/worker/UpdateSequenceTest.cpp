@@ -613,6 +613,15 @@ TEST_F(UpdateSequence, AnUpToDateCpldStillGetsTheControllerFirmware) {
   EXPECT_EQ(versions().back(), "FREE 100/100/100");
 }
 
+TEST_F(UpdateSequence, AFailureWithoutATextIsNotTolerated) {
+  controllers({0x4301});
+  framework.answer("zr_getFDLImageInfo", 1, 0x66);
+  framework.descriptions[0x66] = nullptr;
+  updateAll({"W0"});
+  EXPECT_EQ(framework.count("zr_initializeFlashProcess"), 0);
+  EXPECT_EQ(result(), 0x66);
+}
+
 TEST_F(UpdateSequence, EveryFailureUpToTheCpldFlashMayBeTolerated) {
   for (const char* function :
        {"zr_getControllerInfo", "decod_locateBufferCtrlInfo", "zr_getFDLImageInfo",

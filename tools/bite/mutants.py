@@ -5,6 +5,7 @@ import re
 from collections import Counter
 from dataclasses import dataclass, replace
 
+from bite.lines import named
 from bite.tokens import tokens_of
 
 
@@ -30,18 +31,12 @@ class Mutant:
         return f"{self.kind}: {_on_one_line(self.was)} -> {becomes}{self.place}"
 
     def line_of(self, source):
-        """The text of its line, behind that of the line before where it is but a way out."""
-        lines = [line.strip() for line in source.splitlines()]
-        line = lines[self.line - 1]
-        return f"{lines[self.line - 2]} {line}" if _WAY_OUT.fullmatch(line) else line
+        return named(source.splitlines(), self.line)
 
     def diff(self, source):
         lines = difflib.unified_diff(source.splitlines(), self.applied_to(source).splitlines(),
                                      self.path, self.path, n=2, lineterm="")
         return "\n".join(lines)
-
-
-_WAY_OUT = re.compile(r"(break|continue|return( \w+| {})?); *(//.*)?")
 
 
 def _on_one_line(text):

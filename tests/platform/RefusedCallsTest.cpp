@@ -1,0 +1,258 @@
+// What becomes of files and folders where the system refuses a call that it hardly ever does.
+
+#include <cerrno>
+#include <climits>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "platform/Descriptor.h"
+#include "platform/Exception.h"
+#include "platform/File.h"
+#include "platform/Host.h"
+#include "tests/platform/RefusedCalls.h"
+#include "tests/support/TempFolder.h"
+
+namespace kelvane::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+using kelvane::test::RefusedCall;
+using Names = std::vector<std::string>;
+
+class Refused : public ::testing::Test {
+ protected:
+  std::string write(const std::string& name, const std::string& bytes = "x") const {
+    return folder.write(name, bytes);
+  }
+  // The current folder for the time of the action.
+  template <typename Action>
+  void inFolder(Action action) const {
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    action();
+    fs::current_path(before);
+  }
+
+  kelvane::test::TempFolder folder;
+};
+
+// --- files
+
+TEST_F(Refused, AFileThatCannotBeLookedAtIsNotRead) {
+  const std::string path = write("file");
+  const RefusedCall refused("fstat", 1, EIO);
+  try {
+    readFile(path);
+    ADD_FAILURE() << "nothing was raised";
+  } catch (const Exception& raised) {
+    EXPECT_EQ(std::string(raised.what()), "open " + path + ": Input/output error");
+  }
+}
+
+TEST_F(Refused, AFileThatCannotBeLookedAtIsNotAppendedTo) {
+  const std::string path = write("file");
+  const RefusedCall refused("fstat", 1, EIO);
+  EXPECT_FALSE(FileEnd(path).isOpen());
+}
+
+TEST_F(Refused, AKnownFileThatEndsEarlyIsReadAnew) {
+  const std::string path = write("file", "12345");
+  const RefusedCall ended("read", 1, 0);
+  EXPECT_EQ(readFileUnlessKnown(path, "12345"), "12345");
+  EXPECT_TRUE(ended.wasMade());
+}
+
+TEST_F(Refused, AFileWhoseClosingFailsIsNotMade) {
+  const RefusedCall refused("close", 1, EIO);
+  EXPECT_FALSE(createEmptyFile(folder / "file"));
+}
+
+TEST_F(Refused, AnInterruptedClosingIsAClosing) {
+  const RefusedCall refused("close", 1, EINTR);
+  EXPECT_TRUE(createEmptyFile(folder / "file"));
+  EXPECT_TRUE(refused.wasMade());
+}
+
+TEST_F(Refused, AFileWhoseOldOneCannotBeLookedAtIsNotReplaced) {
+  const std::string path = write("file", "old");
+  const RefusedCall refused("stat", 1, EIO);
+  EXPECT_FALSE(replaceFile(path, "new"));
+  EXPECT_EQ(folder.read("file"), "old");
+  EXPECT_EQ(folder.names(), Names{"file"});
+}
+
+TEST_F(Refused, ANewFileThatCannotHaveItsPermissionsIsNotMade) {
+  const RefusedCall refused("fchmod", 1, EPERM);
+  EXPECT_FALSE(replaceFile(folder / "file", "new"));
+  EXPECT_EQ(folder.names(), Names{});
+}
+
+TEST_F(Refused, ANameAloneStandsInTheCurrentFolder) {
+  inFolder([] { EXPECT_TRUE(replaceFile("file", "new")); });
+  EXPECT_EQ(folder.read("file"), "new");
+}
+
+TEST_F(Refused, AMoveToAnotherDiskWhoseSourceStaysHasFailed) {
+  const kelvane::test::TempFolder other("", fs::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/");
+  const std::string path = write("file");
+  const RefusedCall refused("unlinkat", 1, EBUSY);
+  EXPECT_FALSE(movePath(path, other / "file"));
+  EXPECT_EQ(folder.names(), Names{"file"});
+}
+
+TEST(Descriptor, IsItselfAfterAnAssignmentToItself) {
+  Descriptor file(::open("/dev/null", O_RDONLY));
+  const int number = file.number();
+  Descriptor& same = file;
+  file = std::move(same);
+  EXPECT_EQ(file.number(), number);
+  EXPECT_TRUE(file.close());
+  EXPECT_TRUE(file.close());
+}
+
+// --- removing
+
+TEST_F(Refused, WhatCannotBeRemovedStays) {
+  write("tree/file");
+  const RefusedCall refused("unlinkat", 1, EBUSY);
+  EXPECT_FALSE(removeTree(folder / "tree"));
+  EXPECT_EQ(folder.names("tree"), Names{"file"});
+}
+
+TEST_F(Refused, AFolderThatCannotBeOpenedIsNotRemoved) {
+  write("tree/file");
+  const RefusedCall refused("openat", 1, EACCES);
+  EXPECT_FALSE(removeTree(folder / "tree"));
+  EXPECT_EQ(folder.names("tree"), Names{"file"});
+}
+
+TEST_F(Refused, WhatTheSystemDoesNotTellOfIsNotTakenForRemoved) {
+  EXPECT_FALSE(removeTree(folder / std::string(NAME_MAX + 1, 'a')));
+}
+
+TEST_F(Refused, ANameOfOneCharacterIsRemoved) {
+  write("a");
+  inFolder([] { EXPECT_TRUE(removeTree("a")); });
+  EXPECT_EQ(folder.names(), Names{});
+}
+
+// --- copying
+
+TEST_F(Refused, ATreeThatCannotBeCopiedWholeIsNotThere) {
+  write("from/file");
+  fs::create_symlink("file", folder / "from/link");
+  const std::pair<const char*, int> calls[] = {{"openat", 1},  {"fstat", 1},      {"openat", 2},
+                                               {"fstat", 2},   {"fdopendir", 1},  {"readdir", 1},
+                                               {"readdir", 3}, {"readlinkat", 1}, {"openat", 3},
+                                               {"openat", 4},  {"symlinkat", 1},  {"fstat", 3}};
+  for (const auto& [function, n] : calls) {
+    const RefusedCall refused(function, n, EIO);
+    EXPECT_FALSE(copyTree(folder / "from", folder / "to")) << function << n;
+    EXPECT_EQ(folder.names(), Names{"from"}) << function << n;
+  }
+}
+
+TEST_F(Refused, AFileWhoseCopyCannotBeClosedIsNotThere) {
+  write("from");
+  const RefusedCall refused("close", 1, EIO);
+  EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.names(), Names{"from"});
+}
+
+TEST_F(Refused, AnInterruptedListingGoesOn) {
+  write("from/a");
+  write("from/b");
+  for (int n = 1; n <= 5; ++n) {
+    const RefusedCall refused("readdir", n, EINTR);
+    EXPECT_TRUE(copyTree(folder / "from", folder / "to")) << n;
+    EXPECT_EQ(folder.names("to"), (Names{"a", "b"})) << n;
+    EXPECT_TRUE(refused.wasMade()) << n;
+    removeTree(folder / "to");
+  }
+}
+
+TEST_F(Refused, WhereAFolderDoesNotTellWhatItsEntriesAreTheyAreAsked) {
+  write("from/folder/file");
+  fs::create_symlink("folder", folder / "from/link");
+  const kelvane::test::UntoldKinds untold;
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to/folder/file"), "x");
+  EXPECT_TRUE(fs::is_symlink(folder / "to/link"));
+}
+
+TEST_F(Refused, ALinkThatLeadsFurtherThanPathsCanIsNotCopied) {
+  fs::create_symlink("file", folder / "link");
+  const RefusedCall refused("readlinkat", 1, 0, PATH_MAX);
+  EXPECT_FALSE(copyTree(folder / "link", folder / "to"));
+  EXPECT_TRUE(refused.wasMade());
+}
+
+TEST_F(Refused, ASmallFileThatCannotBeReadOrWrittenIsNotCopied) {
+  write("from", "12345");
+  for (const char* function : {"read", "write"}) {
+    const RefusedCall refused(function, 1, ENOSPC);
+    EXPECT_FALSE(copyTree(folder / "from", folder / "to")) << function;
+    EXPECT_EQ(folder.names(), Names{"from"}) << function;
+  }
+}
+
+TEST_F(Refused, ASmallFileThatEndsEarlyIsNotCopied) {
+  write("from", "12345");
+  const RefusedCall ended("read", 1, 0);
+  EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
+}
+
+TEST_F(Refused, ALargeFileThatCannotBeReadAnywhereIsNotCopied) {
+  write("from", std::string(100'000, 'x'));
+  for (const int place : {3, 4}) {  // behind the questions for data and hole
+    const RefusedCall refused("lseek", place, EIO);
+    EXPECT_FALSE(copyTree(folder / "from", folder / "to")) << place;
+    EXPECT_EQ(folder.names(), Names{"from"}) << place;
+  }
+}
+
+TEST_F(Refused, WhereTheDiskDoesNotTellOfHolesAllIsCopied) {
+  const std::string bytes(100'000, 'x');
+  write("from", bytes);
+  const RefusedCall data("lseek", 1, EINVAL);
+  const RefusedCall hole("lseek", 1, EINVAL);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(data.wasMade() && hole.wasMade());
+  EXPECT_EQ(folder.read("to"), bytes);
+}
+
+TEST_F(Refused, WhereTheDiskDoesNotShareTheBytesAreSent) {
+  const std::string bytes(100'000, 'x');
+  write("from", bytes);
+  const RefusedCall shared("copy_file_range", 1, EXDEV);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(shared.wasMade());
+  EXPECT_EQ(folder.read("to"), bytes);
+}
+
+TEST_F(Refused, ALargeFileThatCannotBeSentIsNotCopied) {
+  write("from", std::string(100'000, 'x'));
+  for (const int cause : {EIO, 0}) {  // 0: the file has become shorter
+    const RefusedCall shared("copy_file_range", 1, EXDEV);
+    const RefusedCall sent("sendfile", 1, cause);
+    EXPECT_FALSE(copyTree(folder / "from", folder / "to")) << cause;
+    EXPECT_EQ(folder.names(), Names{"from"}) << cause;
+  }
+}
+
+// --- the host
+
+TEST(RefusedHost, ASystemThatDoesNotTellItsVersionHasNone) {
+  const RefusedCall refused("uname", 1, EFAULT);
+  EXPECT_EQ(SystemHost().systemVersion(), (SystemVersion{0, 0, 0}));
+}
+
+}  // namespace
+}  // namespace kelvane::platform
