@@ -1,6 +1,6 @@
 // What a report keeps to itself: of what is known as a secret no whole word is left.
 
-#include "console/report/Redaction.h"
+#include "console/report/redaction/Redaction.h"
 
 #include <algorithm>
 #include <cctype>
