@@ -8,7 +8,7 @@
 #include "console/display/DisplayText.h"
 #include "console/display/Table.h"
 #include "console/display/Wrapping.h"
-#include "console/report/Redaction.h"
+#include "console/report/redaction/Redaction.h"
 #include "platform/Utf8.h"
 #include "tests/properties/Drawn.h"
 
