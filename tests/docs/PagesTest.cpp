@@ -65,8 +65,9 @@ TEST_P(PageNamed, HasLinksThatLeadSomewhere) {
 
 INSTANTIATE_TEST_SUITE_P(Docs, PageNamed,
                          ::testing::Values("bundle.md", "findings.md", "integration.md",
-                                           "job-file.md", "log.md", "performance.md", "report.md",
-                                           "result-codes.md", "settings.md"),
+                                           "job-file.md", "log.md", "performance.md",
+                                           "reliability.md", "report.md", "result-codes.md",
+                                           "settings.md"),
                          [](const auto& test) {
                            std::string name = test.param;
                            std::erase_if(name, [](char c) { return c == '-' || c == '.'; });
