@@ -54,11 +54,12 @@ Verdict verdictOn(const JobStatus& status, const Explanation& told, const Report
   if (status.isFinished()) return verdictOnFinished(status, told);
   const bool hasEnded = matter.log.hasEnded && !matter.log.isMixed && !matter.workerRuns;
   if (status.state == job::kRun && hasEnded) return {"Ended, and not written", "open"};
-  if (matter.subject.places.isCopy) return {"Not finished", "open"};  // then, or not told
-  if (!status.hasNoWorker) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
-  if (status.state == job::kRun) return {"Left undone", "bad"};
-  if (mayHaveBeenDone(matter.record, matter.log)) return {"Unclear", "bad"};
-  return {"Not done", "bad"};
+  const bool isCopy = matter.subject.places.isCopy;
+  const bool isAlone = isCopy || status.hasNoWorker;
+  if (isAlone && mayHaveBeenDone(matter.record, matter.log)) return {"Unclear", "bad"};
+  if (isCopy) return {"Not finished", "open"};  // then, or not told
+  if (!isAlone) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
+  return {status.state == job::kRun ? "Left undone" : "Not done", "bad"};
 }
 
 void showBanner(Html& page, const Verdict& verdict, const std::string& text) {

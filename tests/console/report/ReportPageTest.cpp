@@ -141,6 +141,20 @@ TEST(ReportPage, OfAJobThatMayHaveBeenDoneItDoesNotSayThatItWasNot) {
                                         "though a worker took it"));
 }
 
+TEST(ReportPage, OfACopyItDoesNotSayThatWhatTheLogSawEndIsNotFinished) {
+  ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateFW", "state_id": "RUN",
+      "input_parameters": []})");
+  matter.subject.places.isCopy = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Not finished</strong>"));
+  matter.log.isFound = true;
+  matter.log.hasEnded = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Ended, and not written</strong>"));
+  matter.record.set("state_id", "WAIT");
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Not finished</strong>"));
+  matter.log.isMixed = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Unclear</strong>"));
+}
+
 TEST(ReportPage, WhereAnotherWorkerWroteItWarns) {
   ReportMatter matter = matterOf(kDone);
   matter.log.isFound = true;
