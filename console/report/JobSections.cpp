@@ -21,9 +21,9 @@ namespace kelvane::console {
 namespace {
 
 constexpr std::size_t kMostRecordBytes = 512UL * 1024;
-constexpr std::size_t kMostLogBytes = 2560UL * 1024;
+constexpr std::size_t kMostLogBytes = 2048UL * 1024;
 constexpr std::size_t kMostListed = 100;
-constexpr std::size_t kMostHistoryBytes = 2048UL * 1024;  // of the drawings and their tables
+constexpr std::size_t kMostHistoryBytes = 1536UL * 1024;  // of the drawings and their tables
 constexpr char kMixed[] =
     "Another worker wrote into the log at the same time: some of these lines may be that one's, "
     "and "
