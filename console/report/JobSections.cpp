@@ -21,9 +21,9 @@ namespace kelvane::console {
 namespace {
 
 constexpr std::size_t kMostRecordBytes = 512UL * 1024;
-constexpr std::size_t kMostLogBytes = 2560UL * 1024;
+constexpr std::size_t kMostLogBytes = 2048UL * 1024;
 constexpr std::size_t kMostListed = 100;
-constexpr std::size_t kMostHistoryBytes = 2048UL * 1024;  // of the drawings and their tables
+constexpr std::size_t kMostHistoryBytes = 1536UL * 1024;  // of the drawings and their tables
 constexpr char kMixed[] =
     "Another worker wrote into the log at the same time: some of these lines may be that one's, "
     "and "
@@ -54,11 +54,12 @@ Verdict verdictOn(const JobStatus& status, const Explanation& told, const Report
   if (status.isFinished()) return verdictOnFinished(status, told);
   const bool hasEnded = matter.log.hasEnded && !matter.log.isMixed && !matter.workerRuns;
   if (status.state == job::kRun && hasEnded) return {"Ended, and not written", "open"};
-  if (matter.subject.places.isCopy) return {"Not finished", "open"};  // then, or not told
-  if (!status.hasNoWorker) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
-  if (status.state == job::kRun) return {"Left undone", "bad"};
-  if (mayHaveBeenDone(matter.record, matter.log)) return {"Unclear", "bad"};
-  return {"Not done", "bad"};
+  const bool isCopy = matter.subject.places.isCopy;
+  const bool isAlone = isCopy || status.hasNoWorker;
+  if (isAlone && mayHaveBeenDone(matter.record, matter.log)) return {"Unclear", "bad"};
+  if (isCopy) return {"Not finished", "open"};  // then, or not told
+  if (!isAlone) return {status.state == job::kRun ? "Running" : "Waiting", "open"};
+  return {status.state == job::kRun ? "Left undone" : "Not done", "bad"};
 }
 
 void showBanner(Html& page, const Verdict& verdict, const std::string& text) {

@@ -89,7 +89,7 @@ class Selection {
 
   // All lines alike, so that each has its beginning.
   void shortenLines() {
-    constexpr std::size_t kShortest = 256;
+    constexpr std::size_t kShortest = 128;
     lineBytes_ = bounds_.lineBytes;
     while (lineBytes_ > kShortest && sizeOfLines() > bounds_.linesBytes) lineBytes_ /= 2;
   }

@@ -141,6 +141,20 @@ TEST(ReportPage, OfAJobThatMayHaveBeenDoneItDoesNotSayThatItWasNot) {
                                         "though a worker took it"));
 }
 
+TEST(ReportPage, OfACopyItDoesNotSayThatWhatTheLogSawEndIsNotFinished) {
+  ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateFW", "state_id": "RUN",
+      "input_parameters": []})");
+  matter.subject.places.isCopy = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Not finished</strong>"));
+  matter.log.isFound = true;
+  matter.log.hasEnded = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Ended, and not written</strong>"));
+  matter.record.set("state_id", "WAIT");
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Not finished</strong>"));
+  matter.log.isMixed = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr("<strong>Unclear</strong>"));
+}
+
 TEST(ReportPage, WhereAnotherWorkerWroteItWarns) {
   ReportMatter matter = matterOf(kDone);
   matter.log.isFound = true;
@@ -178,66 +192,6 @@ TEST(ReportPage, ALargeRecordIsCutAndSaysSo) {
   const std::string page = pageOf(matter);
   EXPECT_LT(page.size(), 700000U);
   EXPECT_THAT(page, HasSubstr(" bytes are left out)</pre>"));
-}
-
-// A bound of the whole, whatever is long in it.
-constexpr std::size_t kMostBytes = 8UL << 20U;
-constexpr std::size_t kLong = 4UL << 20U;
-
-TEST(ReportPage, WithALongLineInTheLogItIsInBounds) {
-  ReportMatter matter = matterOf(kDone);
-  matter.entries = parseLog("[14:03:07] [x][1][updateFW][debug] " + std::string(kLong, '"') + "\n");
-  matter.log.isFound = true;
-  matter.log.lastStep = matter.entries.front().message;
-  matter.log.startErrors = {matter.log.lastStep};
-  const std::string page = pageOf(matter);
-  EXPECT_LT(page.size(), kMostBytes);
-  EXPECT_THAT(page, HasSubstr(" bytes are left out)</dd>"));
-}
-
-TEST(ReportPage, WithManyErrorsItIsInBounds) {
-  ReportMatter matter = matterOf(kDone);
-  matter.log.isFound = true;
-  for (int i = 0; i < 20000; ++i) {
-    matter.log.errors.push_back(std::to_string(i).append(300, 'x'));
-    matter.findings.push_back(
-        {Code::jobFaulty, Severity::error, std::string(300, '"'), "", "", ""});
-  }
-  const std::string page = pageOf(matter);
-  EXPECT_LT(page.size(), kMostBytes);
-  EXPECT_THAT(page, AllOf(HasSubstr("<p>19900 others are left out.</p>"),
-                          HasSubstr("<p>19800 others are left out.</p>")));
-}
-
-TEST(ReportPage, WithManyParametersItIsInBounds) {
-  Value inputs = Value::array();
-  for (int i = 0; i < 400; ++i) {
-    inputs.append(
-        Value::dictionary({{"wwn", "5000"}, {std::to_string(i), std::string(5000, '<')}}));
-  }
-  ReportMatter matter = matterOf(kDone);
-  matter.record.set("input_parameters", inputs);
-  const std::string page = pageOf(matter);
-  EXPECT_LT(page.size(), kMostBytes);
-  EXPECT_THAT(page, AllOf(HasSubstr("<p>371 other keys are left out.</p>"),
-                          HasSubstr("<p>200 others are left out.</p>")));
-}
-
-TEST(ReportPage, WithManyControllersItIsInBounds) {
-  std::vector<std::string> wwns;
-  for (int i = 0; i < 100; ++i) wwns.push_back(std::to_string(5000000000000000 + i));
-  test::TimedLog log(wwns);
-  for (int i = 0; i < 100; ++i) {
-    log.step("updateFW", "devId = 0, filePath = a.img");
-    for (int step = 0; step < 300; ++step) log.pass(1).step("flashCPLD", "flashCPLD start");
-  }
-  ReportMatter matter = matterOf(kDone);
-  matter.record.set("input_parameters", log.record().get("input_parameters"));
-  matter.entries = parseLog(log.text());
-  matter.history = log.history();
-  const std::string page = pageOf(matter);
-  EXPECT_LT(page.size(), kMostBytes);
-  EXPECT_THAT(page, HasSubstr(" other controllers are left out.</p>"));
 }
 
 TEST(ReportPage, RedactedItHoldsNoneOfTheSecrets) {
