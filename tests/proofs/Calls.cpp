@@ -8,7 +8,9 @@
 
 #include <fcntl.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
+#include <unistd.h>
+
+#include "platform/Descriptor.h"
 
 namespace kelvane::proofs {
 namespace {
@@ -141,14 +143,14 @@ bool canGive(const Call& call, int error) {
 
 std::string textOf(const Call& call, std::size_t argument) {
   constexpr std::size_t kPage = 4096;
+  const std::string memory = "/proc/" + std::to_string(call.process) + "/mem";
+  const platform::Descriptor file(::open(memory.c_str(), O_RDONLY | O_CLOEXEC));
   std::string text;
   std::uint64_t address = call.arguments[argument];
   while (text.size() < PATH_MAX) {
     std::array<char, kPage> page;
     const std::size_t size = kPage - address % kPage;  // the next page may not be there
-    const iovec local = {page.data(), size};
-    const iovec remote = {reinterpret_cast<void*>(address), size};
-    const ssize_t got = ::process_vm_readv(call.process, &local, 1, &remote, 1, 0);
+    const ssize_t got = ::pread(file.number(), page.data(), size, static_cast<off_t>(address));
     if (got <= 0) return text;
     const auto end = std::find(page.begin(), page.begin() + got, '\0');
     text.append(page.begin(), end);

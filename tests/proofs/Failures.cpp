@@ -207,7 +207,7 @@ class Failures {
   void judgeLeftovers(const std::string& place) {
     for (const char* folder : {kJobFolder, ""}) {
       for (const std::string& name : world_.folder.names(folder)) {
-        if (name.starts_with(".replace-")) deviate(place + ": " + name + " is left over");
+        if (name.starts_with(".replace-")) deviate(place + ": a version is left over");
       }
     }
   }
@@ -230,7 +230,7 @@ class Failures {
       }
     }
     for (const std::string& version : disturber.versions(kJobFilePath)) {
-      const std::string fault = faultOfVersion(version);
+      std::string fault = faultOfVersion(version);
       if (!fault.empty()) return fault;
     }
     return {};
@@ -240,7 +240,7 @@ class Failures {
     std::vector<std::string> versions = disturber.versions(kJobFilePath);
     versions.insert(versions.begin(), baseline_.jobFiles.front());
     if (versions != baseline_.jobFiles) return "the job file had other versions";
-    const std::string other = difference(outcomeOf(baseline_.after), outcomeOf(world_.now()));
+    std::string other = difference(outcomeOf(baseline_.after), outcomeOf(world_.now()));
     if (!other.empty()) return other;
     return world_.logText() == baseline_.log ? "" : "the log is another";
   }

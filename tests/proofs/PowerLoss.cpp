@@ -160,7 +160,7 @@ class Run {
 
   std::string faultIn(const Disk::State& state) const {
     for (const Replaced& each : replaced_) {
-      const std::string found = each.faultIn(state.tree);
+      std::string found = each.faultIn(state.tree);
       if (!found.empty()) return found;
     }
     if (!bytesOf(state.tree, kLogPath).starts_with(bytesOf(before_, kLogPath))) {
@@ -168,7 +168,7 @@ class Run {
     }
     if (!after_) return {};
     // What is replaced loses its name before its contents, which helps where there is an order.
-    const std::string found = state.isInOrder ? faultOfPackages(state.tree, before_, *after_) : "";
+    std::string found = state.isInOrder ? faultOfPackages(state.tree, before_, *after_) : "";
     return found.empty() ? faultOfJob(state.tree) : found;
   }
 

@@ -62,6 +62,7 @@ std::vector<Reader> readWhileRunning(World& world) {
   const std::string path = world.folder / kJobFilePath;
   std::atomic<bool> isOver = false;
   std::vector<std::thread> threads;
+  threads.reserve(readers.size());
   world.reset();
   for (Reader& reader : readers) {
     threads.emplace_back([&] {

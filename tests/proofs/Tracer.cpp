@@ -236,9 +236,10 @@ class Tracing {
   }
 
   static unsigned long long& argumentOf(Registers& registers, int argument) {
-    unsigned long long* all[] = {&registers.rdi, &registers.rsi, &registers.rdx,
-                                 &registers.r10, &registers.r8,  &registers.r9};
-    return *all[argument];
+    constexpr unsigned long long Registers::* kAll[] = {&Registers::rdi, &Registers::rsi,
+                                                        &Registers::rdx, &Registers::r10,
+                                                        &Registers::r8,  &Registers::r9};
+    return registers.*kAll[argument];
   }
 
   void killAll() {

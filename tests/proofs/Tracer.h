@@ -55,7 +55,7 @@ struct Traced {
   std::vector<std::string> outlived;
 };
 
-constexpr std::chrono::seconds kPatience{20};
+constexpr std::chrono::seconds kPatience{60};
 
 // Until the last process has ended, or is killed after `kPatience`. The watcher sees the calls of
 // these numbers alone.
