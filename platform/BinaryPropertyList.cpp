@@ -1,5 +1,6 @@
 #include "platform/BinaryPropertyList.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -34,7 +35,8 @@ std::string checkedText(const std::string& text) {
 Value textOf(plist_t node) {
   std::uint64_t length = 0;
   const char* text = ::plist_get_string_ptr(node, &length);
-  return text == nullptr ? Value("") : Value(checkedText(std::string(text, length)));
+  const auto size = static_cast<std::size_t>(length);
+  return text == nullptr ? Value("") : Value(checkedText(std::string(text, size)));
 }
 
 // The part of a property list written out as XML. Of some values that is all the library tells.
@@ -81,7 +83,8 @@ Value booleanOf(plist_t node) {
 Value dataOf(plist_t node) {
   std::uint64_t length = 0;
   const char* bytes = ::plist_get_data_ptr(node, &length);
-  return Value::data(bytes == nullptr ? std::string() : std::string(bytes, length));
+  const auto size = static_cast<std::size_t>(length);
+  return Value::data(bytes == nullptr ? std::string() : std::string(bytes, size));
 }
 
 // The library's numbers reach 68 years around 2001; its XML tells every date:

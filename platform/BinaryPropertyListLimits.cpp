@@ -24,7 +24,7 @@ class BinaryList {
 
   bool isWithinLimits() {
     if (!readTrailer()) return false;
-    objects_.resize(count_);
+    objects_.resize(static_cast<std::size_t>(count_));
     return walk();
   }
 
@@ -45,7 +45,8 @@ class BinaryList {
   std::uint64_t number(std::uint64_t position, std::uint64_t size) const {
     std::uint64_t value = 0;
     for (std::uint64_t i = 0; i < size; ++i) {
-      value = value << 8U | static_cast<unsigned char>(bytes_[position + i]);
+      value =
+          value << 8U | static_cast<unsigned char>(bytes_[static_cast<std::size_t>(position + i)]);
     }
     return value;
   }
@@ -65,6 +66,9 @@ class BinaryList {
     return table_ <= start && count_ <= (start - table_) / offsetSize_ && root_ < count_;
   }
 
+  // One of the objects that there are.
+  Object& at(std::uint64_t object) { return objects_[static_cast<std::size_t>(object)]; }
+
   // Opens the object; false where it is damaged.
   bool open(std::uint64_t object) {
     const std::uint64_t position = number(table_ + object * offsetSize_, offsetSize_);
@@ -78,8 +82,8 @@ class BinaryList {
     if (size > table_ - start) return false;
     const bool refers = isContainer(marker);
     path_.push_back({object, start, refers ? start + size : start});
-    objects_[object].height = refers ? 1 : 0;
-    objects_[object].weight = kObjectSize + (refers ? 0 : size);
+    at(object).height = refers ? 1 : 0;
+    at(object).weight = kObjectSize + (refers ? 0 : size);
     // More than there is are references that several objects claim for theirs.
     seen_ += refers ? size : 0;
     return seen_ <= bytes_.size();
@@ -139,7 +143,7 @@ class BinaryList {
       const std::uint64_t object = number(visit.next, referenceSize_);
       visit.next += referenceSize_;
       if (object >= count_) return false;
-      if (objects_[object].isDone) {
+      if (at(object).isDone) {
         addTo(visit.object, object);
       } else if (path_.size() > kPropertyListDepthLimit || !open(object)) {
         return false;
@@ -151,15 +155,15 @@ class BinaryList {
   // Ends the deepest container of the path.
   bool close() {
     const std::uint64_t object = path_.back().object;
-    objects_[object].isDone = true;
+    at(object).isDone = true;
     path_.pop_back();
     if (!path_.empty()) addTo(path_.back().object, object);
-    return objects_[object].height <= kPropertyListDepthLimit && objects_[object].weight <= limit();
+    return at(object).height <= kPropertyListDepthLimit && at(object).weight <= limit();
   }
 
   void addTo(std::uint64_t container, std::uint64_t object) {
-    Object& outer = objects_[container];
-    const Object& inner = objects_[object];
+    Object& outer = at(container);
+    const Object& inner = at(object);
     outer.height = std::max(outer.height, inner.height + 1);
     const std::uint64_t weight = inner.weight + kIndentation * inner.lines;
     outer.weight = std::min(outer.weight + weight, limit() + 1);

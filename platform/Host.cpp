@@ -43,10 +43,10 @@ void ignoreWriteSignals() {
 SystemVersion parseVersion(const std::string& text) {
   SystemVersion version = {0, 0, 0};
   const char* rest = text.c_str();
-  for (long& number : version) {
+  for (std::int64_t& number : version) {
     if (std::isdigit(static_cast<unsigned char>(*rest)) == 0) break;
     char* end = nullptr;
-    number = std::strtol(rest, &end, 10);
+    number = std::strtoll(rest, &end, 10);
     rest = end;
     if (*rest != '.') break;
     ++rest;

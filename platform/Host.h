@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <ctime>
 #include <string>
 
@@ -10,7 +11,7 @@
 namespace kelvane::platform {
 
 // A system version: major, minor, patch.
-using SystemVersion = std::array<long, 3>;
+using SystemVersion = std::array<std::int64_t, 3>;
 
 // The one seam through which time and place come in; tests hand in their own.
 class Host {

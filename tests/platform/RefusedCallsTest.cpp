@@ -126,6 +126,13 @@ TEST_F(Refused, WhatCannotBeRemovedStays) {
   EXPECT_EQ(folder.names("tree"), Names{"file"});
 }
 
+TEST_F(Refused, WhatSomeoneElseRemovesMeanwhileIsRemoved) {
+  write("file");
+  const RefusedCall gone("unlinkat", 1, ENOENT);
+  EXPECT_TRUE(removeTree(folder / "file"));
+  EXPECT_TRUE(gone.wasMade());
+}
+
 TEST_F(Refused, AFolderThatCannotBeOpenedIsNotRemoved) {
   write("tree/file");
   const RefusedCall refused("openat", 1, EACCES);
