@@ -94,4 +94,6 @@ void JobFileLaws::judge(std::string_view before, std::string_view after) {
   }
 }
 
+bool JobFileLaws::isLeftRunning() const { return !isDisturbed_ && state_ == job::kRun; }
+
 }  // namespace kelvane::fuzz

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "contract/Engine.h"
-#include "contract/JobFile.h"
 #include "contract/Log.h"
 #include "log/iLog.h"
 #include "platform/Utf8.h"
@@ -143,7 +142,7 @@ void WorkerInMemory::judgeTheEnd() const {
           "a QVXF flash that is started is closed", joined(calls));
   require(programs.started == programs.reaped, "a program that was started is ended and reaped");
   // A folder that is given up may be the one that the log is in.
-  require(jobFile.state() != job::kRun || hasToldAnError_ || !disk.bytesOf(kLog),
+  require(!jobFile.isLeftRunning() || hasToldAnError_ || !disk.bytesOf(kLog),
           "a job that is begun is finished, or an error is told",
           disk.bytesOf(kJobFilePath).value_or(""));
 }
