@@ -69,8 +69,11 @@ void JobFileLaws::judge(std::string_view before, std::string_view after) {
   require(nlohmann::json::accept(after), "every version of the job file is whole JSON", after);
   const Value old = platform::parseJson(before);
   const Value fresh = platform::parseJson(after);
-  require(old.isArray() && fresh.isArray() && old.count() == fresh.count() && old.count() > 0,
-          "a job file is a list, and keeps its records", after);
+  // A file that was damaged meanwhile becomes an empty one: meant so.
+  const std::size_t kept = old.isArray() ? old.count() : 0;
+  require(fresh.isArray() && fresh.count() == kept, "a job file is a list, and keeps its records",
+          after);
+  if (kept == 0) return;
   const std::string meant = updatedLogId(old, logId_);
   const auto& all = old.elements();
   const bool isAlone = 1 == std::count_if(all.begin(), all.end(), [&meant](const Value& record) {
@@ -93,5 +96,7 @@ void JobFileLaws::judge(std::string_view before, std::string_view after) {
     if (state_ == job::kFree) judgeFinished(is, after);
   }
 }
+
+bool JobFileLaws::isLeftRunning() const { return !isDisturbed_ && state_ == job::kRun; }
 
 }  // namespace kelvane::fuzz

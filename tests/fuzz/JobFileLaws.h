@@ -21,6 +21,8 @@ class JobFileLaws {
 
   // How many were put in place.
   int versions() const { return versions_; }
+  // Whether the job was begun, and not finished; false where that is no longer known.
+  bool isLeftRunning() const;
   // Of the job's record, in the version put in place last: "RUN", "FREE"; empty before the first.
   const std::string& state() const { return state_; }
 

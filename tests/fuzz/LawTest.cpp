@@ -75,6 +75,15 @@ TEST(JobFileLaws, AStateIsOneOfTheWorkersAndFreeTheLast) {
 constexpr char kJob[] = R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
     "input_parameters": [{"wwn": "A1", "file_path": "/a.img"}]}])";
 
+TEST(JobFileLaws, AJobIsLeftRunningAsFarAsThatIsKnown) {
+  JobFileLaws laws("17");
+  EXPECT_FALSE(laws.isLeftRunning());
+  laws.judge(kBefore, with(kOther, kOwn + R"(, "state_id": "RUN")"));
+  EXPECT_TRUE(laws.isLeftRunning());
+  laws.disturb();
+  EXPECT_FALSE(laws.isLeftRunning());
+}
+
 TEST(WorkerInMemory, RunsAJobToItsEnd) {
   WorkerInMemory world;
   world.disk.put(kJobFilePath, kJob);

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "contract/Engine.h"
-#include "contract/JobFile.h"
 #include "contract/Log.h"
 #include "log/iLog.h"
 #include "platform/Utf8.h"
@@ -131,6 +130,7 @@ void WorkerInMemory::judgeLine(std::string_view text) {
               !line->function.empty() && isLevel(line->level),
           "an entry of the log begins with its fields", text);
   hasToldAnError_ = hasToldAnError_ || line->level == "error";
+  if (line->message.starts_with("writeJSONFile, newArray = ")) ++writes_;
 }
 
 void WorkerInMemory::judgeTheEnd() const {
@@ -142,8 +142,10 @@ void WorkerInMemory::judgeTheEnd() const {
   require(closesWhatItOpens(calls, "zr_flashQVXFImage(", "zr_finializeQVXFImage("),
           "a QVXF flash that is started is closed", joined(calls));
   require(programs.started == programs.reaped, "a program that was started is ended and reaped");
-  // A folder that is given up may be the one that the log is in.
-  require(jobFile.state() != job::kRun || hasToldAnError_ || !disk.bytesOf(kLog),
+  // A folder that is given up may be the one that the log is in; a catalogue may hold what JSON has
+  // no form for, of which nothing is written, and nobody told.
+  require(!jobFile.isLeftRunning() || hasToldAnError_ || !disk.bytesOf(kLog) ||
+              writes_ > jobFile.versions(),
           "a job that is begun is finished, or an error is told",
           disk.bytesOf(kJobFilePath).value_or(""));
 }

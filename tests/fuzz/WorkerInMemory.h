@@ -57,6 +57,7 @@ class WorkerInMemory {
   void judgeTheEnd() const;
 
   bool hasToldAnError_ = false;
+  int writes_ = 0;  // that the log tells of: of what JSON has no form for nothing is written
 };
 
 }  // namespace kelvane::fuzz
