@@ -236,9 +236,9 @@ class Tracing {
   }
 
   static unsigned long long& argumentOf(Registers& registers, int argument) {
-    constexpr unsigned long long Registers::* kAll[] = {&Registers::rdi, &Registers::rsi,
-                                                        &Registers::rdx, &Registers::r10,
-                                                        &Registers::r8,  &Registers::r9};
+    constexpr unsigned long long Registers::*kAll[] = {&Registers::rdi, &Registers::rsi,
+                                                       &Registers::rdx, &Registers::r10,
+                                                       &Registers::r8,  &Registers::r9};
     return registers.*kAll[argument];
   }
 

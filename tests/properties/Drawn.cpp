@@ -173,8 +173,8 @@ Gen<std::string> numbers() {
     return (exponent % 2 == 0 ? "e" : "E") + std::to_string(exponent);
   });
   const auto none = rc::gen::just(std::string());
-  const auto fractions =
-      rc::gen::map(digits(), [](std::string digits) { return digits.insert(0, "."); });
+  const auto fractions = rc::gen::map(
+      digits(), [](const std::string& digits) { return std::string(".").append(digits); });
   return rc::gen::map(rc::gen::tuple(wholeNumbers(), rc::gen::oneOf(none, fractions),
                                      rc::gen::oneOf(none, exponents)),
                       [](const auto& drawn) {
