@@ -10,22 +10,12 @@
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "platform/Value.h"
+#include "tests/support/FreshValue.h"
 
 namespace kelvane::platform {
 namespace {
 
-// The same value, made anew, so that nothing in it remembers anything.
-Value fresh(const Value& value) {
-  if (value.isArray()) {
-    Value made = Value::array();
-    for (const Value& element : value.elements()) made.append(fresh(element));
-    return made;
-  }
-  if (!value.isDictionary()) return value;
-  Value made = Value::dictionary();
-  for (const auto& [key, inner] : value.entries()) made.set(key, fresh(inner));
-  return made;
-}
+using test::fresh;
 
 // Shown and written twice, so that the second time what was remembered is used.
 void expectItsOwnTexts(const Value& value) {

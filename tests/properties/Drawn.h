@@ -33,7 +33,4 @@ rc::Gen<platform::Value> objects();
 // The same as property lists can have it.
 rc::Gen<platform::Value> propertyLists();
 
-// The same value, made anew, so that nothing in it remembers a text.
-platform::Value fresh(const platform::Value& value);
-
 }  // namespace kelvane::properties

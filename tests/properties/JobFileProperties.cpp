@@ -9,11 +9,13 @@
 #include "tests/fuzz/MemoryDisk.h"
 #include "tests/properties/Drawn.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/FreshValue.h"
 
 namespace kelvane::properties {
 namespace {
 
 using platform::Value;
+using test::fresh;
 
 constexpr char kPath[] = "/BGPLog.json";
 constexpr const char* kLogIds[] = {"16", "17", "18"};

@@ -12,11 +12,13 @@
 #include "platform/Utf8.h"
 #include "simulators/make_service/PropertyListWriter.h"
 #include "tests/properties/Drawn.h"
+#include "tests/support/FreshValue.h"
 
 namespace kelvane::properties {
 namespace {
 
 using platform::Value;
+using test::fresh;
 
 std::string printed(const Value& value) {
   const auto text = platform::printJson(value);

@@ -10,11 +10,13 @@
 #include "platform/Utf8.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
+#include "tests/support/FreshValue.h"
 
 namespace kelvane::fuzz {
 namespace {
 
 using platform::Value;
+using test::fresh;
 
 int depthOf(const Value& value) {
   int most = 0;
@@ -26,19 +28,6 @@ int depthOf(const Value& value) {
     return 0;
   }
   return most + 1;
-}
-
-// The same value, made anew, so that nothing in it remembers a text.
-Value fresh(const Value& value) {
-  if (value.isArray()) {
-    Value made = Value::array();
-    for (const Value& element : value.elements()) made.append(fresh(element));
-    return made;
-  }
-  if (!value.isDictionary()) return value;
-  Value made = Value::dictionary();
-  for (const auto& [key, inner] : value.entries()) made.set(key, fresh(inner));
-  return made;
 }
 
 std::string printed(const Value& value) {
