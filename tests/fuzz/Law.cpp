@@ -28,17 +28,14 @@ bool steers(std::uint32_t character) {
   });
 }
 
-// The character that starts the well-formed text, which loses it.
-std::uint32_t takeCharacter(std::string_view& text) {
-  const auto first = static_cast<unsigned char>(text.front());
-  text.remove_prefix(1);
-  if (first < 0x80) return first;
-  std::uint32_t character = first & (first < 0xE0 ? 0x1FU : first < 0xF0 ? 0x0FU : 0x07U);
-  while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0U) == 0x80) {
-    character = character << 6U | (static_cast<unsigned char>(text.front()) & 0x3FU);
-    text.remove_prefix(1);
-  }
-  return character;
+bool continues(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
+
+// What a byte of a character adds to it.
+std::uint32_t bitsOf(unsigned char byte) {
+  if (byte < 0x80) return byte;
+  if (byte < 0xC0) return byte & 0x3FU;
+  if (byte < 0xE0) return byte & 0x1FU;
+  return byte & (byte < 0xF0 ? 0x0FU : 0x07U);
 }
 
 }  // namespace
@@ -57,9 +54,12 @@ void requireSame(std::string_view expected, std::string_view found, const char* 
 
 void requireHarmless(std::string_view text, bool isAscii, const char* law) {
   require(platform::isUtf8(text), law, text);
-  for (std::string_view rest = text; !rest.empty();) {
-    const std::uint32_t character = takeCharacter(rest);
+  std::uint32_t character = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    character = character << 6U | bitsOf(static_cast<unsigned char>(text[i]));
+    if (i + 1 < text.size() && continues(text[i + 1])) continue;
     require(!steers(character) && (!isAscii || character < 0x80), law, text);
+    character = 0;
   }
 }
 

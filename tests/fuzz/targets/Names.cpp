@@ -64,7 +64,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Bytes bytes(data, size);
   const unsigned generations = bytes.pick(102);
   const std::string name = bytes.rest();
-  const std::string asC = name.c_str();  // the part in front of a NUL character
+  const std::string asC = name.substr(0, name.find('\0'));  // as C reads it
   fuzz::cutFunction(asC);
   fuzz::cutFile(asC);
   fuzz::requireSame(fuzz::generationOf(name, generations),

@@ -32,7 +32,7 @@ constexpr int kMostPolls = 24;
 
 class Session {
  public:
-  explicit Session(Bytes bytes) : bytes_(bytes) {
+  explicit Session(const Bytes& bytes) : bytes_(bytes) {
     auto& framework = world_.framework;
     framework.devices.clear();
     const unsigned devices = bytes_.pick(4);
