@@ -16,14 +16,14 @@ std::string_view withoutByteOrderMark(std::string_view bytes) {
   return bytes;
 }
 
-Value parse(std::string_view bytes) {
+Value parseEitherForm(std::string_view bytes) {
   return isBinaryPropertyList(bytes) ? parseBinaryPropertyList(bytes) : parseXmlPropertyList(bytes);
 }
 
 }  // namespace
 
 Value parsePropertyList(std::string_view bytes) {
-  Value root = parse(withoutByteOrderMark(bytes));
+  Value root = parseEitherForm(withoutByteOrderMark(bytes));
   return root.isDictionary() ? root : Value();
 }
 

@@ -11,48 +11,43 @@
 #include "platform/Exception.h"
 
 namespace kelvane::platform {
-namespace {
 
-struct FreeCode {
-  void operator()(pcre2_code* code) const { ::pcre2_code_free(code); }
+struct Regex::Compiled {
+  struct Free {
+    void operator()(pcre2_code* code) const { ::pcre2_code_free(code); }
+    void operator()(pcre2_compile_context* context) const { ::pcre2_compile_context_free(context); }
+    void operator()(pcre2_match_data* match) const { ::pcre2_match_data_free(match); }
+  };
+  template <typename Kind>
+  using Owned = std::unique_ptr<Kind, Free>;
+
+  explicit Compiled(const std::string& pattern);
+
+  Owned<pcre2_code> code;
+  Owned<pcre2_match_data> match;  // room for what a text matches
 };
-struct FreeContext {
-  void operator()(pcre2_compile_context* context) const { ::pcre2_compile_context_free(context); }
-};
-struct FreeMatch {
-  void operator()(pcre2_match_data* match) const { ::pcre2_match_data_free(match); }
-};
-using Code = std::unique_ptr<pcre2_code, FreeCode>;
-using Match = std::unique_ptr<pcre2_match_data, FreeMatch>;
+
+namespace {
 
 PCRE2_SPTR units(const std::string& text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
 
-Code compile(const std::string& pattern) {
-  const std::unique_ptr<pcre2_compile_context, FreeContext> context(
-      ::pcre2_compile_context_create(nullptr));
+}  // namespace
+
+Regex::Compiled::Compiled(const std::string& pattern) {
+  const Owned<pcre2_compile_context> context(::pcre2_compile_context_create(nullptr));
   if (context == nullptr) throw std::bad_alloc();
   ::pcre2_set_newline(context.get(), PCRE2_NEWLINE_ANY);
   int error = 0;
   PCRE2_SIZE at = 0;
-  Code code(::pcre2_compile(units(pattern), pattern.size(), PCRE2_UTF | PCRE2_UCP, &error, &at,
-                            context.get()));
+  code.reset(::pcre2_compile(units(pattern), pattern.size(), PCRE2_UTF | PCRE2_UCP, &error, &at,
+                             context.get()));
   if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
   if (code == nullptr) throw Exception("not a regular expression: " + pattern);
-  return code;
+  match.reset(::pcre2_match_data_create_from_pattern(code.get(), nullptr));
+  if (match == nullptr) throw std::bad_alloc();
 }
 
-}  // namespace
-
-struct Regex::Compiled {
-  Code code;
-  Match match;  // room for what a text matches
-};
-
-Regex::Regex(const std::string& pattern) : compiled_(std::make_unique<Compiled>()) {
-  compiled_->code = compile(pattern);
-  compiled_->match.reset(::pcre2_match_data_create_from_pattern(compiled_->code.get(), nullptr));
-  if (compiled_->match == nullptr) throw std::bad_alloc();
-}
+Regex::Regex(const std::string& pattern) : compiled_(std::make_unique<Compiled>(pattern)) {}
 
 Regex::~Regex() = default;
 

@@ -45,7 +45,7 @@ std::optional<Number> wholeNumber(std::string_view text, int base) {
 }
 
 // A number of 64 bits, with or without a sign, decimal or, behind "0x", hexadecimal.
-Value integerOf(std::string_view text) {
+Value integerIn(std::string_view text) {
   text = trimmed(text);
   const bool isNegative = text.substr(0, 1) == "-";
   if (isNegative || text.substr(0, 1) == "+") text.remove_prefix(1);
@@ -60,7 +60,7 @@ Value integerOf(std::string_view text) {
 }
 
 // Decimal, or one of the words for what is not finite.
-Value realOf(std::string_view text) {
+Value realIn(std::string_view text) {
   const std::string digits(trimmed(text));
   if (digits.empty() || digits.find_first_of("xXpP") != std::string::npos) return {};
   char* end = nullptr;
@@ -70,7 +70,7 @@ Value realOf(std::string_view text) {
 }
 
 // "2026-01-31T23:59:59Z"
-Value dateOf(std::string_view text) {
+Value dateIn(std::string_view text) {
   const std::string date(trimmed(text));
   constexpr std::string_view kForm = "0000-00-00T00:00:00Z";
   if (date.size() != kForm.size()) return {};
@@ -91,7 +91,7 @@ int sextetOf(char character) {
 }
 
 // Base64, with blanks and line breaks anywhere.
-Value dataOf(std::string_view text) {
+Value dataIn(std::string_view text) {
   std::string digits;
   std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
                [](char c) { return kBlanks.find(c) == std::string_view::npos; });
@@ -123,10 +123,10 @@ struct Leaf {
 };
 constexpr Leaf kLeaves[] = {
     {"string", stringOf},
-    {"integer", integerOf},
-    {"real", realOf},
-    {"date", dateOf},
-    {"data", dataOf},
+    {"integer", integerIn},
+    {"real", realIn},
+    {"date", dateIn},
+    {"data", dataIn},
     {"true", [](std::string_view) { return Value::boolean(true); }},
     {"false", [](std::string_view) { return Value::boolean(false); }},
     {"key", stringOf},

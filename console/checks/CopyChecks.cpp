@@ -13,7 +13,7 @@ using platform::Value;
 
 namespace {
 
-Findings jobFindings(const Places& places) {
+Findings copiedJobFindings(const Places& places) {
   Findings findings = concerning(places.jobFile, jobFileContentFindings(places.jobFile));
   const Value records = readJsonFile(places.jobFile).value;
   if (!records.isArray()) return findings;
@@ -27,7 +27,7 @@ Findings jobFindings(const Places& places) {
 
 Findings copyFindings(const Places& places) {
   Findings findings;
-  if (!places.jobFile.empty()) append(findings, jobFindings(places));
+  if (!places.jobFile.empty()) append(findings, copiedJobFindings(places));
   if (!places.log.empty()) append(findings, concerning(places.log, logCopyFindings(places.log)));
   if (!places.sharedFolder.empty()) {
     append(findings, sharedSettingsFindings(sharedSettingsPath(places.sharedFolder), true));

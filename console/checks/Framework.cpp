@@ -16,7 +16,7 @@ namespace {
 constexpr std::chrono::seconds kLongestLoading{10};
 constexpr char kLoaded[] = "+";  // the first line of a trial that has loaded the library
 
-constexpr char kNoWorker[] =
+constexpr char kNotStarted[] =
     "The worker cannot be started at all: every job stays in state WAIT, and nothing is logged.";
 constexpr char kPutBack[] =
     "Install the application anew, or put the framework of this system and processor there.";
@@ -65,21 +65,21 @@ Findings frameworkFindings(const std::string& path) {
   const EntryKind kind = kindOf(path);
   if (kind == EntryKind::missing || kind == EntryKind::unreachable) {
     const std::string cause = refusal(path, Access::read);
-    return {{Code::frameworkMissing, Severity::error, "open " + path + ": " + cause, kNoWorker,
+    return {{Code::frameworkMissing, Severity::error, "open " + path + ": " + cause, kNotStarted,
              kPutBack, path}};
   }
   if (kind != EntryKind::file) {
-    return {{Code::frameworkNoFile, Severity::error, path + " is no regular file", kNoWorker,
+    return {{Code::frameworkNoFile, Severity::error, path + " is no regular file", kNotStarted,
              kPutBack, path}};
   }
   const LibraryTrial trial = tryLibrary(path);
   if (!trial.fault.empty()) {
     return {{Code::frameworkNotLoadable, Severity::error,
-             path + " cannot be loaded: " + trial.fault, kNoWorker, kPutBack, path}};
+             path + " cannot be loaded: " + trial.fault, kNotStarted, kPutBack, path}};
   }
   if (trial.missing.empty()) return {};
   return {{Code::frameworkIncomplete, Severity::error,
-           path + " lacks " + joined(trial.missing, ", "), kNoWorker, kPutBack, path}};
+           path + " lacks " + joined(trial.missing, ", "), kNotStarted, kPutBack, path}};
 }
 
 }  // namespace kelvane::console

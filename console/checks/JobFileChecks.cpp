@@ -13,7 +13,7 @@
 namespace kelvane::console {
 namespace {
 
-constexpr std::uint64_t kLargeFrom = 10'000'000;  // bytes
+constexpr std::uint64_t kLargeJobFileFrom = 10'000'000;  // bytes
 
 std::string placeOf(const std::string& path) {
   std::error_code untold;
@@ -59,7 +59,7 @@ void findDamage(const std::string& path, Findings& findings) {
 
 void findLarge(const std::string& path, Findings& findings) {
   const std::uint64_t bytes = platform::fileSize(path);
-  if (kindOf(path) != EntryKind::file || bytes < kLargeFrom) return;
+  if (kindOf(path) != EntryKind::file || bytes < kLargeJobFileFrom) return;
   findings.push_back(
       {Code::jobFileLarge, Severity::warning, path + " has " + std::to_string(bytes) + " bytes",
        "Each step of a job's progress reads it whole, writes it whole, and writes it into the log "

@@ -8,8 +8,8 @@
 namespace kelvane::console {
 namespace {
 
-constexpr std::size_t kPathLimit = 512;            // bytes
-constexpr std::uint64_t kLargeFrom = 104'857'600;  // bytes
+constexpr std::size_t kPathLimit = 512;               // bytes
+constexpr std::uint64_t kLargeLogFrom = 104'857'600;  // bytes
 constexpr char kNothingLogged[] =
     "Nothing is logged, and jobs run all the same: what a job did cannot be told afterwards.";
 
@@ -62,7 +62,7 @@ Findings logCopyFindings(const std::string& path) {
     findings.push_back(missing(path));
   } else if (kind == EntryKind::folder || kind == EntryKind::other) {
     findings.push_back(notAFile(path, kind));
-  } else if (const std::uint64_t bytes = platform::fileSize(path); bytes >= kLargeFrom) {
+  } else if (const std::uint64_t bytes = platform::fileSize(path); bytes >= kLargeLogFrom) {
     findings.push_back(large(path, bytes));
   }
   return findings;

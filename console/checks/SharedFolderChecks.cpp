@@ -54,7 +54,7 @@ bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
   });
 }
 
-Findings jobFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
+Findings jobFileAndProcessFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
   const std::string path = sharedFolder + paths::kJobFile;
   Findings findings = concerning(path, jobFileFindings(path));
   Value records = readJsonFile(path).value;
@@ -89,7 +89,7 @@ std::set<std::string> logIdsIn(const std::string& sharedFolder) {
 Findings sharedFolderFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
   Findings findings = concerning(sharedFolder, folderFindings(sharedFolder));
   if (!findings.empty()) return findings;
-  append(findings, jobFindings(sharedFolder, workerRuns));
+  append(findings, jobFileAndProcessFindings(sharedFolder, workerRuns));
   append(findings, concerning(logPath(sharedFolder), logFileFindings(logPath(sharedFolder))));
   append(findings, sharedSettingsFindings(sharedSettingsPath(sharedFolder)));
   append(findings,

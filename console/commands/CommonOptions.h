@@ -1,4 +1,4 @@
-// The options that many sub-commands have.
+// The options and arguments that many sub-commands have.
 #pragma once
 
 #include <string>
@@ -12,6 +12,8 @@ inline constexpr char kBundleOption[] = "--bundle";
 inline constexpr char kJsonOption[] = "--json";
 
 inline constexpr char kYesFlag[] = "--yes";
+
+inline constexpr char kLogIdArgument[] = "log_id";
 
 Option sharedOption();
 Option bundleOption();

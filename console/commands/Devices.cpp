@@ -49,7 +49,7 @@ bool isCalled(const RunningProcess& process, const std::string& program) {
 
 // --- what is shown
 
-std::string textOf(const Value& device, const char* key) {
+std::string wordFor(const Value& device, const char* key) {
   const Value& value = device.get(key);
   if (!value.isString()) return "-";
   const std::string& text = value.string();
@@ -61,9 +61,9 @@ std::string textOf(const Value& device, const char* key) {
 Table tableOf(const Value& all) {
   Table table({{"WWN"}, {"Listed as"}, {"Product"}, {"Update"}, {"Attached"}});
   for (const Value& one : all.elements()) {
-    table.addRow({textOf(one, device::kWwn), textOf(one, device::kListedAs),
-                  textOf(one, device::kProductId), textOf(one, device::kUpdate),
-                  textOf(one, device::kAttached)});
+    table.addRow({wordFor(one, device::kWwn), wordFor(one, device::kListedAs),
+                  wordFor(one, device::kProductId), wordFor(one, device::kUpdate),
+                  wordFor(one, device::kAttached)});
   }
   return table;
 }
@@ -99,7 +99,7 @@ void showNone(const std::string& library, const Screen& screen) {
                  screen);
 }
 
-void show(const Value& all, const Screen& screen) {
+void showAll(const Value& all, const Screen& screen) {
   showTable(tableOf(all), screen);
   for (std::size_t i = 0; i < all.count(); ++i) {
     if (all.at(i).has(device::kFailed)) showTrouble(all.at(i), i + 1 == all.count(), screen);
@@ -166,7 +166,7 @@ int showDevices(const Value& all, const std::string& library, const Screen& scre
   } else if (all.count() == 0) {
     showNone(library, screen);
   } else {
-    show(all, screen);
+    showAll(all, screen);
   }
   return exitCodeFor(all);
 }

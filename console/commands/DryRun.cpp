@@ -36,7 +36,7 @@ Colour colourOf(const Value& entry) {
   return isVerdict(entry, rehearsal::kFails) ? Colour::red : Colour::yellow;
 }
 
-void show(const Value& entry, const Screen& screen) {
+void showVerdict(const Value& entry, const Screen& screen) {
   showParagraphs(
       {textOf(entry, rehearsal::kVerdict) + ": " + textOf(entry, job::kWwn), colourOf(entry)},
       {{"image", textOf(entry, job::kFilePath)},
@@ -63,7 +63,7 @@ bool canSucceed(const Value& all) {
 }
 
 void showEntries(const Value& all, const Screen& screen) {
-  for (const Value& entry : all.elements()) show(entry, screen);
+  for (const Value& entry : all.elements()) showVerdict(entry, screen);
 }
 
 int showRehearsal(const Value& all, const Screen& screen) {

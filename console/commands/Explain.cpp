@@ -127,7 +127,7 @@ Value lengthOf(const JobTimes& times) {
   return Value::integer(std::chrono::duration_cast<std::chrono::seconds>(*times.length).count());
 }
 
-Value asValue(const Explanation& one) {
+Value explanationAsValue(const Explanation& one) {
   const auto text = [](const std::string& bytes) { return displayText(bytes, Charset::utf8); };
   const auto list = [&text](const std::vector<std::string>& lines) {
     Value all = Value::array();
@@ -149,13 +149,13 @@ Value asValue(const Explanation& one) {
                             {"note", text(one.note)}});
 }
 
-void showJson(const Explanations& explanations, const Screen& screen) {
+void showExplanationsAsJson(const Explanations& explanations, const Screen& screen) {
   Value all = Value::array();
-  for (const Explanation& one : explanations) all.append(asValue(one));
+  for (const Explanation& one : explanations) all.append(explanationAsValue(one));
   screen.out << platform::printJson(all).value_or("null") << std::endl;
 }
 
-void show(const Explanation& one, const Screen& screen) {
+void showExplanation(const Explanation& one, const Screen& screen) {
   std::vector<Paragraph> paragraphs = {{"means", one.meaning},
                                        {"who acts", one.whoActs},
                                        {"to do", one.advice},
@@ -171,12 +171,12 @@ void show(const Explanation& one, const Screen& screen) {
   showParagraphs({one.subject, colour}, paragraphs, screen);
 }
 
-void showAll(const Explanations& explanations, const Screen& screen) {
+void showExplanations(const Explanations& explanations, const Screen& screen) {
   if (screen.json) {
-    showJson(explanations, screen);
+    showExplanationsAsJson(explanations, screen);
     return;
   }
-  for (const Explanation& one : explanations) show(one, screen);
+  for (const Explanation& one : explanations) showExplanation(one, screen);
 }
 
 // --- the sub-command
@@ -196,12 +196,12 @@ int explain(const ExplainOptions& options, const Screen& screen) {
   requireText(options.subject, "the code or log id");
   const Value record = jobNamed(options);
   if (!record.isNothing()) {
-    showAll({jobExplanation(record, options)}, screen);
+    showExplanations({jobExplanation(record, options)}, screen);
     return kSuccess;
   }
   const std::optional<std::int64_t> code = codeOf(options.subject);
   if (!code) refuse(options);
-  showAll(codeExplanations(*code, options), screen);
+  showExplanations(codeExplanations(*code, options), screen);
   return isKnownCode(*code) ? kSuccess : kNotFound;
 }
 

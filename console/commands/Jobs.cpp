@@ -62,7 +62,7 @@ void showTimes(const JobTimes& times, const Screen& screen) {
   showLines(timeLines(times.controllers), screen);
 }
 
-void showAll(const JobStatus& status, const Value& record, const LogStretch& log,
+void showJob(const JobStatus& status, const Value& record, const LogStretch& log,
              const Places& places, const Screen& screen) {
   screen.out << jobLine(status, screen.charset) << '\n';
   tellOfEarlierWorker(record, log, screen);
@@ -77,12 +77,11 @@ void showAll(const JobStatus& status, const Value& record, const LogStretch& log
 
 // --- the sub-commands
 
-constexpr char kJob[] = "log_id";
 constexpr char kFailedFlag[] = "--failed";
 constexpr char kLastOption[] = "--last";
 
 OneJobOptions oneJobOptionsOf(const Given& given) {
-  return {.sharedFolder = given.text(kSharedOption), .logId = given.text(kJob)};
+  return {.sharedFolder = given.text(kSharedOption), .logId = given.text(kLogIdArgument)};
 }
 
 OneJobOptions showOptionsOf(const Given& given) {
@@ -110,7 +109,7 @@ Command oneJobCommand(const std::string& name, const std::string& description,
   return {.name = name,
           .description = description,
           .options = options,
-          .arguments = {{.names = {kJob},
+          .arguments = {{.names = {kLogIdArgument},
                          .kind = ValueKind::logId,
                          .valueName = "LOG_ID",
                          .description = "The job",
@@ -158,7 +157,7 @@ int show(const OneJobOptions& options, const Screen& screen) {
     return kSuccess;
   }
   if (lacksWorker(options.logId, places)) markWithoutWorker(status);
-  showAll(status, record, log, places, screen);
+  showJob(status, record, log, places, screen);
   const std::string text = platform::printJson(record).value_or("null");
   screen.out << displayLines(text, screen.charset) << std::endl;
   return kSuccess;

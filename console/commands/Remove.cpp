@@ -117,7 +117,7 @@ LogIds removeFrom(const JobFile& file, const Choice& choice) {
   return removed;
 }
 
-void show(const LogIds& removed, const Screen& screen) {
+void showRemoved(const LogIds& removed, const Screen& screen) {
   if (screen.json) {
     Value all = Value::array();
     for (const std::string& logId : removed) all.append(displayText(logId, Charset::utf8));
@@ -155,7 +155,7 @@ int removeJobs(const RemoveOptions& options, const Surroundings& surroundings) {
   const JobFileLock lock = takeTurn(file, wish, surroundings);
   const LogIds removed = removeFrom(file, choice);
   for (const std::string& logId : removed) discardStandardError(sharedFolder, logId);
-  show(removed, surroundings.screen);
+  showRemoved(removed, surroundings.screen);
   return kSuccess;
 }
 

@@ -111,14 +111,13 @@ void tell(const std::string& path, const ReportMatter& matter, const ReportPage&
   showLines(lines, screen);
 }
 
-constexpr char kJob[] = "log_id";
 constexpr char kOutput[] = "--output";
 constexpr char kRedact[] = "--redact";
 
 int runReport(const Given& given, const Screen& screen) {
   return report({.sharedFolder = given.text(kSharedOption),
                  .bundle = given.text(kBundleOption),
-                 .logId = given.text(kJob),
+                 .logId = given.text(kLogIdArgument),
                  .output = given.text(kOutput),
                  .redact = given.has(kRedact),
                  .copy = copyOptionsOf(given)},
@@ -160,7 +159,7 @@ Command reportCommand() {
       .name = "report",
       .description = "Write one file for a support ticket: what happened, where, what to do",
       .options = std::move(options),
-      .arguments = {{.names = {kJob},
+      .arguments = {{.names = {kLogIdArgument},
                      .kind = ValueKind::logId,
                      .valueName = "LOG_ID",
                      .description = "The job; without it the last one of the job file"}},

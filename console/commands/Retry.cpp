@@ -70,11 +70,10 @@ int endOf(const std::optional<Look>& finished, const std::string& command, const
   return exitCodeOf(*finished);
 }
 
-constexpr char kJob[] = "log_id";
-
 int runRetry(const Given& given, const Surroundings& surroundings) {
-  return retry({.job = jobOptionsOf(given), .logId = given.text(kJob), .yes = given.has(kYesFlag)},
-               surroundings);
+  return retry(
+      {.job = jobOptionsOf(given), .logId = given.text(kLogIdArgument), .yes = given.has(kYesFlag)},
+      surroundings);
 }
 
 }  // namespace
@@ -107,7 +106,7 @@ Command retryCommand() {
       .name = "retry",
       .description = "Run a job once more",
       .options = options,
-      .arguments = {{.names = {kJob},
+      .arguments = {{.names = {kLogIdArgument},
                      .kind = ValueKind::logId,
                      .valueName = "LOG_ID",
                      .description = "The job",

@@ -33,7 +33,7 @@ namespace {
 constexpr char kLevel[] = "--level";
 constexpr char kFunction[] = "--function";
 constexpr char kFull[] = "--full";
-constexpr char kJob[] = "--job";
+constexpr char kJobOption[] = "--job";
 constexpr char kTail[] = "--tail";
 constexpr char kFollow[] = "--follow";
 constexpr char kRotate[] = "--rotate";
@@ -177,13 +177,13 @@ ShowLogOptions optionsOf(const Given& given) {
           .level = given.text(kLevel, logging::kLevels[0]),
           .function = given.text(kFunction),
           .full = given.has(kFull),
-          .logId = given.text(kJob),
+          .logId = given.text(kJobOption),
           .tail = given.text(kTail),
           .copy = copyOptionsOf(given)};
 }
 
 int runRotation(const Given& given, const Screen& screen) {
-  for (const char* other : {kLevel, kFunction, kFull, kJob, kTail, kFollow}) {
+  for (const char* other : {kLevel, kFunction, kFull, kJobOption, kTail, kFollow}) {
     if (!given.has(other)) continue;
     throw Failure(kBadUsage, std::string("--rotate shows nothing: ") + other + " is not for it");
   }
@@ -246,7 +246,7 @@ Command logCommand() {
        .valueName = "NAME",
        .description = "Show the entries of this function alone"},
       {.names = {kFull}, .kind = ValueKind::none, .description = "Show objects whole"},
-      {.names = {kJob},
+      {.names = {kJobOption},
        .kind = ValueKind::logId,
        .valueName = "LOG_ID",
        .description = "Show what the worker of this job wrote"},

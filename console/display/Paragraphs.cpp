@@ -8,7 +8,7 @@ namespace kelvane::console {
 namespace {
 
 constexpr std::size_t kIndent = 2;
-constexpr std::size_t kGap = 2;
+constexpr std::size_t kHeadGap = 2;
 constexpr std::size_t kFewestTextColumns = 16;
 
 std::vector<std::string> linesOf(const std::string& text, std::size_t columns,
@@ -24,7 +24,7 @@ std::size_t textColumn(const std::vector<Paragraph>& paragraphs) {
   for (const Paragraph& paragraph : paragraphs) {
     if (!paragraph.text.empty()) longest = std::max(longest, paragraph.label.size());
   }
-  return kIndent + longest + kGap;
+  return kIndent + longest + kHeadGap;
 }
 
 void showHeading(const Heading& heading, const Screen& screen) {

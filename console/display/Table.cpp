@@ -10,7 +10,7 @@ namespace {
 
 using Row = std::vector<std::string>;
 
-constexpr std::size_t kGap = 2;
+constexpr std::size_t kColumnGap = 2;
 
 std::string padding(const std::string& text, std::size_t columns) {
   return std::string(columns - std::min(columns, columnsOf(text)), ' ');
@@ -30,7 +30,7 @@ std::string lineOf(const Row& row, const std::vector<Column>& columns,
                    const std::vector<std::size_t>& widths) {
   std::string line;
   for (std::size_t i = 0; i < row.size(); ++i) {
-    if (i > 0) line.append(kGap, ' ');
+    if (i > 0) line.append(kColumnGap, ' ');
     const std::string blanks = padding(row[i], widths[i]);
     line += columns[i].toTheRight ? blanks + row[i] : row[i] + blanks;
   }
@@ -59,7 +59,7 @@ std::vector<std::string> stackedLines(const Row& titles, const std::vector<Row>&
   for (const Row& row : rows) {
     if (!lines.empty()) lines.emplace_back();
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::string head = titles[i] + padding(titles[i], titleWidth + kGap);
+      const std::string head = titles[i] + padding(titles[i], titleWidth + kColumnGap);
       const std::size_t room = columns - std::min(columns, columnsOf(head));
       lines.push_back(fitted(head + fitted(row[i], room, charset), columns, charset));
     }
@@ -74,7 +74,7 @@ std::vector<std::string> Table::lines(std::size_t columns, Charset charset) cons
   for (const Column& column : columns_) titles.push_back(column.title);
   const std::vector<Row> rows = displayed(rows_, charset);
   const std::vector<std::size_t> widths = widthsOf(titles, rows);
-  std::size_t width = kGap * (widths.size() - 1);
+  std::size_t width = kColumnGap * (widths.size() - 1);
   for (const std::size_t one : widths) width += one;
   if (columns != 0 && width > columns) return stackedLines(titles, rows, columns, charset);
   std::vector<std::string> lines = {lineOf(titles, columns_, widths)};

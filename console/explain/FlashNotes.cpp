@@ -11,8 +11,6 @@ using platform::Value;
 
 namespace {
 
-constexpr int kWhole = 100;
-
 std::string nameOf(const Value& record, std::size_t index) {
   const Value& inputs = record.get(job::kInputParameters);
   if (!inputs.isArray() || index >= inputs.count()) return "a controller";

@@ -28,8 +28,8 @@ bool hadCatalogue(const Value& input, const Value& description) {
   return input.get(job::kFolder) != description.get(job::kFolder);
 }
 
-std::string noteOf(const Value& input, const Value& description, Presence presence,
-                   const std::string& asked) {
+std::string packageNoteOf(const Value& input, const Value& description, Presence presence,
+                          const std::string& asked) {
   std::string note = textOf(description.get(job::kProductId));
   if (!hadCatalogue(input, description)) {
     return note + ": the update engine left no catalogue that could be read";
@@ -68,7 +68,7 @@ std::vector<std::string> packageNotes(const Value& record, bool isCopy) {
     const Presence presence = presenceOf(description, output, isCopy);
     if (presence == Presence::yes) continue;
     notes.push_back(
-        noteOf(input, description, presence, textOf(inputs.at(0).get(job::kProductId))));
+        packageNoteOf(input, description, presence, textOf(inputs.at(0).get(job::kProductId))));
   }
   return notes;
 }

@@ -10,7 +10,6 @@ namespace {
 using std::chrono::milliseconds;
 using Time = std::optional<milliseconds>;
 
-constexpr int kWhole = 100;
 constexpr milliseconds kShortest(1000);
 
 // The place of the first controller that is not done.

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "console/job/JobStatus.h"
 #include "console/job/LoggedJobs.h"
 #include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
@@ -21,17 +22,13 @@ constexpr std::string_view kProduct = "pPage0->ci_ProductID = ";
 constexpr std::string_view kInformation = "zr_getControllerInfo(), u32Ret = ";
 constexpr std::string_view kQvxfStep = "[WRONG] ";
 constexpr std::string_view kRetry = "Found error, try to flash CPLD again, retry ";
-constexpr std::string_view kBusy = "There is another flash process running.";
+constexpr std::string_view kFlashRuns = "There is another flash process running.";
 constexpr std::string_view kFlashError = "Flash Error";
 constexpr std::string_view kBadImage = "Image format is invalid.";
 constexpr std::string_view kCompleted = "Flash Completed.";
 constexpr std::string_view kCpldBegun = "Start transferring CPLD image";
 constexpr std::string_view kTransfer = "Start transferring image";
 constexpr std::string_view kQvxfTransfer = "[WRONG] zr_transferQVXFFlashImage = ";
-
-bool startsWith(const std::string& text, std::string_view start) {
-  return text.rfind(start, 0) == 0;
-}
 
 int numberBehind(const std::string& text, std::string_view start) {
   int number = 0;
@@ -45,18 +42,18 @@ std::string imageIn(const std::string& message) {
 }
 
 bool isFault(const std::string& message) {
-  if (message == kFlashError || message == kBusy || message == kBadImage) return true;
-  if (startsWith(message, kInformation)) return message.substr(kInformation.size()) != "0";
+  if (message == kFlashError || message == kFlashRuns || message == kBadImage) return true;
+  if (message.starts_with(kInformation)) return message.substr(kInformation.size()) != "0";
   const std::size_t status = message.rfind(" = 0x");
-  return startsWith(message, kQvxfStep) && status != std::string::npos &&
+  return message.starts_with(kQvxfStep) && status != std::string::npos &&
          message.substr(status) != " = 0x0";
 }
 
 void takeCpldStep(const LogEntry& entry, FlashSteps& steps) {
   const std::string& message = entry.message;
-  if (startsWith(message, kCpldBegun)) steps.hasBegun = true;
-  if (startsWith(message, kRetry)) steps.cpldRetries = numberBehind(message, kRetry);
-  if (message == kFlashError || message == kBusy || entry.level == "error") {
+  if (message.starts_with(kCpldBegun)) steps.hasBegun = true;
+  if (message.starts_with(kRetry)) steps.cpldRetries = numberBehind(message, kRetry);
+  if (message == kFlashError || message == kFlashRuns || entry.level == "error") {
     steps.cpldFault = lineOf(entry);
   }
 }
@@ -69,8 +66,8 @@ void takeProduct(const std::string& message, FlashSteps& steps) {
 
 void takeStep(const LogEntry& entry, FlashSteps& steps) {
   const std::string& message = entry.message;
-  if (startsWith(message, kProduct)) takeProduct(message, steps);
-  if (startsWith(message, kTransfer) || startsWith(message, kQvxfTransfer)) steps.hasBegun = true;
+  if (message.starts_with(kProduct)) takeProduct(message, steps);
+  if (message.starts_with(kTransfer) || message.starts_with(kQvxfTransfer)) steps.hasBegun = true;
   if (message == kCompleted) steps.isFlashed = true;
   // Behind the flash's end an error is the job's.
   if (steps.isFlashed || !steps.fault.empty()) return;
@@ -83,7 +80,7 @@ bool isEndOfJob(const std::string& message) { return message.find(kEndOfJob) != 
 // the controller before.
 bool isOfTheNext(const LogEntry& entry, const FlashSteps& steps) {
   return entry.function == "updateFW" && !steps.product.empty() &&
-         startsWith(entry.message, kProduct);
+         entry.message.starts_with(kProduct);
 }
 
 const Value* entryNamed(const Value& entries, const char* key, const std::string& text) {
@@ -123,7 +120,7 @@ std::vector<FlashSteps> flashStepsIn(std::span<const LogEntry> entries) {
   for (const LogEntry& entry : entries) {
     const bool isOfCpld = entry.function == "flashCPLD";
     if ((entry.function != "updateFW" && !isOfCpld) || isEndOfJob(entry.message)) continue;
-    if (!isOfCpld && startsWith(entry.message, kFound)) {
+    if (!isOfCpld && entry.message.starts_with(kFound)) {
       all.emplace_back().image = imageIn(entry.message);
       isOver = false;
     }
@@ -142,9 +139,8 @@ std::vector<FlashSteps> flashStepsIn(std::span<const LogEntry> entries) {
 
 std::optional<int> firmwareBeforeTheEnd(std::span<const LogEntry> entries, const std::string& logId,
                                         const std::string& wwn) {
-  constexpr int kWhole = 100;
   for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-    if (!startsWith(entry->message, kRecordsWritten)) continue;
+    if (!entry->message.starts_with(kRecordsWritten)) continue;
     const std::optional<int> firmware = firmwareIn(*entry, logId, wwn);
     if (!firmware || *firmware < kWhole) return firmware;
   }

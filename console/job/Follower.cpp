@@ -12,8 +12,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr int kWhole = 100;
-
 // Takes what was found over into the look, and the time it was found at.
 class Watch {
  public:

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "console/job/LogStretch.h"
+#include "console/job/RecordValues.h"
 #include "contract/Framework.h"
 #include "contract/JobFile.h"
 
@@ -15,10 +16,6 @@ namespace {
 
 using Controllers = std::vector<ControllerStatus>;
 
-constexpr int kWhole = 100;
-
-std::string textOf(const Value& value) { return value.isString() ? value.string() : ""; }
-
 int percentOf(const Value& value) {
   if (!value.isNumber()) return 0;
   return static_cast<int>(std::clamp<std::int64_t>(value.integerValue(), 0, kWhole));
@@ -29,9 +26,9 @@ Controllers controllersOf(const Value& entries) {
   if (!entries.isArray()) return controllers;
   for (const Value& entry : entries.elements()) {
     if (!entry.isDictionary() || !entry.has(job::kWwn)) continue;
-    controllers.push_back({textOf(entry.get(job::kWwn)), percentOf(entry.get(job::kCpldPercentage)),
-                           percentOf(entry.get(job::kFwPercentage)),
-                           percentOf(entry.get(job::kTotalPercentage))});
+    controllers.push_back(
+        {stringOf(entry.get(job::kWwn)), percentOf(entry.get(job::kCpldPercentage)),
+         percentOf(entry.get(job::kFwPercentage)), percentOf(entry.get(job::kTotalPercentage))});
   }
   return controllers;
 }
@@ -104,7 +101,7 @@ Controllers entriesOf(const Value& record, const Controllers& known) {
   Controllers all;
   for (const Value& input : inputs.elements()) {
     ControllerStatus entry;
-    if (input.isDictionary()) entry.wwn = textOf(input.get(job::kWwn));
+    if (input.isDictionary()) entry.wwn = stringOf(input.get(job::kWwn));
     const auto same = std::find_if(known.begin(), known.end(), [&](const ControllerStatus& one) {
       return one.wwn == entry.wwn;
     });
@@ -172,12 +169,12 @@ JobStatus statusOf(const Value& record) {
   const Value& output = record.get(job::kOutput);
   const Value& result = record.get(job::kResult);
   JobStatus status;
-  status.logId = textOf(record.get(job::kLogId));
-  status.command = textOf(record.get(job::kJobId));
-  status.state = textOf(record.get(job::kStateId));
+  status.logId = stringOf(record.get(job::kLogId));
+  status.command = stringOf(record.get(job::kJobId));
+  status.state = stringOf(record.get(job::kStateId));
   status.controllers = controllersOf(output.isArray() ? output : record.get(job::kInputParameters));
   if (result.isNumber()) status.result = result.digits();
-  status.resultText = textOf(record.get(job::kResultStr));
+  status.resultText = stringOf(record.get(job::kResultStr));
   markEnd(record, status);
   return status;
 }

@@ -10,6 +10,8 @@ namespace kelvane::console {
 
 struct LogStretch;
 
+inline constexpr int kWhole = 100;  // percent
+
 // What became of a controller besides its percentages.
 enum class Standing {
   open,        // the percentages tell

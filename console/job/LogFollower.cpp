@@ -6,8 +6,6 @@
 namespace kelvane::console {
 namespace {
 
-using Kind = LogNews::Kind;
-
 // Where the last entry begins; 0 where the text is of one.
 std::size_t lastEntryIn(std::string_view text) {
   for (std::size_t end = text.size(); end > 0;) {
@@ -19,15 +17,15 @@ std::size_t lastEntryIn(std::string_view text) {
   return 0;
 }
 
-void append(std::vector<LogNews>& news, std::string_view text) {
-  for (LogEntry& entry : parseLog(text)) news.push_back({Kind::entry, std::move(entry)});
+void appendEntries(std::vector<LogNews>& news, std::string_view text) {
+  for (LogEntry& entry : parseLog(text)) news.push_back({LogNews::Kind::entry, std::move(entry)});
 }
 
 }  // namespace
 
 void LogFollower::takeWhole(std::vector<LogNews>& news) {
   const std::size_t last = lastEntryIn(open_);
-  append(news, std::string_view(open_).substr(0, last));
+  appendEntries(news, std::string_view(open_).substr(0, last));
   open_.erase(0, last);
 }
 
@@ -40,8 +38,9 @@ std::vector<LogNews> LogFollower::look() {
       open_ += one.text;
       continue;
     }
-    append(news, std::exchange(open_, {}));
-    news.push_back({one.kind == FileNews::Kind::gone ? Kind::gone : Kind::anew, {}});
+    appendEntries(news, std::exchange(open_, {}));
+    news.push_back(
+        {one.kind == FileNews::Kind::gone ? LogNews::Kind::gone : LogNews::Kind::anew, {}});
   }
   takeWhole(news);
   return news;
@@ -49,7 +48,7 @@ std::vector<LogNews> LogFollower::look() {
 
 std::vector<LogNews> LogFollower::rest() {
   std::vector<LogNews> news;
-  append(news, std::exchange(open_, {}));
+  appendEntries(news, std::exchange(open_, {}));
   return news;
 }
 

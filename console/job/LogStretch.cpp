@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "console/job/ExitCode.h"
+#include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
 
@@ -18,8 +19,6 @@ using platform::Value;
 namespace {
 
 using Entries = std::span<const LogEntry>;
-
-constexpr char kStart[] = "init";
 
 // What writes the job file, and what ends an operation, tells of no step.
 constexpr const char* kHousekeeping[] = {"run",
@@ -45,14 +44,6 @@ constexpr Method kMethods[] = {
     {"downloadOnlineUpdateFile", job::kDownloadOnlineUpdateFile},
 };
 
-bool startsWith(const std::string& text, std::string_view start) {
-  return text.rfind(start, 0) == 0;
-}
-
-Value get(const Value& value, const char* key) {
-  return value.isDictionary() ? value.get(key) : Value();
-}
-
 bool isOfAnotherCommand(const LogEntry& entry, const std::string& command) {
   return std::any_of(std::begin(kMethods), std::end(kMethods), [&](const Method& method) {
     return entry.function == method.name && command != method.command;
@@ -62,7 +53,7 @@ bool isOfAnotherCommand(const LogEntry& entry, const std::string& command) {
 bool isStep(const LogEntry& entry) {
   return std::find(std::begin(kHousekeeping), std::end(kHousekeeping), entry.function) ==
              std::end(kHousekeeping) &&
-         entry.function != kStart && entry.level != "error" &&
+         entry.function != kStartFunction && entry.level != "error" &&
          entry.message.find(kEndOfJob) == std::string::npos;
 }
 
@@ -70,22 +61,22 @@ constexpr std::string_view kEngineSaid = "execute EngineRunner result = ";
 
 // What the worker logs behind the end of the update engine or of one of the system's tools.
 bool isBehindAProgram(const LogEntry& entry) {
-  return startsWith(entry.message, kEngineSaid) || entry.function == "syncDownloadFiles" ||
-         (entry.function == "updateSW" && startsWith(entry.message, "result = "));
+  return entry.message.starts_with(kEngineSaid) || entry.function == "syncDownloadFiles" ||
+         (entry.function == "updateSW" && entry.message.starts_with("result = "));
 }
 
 // Takes over what a worker's entries tell; an error that comes again is counted.
-class Reader {
+class StepReader {
  public:
-  explicit Reader(LogStretch& stretch) : stretch_(stretch) {}
+  explicit StepReader(LogStretch& stretch) : stretch_(stretch) {}
 
   void take(const LogEntry& entry) {
     if (entry.level == "error") {
       if (++counts_[entry.function + ": " + entry.message] == 1) errors_.push_back(&entry);
-      stretch_.gaveUp = stretch_.gaveUp || entry.function != kStart;
+      stretch_.gaveUp = stretch_.gaveUp || entry.function != kStartFunction;
     } else if (isStep(entry)) {
       stretch_.lastStep = lineOf(entry);
-      if (startsWith(entry.message, kEngineSaid)) {
+      if (entry.message.starts_with(kEngineSaid)) {
         const std::string said = entry.message.substr(kEngineSaid.size());
         stretch_.engineSaid = said.substr(said.find_last_of('\n') + 1);
       }
@@ -99,7 +90,7 @@ class Reader {
       std::string line = lineOf(*entry);
       const int count = counts_[entry->function + ": " + entry->message];
       if (count > 1) line.append(" (").append(std::to_string(count)).append(" times)");
-      auto& lines = entry->function == kStart ? stretch_.startErrors : stretch_.errors;
+      auto& lines = entry->function == kStartFunction ? stretch_.startErrors : stretch_.errors;
       lines.push_back(std::move(line));
     }
   }
@@ -110,8 +101,6 @@ class Reader {
   std::map<std::string, int> counts_;
 };
 
-std::string textOf(const Value& value) { return value.isString() ? value.string() : ""; }
-
 // The worker takes the input entries one after the other: what was begun with another image is
 // another job's.
 void takeFlashes(Entries entries, const Value& record, LogStretch& stretch) {
@@ -121,11 +110,11 @@ void takeFlashes(Entries entries, const Value& record, LogStretch& stretch) {
   for (std::size_t i = 0; i < stretch.flashes.size(); ++i) {
     FlashSteps& flash = stretch.flashes[i];
     const Value input = i < inputs.count() ? inputs.at(i) : Value();
-    const std::string image = platform::describe(get(input, job::kFilePath));
+    const std::string image = platform::describe(memberOf(input, job::kFilePath));
     stretch.isMixed = stretch.isMixed || flash.image != image;
     if (flash.fault.empty()) continue;
-    flash.firmwareAtFault = firmwareBeforeTheEnd(entries, textOf(get(record, job::kLogId)),
-                                                 textOf(get(input, job::kWwn)));
+    flash.firmwareAtFault = firmwareBeforeTheEnd(entries, stringOf(memberOf(record, job::kLogId)),
+                                                 stringOf(memberOf(input, job::kWwn)));
   }
 }
 
@@ -139,19 +128,19 @@ LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   LogStretch stretch;
   const std::optional<LoggedJob> found = jobs.find(record);
   if (!found) return stretch;
-  const std::string command = textOf(get(record, job::kJobId));
+  const std::string command = stringOf(memberOf(record, job::kJobId));
   stretch.isFound = true;
   stretch.hasEnded = found->hasEnded;
   if (found->hasEnded) {
-    stretch.endedWith = textOf(get(recordAtTheEnd(found->entries.back()), job::kResult));
+    stretch.endedWith = stringOf(memberOf(recordAtTheEnd(found->entries.back()), job::kResult));
   }
   stretch.isMixed = found->isMixed;
-  Reader reader(stretch);
+  StepReader reader(stretch);
   for (const LogEntry& entry : found->entries) {
     if (!isOfAnotherCommand(entry, command)) reader.take(entry);
   }
   reader.finish();
-  stretch.history = historyOf(found->entries, textOf(get(record, job::kLogId)));
+  stretch.history = historyOf(found->entries, stringOf(memberOf(record, job::kLogId)));
   if (command == job::kUpdateFW) takeFlashes(found->entries, record, stretch);
   return stretch;
 }

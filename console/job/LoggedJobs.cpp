@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "console/job/LoggedValue.h"
+#include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -19,30 +20,25 @@ constexpr char kLookedAt[] = "logId = ";
 constexpr char kInputs[] = ", inputParmsDict = ";
 constexpr char kState[] = ", stateId = ";
 constexpr std::string_view kJobFileRead = "currentJobArray = ";
-constexpr char kStart[] = "init";
 
 bool isRun(const LogEntry& entry) { return entry.function == "run"; }
-
-bool startsWith(const std::string& text, std::string_view start) {
-  return text.rfind(start, 0) == 0;
-}
 
 // Whether a worker begins with this entry. The settings come before the job file; an error of the
 // job runner's own follows its other lines, unless it is the first of another worker.
 bool isStart(const LogEntry& entry, const LogEntry* before) {
-  if (entry.function == kStart) return true;
+  if (entry.function == kStartFunction) return true;
   if (!isRun(entry)) return false;
-  if (startsWith(entry.message, kJobFileRead)) {
-    return before == nullptr || before->function != kStart;
+  if (entry.message.starts_with(kJobFileRead)) {
+    return before == nullptr || before->function != kStartFunction;
   }
-  if (entry.level != "error") return !startsWith(entry.message, kLookedAt);
+  if (entry.level != "error") return !entry.message.starts_with(kLookedAt);
   return before == nullptr || !isRun(*before);
 }
 
 // The log id of the job that the worker took, the last one that it looked at, if that was waiting.
 std::optional<std::string> takenIn(Entries run) {
   const auto last = std::find_if(run.rbegin(), run.rend(), [](const LogEntry& entry) {
-    return isRun(entry) && startsWith(entry.message, kLookedAt);
+    return isRun(entry) && entry.message.starts_with(kLookedAt);
   });
   if (last == run.rend()) return std::nullopt;
   const std::string& text = last->message;
@@ -57,22 +53,18 @@ std::optional<std::string> takenIn(Entries run) {
   return text.substr(start, inputs - start);
 }
 
-Value get(const Value& value, const char* key) {
-  return value.isDictionary() ? value.get(key) : Value();
-}
-
 // The records that the worker read; nothing where they cannot be read out of the log.
 Value recordsReadIn(Entries run) {
   const auto read = std::find_if(run.begin(), run.end(), [](const LogEntry& entry) {
-    return isRun(entry) && startsWith(entry.message, kJobFileRead);
+    return isRun(entry) && entry.message.starts_with(kJobFileRead);
   });
   if (read == run.end()) return {};
   return parseLogged(std::string_view(read->message).substr(kJobFileRead.size()));
 }
 
 bool haveSame(const Value& logged, const Value& record, const char* key) {
-  const Value& value = get(record, key);
-  return get(logged, key) == (value.isNothing() ? value : asLogged(value));
+  const Value& value = memberOf(record, key);
+  return memberOf(logged, key) == (value.isNothing() ? value : asLogged(value));
 }
 
 // Whether the worker read the record as one that was finished before.
@@ -80,7 +72,7 @@ bool wasFinished(const Value& found, const Value& record) {
   const auto isTheSame = [&](const char* key) { return haveSame(found, record, key); };
   constexpr const char* kTelling[] = {job::kJobId, job::kInputParameters, job::kStateId,
                                       job::kResult, job::kOutput};
-  return get(found, job::kStateId) == Value(job::kFree) &&
+  return memberOf(found, job::kStateId) == Value(job::kFree) &&
          std::all_of(std::begin(kTelling), std::end(kTelling), isTheSame);
 }
 
@@ -92,9 +84,9 @@ bool isTakenIn(Entries run, const std::string& logId, const Value& record) {
   bool isWaiting = false;
   bool isSame = false;
   for (const Value& found : records.elements()) {
-    if (get(found, job::kLogId) != Value(logId)) continue;
+    if (memberOf(found, job::kLogId) != Value(logId)) continue;
     if (wasFinished(found, record)) return false;
-    if (get(found, job::kStateId) != Value(job::kWait)) continue;
+    if (memberOf(found, job::kStateId) != Value(job::kWait)) continue;
     isWaiting = true;
     isSame = isSame || (haveSame(found, record, job::kJobId) &&
                         haveSame(found, record, job::kInputParameters));
@@ -104,7 +96,7 @@ bool isTakenIn(Entries run, const std::string& logId, const Value& record) {
 
 // The log id of the job whose last line this is.
 std::optional<std::string> endedBy(const LogEntry& entry) {
-  const Value logId = get(recordAtTheEnd(entry), job::kLogId);
+  const Value logId = memberOf(recordAtTheEnd(entry), job::kLogId);
   return logId.isString() ? std::optional(logId.string()) : std::nullopt;
 }
 
@@ -169,7 +161,7 @@ LoggedJob LoggedJobs::jobOf(const Worker& worker) const {
 }
 
 std::optional<LoggedJob> LoggedJobs::find(const Value& record) const {
-  const Value logId = get(record, job::kLogId);
+  const Value logId = memberOf(record, job::kLogId);
   const auto takers = logId.isString() ? takers_.find(logId.string()) : takers_.end();
   if (takers == takers_.end()) return std::nullopt;
   const std::vector<std::size_t>& all = takers->second;

@@ -17,6 +17,9 @@ namespace kelvane::console {
 // What a job's last line shows its record behind, of the commands that have such a line.
 inline constexpr std::string_view kEndOfJob = " end, retDict = ";
 
+// Where a worker begins.
+inline constexpr char kStartFunction[] = "init";
+
 // The record that a job's last line shows; nothing of another entry.
 platform::Value recordAtTheEnd(const LogEntry& entry);
 

@@ -14,7 +14,6 @@ namespace {
 using std::chrono::milliseconds;
 using Time = std::optional<milliseconds>;
 
-constexpr int kWhole = 100;
 constexpr std::size_t kChangesKept = 20;
 constexpr int kPatienceInChanges = 3;
 // One pair of changes this far apart may have a silence between them.
@@ -32,7 +31,7 @@ std::vector<std::string> imagesOf(const Value& record) {
   return images;
 }
 
-int percentOf(const ControllerStatus& one, const std::string& phase) {
+int percentOfPhase(const ControllerStatus& one, const std::string& phase) {
   return phase == kCpldPhase ? one.cpld : one.firmware;
 }
 
@@ -87,8 +86,8 @@ void Pace::takePercentage(milliseconds now, const JobStatus& status) {
       previous_.size() != status.controllers.size()) {
     return;
   }
-  const int percent = percentOf(status.controllers[place_], phase_);
-  const int before = percentOf(previous_[place_], phase_);
+  const int percent = percentOfPhase(status.controllers[place_], phase_);
+  const int before = percentOfPhase(previous_[place_], phase_);
   if (percent < before) forget();
   if (percent <= before) return;
   if (changes_.size() == kChangesKept) changes_.erase(changes_.begin());

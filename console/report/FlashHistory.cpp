@@ -9,6 +9,7 @@
 #include "console/job/LogTime.h"
 #include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
+#include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
 
@@ -43,10 +44,6 @@ constexpr Beginning kBeginnings[] = {
     {kOfController, "start _flashUSBFW", "USB bridge"},
 };
 
-bool startsWith(const std::string& text, std::string_view start) {
-  return text.rfind(start, 0) == 0;
-}
-
 int percentIn(const Value& entry, const char* key) {
   const Value& value = entry.get(key);
   int percent = 0;
@@ -55,8 +52,6 @@ int percentIn(const Value& entry, const char* key) {
   std::from_chars(text.data(), text.data() + text.size(), percent);
   return std::clamp(percent, 0, 100);
 }
-
-std::string textOf(const Value& value) { return value.isString() ? value.string() : ""; }
 
 bool isSame(const HistoryPoint& one, const HistoryPoint& other) {
   return one.cpld == other.cpld && one.firmware == other.firmware && one.total == other.total;
@@ -72,12 +67,12 @@ struct UnderWay {
 
 class Historian {
  public:
-  explicit Historian(const Value& record) : logId_(textOf(record.get(job::kLogId))) {
+  explicit Historian(const Value& record) : logId_(stringOf(record.get(job::kLogId))) {
     const Value& inputs = record.get(job::kInputParameters);
     if (!inputs.isArray()) return;
     for (const Value& input : inputs.elements()) {
       UnderWay& course = courses_.emplace_back();
-      if (input.isDictionary()) course.history.wwn = textOf(input.get(job::kWwn));
+      if (input.isDictionary()) course.history.wwn = stringOf(input.get(job::kWwn));
     }
   }
 
@@ -85,7 +80,7 @@ class Historian {
     clock_.take(entry.time);
     now_ = clock_.passed();
     ++number_;
-    if (startsWith(entry.message, kRecordsWritten)) {
+    if (entry.message.starts_with(kRecordsWritten)) {
       takeWritten(entry);
     } else if (entry.function == kOfController || entry.function == kOfCpld) {
       takeStep(entry);
@@ -104,10 +99,10 @@ class Historian {
 
   void takeStep(const LogEntry& entry) {
     const bool isOfCpld = entry.function == kOfCpld;
-    if (!isOfCpld && startsWith(entry.message, kController)) beginNext();
+    if (!isOfCpld && entry.message.starts_with(kController)) beginNext();
     if (current_ == nullptr || current_->hasEnded) return;
     for (const Beginning& one : kBeginnings) {
-      if (entry.function == one.function && startsWith(entry.message, one.message)) {
+      if (entry.function == one.function && entry.message.starts_with(one.message)) {
         beginPhase(one.phase);
       }
     }
@@ -133,7 +128,7 @@ class Historian {
   }
 
   void takeMark(const LogEntry& entry, bool isOfCpld) {
-    if (startsWith(entry.message, kRetry)) {
+    if (entry.message.starts_with(kRetry)) {
       mark(MarkKind::retry, "the CPLD's flash is tried again");
     } else if (!isOfCpld && entry.message == kCompleted) {
       mark(MarkKind::done, "the flash is completed");
@@ -164,7 +159,7 @@ class Historian {
   void takeOutput(const Value& output) {
     if (current_ == nullptr || current_->hasEnded) return;
     for (const Value& progress : output.elements()) {
-      if (!progress.isDictionary() || textOf(progress.get(job::kWwn)) != current_->history.wwn) {
+      if (!progress.isDictionary() || stringOf(progress.get(job::kWwn)) != current_->history.wwn) {
         continue;
       }
       takePoint({now_, percentIn(progress, job::kCpldPercentage),

@@ -14,14 +14,14 @@ using platform::Value;
 
 namespace {
 
-std::string textOf(const Value& value) {
+std::string shown(const Value& value) {
   if (value.isNothing()) return {};
   if (value.isArray() || value.isDictionary()) return platform::printJsonLine(value).value_or("");
   return platform::describe(value);
 }
 
 // What is short, such as a date or permissions, stays on one line; a path may break anywhere.
-const char* classOf(const std::string& text) {
+const char* classOfCell(const std::string& text) {
   constexpr std::size_t kShort = 20;
   if (text.find('/') != std::string::npos) return "path";
   return text.size() <= kShort ? "short" : "long";
@@ -31,11 +31,11 @@ constexpr std::size_t kMostCellBytes = 1024;
 constexpr std::size_t kMostColumns = 30;
 
 void showCell(Html& page, const std::string& text, const std::string& name = {}) {
-  page.element("td", text, {{"class", classOf(text)}}, {.name = name, .most = kMostCellBytes});
+  page.element("td", text, {{"class", classOfCell(text)}}, {.name = name, .most = kMostCellBytes});
 }
 
 void showRowsHeading(Html& page, const std::string& text) {
-  page.element("th", text, {{"scope", "row"}, {"class", classOf(text)}});
+  page.element("th", text, {{"scope", "row"}, {"class", classOfCell(text)}});
 }
 
 bool isListOfObjects(const Value& value) {
@@ -71,11 +71,11 @@ void showRow(Html& page, std::size_t number, const Value& object,
              std::span<const std::string> keys) {
   page.open("tr");
   page.label("th", std::to_string(number), {{"scope", "row"}});
-  for (const std::string& key : keys) showCell(page, textOf(object.get(key)), key);
+  for (const std::string& key : keys) showCell(page, shown(object.get(key)), key);
   page.close();
 }
 
-void showList(Html& page, const char* name, const Value& list) {
+void showArray(Html& page, const char* name, const Value& list) {
   const std::vector<std::string> all = keysOf(list);
   const std::span<const std::string> keys =
       std::span(all).first(std::min(all.size(), kMostColumns));
@@ -97,7 +97,7 @@ void showList(Html& page, const char* name, const Value& list) {
   tellLeftOut(page, list.count() - rows, "other is", "others are");
 }
 
-void showObject(Html& page, const char* name, const Value& object) {
+void showDictionary(Html& page, const char* name, const Value& object) {
   openTable(page, name);
   page.open("tbody");
   const std::size_t rows = std::min(object.entries().size(), kMostRows);
@@ -105,7 +105,7 @@ void showObject(Html& page, const char* name, const Value& object) {
     const auto& [key, value] = object.entries()[i];
     page.open("tr");
     page.element("th", key, {{"scope", "row"}}, {.most = kMostCellBytes});
-    showCell(page, textOf(value), key);
+    showCell(page, shown(value), key);
     page.close();
   }
   page.close();
@@ -167,11 +167,11 @@ void showPairs(Html& page, const std::vector<std::pair<const char*, std::string>
 
 void showValue(Html& page, const char* name, const Value& value) {
   if (isListOfObjects(value)) {
-    showList(page, name, value);
+    showArray(page, name, value);
   } else if (value.isDictionary() && !value.entries().empty()) {
-    showObject(page, name, value);
+    showDictionary(page, name, value);
   } else {
-    page.element("p", textOf(value));
+    page.element("p", shown(value));
   }
 }
 

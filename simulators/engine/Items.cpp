@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool contains(const std::vector<std::string>& names, const std::string& name) {
+bool isAmong(const std::vector<std::string>& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
@@ -70,11 +70,11 @@ std::vector<Item> catalogueItems(const std::string& service, const std::string& 
 
 std::vector<Item> packageItems(const std::string& service, const std::string& productId,
                                const ServiceFaults& faults) {
-  if (contains(faults.missingProducts, productId)) return {};
+  if (isAmong(faults.missingProducts, productId)) return {};
   std::vector<Item> items;
   for (const std::string& path : packagesOf(service, productId)) items.push_back(copied(path));
   for (const auto& [name, size] : faults.sparsePackages) items.push_back(sparse(name, size));
-  std::erase_if(items, [&](const Item& item) { return contains(faults.missingFiles, item.name); });
+  std::erase_if(items, [&](const Item& item) { return isAmong(faults.missingFiles, item.name); });
   return items;
 }
 

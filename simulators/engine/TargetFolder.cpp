@@ -20,8 +20,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uint64_t kWhole = 100;  // percent
-
 void check(const std::error_code& failed, const char* action, const std::string& path) {
   if (failed) throw Exception(std::string(action) + " " + path + ": " + failed.message());
 }
@@ -73,7 +71,7 @@ void TargetFolder::cut(const std::string& path, unsigned percent) {
   const std::vector<std::string> files = filesBelow(path);
   std::uint64_t total = 0;
   for (const std::string& file : files) total += platform::fileSize(file);
-  std::uint64_t left = total * percent / kWhole;
+  std::uint64_t left = total * percent / 100;
   for (const std::string& file : files) {
     const std::uint64_t size = platform::fileSize(file);
     std::error_code failed;

@@ -28,8 +28,10 @@ using ::testing::SizeIs;
 
 using Names = std::set<std::string>;
 
-std::string page() { return readSource("docs/integration.md"); }
-std::vector<Row> table(const char* heading) { return tableRows(section(page(), heading)); }
+std::string integrationPage() { return readSource("docs/integration.md"); }
+std::vector<Row> integrationTable(const char* heading) {
+  return tableRows(section(integrationPage(), heading));
+}
 
 // What stands between the first two of this character in the cell.
 std::string between(const std::string& cell, char mark) {
@@ -41,14 +43,14 @@ std::string between(const std::string& cell, char mark) {
 
 TEST(IntegrationPage, ShowsTheClientsCodeAsItIs) {
   const std::string client = readSource("docs/integration/client.py");
-  const auto shown = codeBlocks(page(), "python");
+  const auto shown = codeBlocks(integrationPage(), "python");
   EXPECT_THAT(shown, SizeIs(2));
   for (const std::string& block : shown) EXPECT_THAT(client, HasSubstr(block));
 }
 
 TEST(IntegrationPage, NamesEveryClientAndNoOther) {
   Names named;
-  for (const Row& row : table("## The clients")) named.insert(between(row.at(0), '`'));
+  for (const Row& row : integrationTable("## The clients")) named.insert(between(row.at(0), '`'));
   Names there;
   for (const auto& entry : fs::directory_iterator(KELVANE_SOURCES "docs/integration")) {
     if (entry.is_regular_file()) there.insert(entry.path().filename().string());
@@ -57,7 +59,7 @@ TEST(IntegrationPage, NamesEveryClientAndNoOther) {
 }
 
 TEST(IntegrationPage, NamesEveryKeyOfARule) {
-  EXPECT_THAT(namesOf(table("## The catalogue's rules")),
+  EXPECT_THAT(namesOf(integrationTable("## The catalogue's rules")),
               ElementsAreArray({catalogue::kProductId, catalogue::kVersion, catalogue::kSize,
                                 catalogue::kHash, catalogue::kMinimumOs, catalogue::kCodebase}));
 }
@@ -113,7 +115,7 @@ TEST_F(Integration, TheFileIsReplacedAlsoWhereNoPercentageHasChanged) {
 TEST_F(Integration, ControllersAreFoundByTheCallsThatAreNamed) {
   update();
   std::vector<std::string> named;
-  const std::string text = section(page(), "## Where WWNs come from");
+  const std::string text = section(integrationPage(), "## Where WWNs come from");
   for (std::size_t at = text.find("`zr_"); at != std::string::npos;
        at = text.find("`zr_", at + 1)) {
     named.push_back(between(text.substr(at), '`'));
@@ -171,7 +173,8 @@ TEST_P(RehearsedCase, EndsAsThePageSays) {
             GetParam().at(3));
 }
 
-INSTANTIATE_TEST_SUITE_P(Page, RehearsedCase, ::testing::ValuesIn(table("## Rehearsing")),
+INSTANTIATE_TEST_SUITE_P(Page, RehearsedCase,
+                         ::testing::ValuesIn(integrationTable("## Rehearsing")),
                          [](const auto& test) {
                            std::string name = test.param.at(0);
                            std::erase_if(name, [](char c) { return std::isalnum(c) == 0; });

@@ -22,11 +22,11 @@ using Names = std::set<std::string>;
 Names asSet(const std::vector<std::string>& names) { return {names.begin(), names.end()}; }
 Names keys() { return {std::begin(job::kKeys), std::end(job::kKeys)}; }
 
-std::string page() { return readSource("docs/job-file.md"); }
+std::string jobFilePage() { return readSource("docs/job-file.md"); }
 
 std::vector<std::string> commandHeadings() {
   std::vector<std::string> found;
-  const std::string commands = section(page(), "## The commands, by example");
+  const std::string commands = section(jobFilePage(), "## The commands, by example");
   for (std::size_t at = commands.find("\n### "); at != std::string::npos;
        at = commands.find("\n### ", at + 1)) {
     found.push_back(commands.substr(at + 5, commands.find('\n', at + 1) - at - 5));
@@ -44,22 +44,23 @@ void collectProperties(const nlohmann::json& schema, Names& found) {
 }
 
 TEST(JobFilePage, NamesEveryKeyAndNoOther) {
-  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## Keys")))), keys());
+  EXPECT_EQ(asSet(namesOf(tableRows(section(jobFilePage(), "## Keys")))), keys());
 }
 
 TEST(JobFilePage, NamesEveryStateAndNoOther) {
-  EXPECT_EQ(asSet(namesOf(tableRows(section(page(), "## States")))),
+  EXPECT_EQ(asSet(namesOf(tableRows(section(jobFilePage(), "## States")))),
             Names(std::begin(job::kStates), std::end(job::kStates)));
 }
 
 TEST(JobFilePage, QuotesTheTextOfSuccess) {
-  EXPECT_THAT(section(page(), "## States"), HasSubstr(std::string("\"") + job::kNoError + "\""));
+  EXPECT_THAT(section(jobFilePage(), "## States"),
+              HasSubstr(std::string("\"") + job::kNoError + "\""));
 }
 
 TEST(JobFilePage, TellsTheLimitsOfTheReaders) {
-  EXPECT_THAT(section(page(), "## How the worker writes"),
+  EXPECT_THAT(section(jobFilePage(), "## How the worker writes"),
               HasSubstr("at most " + std::to_string(platform::kJsonDepthLimit) + " levels deep"));
-  EXPECT_THAT(section(page(), "## The catalogue"),
+  EXPECT_THAT(section(jobFilePage(), "## The catalogue"),
               HasSubstr("At most " + std::to_string(platform::kPropertyListDepthLimit) +
                         " containers may stand inside one another"));
   EXPECT_TRUE(platform::parseJson("[1e400]").isNothing());
@@ -77,7 +78,7 @@ TEST(JobFileSchema, DescribesEveryKeyAndNoOther) {
 
 TEST(JobFileSchema, HasTheIdentityAndTheDefinitionThatThePageNames) {
   const auto schema = nlohmann::json::parse(readSource("docs/job-file.schema.json"));
-  const std::string told = section(page(), "## The schema");
+  const std::string told = section(jobFilePage(), "## The schema");
   EXPECT_THAT(told, HasSubstr("`" + schema.at("$id").get<std::string>() + "`"));
   const std::size_t fence = told.find("```json\n") + 8;
   const auto wrapper = nlohmann::json::parse(told.substr(fence, told.find("```", fence) - fence));

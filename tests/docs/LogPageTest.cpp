@@ -24,10 +24,10 @@ using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-std::string page() { return readSource("docs/log.md"); }
-std::string part(const char* heading) { return section(page(), heading); }
-std::vector<Row> table(const char* heading) { return tableRows(part(heading)); }
-std::vector<std::string> shownLogs() { return codeBlocks(part("## A log"), "text"); }
+std::string logPage() { return readSource("docs/log.md"); }
+std::string logPart(const char* heading) { return section(logPage(), heading); }
+std::vector<Row> logTable(const char* heading) { return tableRows(logPart(heading)); }
+std::vector<std::string> shownLogs() { return codeBlocks(logPart("## A log"), "text"); }
 
 std::string withoutBackticks(const std::string& cell) { return cell.substr(1, cell.size() - 2); }
 
@@ -48,7 +48,7 @@ TEST_F(LogPageRun, TellsOfAMissingJobFileAsThePageShows) {
 
 TEST_F(LogPageRun, StandsWhereThePageSaysAndIsNotCreatedThere) {
   const std::string path = "utility/logs/TarselVistrelUtility.txt";
-  EXPECT_THAT(page().substr(0, page().find("\n## ")), HasSubstr("`" + path + "`"));
+  EXPECT_THAT(logPage().substr(0, logPage().find("\n## ")), HasSubstr("`" + path + "`"));
   std::filesystem::remove(shared() + path);
   run(workedExample("updateSW").before);
   EXPECT_FALSE(std::filesystem::exists(shared() + path));
@@ -59,7 +59,7 @@ TEST_F(LogPageRun, StandsWhereThePageSaysAndIsNotCreatedThere) {
 
 TEST_F(LogPageRun, EndsAFirmwareJobWithTheLineOfThePage) {
   run(workedExample("updateFW").before);
-  const std::string last = withoutBackticks(table("## What to look for").back().at(0));
+  const std::string last = withoutBackticks(logTable("## What to look for").back().at(0));
   const std::string written = writtenLog();
   EXPECT_THAT(written.substr(written.rfind("[14:03:07]")), HasSubstr("[updateFW][debug] " + last));
 }
@@ -72,13 +72,14 @@ TEST(LogPage, ShowsLinesThatCanBeTakenApart) {
 
 TEST(LogPage, NamesTheFieldsOfALine) {
   std::string line;
-  for (const Row& row : table("## The line")) line += row.at(0) + " ";
+  for (const Row& row : logTable("## The line")) line += row.at(0) + " ";
   EXPECT_EQ(line, "time file line function level message ");
-  EXPECT_THAT(part("## The line"), StartsWith("\n`[time] [file][line][function][level] message`"));
+  EXPECT_THAT(logPart("## The line"),
+              StartsWith("\n`[time] [file][line][function][level] message`"));
 }
 
 TEST(LogPage, NamesEveryLevelByItsNumber) {
-  const auto levels = table("## Levels");
+  const auto levels = logTable("## Levels");
   ASSERT_THAT(levels, SizeIs(kLogCritical + 1));
   for (const Row& row : levels) {
     EXPECT_EQ(withoutBackticks(row.at(1)), _base_level_name(std::stoi(row.at(0))));
@@ -119,7 +120,7 @@ class LogPageTexts : public PageWorld {
 };
 
 TEST_F(LogPageTexts, AreAllLogged) {
-  auto rows = table("## What to look for");
+  auto rows = logTable("## What to look for");
   ASSERT_THAT(rows, Not(IsEmpty()));
   for (const Row& row : rows) EXPECT_THAT(log(), HasSubstr(withoutBackticks(row.at(0))));
 }
@@ -127,25 +128,25 @@ TEST_F(LogPageTexts, AreAllLogged) {
 // --- objects
 
 TEST(LogPage, ShowsAnObjectAsItIsLogged) {
-  const std::string objects = part("## Objects");
+  const std::string objects = logPart("## Objects");
   const Value object = platform::parseJson(codeBlocks(objects, "json").at(0));
   EXPECT_EQ(platform::describe(object) + "\n", codeBlocks(objects, "text").at(0));
 }
 
 TEST(LogPage, ShowsASingleValueAsItIsLogged) {
-  const auto rows = table("## Objects");
+  const auto rows = logTable("## Objects");
   ASSERT_THAT(rows, Not(IsEmpty()));
   for (const Row& row : rows) {
     const Value list = platform::parseJson("[" + withoutBackticks(row.at(0)) + "]");
     EXPECT_EQ(platform::describe(list.at(0)), withoutBackticks(row.at(1)));
   }
-  EXPECT_THAT(part("## Objects"), HasSubstr("`" + platform::describe(Value()) + "`"));
+  EXPECT_THAT(logPart("## Objects"), HasSubstr("`" + platform::describe(Value()) + "`"));
 }
 
 // --- sizes and rotation
 
 TEST(LogPage, NamesGenerationsAsTheRotationDoes) {
-  const auto rows = table("## Size and rotation");
+  const auto rows = logTable("## Size and rotation");
   ASSERT_THAT(rows, Not(IsEmpty()));
   for (const Row& row : rows) {
     EXPECT_EQ(fileRename(withoutBackticks(row.at(0)), 3), Value(withoutBackticks(row.at(1))));
@@ -153,7 +154,7 @@ TEST(LogPage, NamesGenerationsAsTheRotationDoes) {
 }
 
 TEST(LogPage, TellsTheLimits) {
-  const std::string sizes = part("## Size and rotation");
+  const std::string sizes = logPart("## Size and rotation");
   EXPECT_THAT(sizes, HasSubstr("A path of " + std::to_string(sizeof _logPath) + " bytes or more"));
   EXPECT_THAT(sizes, HasSubstr(std::to_string(logging::kRotatedFrom) + " bytes"));
   EXPECT_THAT(sizes, HasSubstr("of " + std::to_string(logging::kGenerations) + " generations"));

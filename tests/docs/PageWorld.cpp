@@ -37,7 +37,7 @@ constexpr char kFleet[] =
         "usb_bridge": "3.0", "cpld_transfer_seconds": 4, "cpld_programming_seconds": 4,
         "firmware_seconds": 8}])";
 
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
+std::string withReplaced(std::string text, const std::string& from, const std::string& to) {
   for (std::size_t at = text.find(from); at != std::string::npos;
        at = text.find(from, at + to.size())) {
     text.replace(at, from.size(), to);
@@ -91,12 +91,13 @@ void PageWorld::writeEngine() const {
 }
 
 std::string PageWorld::here(const std::string& pageText) const {
-  return replaced(replaced(pageText, "/Users/ann/", folder / "Users/ann/"), "/Applications/",
-                  folder / "Applications/");
+  return withReplaced(withReplaced(pageText, "/Users/ann/", folder / "Users/ann/"),
+                      "/Applications/", folder / "Applications/");
 }
 
 std::string PageWorld::asOnPage(const std::string& text) const {
-  return replaced(replaced(text, bundle.path(), "/Applications/Manager.app"), folder.path(), "");
+  return withReplaced(withReplaced(text, bundle.path(), "/Applications/Manager.app"), folder.path(),
+                      "");
 }
 
 void PageWorld::run(const std::string& jobFile) const {

@@ -28,7 +28,7 @@ using ::testing::HasSubstr;
 
 constexpr std::int64_t kDownloadCode = 259;
 
-std::string page() { return readSource("docs/result-codes.md"); }
+std::string codesPage() { return readSource("docs/result-codes.md"); }
 
 Row asRow(const ResultCode& code) {
   return {fmt::format("{}", code.code),
@@ -44,11 +44,11 @@ Row asRow(const ResultCode& code) {
 TEST(ResultCodesPage, ShowsTheConsolesTableRowByRow) {
   std::vector<Row> rows;
   for (const ResultCode& code : resultCodes()) rows.push_back(asRow(code));
-  EXPECT_THAT(tableRows(section(page(), "## The codes")), ElementsAreArray(rows));
+  EXPECT_THAT(tableRows(section(codesPage(), "## The codes")), ElementsAreArray(rows));
 }
 
 TEST(ResultCodesPage, TellsTheResultsOfEveryCommand) {
-  const std::string beginning = page().substr(0, page().find("\n## "));
+  const std::string beginning = codesPage().substr(0, codesPage().find("\n## "));
   EXPECT_THAT(namesOf(tableRows(beginning)), ElementsAreArray(job::kCommands));
 }
 
@@ -125,7 +125,7 @@ TEST_F(ResultOfAJob, WithAStatusOfTheFrameworksOwnIsThatNumber) {
   update(R"([{"function": "zr_discover", "status": "0x0103"}])");
   EXPECT_EQ(result(), kDownloadCode);
   EXPECT_NE(jobs().at(0).get("resultStr"), Value(findResultCode(kDownloadCode)->text));
-  EXPECT_THAT(section(page(), "## The codes"), HasSubstr("In a firmware job 259 is a status"));
+  EXPECT_THAT(section(codesPage(), "## The codes"), HasSubstr("In a firmware job 259 is a status"));
 }
 
 TEST_F(ResultOfAJob, WhoseCpldCannotBeFlashedIsStill0) {

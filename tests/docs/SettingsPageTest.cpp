@@ -24,15 +24,17 @@ using Names = std::set<std::string>;
 constexpr char kShared[] = "## The shared folder's settings";
 constexpr char kProduct[] = "## The product's settings";
 
-std::string part(const char* heading) { return section(readSource("docs/settings.md"), heading); }
+std::string settingsPart(const char* heading) {
+  return section(readSource("docs/settings.md"), heading);
+}
 
 Names keysInTable(const char* heading) {
-  const auto names = namesOf(tableRows(part(heading)));
+  const auto names = namesOf(tableRows(settingsPart(heading)));
   return {names.begin(), names.end()};
 }
 
 Names keysInExample(const char* heading) {
-  const Value example = platform::parseJson(codeBlocks(part(heading), "json").at(0));
+  const Value example = platform::parseJson(codeBlocks(settingsPart(heading), "json").at(0));
   Names keys;
   for (const auto& [key, value] : example.entries()) keys.insert(key);
   return keys;
@@ -54,7 +56,7 @@ class SettingsPageLog : public PageWorld {
  protected:
   // The log line that this part of the page shows.
   static std::string shown(const char* heading) {
-    const auto blocks = codeBlocks(part(heading), "text");
+    const auto blocks = codeBlocks(settingsPart(heading), "text");
     EXPECT_THAT(blocks, SizeIs(1));
     return comparableLog(blocks.at(0));
   }

@@ -25,8 +25,6 @@ using ::testing::HasSubstr;
 
 using Lines = std::vector<std::string>;
 
-constexpr int kInterrupted = 130;
-
 // --- in a terminal
 
 class ConsoleScreen : public ::testing::Test {
@@ -187,7 +185,7 @@ TEST_F(ConsoleScreen, AnInterruptLeavesTheWorkerAlive) {
                           folder.path(), {80, 24, true});
   ASSERT_TRUE(terminal.waitFor("job 99: waiting"));
   terminal.type("\x03");
-  EXPECT_EQ(terminal.end(), kInterrupted);
+  EXPECT_EQ(terminal.end(), test::kInterrupted);
   EXPECT_THAT(terminal.output(), HasSubstr("the worker goes on with job 99"));
   while (folder.read("pid").empty()) continue;  // it may only just have been started
   EXPECT_EQ(::kill(std::stoi(folder.read("pid")), 0), 0);

@@ -16,7 +16,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-constexpr char kFleet[] = R"([
+constexpr char kThreeControllers[] = R"([
   {"wwn": "50000000000000A1", "product_id": "0x4301", "firmware": "1", "cpld": "1",
    "usb_bridge": "1"},
   {"wwn": "50000000000000B2", "product_id": "0x4801", "firmware": "1", "cpld": "1",
@@ -27,7 +27,7 @@ constexpr char kFleet[] = R"([
 class DryRun : public SupportInstallation {
  protected:
   DryRun() {
-    writeFleet(kFleet);
+    writeFleet(kThreeControllers);
     standard = makeImage("standard.img", {"standard", "--product", "0x43", "--product", "0x32",
                                           "--firmware", "2", "--cpld", "2"});
     qvxf = makeImage("qvxf.img", {"qvxf", "--product", "0x48", "--firmware", "2"});
@@ -42,7 +42,7 @@ class DryRun : public SupportInstallation {
   }
   // What the dry run says of the controller and the image, and the result of the job thereafter.
   std::string verdictAndResult(const std::string& wwn, const std::string& image) const {
-    writeFleet(kFleet);
+    writeFleet(kThreeControllers);
     const test::Ended ended = dryRun(wwn, image, {"--json"});
     const Value all = platform::parseJson(ended.out);
     EXPECT_EQ(all.count(), 1U) << ended.out << ended.err;

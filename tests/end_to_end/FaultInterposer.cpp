@@ -12,13 +12,14 @@
 #include <string>
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "tests/end_to_end/NextFunction.h"
 
 namespace {
 
@@ -32,15 +33,11 @@ const char* faultOf(const char* variable) {
   return isMeant ? std::getenv(variable) : nullptr;
 }
 
-template <typename Function>
-Function* real(const char* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
-
-void note(const char* name) {
-  static const auto nextOpen = real<int(const char*, int, ...)>("open");
-  static const auto nextWrite = real<ssize_t(int, const void*, std::size_t)>("write");
-  static const auto nextClose = real<int(int)>("close");
+void noteCall(const char* name) {
+  static const auto nextOpen = kelvane::test::nextFunction<int(const char*, int, ...)>("open");
+  static const auto nextWrite =
+      kelvane::test::nextFunction<ssize_t(int, const void*, std::size_t)>("write");
+  static const auto nextClose = kelvane::test::nextFunction<int(int)>("close");
   const std::string line = std::string(name) + "\n";
   const int file =
       nextOpen(std::getenv("KELVANE_FAULT_DONE"), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
@@ -63,7 +60,7 @@ bool fails(const char* name) {
   const bool isInterrupted = interrupted != nullptr && std::atoi(interrupted) == calls;
   const bool isRefused = refused != nullptr && std::strcmp(refused, name) == 0 && isRefusedStill();
   if (!isInterrupted && !isRefused) return false;
-  note(name);
+  noteCall(name);
   errno = isInterrupted ? EINTR : EPERM;
   return true;
 }
@@ -76,19 +73,19 @@ mode_t modeOf(int flags, va_list arguments) {
 }  // namespace
 
 // Each call by its own name, with its arguments' types and names.
-#define FAULTY(Result, name, types, ...)                \
-  extern "C" Result name types;                         \
-  Result name types {                                   \
-    static const auto next = real<Result types>(#name); \
-    if (fails(#name)) return -1;                        \
-    return next(__VA_ARGS__);                           \
+#define FAULTY(Result, name, types, ...)                                       \
+  extern "C" Result name types;                                                \
+  Result name types {                                                          \
+    static const auto next = kelvane::test::nextFunction<Result types>(#name); \
+    if (fails(#name)) return -1;                                               \
+    return next(__VA_ARGS__);                                                  \
   }
-#define FAULTY_NOEXCEPT(Result, name, types, ...)       \
-  extern "C" Result name types noexcept;                \
-  Result name types noexcept {                          \
-    static const auto next = real<Result types>(#name); \
-    if (fails(#name)) return -1;                        \
-    return next(__VA_ARGS__);                           \
+#define FAULTY_NOEXCEPT(Result, name, types, ...)                              \
+  extern "C" Result name types noexcept;                                       \
+  Result name types noexcept {                                                 \
+    static const auto next = kelvane::test::nextFunction<Result types>(#name); \
+    if (fails(#name)) return -1;                                               \
+    return next(__VA_ARGS__);                                                  \
   }
 
 extern "C" int open(const char* path, int flags, ...) {
@@ -96,7 +93,7 @@ extern "C" int open(const char* path, int flags, ...) {
   va_start(arguments, flags);
   const mode_t mode = modeOf(flags, arguments);
   va_end(arguments);
-  static const auto next = real<int(const char*, int, ...)>("open");
+  static const auto next = kelvane::test::nextFunction<int(const char*, int, ...)>("open");
   return fails("open") ? -1 : next(path, flags, mode);
 }
 
@@ -105,13 +102,13 @@ extern "C" int openat(int folder, const char* path, int flags, ...) {
   va_start(arguments, flags);
   const mode_t mode = modeOf(flags, arguments);
   va_end(arguments);
-  static const auto next = real<int(int, const char*, int, ...)>("openat");
+  static const auto next = kelvane::test::nextFunction<int(int, const char*, int, ...)>("openat");
   return fails("openat") ? -1 : next(folder, path, flags, mode);
 }
 
 // Interrupted, the file is closed all the same.
 extern "C" int close(int file) {
-  static const auto next = real<int(int)>("close");
+  static const auto next = kelvane::test::nextFunction<int(int)>("close");
   const int result = next(file);
   return fails("close") ? -1 : result;
 }

@@ -19,9 +19,10 @@
 #include <string>
 #include <system_error>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
+
+#include "tests/end_to_end/NextFunction.h"
 
 extern "C" {
 unsigned int sleep(unsigned int seconds);
@@ -33,12 +34,6 @@ int unlinkat(int folder, const char* path, int flags) noexcept;
 }
 
 namespace {
-
-// The next function of that name after this library's own.
-template <typename Function>
-Function* real(const char* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
 
 void note(const char* variable, const std::string& line) {
   const char* path = std::getenv(variable);
@@ -89,7 +84,7 @@ unsigned int sleep(unsigned int seconds) {
 }
 
 std::time_t time(std::time_t* now) noexcept {
-  static const auto next = real<std::time_t(std::time_t*)>("time");
+  static const auto next = kelvane::test::nextFunction<std::time_t(std::time_t*)>("time");
   const char* start = std::getenv("KELVANE_TEST_TIME");
   const std::time_t told = start == nullptr ? next(nullptr) : std::atol(start) + slept;
   if (now != nullptr) *now = told;
@@ -98,7 +93,7 @@ std::time_t time(std::time_t* now) noexcept {
 
 int syncfs(int file) noexcept {
   note("KELVANE_TEST_WRITES", "syncfs " + pathOf(file));
-  static const auto next = real<int(int)>("syncfs");
+  static const auto next = kelvane::test::nextFunction<int(int)>("syncfs");
   return next(file);
 }
 
@@ -107,19 +102,19 @@ int unlinkat(int folder, const char* path, int flags) noexcept {
     const std::string above = folder == AT_FDCWD ? "" : pathOf(folder) + "/";
     note("KELVANE_TEST_WRITES", "rmdir " + above + path);
   }
-  static const auto next = real<int(int, const char*, int)>("unlinkat");
+  static const auto next = kelvane::test::nextFunction<int(int, const char*, int)>("unlinkat");
   return next(folder, path, flags);
 }
 
 int fsync(int file) {
   note("KELVANE_TEST_WRITES", "fsync " + pathOf(file));
-  static const auto next = real<int(int)>("fsync");
+  static const auto next = kelvane::test::nextFunction<int(int)>("fsync");
   return next(file);
 }
 
 int rename(const char* from, const char* to) noexcept {
   note("KELVANE_TEST_WRITES", std::string("rename ") + from + " " + to);
-  static const auto next = real<int(const char*, const char*)>("rename");
+  static const auto next = kelvane::test::nextFunction<int(const char*, const char*)>("rename");
   const int result = next(from, to);
   if (result == 0) keepVersion(to);
   return result;

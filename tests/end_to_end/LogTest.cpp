@@ -22,7 +22,6 @@ using ::testing::Not;
 
 namespace fs = std::filesystem;
 
-constexpr int kInterrupted = 130;
 constexpr char kLog[] = "shared/utility/logs/TarselVistrelUtility.txt";
 
 std::string entry(const std::string& message, const std::string& level = "debug") {
@@ -59,7 +58,7 @@ TEST_F(LogOnScreen, IsFollowedUntilTheInterrupt) {
   fs::remove(folder / kLog);
   ASSERT_TRUE(terminal.waitFor("waiting for it"));
   terminal.type("\x03");
-  EXPECT_EQ(terminal.end(), kInterrupted);
+  EXPECT_EQ(terminal.end(), test::kInterrupted);
   EXPECT_THAT(terminal.output(), Not(HasSubstr("kelvane-console: ")));
 }
 

@@ -20,7 +20,7 @@ void* __libc_realloc(void* memory, std::size_t size);
 
 namespace {
 
-bool isTheWorker() {
+bool isInTheWorker() {
   std::array<char, 512> path = {};
   const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
   return length > 0 &&
@@ -32,8 +32,8 @@ int numberIn(const char* variable) {
   return text == nullptr ? 0 : std::atoi(text);
 }
 
-bool fails() {
-  static const bool isMeant = isTheWorker();
+bool isRefused() {
+  static const bool isMeant = isInTheWorker();
   if (!isMeant) return false;
   static const int one = numberIn("KELVANE_FAULT_MEMORY");
   static const int from = numberIn("KELVANE_FAULT_MEMORY_FROM");
@@ -48,10 +48,10 @@ bool fails() {
 
 }  // namespace
 
-extern "C" void* malloc(std::size_t size) { return fails() ? nullptr : __libc_malloc(size); }
+extern "C" void* malloc(std::size_t size) { return isRefused() ? nullptr : __libc_malloc(size); }
 extern "C" void* calloc(std::size_t count, std::size_t size) {
-  return fails() ? nullptr : __libc_calloc(count, size);
+  return isRefused() ? nullptr : __libc_calloc(count, size);
 }
 extern "C" void* realloc(void* memory, std::size_t size) {
-  return fails() ? nullptr : __libc_realloc(memory, size);
+  return isRefused() ? nullptr : __libc_realloc(memory, size);
 }

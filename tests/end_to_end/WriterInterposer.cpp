@@ -9,15 +9,11 @@
 #include <cstring>
 #include <filesystem>
 
-#include <dlfcn.h>
 #include <unistd.h>
 
-namespace {
+#include "tests/end_to_end/NextFunction.h"
 
-template <typename Function>
-Function* real(const char* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
+namespace {
 
 void writeAt(const char* call) {
   static bool done = false;
@@ -33,12 +29,12 @@ void writeAt(const char* call) {
 
 extern "C" int fsync(int file) {
   writeAt("fsync");
-  static const auto next = real<int(int)>("fsync");
+  static const auto next = kelvane::test::nextFunction<int(int)>("fsync");
   return next(file);
 }
 
 extern "C" int rename(const char* from, const char* to) noexcept {
-  static const auto next = real<int(const char*, const char*)>("rename");
+  static const auto next = kelvane::test::nextFunction<int(const char*, const char*)>("rename");
   const int result = next(from, to);
   writeAt("rename");
   return result;

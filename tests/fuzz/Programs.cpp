@@ -24,7 +24,7 @@ int __wrap_kill(pid_t process, int signal);
 namespace kelvane::fuzz {
 namespace {
 
-Programs* current = nullptr;
+Programs* standIn = nullptr;
 int standardOutput = -1;  // of the next program
 bool isRunning = false;
 
@@ -32,10 +32,10 @@ constexpr pid_t kProcess = 0x7FFFFFFF;  // no system gives a process that number
 constexpr std::size_t kPipe = 65536;
 
 int start(const std::vector<std::string>& argv) {
-  const auto output = current->run ? current->run(argv) : std::nullopt;
+  const auto output = standIn->run ? standIn->run(argv) : std::nullopt;
   if (!output) return ENOENT;
-  ++current->started;
-  isRunning = current->outlivesItsOutput;
+  ++standIn->started;
+  isRunning = standIn->outlivesItsOutput;
   const std::size_t size = std::min(output->size(), kPipe);
   const ssize_t written = ::write(standardOutput, output->data(), size);
   require(written == static_cast<ssize_t>(size), "the pipe takes what a program writes");
@@ -44,7 +44,7 @@ int start(const std::vector<std::string>& argv) {
 
 pid_t reap() {
   if (isRunning) return 0;
-  ++current->reaped;
+  ++standIn->reaped;
   return kProcess;
 }
 
@@ -56,8 +56,8 @@ int terminate(int signal) {
 
 }  // namespace
 
-Programs::Programs() { current = this; }
-Programs::~Programs() { current = nullptr; }
+Programs::Programs() { standIn = this; }
+Programs::~Programs() { standIn = nullptr; }
 
 }  // namespace kelvane::fuzz
 

@@ -23,14 +23,14 @@ std::vector<std::string> allTargets() {
   return targets;
 }
 
-test::Ended replay(const std::string& target, const std::string& seeds) {
+test::Ended replayed(const std::string& target, const std::string& seeds) {
   return test::runProgram({KELVANE_FUZZ_PROGRAMS "fuzz_" + target, seeds}, "/");
 }
 
 class SeedsOf : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(SeedsOf, KeepTheLaws) {
-  const test::Ended ended = replay(GetParam(), KELVANE_FUZZ_SOURCES "seeds/" + GetParam());
+  const test::Ended ended = replayed(GetParam(), KELVANE_FUZZ_SOURCES "seeds/" + GetParam());
   EXPECT_EQ(ended.signal, 0) << ended.err;
   EXPECT_EQ(ended.exitStatus, 0) << ended.err;
   EXPECT_THAT(ended.out, HasSubstr(" seeds\n"));
@@ -41,10 +41,10 @@ INSTANTIATE_TEST_SUITE_P(Target, SeedsOf, ::testing::ValuesIn(allTargets()),
 
 TEST(Replay, FailsWhereThereAreNoSeeds) {
   const test::TempFolder empty;
-  const test::Ended ended = replay("json", empty.path());
+  const test::Ended ended = replayed("json", empty.path());
   EXPECT_EQ(ended.exitStatus, 1);
   EXPECT_EQ(ended.out, "0 seeds\n");
-  EXPECT_EQ(replay("json", empty / "missing").exitStatus, 1);
+  EXPECT_EQ(replayed("json", empty / "missing").exitStatus, 1);
 }
 
 }  // namespace

@@ -23,13 +23,13 @@ using ::testing::SizeIs;
 
 namespace fs = std::filesystem;
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 std::string part(const char* heading) { return section(readSource("docs/bundle.md"), heading); }
 
 // The pieces of the layout that are a component's, by the page.
-Names piecesOf(const std::string& component) {
-  Names found;
+NameSet piecesOf(const std::string& component) {
+  NameSet found;
   for (const Row& row : tableRows(part("## The layout"))) {
     if (row.size() != 3 || row[1].find(component) == std::string::npos) continue;
     for (const std::string& name : namesOf({row})) found.insert(name);
@@ -38,10 +38,10 @@ Names piecesOf(const std::string& component) {
 }
 
 // What the component installs, but for what is below "share".
-Names installedBy(const std::string& component) {
+NameSet installedBy(const std::string& component) {
   const test::TempFolder prefix;
   test::installComponent(component, prefix.path());
-  Names found;
+  NameSet found;
   for (const std::string& name : test::filesBelow(prefix.path())) {
     if (!name.starts_with("share/")) found.insert(name);
   }

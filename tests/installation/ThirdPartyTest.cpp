@@ -22,7 +22,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 struct Place {
   const char* component;
@@ -50,8 +50,8 @@ const std::vector<std::pair<const char*, const char*>> kMarks = {{"fmt", "N3fmt"
                                                                  {"libgcc", "_Unwind_Resume"}};
 
 // What of others is in a program, or is brought along for it.
-Names foundIn(const std::string& program) {
-  Names found;
+NameSet foundIn(const std::string& program) {
+  NameSet found;
   for (const std::string& symbol : definedSymbols(program)) {
     for (const auto& [library, mark] : kMarks) {
       if (symbol.find(mark) != symbol.npos) found.insert(library);
@@ -63,8 +63,8 @@ Names foundIn(const std::string& program) {
   return found;
 }
 
-Names textsIn(const Value& list) {
-  Names found;
+NameSet textsIn(const Value& list) {
+  NameSet found;
   for (std::size_t i = 0; i < list.count(); ++i) found.insert(list.at(i).string());
   return found;
 }
@@ -78,14 +78,14 @@ class ThirdParty : public ::testing::TestWithParam<Place> {
   }
   Value bill() const { return platform::parseJson(read(".cdx.json")); }
   // The libraries of the bill, by their names.
-  Names components() const {
-    Names found;
+  NameSet components() const {
+    NameSet found;
     const Value list = bill().get("components");
     for (std::size_t i = 0; i < list.count(); ++i) found.insert(list.at(i).get("name").string());
     return found;
   }
   // What the bill says of a program.
-  Names dependenciesOf(const std::string& program) const {
+  NameSet dependenciesOf(const std::string& program) const {
     const Value list = bill().get("dependencies");
     for (std::size_t i = 0; i < list.count(); ++i) {
       if (list.at(i).get("ref").string() == program) return textsIn(list.at(i).get("dependsOn"));
@@ -98,9 +98,9 @@ class ThirdParty : public ::testing::TestWithParam<Place> {
 };
 
 TEST_P(ThirdParty, BillNamesWhatIsInEachProgramAndNoOther) {
-  Names all;
+  NameSet all;
   for (const std::string path : GetParam().programs) {
-    const Names found = foundIn(prefix / path);
+    const NameSet found = foundIn(prefix / path);
     EXPECT_EQ(dependenciesOf(path.substr(path.rfind('/') + 1)), found) << path;
     all.insert(found.begin(), found.end());
   }

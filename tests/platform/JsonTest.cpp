@@ -7,7 +7,7 @@
 namespace kelvane::platform {
 namespace {
 
-std::string nested(int depth) {
+std::string nestedArrays(int depth) {
   return std::string(static_cast<std::size_t>(depth), '[') +
          std::string(static_cast<std::size_t>(depth), ']');
 }
@@ -123,9 +123,9 @@ TEST(Json, ANulByteIsNotJson) {
 }
 
 TEST(Json, NestingIsReadDownToTheLimitAndNotBelow) {
-  EXPECT_TRUE(parseJson(nested(512)).isArray());
-  EXPECT_TRUE(parseJson(nested(513)).isNothing());
-  EXPECT_TRUE(parseJson(nested(1'000'000)).isNothing());
+  EXPECT_TRUE(parseJson(nestedArrays(512)).isArray());
+  EXPECT_TRUE(parseJson(nestedArrays(513)).isNothing());
+  EXPECT_TRUE(parseJson(nestedArrays(1'000'000)).isNothing());
 }
 
 TEST(Json, ObjectsAndArraysCountTogetherTowardsTheLimit) {
@@ -135,7 +135,7 @@ TEST(Json, ObjectsAndArraysCountTogetherTowardsTheLimit) {
 }
 
 TEST(Json, NestingThatHasEndedDoesNotCount) {
-  const Value read = parseJson("[" + nested(511) + "," + nested(511) + "]");
+  const Value read = parseJson("[" + nestedArrays(511) + "," + nestedArrays(511) + "]");
   EXPECT_EQ(read.count(), 2U);
 }
 

@@ -94,7 +94,7 @@ TEST_F(PropertyList, AByteOrderMarkIsPassedOver) {
 }
 
 // Arrays inside one another below the root's key.
-std::string nested(int arrays) {
+std::string nestedList(int arrays) {
   std::string content = "<dict><key>a</key>";
   for (int i = 0; i < arrays; ++i) content += "<array>";
   for (int i = 0; i < arrays; ++i) content += "</array>";
@@ -104,15 +104,15 @@ std::string nested(int arrays) {
 // What is read stands one container deeper in a job record.
 TEST_F(PropertyList, NestingIsReadDownToWhatJsonCanHoldAndNotBelow) {
   for (const auto& make : {xmlPropertyList, binaryPropertyList}) {
-    const Value deepest = read(make(nested(510)));
+    const Value deepest = read(make(nestedList(510)));
     ASSERT_TRUE(deepest.isDictionary());
     EXPECT_TRUE(printJson(Value::array({deepest})).has_value());
-    EXPECT_TRUE(read(make(nested(511))).isNothing());
+    EXPECT_TRUE(read(make(nestedList(511))).isNothing());
   }
 }
 
 TEST_F(PropertyList, AValueInTheDeepestContainerCountsAsNoContainer) {
-  std::string content = nested(510);
+  std::string content = nestedList(510);
   content.insert(content.find("</array>"), "<string>x</string>");
   EXPECT_TRUE(read(xmlPropertyList(content)).isDictionary());
   EXPECT_TRUE(read(binaryPropertyList(content)).isDictionary());
@@ -120,7 +120,7 @@ TEST_F(PropertyList, AValueInTheDeepestContainerCountsAsNoContainer) {
 
 // Where other readers of tags have been led astray.
 TEST_F(PropertyList, NestingThatIsHiddenFromASimpleScanIsStillNesting) {
-  const std::string deep = nested(30'000);
+  const std::string deep = nestedList(30'000);
   for (const std::string& before :
        {std::string("<!--> --><plist>"), std::string("<?x > ?><plist>"),
         std::string("<!DOCTYPE plist [ <!ELEMENT x (#PCDATA)> ]><plist>"),
@@ -237,7 +237,7 @@ TEST_F(PropertyList, ManyKeysAreReadInOneDictionary) {
 }
 
 TEST_F(PropertyList, AMillionContainersInsideOneAnotherNeitherOverflowNorHang) {
-  EXPECT_TRUE(read(xmlPropertyList(nested(1'000'000))).isNothing());
+  EXPECT_TRUE(read(xmlPropertyList(nestedList(1'000'000))).isNothing());
 }
 
 TEST_F(PropertyList, WhatStandsInCommentsAndTextsIsNoNesting) {

@@ -8,19 +8,13 @@
 #include "platform/Exception.h"
 #include "platform/Text.h"
 #include "platform/Utf8.h"
+#include "tests/platform/Reason.h"
 
 namespace kelvane::platform {
 namespace {
 
 // What the action raises, to the character.
-std::string reasonOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Exception& raised) {
-    return raised.what();
-  }
-  return "nothing was raised";
-}
+using test::reasonOf;
 
 // The bytes, also where a NUL character is among them.
 std::string bytes(std::initializer_list<int> values) {

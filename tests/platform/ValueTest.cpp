@@ -7,6 +7,7 @@
 
 #include "platform/Exception.h"
 #include "platform/Value.h"
+#include "tests/platform/Reason.h"
 
 namespace kelvane::platform {
 namespace {
@@ -15,14 +16,7 @@ constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
 constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
 
 // What the action raises, to the character.
-std::string reasonOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Exception& raised) {
-    return raised.what();
-  }
-  return "nothing was raised";
-}
+using test::reasonOf;
 
 std::int64_t whole(const char* digits) { return Value::number(digits).integerValue(); }
 
@@ -33,7 +27,7 @@ int order(const char* left, const char* right) {
   return forward;
 }
 
-Value record() { return Value::dictionary({{"a", "1"}, {"b", Value::array({"x", "y"})}}); }
+Value twoKeys() { return Value::dictionary({{"a", "1"}, {"b", Value::array({"x", "y"})}}); }
 
 TEST(Value, StartsAsNothing) { EXPECT_TRUE(Value().isNothing()); }
 
@@ -51,7 +45,7 @@ TEST(Value, NothingAnswersWithNothing) {
   EXPECT_TRUE(nothing.entries().empty());
 }
 
-TEST(Value, AMissingKeyIsNothing) { EXPECT_TRUE(record().get("c").isNothing()); }
+TEST(Value, AMissingKeyIsNothing) { EXPECT_TRUE(twoKeys().get("c").isNothing()); }
 
 TEST(Value, AKeyThatHoldsNullIsThere) {
   EXPECT_TRUE(Value::dictionary({{"a", Value::null()}}).has("a"));
@@ -107,7 +101,7 @@ TEST(Value, OnlyAnArrayTakesElementsAndOnlyADictionaryKeys) {
   EXPECT_EQ(reasonOf([&] { text.append("x"); }), "asked a string for its elements");
   EXPECT_EQ(reasonOf([&] { nothing.set("a", "x"); }), "asked nothing for its entries");
   EXPECT_EQ(reasonOf([&] { text.set("a", "x"); }), "asked a string for its entries");
-  EXPECT_EQ(reasonOf([&] { text.setAll(record()); }), "asked a string for its entries");
+  EXPECT_EQ(reasonOf([&] { text.setAll(twoKeys()); }), "asked a string for its entries");
   EXPECT_EQ(nothing, Value());
   EXPECT_EQ(text, Value("text"));
 }
@@ -133,9 +127,9 @@ TEST(Value, AnElementPastTheEndRaises) {
 }
 
 TEST(Value, StoringNothingRaisesAndLeavesTheValueAsItWas) {
-  Value changed = record();
+  Value changed = twoKeys();
   EXPECT_THROW(changed.set("a", Value()), Exception);
-  EXPECT_EQ(changed, record());
+  EXPECT_EQ(changed, twoKeys());
 }
 
 TEST(Value, AppendingNothingRaises) {
@@ -145,12 +139,12 @@ TEST(Value, AppendingNothingRaises) {
 }
 
 TEST(Value, AChangeToACopyNeverShowsInTheOriginal) {
-  const Value original = record();
+  const Value original = twoKeys();
   Value copy = original;
   copy.set("a", "2");
   Value list = copy.get("b");
   list.append("z");
-  EXPECT_EQ(original, record());
+  EXPECT_EQ(original, twoKeys());
   EXPECT_EQ(copy.get("b").count(), 2U);
   EXPECT_EQ(list.count(), 3U);
 }
@@ -170,14 +164,14 @@ TEST(Value, ElementsAppendedOneByOneAllStay) {
 }
 
 TEST(Value, AChangeToTheOriginalNeverShowsInACopy) {
-  Value original = record();
+  Value original = twoKeys();
   const Value copy = original;
   original.set("a", "2");
-  EXPECT_EQ(copy, record());
+  EXPECT_EQ(copy, twoKeys());
 }
 
 TEST(Value, KeysKeepTheOrderOfTheirFirstSetting) {
-  Value changed = record();
+  Value changed = twoKeys();
   changed.set("c", "3");
   changed.set("a", "9");
   ASSERT_EQ(changed.entries().size(), 3U);
@@ -226,13 +220,13 @@ TEST(Value, AChangeToACopyOfManyKeysNeverShowsInTheOriginal) {
 }
 
 TEST(Value, SettingAllOfNothingChangesNothing) {
-  Value changed = record();
+  Value changed = twoKeys();
   changed.setAll(Value());
-  EXPECT_EQ(changed, record());
+  EXPECT_EQ(changed, twoKeys());
 }
 
 TEST(Value, SetAllReplacesAndAddsButRemovesNothing) {
-  Value changed = record();
+  Value changed = twoKeys();
   changed.setAll(Value::dictionary({{"b", "new"}, {"c", "added"}}));
   EXPECT_EQ(changed, Value::dictionary({{"a", "1"}, {"b", "new"}, {"c", "added"}}));
 }
@@ -244,8 +238,8 @@ TEST(Value, EqualityDoesNotDependOnTheOrderOfKeys) {
 }
 
 TEST(Value, DictionariesAreEqualOnlyWithTheSameKeysAndValues) {
-  EXPECT_FALSE(record() == Value::dictionary({{"a", "1"}}));
-  EXPECT_FALSE(Value::dictionary({{"a", "1"}}) == record());
+  EXPECT_FALSE(twoKeys() == Value::dictionary({{"a", "1"}}));
+  EXPECT_FALSE(Value::dictionary({{"a", "1"}}) == twoKeys());
   EXPECT_FALSE(Value::dictionary({{"a", "1"}}) == Value::dictionary({{"a", "2"}}));
   EXPECT_FALSE(Value::dictionary({{"a", Value::null()}}) ==
                Value::dictionary({{"b", Value::null()}}));

@@ -248,12 +248,12 @@ std::string mistakeIn(const std::string& json) {
   }
 }
 
-struct Mistake {
+struct MistakenFaults {
   const char* json;
   const char* told;
 };
 
-class FaultsMistake : public ::testing::TestWithParam<Mistake> {};
+class FaultsMistake : public ::testing::TestWithParam<MistakenFaults> {};
 
 TEST_P(FaultsMistake, IsToldWithItsKey) {
   EXPECT_THAT(mistakeIn(GetParam().json), ::testing::StartsWith(GetParam().told));
@@ -262,27 +262,33 @@ TEST_P(FaultsMistake, IsToldWithItsKey) {
 INSTANTIATE_TEST_SUITE_P(
     OfOneKey, FaultsMistake,
     ::testing::Values(
-        Mistake{R"({"colour": 1})", "colour: is not a known key"},
-        Mistake{R"({"catalogue": "half"})", "catalogue: must be one of \"whole\", \"none\""},
-        Mistake{R"({"catalogue": 1})", "catalogue: must be a text"},
-        Mistake{R"({"catalogue": "cut", "catalogue_bytes": -1})", "catalogue_bytes: must be a"},
-        Mistake{R"({"catalogue_bytes": 1})", "catalogue_bytes: is not a known key"},
-        Mistake{R"({"missing_products": "fw"})", "missing_products: must be a list"},
-        Mistake{R"({"missing_files": [1]})", "missing_files: must be a list of texts"},
-        Mistake{R"({"sparse_packages": []})", "sparse_packages: must be an object"},
-        Mistake{R"({"sparse_packages": {"a": "1"}})", "sparse_packages.a: must be a whole number"},
-        Mistake{R"({"sparse_packages": {"a/b": 1}})", "sparse_packages.a/b: must be the name"},
-        Mistake{R"({"seconds": 1.5})", "seconds: must be a whole number"},
-        Mistake{R"({"output": "loud"})", "output: must be one of \"text\""},
-        Mistake{R"({"chatter_lines": true})", "chatter_lines: must be a whole number"},
-        Mistake{R"({"endless_chatter": 1})", "endless_chatter: must be true or false"},
-        Mistake{R"({"endless_chatter": true, "output": "none"})", "endless_chatter: a run without"},
-        Mistake{R"({"crash": 50})", "crash: must be an object"},
-        Mistake{R"({"crash": {}})", "crash.after_percent: is missing"},
-        Mistake{R"({"crash": {"after_percent": 101}})", "crash.after_percent: must be a whole"},
-        Mistake{R"({"crash": {"after_percent": 1, "by": "x"}})", "crash.by: must be one of"},
-        Mistake{R"({"crash": {"after_percent": 1, "at": 1}})", "crash.at: is not a known key"},
-        Mistake{R"({"detached": "yes"})", "detached: must be true or false"}));
+        MistakenFaults{R"({"colour": 1})", "colour: is not a known key"},
+        MistakenFaults{R"({"catalogue": "half"})", "catalogue: must be one of \"whole\", \"none\""},
+        MistakenFaults{R"({"catalogue": 1})", "catalogue: must be a text"},
+        MistakenFaults{R"({"catalogue": "cut", "catalogue_bytes": -1})",
+                       "catalogue_bytes: must be a"},
+        MistakenFaults{R"({"catalogue_bytes": 1})", "catalogue_bytes: is not a known key"},
+        MistakenFaults{R"({"missing_products": "fw"})", "missing_products: must be a list"},
+        MistakenFaults{R"({"missing_files": [1]})", "missing_files: must be a list of texts"},
+        MistakenFaults{R"({"sparse_packages": []})", "sparse_packages: must be an object"},
+        MistakenFaults{R"({"sparse_packages": {"a": "1"}})",
+                       "sparse_packages.a: must be a whole number"},
+        MistakenFaults{R"({"sparse_packages": {"a/b": 1}})",
+                       "sparse_packages.a/b: must be the name"},
+        MistakenFaults{R"({"seconds": 1.5})", "seconds: must be a whole number"},
+        MistakenFaults{R"({"output": "loud"})", "output: must be one of \"text\""},
+        MistakenFaults{R"({"chatter_lines": true})", "chatter_lines: must be a whole number"},
+        MistakenFaults{R"({"endless_chatter": 1})", "endless_chatter: must be true or false"},
+        MistakenFaults{R"({"endless_chatter": true, "output": "none"})",
+                       "endless_chatter: a run without"},
+        MistakenFaults{R"({"crash": 50})", "crash: must be an object"},
+        MistakenFaults{R"({"crash": {}})", "crash.after_percent: is missing"},
+        MistakenFaults{R"({"crash": {"after_percent": 101}})",
+                       "crash.after_percent: must be a whole"},
+        MistakenFaults{R"({"crash": {"after_percent": 1, "by": "x"}})", "crash.by: must be one of"},
+        MistakenFaults{R"({"crash": {"after_percent": 1, "at": 1}})",
+                       "crash.at: is not a known key"},
+        MistakenFaults{R"({"detached": "yes"})", "detached: must be true or false"}));
 
 TEST(FaultsFile, NotesMayStandEverywhere) {
   EXPECT_EQ(mistakeIn(R"({"note": [1], "crash": {"note": {}, "after_percent": 1},

@@ -106,12 +106,12 @@ TEST(FleetFile, FaultsOfTheSecondCpldStageComeAfterTheFirst) {
   EXPECT_EQ(fleet.controllers[0].cpldFaults[0].statusByte, 2);
 }
 
-struct Mistake {
+struct MistakenFleet {
   const char* text;
   const char* told;
 };
 
-class FleetFileMistake : public ::testing::TestWithParam<Mistake> {};
+class FleetFileMistake : public ::testing::TestWithParam<MistakenFleet> {};
 
 TEST_P(FleetFileMistake, IsToldWithItsKey) {
   EXPECT_NE(complaint(GetParam().text).find(GetParam().told), std::string::npos)
@@ -121,25 +121,26 @@ TEST_P(FleetFileMistake, IsToldWithItsKey) {
 INSTANTIATE_TEST_SUITE_P(
     OfTheWhole, FleetFileMistake,
     ::testing::Values(
-        Mistake{"", "is not JSON"}, Mistake{"[]", "is not JSON with an object"},
-        Mistake{"{}", "controllers: is missing"},
-        Mistake{R"({"controllers":{}})", "controllers: must be a list"},
-        Mistake{R"({"controllers":[1]})", "controllers[0]: must be an object"},
-        Mistake{R"({"controllers":[],"colour":1})", "colour: is not a known key"},
-        Mistake{R"({"controllers":[],"clock":"sun"})", "clock: must be one of \"wall\""},
-        Mistake{R"({"controllers":[],"clock":1})", "clock: must be a text"},
-        Mistake{R"({"controllers":[],"seconds_per_query":-1})", "seconds_per_query: must be"},
-        Mistake{R"({"controllers":[],"faults":[{}]})", "faults[0].function: is missing"},
-        Mistake{R"({"controllers":[],"faults":[{"function":"zr_x","status":1}]})",
-                "faults[0].function: no function"},
-        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover"}]})",
-                "faults[0].status: is missing"},
-        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover","status":0}]})",
-                "faults[0].status: must not be 0"},
-        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover","status":"x"}]})",
-                "faults[0].status: must be a whole number"},
-        Mistake{R"({"controllers":[],"faults":[{"function":"zr_discover","status":1,"call":0}]})",
-                "faults[0].call: the first"}));
+        MistakenFleet{"", "is not JSON"}, MistakenFleet{"[]", "is not JSON with an object"},
+        MistakenFleet{"{}", "controllers: is missing"},
+        MistakenFleet{R"({"controllers":{}})", "controllers: must be a list"},
+        MistakenFleet{R"({"controllers":[1]})", "controllers[0]: must be an object"},
+        MistakenFleet{R"({"controllers":[],"colour":1})", "colour: is not a known key"},
+        MistakenFleet{R"({"controllers":[],"clock":"sun"})", "clock: must be one of \"wall\""},
+        MistakenFleet{R"({"controllers":[],"clock":1})", "clock: must be a text"},
+        MistakenFleet{R"({"controllers":[],"seconds_per_query":-1})", "seconds_per_query: must be"},
+        MistakenFleet{R"({"controllers":[],"faults":[{}]})", "faults[0].function: is missing"},
+        MistakenFleet{R"({"controllers":[],"faults":[{"function":"zr_x","status":1}]})",
+                      "faults[0].function: no function"},
+        MistakenFleet{R"({"controllers":[],"faults":[{"function":"zr_discover"}]})",
+                      "faults[0].status: is missing"},
+        MistakenFleet{R"({"controllers":[],"faults":[{"function":"zr_discover","status":0}]})",
+                      "faults[0].status: must not be 0"},
+        MistakenFleet{R"({"controllers":[],"faults":[{"function":"zr_discover","status":"x"}]})",
+                      "faults[0].status: must be a whole number"},
+        MistakenFleet{
+            R"({"controllers":[],"faults":[{"function":"zr_discover","status":1,"call":0}]})",
+            "faults[0].call: the first"}));
 
 TEST(FleetFile, ControllerWithoutAWwnIsRefused) {
   EXPECT_NE(complaint(R"({"controllers":[{}]})").find("controllers[0].wwn: is missing"),
@@ -152,7 +153,7 @@ TEST(FleetFile, SameWwnTwiceIsRefused) {
             std::string::npos);
 }
 
-class ControllerMistake : public ::testing::TestWithParam<Mistake> {};
+class ControllerMistake : public ::testing::TestWithParam<MistakenFleet> {};
 
 TEST_P(ControllerMistake, IsToldWithItsKey) {
   const std::string told = complaint(fleetWith(std::string(",") + GetParam().text));
@@ -163,29 +164,32 @@ TEST_P(ControllerMistake, IsToldWithItsKey) {
 INSTANTIATE_TEST_SUITE_P(
     OfOneKey, ControllerMistake,
     ::testing::Values(
-        Mistake{R"("wwn":"500a")", "wwn: must be 16"}, Mistake{R"("wwn":5)", "wwn: must be a text"},
-        Mistake{R"("product_id":"4301")", "product_id: must be"},
-        Mistake{R"("product_id":65536)", "product_id: must be"},
-        Mistake{R"("product_id":1.5)", "product_id: must be"},
-        Mistake{R"("firmware":"")", "firmware: must be 1 to 23"},
-        Mistake{R"("cpld":17)", "cpld: must be a text"},
-        Mistake{R"("nvram":"abc")", "nvram: must be"},
-        Mistake{R"("attached":"scsi")", "attached: must be one of"},
-        Mistake{R"("listed_as":"disk")", "listed_as: must be one of"},
-        Mistake{R"("firmware_seconds":"3")", "firmware_seconds: must be a number"},
-        Mistake{R"("firmware_second":3)", "firmware_second: is not a known key"},
-        Mistake{R"("faults":[{"do":"fail"}])", "faults[0].flash: is missing"},
-        Mistake{R"("faults":[{"flash":"cpld","do":"melt"}])", "faults[0].do: must be one of"},
-        Mistake{R"("faults":[{"flash":"cpld","do":"fail"}])", "faults[0].at: is missing"},
-        Mistake{R"("faults":[{"flash":"cpld","do":"fail","at":101}])", "faults[0].at: must be"},
-        Mistake{R"("faults":[{"flash":"firmware","do":"retry","at":1}])", "faults[0].do: only"},
-        Mistake{R"("faults":[{"flash":"firmware","do":"stall","at":1,"status_byte":1}])",
-                "faults[0].status_byte: is not a known key"},
-        Mistake{R"("faults":[{"flash":"firmware","do":"backwards","at":1,"to":2}])",
-                "faults[0].to: must not"},
-        Mistake{R"("faults":[{"flash":"cpld","do":"stall","at":5},
+        MistakenFleet{R"("wwn":"500a")", "wwn: must be 16"},
+        MistakenFleet{R"("wwn":5)", "wwn: must be a text"},
+        MistakenFleet{R"("product_id":"4301")", "product_id: must be"},
+        MistakenFleet{R"("product_id":65536)", "product_id: must be"},
+        MistakenFleet{R"("product_id":1.5)", "product_id: must be"},
+        MistakenFleet{R"("firmware":"")", "firmware: must be 1 to 23"},
+        MistakenFleet{R"("cpld":17)", "cpld: must be a text"},
+        MistakenFleet{R"("nvram":"abc")", "nvram: must be"},
+        MistakenFleet{R"("attached":"scsi")", "attached: must be one of"},
+        MistakenFleet{R"("listed_as":"disk")", "listed_as: must be one of"},
+        MistakenFleet{R"("firmware_seconds":"3")", "firmware_seconds: must be a number"},
+        MistakenFleet{R"("firmware_second":3)", "firmware_second: is not a known key"},
+        MistakenFleet{R"("faults":[{"do":"fail"}])", "faults[0].flash: is missing"},
+        MistakenFleet{R"("faults":[{"flash":"cpld","do":"melt"}])", "faults[0].do: must be one of"},
+        MistakenFleet{R"("faults":[{"flash":"cpld","do":"fail"}])", "faults[0].at: is missing"},
+        MistakenFleet{R"("faults":[{"flash":"cpld","do":"fail","at":101}])",
+                      "faults[0].at: must be"},
+        MistakenFleet{R"("faults":[{"flash":"firmware","do":"retry","at":1}])",
+                      "faults[0].do: only"},
+        MistakenFleet{R"("faults":[{"flash":"firmware","do":"stall","at":1,"status_byte":1}])",
+                      "faults[0].status_byte: is not a known key"},
+        MistakenFleet{R"("faults":[{"flash":"firmware","do":"backwards","at":1,"to":2}])",
+                      "faults[0].to: must not"},
+        MistakenFleet{R"("faults":[{"flash":"cpld","do":"stall","at":5},
                              {"flash":"cpld","do":"stall","at":4}])",
-                "faults[1].at: the flash has passed"}));
+                      "faults[1].at: the flash has passed"}));
 
 TEST(FleetFile, MissingFileIsToldWithItsPath) {
   const TempFolder folder;

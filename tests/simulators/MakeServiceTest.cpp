@@ -213,12 +213,13 @@ TEST_F(MakeService, AFolderThatCannotBeMadeIsTold) {
 
 // --- the description
 
-struct Mistake {
+struct MistakenDescription {
   const char* json;
   const char* told;
 };
 
-class DescriptionMistake : public MakeService, public ::testing::WithParamInterface<Mistake> {};
+class DescriptionMistake : public MakeService,
+                           public ::testing::WithParamInterface<MistakenDescription> {};
 
 TEST_P(DescriptionMistake, IsToldWithItsKey) {
   EXPECT_THAT(complaint(GetParam().json),
@@ -228,19 +229,23 @@ TEST_P(DescriptionMistake, IsToldWithItsKey) {
 INSTANTIATE_TEST_SUITE_P(
     OfTheWhole, DescriptionMistake,
     ::testing::Values(
-        Mistake{"[]", "is not JSON with an object at its top"},
-        Mistake{"{}", "packages: is missing"}, Mistake{R"({"packages":{}})", "packages: must be"},
-        Mistake{R"({"packages":[],"x":1})", "x: is not a known key"},
-        Mistake{R"({"packages":[],"format":"text"})", "format: must be one of \"xml\", \"binary\""},
-        Mistake{R"({"packages":[],"service":1})", "service: must be an object"},
-        Mistake{R"({"packages":[],"service":{"x":1}})", "service.x: is not a known key"},
-        Mistake{R"({"packages":[{}]})", "packages[0].product: is missing"},
-        Mistake{R"({"packages":[{"product":"a"}]})", "packages[0].version: is missing"},
-        Mistake{R"({"packages":[{"product":"a","version":"1","files":{"x":"image"}},
+        MistakenDescription{"[]", "is not JSON with an object at its top"},
+        MistakenDescription{"{}", "packages: is missing"},
+        MistakenDescription{R"({"packages":{}})", "packages: must be"},
+        MistakenDescription{R"({"packages":[],"x":1})", "x: is not a known key"},
+        MistakenDescription{R"({"packages":[],"format":"text"})",
+                            "format: must be one of \"xml\", \"binary\""},
+        MistakenDescription{R"({"packages":[],"service":1})", "service: must be an object"},
+        MistakenDescription{R"({"packages":[],"service":{"x":1}})",
+                            "service.x: is not a known key"},
+        MistakenDescription{R"({"packages":[{}]})", "packages[0].product: is missing"},
+        MistakenDescription{R"({"packages":[{"product":"a"}]})", "packages[0].version: is missing"},
+        MistakenDescription{R"({"packages":[{"product":"a","version":"1","files":{"x":"image"}},
                                 {"product":"a","version":"2","files":{"x":"Manager.app"}}]})",
-                "packages[1].files: the product has another \"x\" already"}));
+                            "packages[1].files: the product has another \"x\" already"}));
 
-class PackageMistake : public MakeService, public ::testing::WithParamInterface<Mistake> {};
+class PackageMistake : public MakeService,
+                       public ::testing::WithParamInterface<MistakenDescription> {};
 
 TEST_P(PackageMistake, IsToldWithItsKey) {
   EXPECT_THAT(
@@ -251,19 +256,24 @@ TEST_P(PackageMistake, IsToldWithItsKey) {
 INSTANTIATE_TEST_SUITE_P(
     OfOneKey, PackageMistake,
     ::testing::Values(
-        Mistake{R"("product":1)", "product: must be a text"},
-        Mistake{R"("product":"a/b","files":{"x":"image"})", "product: must be a name without"},
-        Mistake{R"("product":"a","minimum_os":10)", "minimum_os: must be a text"},
-        Mistake{R"("product":"a","codebase":[])", "codebase: must be a text"},
-        Mistake{R"("product":"a","files":["image"])", "files: must be an object"},
-        Mistake{R"("product":"a","files":{"a/b":"image"})", "files.a/b: must be the name of a"},
-        Mistake{R"("product":"a","files":{"x":1})", "files.x: must be a text"},
-        Mistake{R"("product":"a","files":{"x":"no"})", "files.x: no: No such file or directory"},
-        Mistake{R"("product":"a","rule":1)", "rule: must be an object"},
-        Mistake{R"("product":"a","rule":{"k":null})", "rule: null has no form in a property list"},
-        Mistake{R"("product":"a","leave_out":"Size")", "leave_out: must be a list"},
-        Mistake{R"("product":"a","leave_out":["Size"])", "leave_out: the rule has no \"Size\""},
-        Mistake{R"("product":"a","x":1)", "x: is not a known key"}));
+        MistakenDescription{R"("product":1)", "product: must be a text"},
+        MistakenDescription{R"("product":"a/b","files":{"x":"image"})",
+                            "product: must be a name without"},
+        MistakenDescription{R"("product":"a","minimum_os":10)", "minimum_os: must be a text"},
+        MistakenDescription{R"("product":"a","codebase":[])", "codebase: must be a text"},
+        MistakenDescription{R"("product":"a","files":["image"])", "files: must be an object"},
+        MistakenDescription{R"("product":"a","files":{"a/b":"image"})",
+                            "files.a/b: must be the name of a"},
+        MistakenDescription{R"("product":"a","files":{"x":1})", "files.x: must be a text"},
+        MistakenDescription{R"("product":"a","files":{"x":"no"})",
+                            "files.x: no: No such file or directory"},
+        MistakenDescription{R"("product":"a","rule":1)", "rule: must be an object"},
+        MistakenDescription{R"("product":"a","rule":{"k":null})",
+                            "rule: null has no form in a property list"},
+        MistakenDescription{R"("product":"a","leave_out":"Size")", "leave_out: must be a list"},
+        MistakenDescription{R"("product":"a","leave_out":["Size"])",
+                            "leave_out: the rule has no \"Size\""},
+        MistakenDescription{R"("product":"a","x":1)", "x: is not a known key"}));
 
 TEST_F(MakeService, ADescriptionThatIsNotThereIsTold) {
   const Ended ended = runProgram({KELVANE_MAKE_SERVICE, "none.json", "service"}, folder.path());

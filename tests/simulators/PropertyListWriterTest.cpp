@@ -28,7 +28,7 @@ Value everyKind() {
                             {"a", Value::array({"x", Value::dictionary()})}});
 }
 
-std::string complaint(const Value& value) {
+std::string refusalOf(const Value& value) {
   try {
     printPropertyList(value, PropertyListForm::binary);
     return "";
@@ -52,16 +52,16 @@ TEST(PropertyListWriter, TheFormsDiffer) {
 }
 
 TEST(PropertyListWriter, WhatHasNoFormIsTold) {
-  EXPECT_EQ(complaint(Value::null()), "null has no form in a property list");
-  EXPECT_EQ(complaint(Value::array({Value::null()})), "null has no form in a property list");
-  EXPECT_EQ(complaint(std::string("a\0b", 3)),
+  EXPECT_EQ(refusalOf(Value::null()), "null has no form in a property list");
+  EXPECT_EQ(refusalOf(Value::array({Value::null()})), "null has no form in a property list");
+  EXPECT_EQ(refusalOf(std::string("a\0b", 3)),
             "a text with a NUL character has no form in a property list");
-  EXPECT_EQ(complaint(Value::dictionary({{std::string("a\0b", 3), "x"}})),
+  EXPECT_EQ(refusalOf(Value::dictionary({{std::string("a\0b", 3), "x"}})),
             "a text with a NUL character has no form in a property list");
-  EXPECT_EQ(complaint(Value::number("9223372036854775808")),
+  EXPECT_EQ(refusalOf(Value::number("9223372036854775808")),
             "9223372036854775808 is too large for a property list");
-  EXPECT_EQ(complaint(Value::number("1e999")), "1e999 is too large for a property list");
-  EXPECT_EQ(complaint(platform::Date{1LL << 40}), "a date is too far away for a property list");
+  EXPECT_EQ(refusalOf(Value::number("1e999")), "1e999 is too large for a property list");
+  EXPECT_EQ(refusalOf(platform::Date{1LL << 40}), "a date is too far away for a property list");
 }
 
 }  // namespace

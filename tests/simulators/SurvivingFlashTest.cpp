@@ -13,7 +13,7 @@ namespace {
 using platform::Value;
 using ::testing::IsEmpty;
 
-std::string fleet(const std::string& product, const std::string& more = "") {
+std::string survivingFleet(const std::string& product, const std::string& more = "") {
   return R"({"survives": true, "controllers": [{"wwn": "500a098000000001", "product_id": ")" +
          product + R"(", "firmware": "1.0", "cpld": "1.0", "usb_bridge": "1.0",
          "cpld_transfer_seconds": 50, "cpld_programming_seconds": 50, "firmware_seconds": 100)" +
@@ -35,7 +35,7 @@ class Later : public SimulatedWorld {
 };
 
 TEST(SurvivingFlash, IsKeptInTheFleetWhileItRuns) {
-  SimulatedWorld world(fleet("0x4301"));
+  SimulatedWorld world(survivingFleet("0x4301"));
   ASSERT_EQ(world.upToFirmwareStarted(world.standardImage()), 0U);
   EXPECT_EQ(flashing(world), platform::parseJson(R"({"flash": "firmware", "version": "2.0",
                                                      "started_at": 1000000})"));
@@ -46,7 +46,7 @@ TEST(SurvivingFlash, IsKeptInTheFleetWhileItRuns) {
 }
 
 TEST(SurvivingFlash, IsGivenUpWhenItIsClosed) {
-  SimulatedWorld world(fleet("0x4301"));
+  SimulatedWorld world(survivingFleet("0x4301"));
   ASSERT_EQ(world.upToFirmwareStarted(world.standardImage()), 0U);
   world.framework.finalizeFlashProcess(world.address, 0);
   EXPECT_TRUE(flashing(world).isNothing());
@@ -60,7 +60,7 @@ TEST(SurvivingFlash, WithoutTheKeyNothingIsKept) {
 }
 
 TEST(SurvivingFlash, KeepsTheControllerBusyForALaterProcess) {
-  SimulatedWorld killed(fleet("0x4301"));
+  SimulatedWorld killed(survivingFleet("0x4301"));
   ASSERT_EQ(killed.upToFirmwareStarted(killed.standardImage()), 0U);
   Later later(killed, 99);
   ASSERT_EQ(later.upToExamined(later.standardImage()), 0U);
@@ -75,7 +75,7 @@ TEST(SurvivingFlash, KeepsTheControllerBusyForALaterProcess) {
 }
 
 TEST(SurvivingFlash, ThatHasComeToItsEndIsWhatTheControllerHolds) {
-  SimulatedWorld killed(fleet("0x4301"));
+  SimulatedWorld killed(survivingFleet("0x4301"));
   ASSERT_EQ(killed.upToFirmwareStarted(killed.standardImage()), 0U);
   Later later(killed, 100);
   later.start();
@@ -88,7 +88,7 @@ TEST(SurvivingFlash, ThatHasComeToItsEndIsWhatTheControllerHolds) {
 }
 
 TEST(SurvivingFlash, MayEndWhileALaterProcessWaits) {
-  SimulatedWorld killed(fleet("0x4301"));
+  SimulatedWorld killed(survivingFleet("0x4301"));
   ASSERT_EQ(killed.upToFirmwareStarted(killed.standardImage()), 0U);
   Later later(killed, 10);
   ASSERT_EQ(later.upToExamined(later.standardImage()), 0U);
@@ -99,7 +99,7 @@ TEST(SurvivingFlash, MayEndWhileALaterProcessWaits) {
 }
 
 TEST(SurvivingFlash, OfACpldGoesOnAsWell) {
-  SimulatedWorld killed(fleet("0x4301"));
+  SimulatedWorld killed(survivingFleet("0x4301"));
   ASSERT_EQ(killed.upToExamined(killed.standardImage()), 0U);
   killed.openCpld();
   ASSERT_EQ(killed.startCpld(), 0U);
@@ -113,7 +113,7 @@ TEST(SurvivingFlash, OfACpldGoesOnAsWell) {
 }
 
 TEST(SurvivingFlash, OfAQvxfImageGoesOnAsWell) {
-  SimulatedWorld killed(fleet("0x4801"));
+  SimulatedWorld killed(survivingFleet("0x4801"));
   killed.start();
   killed.readController();
   ASSERT_EQ(killed.transferQvxf(killed.qvxfImage()), 0U);
@@ -126,7 +126,7 @@ TEST(SurvivingFlash, OfAQvxfImageGoesOnAsWell) {
 
 TEST(SurvivingFlash, ThatFailsLeavesTheControllerAsItWas) {
   SimulatedWorld killed(
-      fleet("0x4301", R"(, "faults": [{"flash": "firmware", "do": "fail", "at": 90}])"));
+      survivingFleet("0x4301", R"(, "faults": [{"flash": "firmware", "do": "fail", "at": 90}])"));
   ASSERT_EQ(killed.upToFirmwareStarted(killed.standardImage()), 0U);
   Later soon(killed, 89);
   soon.start();
@@ -138,7 +138,7 @@ TEST(SurvivingFlash, ThatFailsLeavesTheControllerAsItWas) {
 }
 
 TEST(SurvivingFlash, OfASystemWhoseClockIsAheadHasJustBegun) {
-  SimulatedWorld killed(fleet("0x4301"));
+  SimulatedWorld killed(survivingFleet("0x4301"));
   ASSERT_EQ(killed.upToFirmwareStarted(killed.standardImage()), 0U);
   Later later(killed, -500);
   ASSERT_EQ(later.upToExamined(later.standardImage()), 0U);

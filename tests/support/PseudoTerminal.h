@@ -9,6 +9,8 @@
 
 namespace kelvane::test {
 
+inline constexpr int kInterrupted = 130;  // the exit status behind Ctrl-C
+
 struct TerminalForm {
   unsigned short columns = 80;
   unsigned short rows = 24;

@@ -15,7 +15,8 @@ PROJECT = Path(__file__).resolve().parent.parent.parent
 _FOLDER = PROJECT / "build/mutation"
 # Neither optimised nor with what only a debugger needs: it is built far more often than run.
 _OPTIONS = ["-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g0", "-DKELVANE_BUILD_TESTS=ON",
-            "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
+            "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON", "-DKELVANE_JOINED_SOURCES=OFF",
+            "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
             "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=lld"]
 _LONGEST = 1800  # seconds for a room without a mutant
 

@@ -10,7 +10,7 @@ namespace {
 
 // "--option=value" reaches the function as three words; "WWN=IMAGE" does too, and the image is a
 // file.
-constexpr char kBeginning[] =
+constexpr char kBashBeginning[] =
     R"(# Completion of kelvane-console in bash, made by "kelvane-console completion bash".
 
 _kelvane_console_reply() {
@@ -47,7 +47,7 @@ _kelvane_console() {
     case ${COMP_WORDS[i]} in
 )";
 
-constexpr char kAfterCommands[] = R"(    esac
+constexpr char kBashAfterCommands[] = R"(    esac
   done
   if [[ $word == = ]]; then
     word='' assigned=yes
@@ -62,7 +62,7 @@ constexpr char kAfterValues[] = R"(  esac
   case $command in
 )";
 
-constexpr char kEnd[] = R"(  esac
+constexpr char kBashEnd[] = R"(  esac
 }
 complete -F _kelvane_console kelvane-console
 )";
@@ -150,9 +150,9 @@ std::string wordCases(const CommandTable& table) {
 }  // namespace
 
 std::string bashCompletion(const CommandTable& table) {
-  return kBeginning + ("      " + joined(commandNames(table), "|")) +
-         ") command=${COMP_WORDS[i]}; break ;;\n" + kAfterCommands + valueCases(table) +
-         kAfterValues + wordCases(table) + kEnd;
+  return kBashBeginning + ("      " + joined(commandNames(table), "|")) +
+         ") command=${COMP_WORDS[i]}; break ;;\n" + kBashAfterCommands + valueCases(table) +
+         kAfterValues + wordCases(table) + kBashEnd;
 }
 
 }  // namespace kelvane::console

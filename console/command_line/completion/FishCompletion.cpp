@@ -8,7 +8,7 @@
 namespace kelvane::console {
 namespace {
 
-constexpr char kBeginning[] =
+constexpr char kFishBeginning[] =
     R"(# Completion of kelvane-console in fish, made by "kelvane-console completion fish".
 
 complete -c kelvane-console -f
@@ -92,7 +92,7 @@ std::string commandLines(const Command& command) {
 }  // namespace
 
 std::string fishCompletion(const CommandTable& table) {
-  std::string script = kBeginning;
+  std::string script = kFishBeginning;
   const std::string before = beforeCommand(table);
   for (const Option& option : table.options) script += optionLine(before, option);
   for (const Command& command : table.commands) {

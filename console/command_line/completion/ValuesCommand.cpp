@@ -15,6 +15,7 @@
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
 #include "console/job/JobStatus.h"
+#include "console/job/RecordValues.h"
 #include "contract/Catalogue.h"
 #include "contract/JobFile.h"
 
@@ -58,15 +59,13 @@ Offers jobsIn(const Value& records) {
   return offers;
 }
 
-std::string textOf(const Value& value) { return value.isString() ? value.string() : ""; }
-
 Offers offersOf(const Value& rules) {
   Offers offers;
   std::unordered_map<std::string, std::size_t> places;  // of the products in the offers
   for (const Value& rule : rules.elements()) {
     if (!rule.isDictionary()) continue;
-    const std::string product = textOf(rule.get(catalogue::kProductId));
-    const std::string version = textOf(rule.get(catalogue::kVersion));
+    const std::string product = stringOf(rule.get(catalogue::kProductId));
+    const std::string version = stringOf(rule.get(catalogue::kVersion));
     const auto [place, isNew] = places.try_emplace(product, offers.size());
     if (isNew) {
       offers.emplace_back(product, version);

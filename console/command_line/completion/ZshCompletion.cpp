@@ -8,7 +8,7 @@
 namespace kelvane::console {
 namespace {
 
-constexpr char kBeginning[] =
+constexpr char kZshBeginning[] =
     R"zsh(#compdef kelvane-console
 # Completion of kelvane-console in zsh, made by "kelvane-console completion zsh".
 
@@ -36,13 +36,13 @@ constexpr char kCommands[] = R"(    '1:command:->command' \
       local -a commands=(
 )";
 
-constexpr char kAfterCommands[] = R"(      )
+constexpr char kZshAfterCommands[] = R"(      )
       _describe command commands ;;
     argument)
       case $line[1] in
 )";
 
-constexpr char kEnd[] = R"(      esac ;;
+constexpr char kZshEnd[] = R"(      esac ;;
   esac
 }
 
@@ -141,15 +141,15 @@ std::string commandCase(const Command& command) {
 }  // namespace
 
 std::string zshCompletion(const CommandTable& table) {
-  std::string script = kBeginning;
+  std::string script = kZshBeginning;
   for (const Option& option : table.options) script += optionPhrases(option, "    ");
   script += kCommands;
   for (const Command& command : table.commands) {
     script += "        " + shellQuoted(command.name + ":" + escaped(command.description)) + "\n";
   }
-  script += kAfterCommands;
+  script += kZshAfterCommands;
   for (const Command& command : table.commands) script += commandCase(command);
-  return script + kEnd;
+  return script + kZshEnd;
 }
 
 }  // namespace kelvane::console

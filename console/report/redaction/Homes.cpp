@@ -20,14 +20,14 @@ bool endsName(const Letters& text, std::size_t at) {
   return !isLetter(text.at(at + 1)) || !isLetter(text.at(at + 2));  // not that of "o'neil"
 }
 
-struct Name {
+struct NameInPath {
   std::size_t begin = 0;
   std::size_t endOfWord = 0;  // the first blank, or the end
   std::size_t end = 0;
 };
 
-Name nameAt(const Letters& text, std::size_t begin) {
-  Name name{begin, 0, begin};
+NameInPath nameAt(const Letters& text, std::size_t begin) {
+  NameInPath name{begin, 0, begin};
   int blanks = 0;
   for (; name.end < begin + kLongestSecret && !endsName(text, name.end); ++name.end) {
     if (text.at(name.end) != ' ') continue;
@@ -39,7 +39,7 @@ Name nameAt(const Letters& text, std::size_t begin) {
 }
 
 // Whether all of it is the name: what follows shows that it goes no further.
-bool isWhole(const Letters& text, const Name& name) {
+bool isWhole(const Letters& text, const NameInPath& name) {
   constexpr std::string_view kClear = "/\"'";
   return name.end > name.endOfWord && kClear.find(text.at(name.end)) != std::string_view::npos &&
          text.at(name.end - 1) != ' ';
@@ -54,7 +54,7 @@ std::size_t behindSlashes(const Letters& text, std::size_t at) {
 }
 
 // A full stop behind the name ends a sentence.
-std::size_t withoutStop(const Letters& text, const Name& name) {
+std::size_t withoutStop(const Letters& text, const NameInPath& name) {
   constexpr std::string_view kStops = ".!?";
   std::size_t end = name.endOfWord;
   if (text.at(end) == '/') return end;
@@ -65,7 +65,7 @@ std::size_t withoutStop(const Letters& text, const Name& name) {
 void findHomeAt(const Letters& text, std::size_t at, std::string_view above, FoundSecrets& found) {
   const std::size_t begin = behindSlashes(text, at + above.size());
   if (begin == at + above.size()) return;
-  const Name name = nameAt(text, begin);
+  const NameInPath name = nameAt(text, begin);
   const auto add = [&](std::size_t end) {
     const std::string user = text.part(begin, end);
     std::string key(above);

@@ -55,7 +55,7 @@ std::string lastPart(std::string_view name) {
 }
 
 // A name in the text, and where it stands.
-struct Name {
+struct NameOfSecret {
   std::size_t begin;
   std::size_t end;
   std::string text;
@@ -69,7 +69,8 @@ struct Range {
 // One after the other: what stands behind the name, up to its value.
 class ValueOf {
  public:
-  ValueOf(const Letters& text, const Name& name) : text_(text), name_(name), at_(name.end) {}
+  ValueOf(const Letters& text, const NameOfSecret& name)
+      : text_(text), name_(name), at_(name.end) {}
 
   std::optional<Range> find() {
     if (const std::optional<Range> element = inElement()) return element;
@@ -158,11 +159,11 @@ class ValueOf {
   }
 
   const Letters& text_;
-  const Name& name_;
+  const NameOfSecret& name_;
   std::size_t at_;
 };
 
-void addValue(const Letters& text, const Name& name, Secret secret, const Range& value,
+void addValue(const Letters& text, const NameOfSecret& name, Secret secret, const Range& value,
               FoundSecrets& found) {
   const std::string plain = text.part(value.begin, value.end);
   const bool isTelling = secret == Secret::wwn || hasOneOf(kPasswords, withoutSigns(name.text));
@@ -188,7 +189,7 @@ void findNamedSecrets(const Letters& text, FoundSecrets& found) {
     std::size_t end = at;
     while (isOfName(text.at(end))) ++end;
     const std::size_t begin = end - at > kLongestName ? end - kLongestName : at;
-    const Name name{at, end, text.part(begin, end)};
+    const NameOfSecret name{at, end, text.part(begin, end)};
     Secret secret = Secret::credentials;
     at = end;
     if (!isNameOfSecret(name.text, secret)) continue;

@@ -21,7 +21,7 @@ Findings findings(const std::string& records) {
       [](const platform::Value&) { return LogStretch(); });
 }
 
-std::vector<std::string> found(const std::string& records) { return inShort(findings(records)); }
+std::vector<std::string> foundIn(const std::string& records) { return inShort(findings(records)); }
 
 std::string record(const std::string& command, const std::string& inputs) {
   return R"({"log_id": "1", "job_id": ")" + command + R"(", "state_id": "WAIT",
@@ -109,26 +109,26 @@ TEST(RecordChecks, ImagesThatAreNotThereAreErrorsOfAWaitingJob) {
 }
 
 TEST(RecordChecks, FinishedJobOfAnUnknownCommandWithoutAResultIsAWarning) {
-  EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
+  EXPECT_THAT(foundIn(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
                          "input_parameters": {}}])"),
               ElementsAre("warning: F: job 1 is finished, and there is no result"));
 }
 
 TEST(RecordChecks, ElementThatIsNoObjectIsAnError) {
-  EXPECT_THAT(found("[5, null, [1]]"), ElementsAre("error: F: element [0] is no object: 5",
-                                                   "error: F: element [1] is no object: null",
-                                                   "error: F: element [2] is no object: [1]"));
+  EXPECT_THAT(foundIn("[5, null, [1]]"), ElementsAre("error: F: element [0] is no object: 5",
+                                                     "error: F: element [1] is no object: null",
+                                                     "error: F: element [2] is no object: [1]"));
 }
 
 TEST(RecordChecks, LogIdHasToBeAText) {
-  EXPECT_THAT(found(R"([{"log_id": 17}, {"log_id": null}, {}])"),
+  EXPECT_THAT(foundIn(R"([{"log_id": 17}, {"log_id": null}, {}])"),
               ElementsAre("error: F: element [0] has a log_id that is no string: 17",
                           "error: F: element [1] has a log_id that is no string: null",
                           "warning: F: element [2] has no log_id"));
 }
 
 TEST(RecordChecks, RequiredKeysAreExamined) {
-  EXPECT_THAT(found(R"([
+  EXPECT_THAT(foundIn(R"([
       {"log_id": "1", "state_id": "WAIT", "input_parameters": {}},
       {"log_id": "2", "job_id": "updateSW", "input_parameters": {}},
       {"log_id": "3", "job_id": "updateSW", "state_id": "WAIT"},
@@ -142,19 +142,19 @@ TEST(RecordChecks, RequiredKeysAreExamined) {
 }
 
 TEST(RecordChecks, FinishedJobThatIsNotWholeIsAWarning) {
-  EXPECT_THAT(found(R"([{"log_id": "1", "state_id": "FREE", "input_parameters": {}}])"),
+  EXPECT_THAT(foundIn(R"([{"log_id": "1", "state_id": "FREE", "input_parameters": {}}])"),
               ElementsAre("warning: F: job 1 is finished, and there is no job_id"));
 }
 
 TEST(RecordChecks, ParametersOfAFinishedJobAreNoConcern) {
-  EXPECT_THAT(found(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
+  EXPECT_THAT(foundIn(R"([{"log_id": "1", "job_id": "updateHW", "state_id": "FREE",
                          "result": 0, "input_parameters": 5}])"),
               IsEmpty());
 }
 
 TEST(RecordChecks, UnknownStateIsAnError) {
   EXPECT_THAT(
-      found(R"([{"log_id": "1", "job_id": "updateSW", "state_id": "wait",
+      foundIn(R"([{"log_id": "1", "job_id": "updateSW", "state_id": "wait",
                          "input_parameters": {"file_path": "/a"}}])"),
       ElementsAre("error: F: job 1 cannot be carried out: state_id is \"wait\", which is none of "
                   "WAIT, RUN, FREE"));
@@ -217,8 +217,8 @@ TEST(RecordChecks, FinishedJobWithoutAResultLostItsFirstWrite) {
                    "Mend what kept the file from being written, then remove the record or leave "
                    "it.",
                    "F", "1"}}));
-    EXPECT_THAT(found(start + R"(, "result": 0}])"), IsEmpty());
-    EXPECT_THAT(found(start + R"(, "result": "0"}])"),
+    EXPECT_THAT(foundIn(start + R"(, "result": 0}])"), IsEmpty());
+    EXPECT_THAT(foundIn(start + R"(, "result": "0"}])"),
                 ElementsAre("warning: F: job 1 is finished, and there is no result"));
   }
 }
@@ -243,14 +243,14 @@ TEST(RecordChecks, FinishedFirmwareJobWithoutItsOutputLostItsFirstWrite) {
   EXPECT_EQ(all[0].meaning,
             "The worker's first write of the job failed, as on a full disk, and its last one did "
             "not. The job was done, and its result counts; its progress is lost.");
-  EXPECT_THAT(found(start + entries + R"(, "output": []}])"), IsEmpty());
-  EXPECT_THAT(found(start + "[{}]}]"), IsEmpty());  // there was nothing to report
+  EXPECT_THAT(foundIn(start + entries + R"(, "output": []}])"), IsEmpty());
+  EXPECT_THAT(foundIn(start + "[{}]}]"), IsEmpty());  // there was nothing to report
 }
 
 TEST(RecordChecks, LogIdThatStandsTwiceIsOneWarning) {
   const std::string job =
       R"({"log_id": "7", "job_id": "x", "state_id": "FREE", "result": 0, "input_parameters": {}})";
-  EXPECT_THAT(found("[" + job + "," + job + "," + job + "]"),
+  EXPECT_THAT(foundIn("[" + job + "," + job + "," + job + "]"),
               ElementsAre("warning: F: 3 jobs have the log_id 7"));
 }
 

@@ -10,7 +10,7 @@
 namespace kelvane::console {
 namespace {
 
-namespace kt = console::test;
+namespace kt = kelvane::test;
 
 using platform::Value;
 

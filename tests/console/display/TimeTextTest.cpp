@@ -14,20 +14,20 @@ using std::chrono::minutes;
 using std::chrono::seconds;
 using ::testing::ElementsAre;
 
-Look running() {
+Look runningLook() {
   Look look;
   look.status = {"18", "RUN", {{"A1", 0, 10, 55}, {"B2", 0, 0, 0}}, "", "", "updateFW"};
   return look;
 }
 
 Look withLeft(const TimeLeft& left) {
-  Look look = running();
+  Look look = runningLook();
   look.left = left;
   return look;
 }
 
 TEST(TimeText, OfAJobIsSinceItsBeginningWhereThatIsKnown) {
-  Look look = running();
+  Look look = runningLook();
   look.elapsed = seconds(125);
   EXPECT_EQ(jobTimeText(look), "2:05");
   look.elapsed.reset();
@@ -39,7 +39,7 @@ TEST(TimeText, OfAJobIsSinceItsBeginningWhereThatIsKnown) {
 }
 
 TEST(TimeText, TellsWhatIsLeftForControllerAndJob) {
-  EXPECT_EQ(timeLeftText(running()), "");
+  EXPECT_EQ(timeLeftText(runningLook()), "");
   TimeLeft left = {"A1", "firmware", seconds(200), seconds(200), seconds(460)};
   EXPECT_EQ(timeLeftText(withLeft(left)), "about 3:20 left for A1, 7:40 for the job");
   left.ofJob.reset();

@@ -6,12 +6,9 @@
 #include "console/job/LogStretch.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
+#include "tests/console/job/LogLines.h"
 
-namespace kelvane::console::test {
-
-inline std::string logLine(const std::string& function, const std::string& message) {
-  return "[14:03:07] [x.cpp][1][" + function + "][debug] " + message + "\n";
-}
+namespace kelvane::test {
 
 // What the worker writes of a controller before its flashes.
 inline std::string controllerLines(const std::string& image, const std::string& product = "4301") {
@@ -35,19 +32,10 @@ inline std::string writtenLine(const std::string& logId, const std::string& wwn,
                          R"(", "fw_percentage": )" + std::to_string(firmware) + "}]}]")));
 }
 
-inline std::string endLine(const std::string& logId) {
-  return logLine("updateFW", "updateAllFW end, retDict = {\n    \"log_id\" = " + logId + ";\n}");
-}
-
 // The stretch of a worker that reads this record and then writes these lines.
-inline LogStretch stretchWith(const platform::Value& record, const std::string& lines) {
+inline console::LogStretch stretchWith(const platform::Value& record, const std::string& lines) {
   const std::string logId = record.get("log_id").string();
-  return stretchOf(parseLog(logLine("run", "currentJobArray = (\n)") +
-                            logLine("run", "logId = " + logId +
-                                               ", inputParmsDict = {\n}, stateId = WAIT. jobId "
-                                               "= updateFW") +
-                            lines),
-                   record);
+  return console::stretchOf(console::parseLog(takenLines(logId, "updateFW") + lines), record);
 }
 
-}  // namespace kelvane::console::test
+}  // namespace kelvane::test

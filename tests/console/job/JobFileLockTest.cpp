@@ -21,7 +21,7 @@
 namespace kelvane::console {
 namespace {
 
-constexpr char kPath[] = "utility/command/BGPLog.json";
+constexpr char kLocked[] = "utility/command/BGPLog.json";
 
 class JobFileLockTest : public ::testing::Test, public Clock {
  protected:
@@ -38,7 +38,7 @@ class JobFileLockTest : public ::testing::Test, public Clock {
   // The exit code that locking ends the console with; 0 where the lock was had.
   int codeOfLocking() {
     try {
-      lock(folder / kPath);
+      lock(folder / kLocked);
     } catch (const Failure& failure) {
       message = failure.what();
       return failure.exitCode();
@@ -63,21 +63,21 @@ TEST_F(JobFileLockTest, IsHadAtOnceAndStaysAsAnEmptyFile) {
 }
 
 TEST_F(JobFileLockTest, WaitsForTheOtherConsole) {
-  held = lock(folder / kPath);
+  held = lock(folder / kLocked);
   releasedAt = std::chrono::milliseconds(500);
   EXPECT_EQ(codeOfLocking(), 0);
   EXPECT_EQ(time, releasedAt);
 }
 
 TEST_F(JobFileLockTest, AConsoleThatWasStoppedIsNotWaitedForForEver) {
-  held = lock(folder / kPath);
+  held = lock(folder / kLocked);
   EXPECT_EQ(codeOfLocking(), kBusy);
-  EXPECT_EQ(message, "another console keeps the job file locked (" + (folder / kPath) +
+  EXPECT_EQ(message, "another console keeps the job file locked (" + (folder / kLocked) +
                          ".lock); nothing was changed");
 }
 
 TEST_F(JobFileLockTest, AnInterruptEndsTheWaiting) {
-  held = lock(folder / kPath);
+  held = lock(folder / kLocked);
   interrupt = true;
   EXPECT_EQ(codeOfLocking(), kInterrupted);
 }
@@ -85,8 +85,8 @@ TEST_F(JobFileLockTest, AnInterruptEndsTheWaiting) {
 TEST_F(JobFileLockTest, OfALinkIsBesideTheFileItLeadsTo) {
   folder.write("real/jobs.json", "[]");
   std::filesystem::create_directories(folder / "utility/command");
-  std::filesystem::create_symlink(folder / "real/jobs.json", folder / kPath);
-  held = lock(folder / kPath);
+  std::filesystem::create_symlink(folder / "real/jobs.json", folder / kLocked);
+  held = lock(folder / kLocked);
   EXPECT_EQ(folder.names("real"), (std::vector<std::string>{"jobs.json", "jobs.json.lock"}));
   EXPECT_THROW(lock(folder / "real/jobs.json"), Failure);
 }
@@ -95,12 +95,12 @@ TEST_F(JobFileLockTest, WhereNoFileCanBeMadeTellsPathAndCause) {
   folder.write("utility", "a file");
   EXPECT_EQ(codeOfLocking(), kJobFileFailed);
   EXPECT_EQ(message,
-            "the job file cannot be locked: " + (folder / kPath) + ".lock: Not a directory");
+            "the job file cannot be locked: " + (folder / kLocked) + ".lock: Not a directory");
 }
 
 TEST_F(JobFileLockTest, TheWorkerDoesNotKeepIt) {
   ASSERT_EQ(::mkfifo((folder / "line").c_str(), 0600), 0);
-  held = lock(folder / kPath);
+  held = lock(folder / kLocked);
   const WorkerProcess worker({"/bin/cat", folder / "line", "/dev/null"});
   std::ofstream line(folder / "line");  // once it reads
   held.reset();
@@ -114,17 +114,17 @@ TEST_F(JobFileLockTest, AKilledConsoleLeavesTheFileWholeAndNoLock) {
   const NewJob job{"", "updateFW", platform::parseJson("[]")};
   std::set<std::string> seen;
   for (int n = 1;; ++n) {
-    folder.write(kPath, "[]");
+    folder.write(kLocked, "[]");
     const bool killed = test::killedBeforeSystemCall(n, [&] {
-      const JobFileLock lock(folder / kPath, *this);
+      const JobFileLock lock(folder / kLocked, *this);
       JobFile(folder / "").add(job);
     });
     EXPECT_EQ(codeOfLocking(), 0) << "killed before system call " << n;
-    seen.insert(folder.read(kPath));
+    seen.insert(folder.read(kLocked));
     if (!killed) break;
   }
   ASSERT_EQ(seen.size(), 2U);
-  EXPECT_EQ(*seen.begin(), folder.read(kPath));  // the whole of it, with the record
+  EXPECT_EQ(*seen.begin(), folder.read(kLocked));  // the whole of it, with the record
   EXPECT_EQ(*seen.rbegin(), "[]");
 }
 

@@ -25,9 +25,11 @@ using ::testing::IsEmpty;
 
 std::optional<JobHistory> history(const std::string& log) { return historyOf(parseLog(log), "17"); }
 
-Value record(const std::string& state) { return platform::parseJson(jobAt(state, 0, 0, 0)); }
+Value recordIn(const std::string& state) { return platform::parseJson(jobAt(state, 0, 0, 0)); }
 
-LogStretch stretch(const std::string& log) { return stretchOf(parseLog(log), record("RUN")); }
+LogStretch stretchOfLog(const std::string& log) {
+  return stretchOf(parseLog(log), recordIn("RUN"));
+}
 
 TEST(JobHistory, HasTheRecordsThatDiffer) {
   const auto found = history(wholeJob());
@@ -67,7 +69,7 @@ TEST(JobHistory, AVersionThatCannotBeReadIsLeftOut) {
 }
 
 TEST(JobTimes, AreThoseOfTheLog) {
-  const JobTimes times = timesOf(stretch(wholeJob()));
+  const JobTimes times = timesOf(stretchOfLog(wholeJob()));
   EXPECT_EQ(times.length, seconds(63));
   EXPECT_EQ(
       times.controllers,
@@ -76,15 +78,15 @@ TEST(JobTimes, AreThoseOfTheLog) {
 
 TEST(JobTimes, AJobThatWasLeftHasNoLengthButItsPhases) {
   const JobTimes times =
-      timesOf(stretch(takenAt("14:59:58") + writtenAt("14:59:58", jobAt("RUN", 0, 0, 0)) +
-                      writtenAt("15:00:04", jobAt("RUN", 50, 0, 25)) +
-                      writtenAt("15:00:10", jobAt("RUN", 100, 0, 50))));
+      timesOf(stretchOfLog(takenAt("14:59:58") + writtenAt("14:59:58", jobAt("RUN", 0, 0, 0)) +
+                           writtenAt("15:00:04", jobAt("RUN", 50, 0, 25)) +
+                           writtenAt("15:00:10", jobAt("RUN", 100, 0, 50))));
   EXPECT_FALSE(times.length);
   EXPECT_EQ(times.controllers, (std::vector<ControllerTimes>{{"A1", {{"CPLD", seconds(12)}}}}));
 }
 
 TEST(JobTimes, OfAMixedStretchThereAreNone) {
-  LogStretch mixed = stretch(wholeJob());
+  LogStretch mixed = stretchOfLog(wholeJob());
   mixed.isMixed = true;
   EXPECT_FALSE(timesOf(mixed).length);
   EXPECT_THAT(timesOf(mixed).controllers, IsEmpty());
@@ -99,14 +101,14 @@ class StandingClock : public Clock {
   seconds today = hours(15) + minutes(1);
 };
 
-std::string runningJob() {
+std::string jobUnderWay() {
   return takenAt("14:59:58") + writtenAt("15:00:00", jobAt("RUN", 0, 0, 0)) +
          writtenAt("15:00:04", jobAt("RUN", 50, 0, 25));
 }
 
 TEST(Past, ARunningJobBeganWithItsFirstLine) {
   StandingClock clock;
-  const Past past = pastOf(record("RUN"), stretch(runningJob()), clock);
+  const Past past = pastOf(recordIn("RUN"), stretchOfLog(jobUnderWay()), clock);
   EXPECT_EQ(past.start, hours(100) - seconds(62));
   ASSERT_EQ(past.moments.size(), 2U);
   EXPECT_EQ(past.moments[1].time, hours(100) - seconds(56));
@@ -115,28 +117,29 @@ TEST(Past, ARunningJobBeganWithItsFirstLine) {
 TEST(Past, TheLastLineMayBeOfYesterdayOrAMomentAhead) {
   StandingClock clock;
   clock.today = minutes(1);
-  EXPECT_EQ(pastOf(record("RUN"), stretch(runningJob()), clock).start,
+  EXPECT_EQ(pastOf(recordIn("RUN"), stretchOfLog(jobUnderWay()), clock).start,
             hours(100) - (hours(9) + minutes(1) + seconds(2)));
   clock.today = hours(15) + seconds(3);
-  EXPECT_EQ(pastOf(record("RUN"), stretch(runningJob()), clock).start, hours(100) - seconds(6));
+  EXPECT_EQ(pastOf(recordIn("RUN"), stretchOfLog(jobUnderWay()), clock).start,
+            hours(100) - seconds(6));
 }
 
 TEST(Past, OfAJobThatRunsAgainAnEarlierRunTellsNothing) {
   StandingClock clock;
-  EXPECT_FALSE(pastOf(record("RUN"), stretch(wholeJob()), clock).start);
-  EXPECT_FALSE(pastOf(record("WAIT"), stretch(runningJob()), clock).start);
+  EXPECT_FALSE(pastOf(recordIn("RUN"), stretchOfLog(wholeJob()), clock).start);
+  EXPECT_FALSE(pastOf(recordIn("WAIT"), stretchOfLog(jobUnderWay()), clock).start);
 }
 
 TEST(Past, OfAFinishedJobThereIsItsLength) {
   StandingClock clock;
-  const Past past = pastOf(record("FREE"), stretch(wholeJob()), clock);
+  const Past past = pastOf(recordIn("FREE"), stretchOfLog(wholeJob()), clock);
   EXPECT_EQ(past.times.length, seconds(63));
   EXPECT_FALSE(past.start);
 }
 
 TEST(Past, WithoutALogNothingIsKnown) {
   StandingClock clock;
-  const Past past = pastOf(record("RUN"), {}, clock);
+  const Past past = pastOf(recordIn("RUN"), {}, clock);
   EXPECT_FALSE(past.start);
   EXPECT_FALSE(past.times.length);
   EXPECT_THAT(past.moments, IsEmpty());

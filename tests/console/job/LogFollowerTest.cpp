@@ -7,17 +7,15 @@
 #include <gtest/gtest.h>
 
 #include "console/job/LogFollower.h"
+#include "tests/console/job/LogLines.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {
 
+using test::runLine;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-std::string line(const std::string& message) {
-  return "[14:03:07] [x.cpp][1][run][debug] " + message + "\n";
-}
 
 std::vector<std::string> inShort(const std::vector<LogNews>& news) {
   std::vector<std::string> all;
@@ -41,14 +39,14 @@ class LogFollowerTest : public ::testing::Test {
 };
 
 TEST_F(LogFollowerTest, TheLastEntryComesWhenNothingMoreDoes) {
-  append(line("one") + line("two"));
+  append(runLine("one") + runLine("two"));
   EXPECT_THAT(look(), ElementsAre("one"));
   EXPECT_THAT(look(), ElementsAre("two"));
   EXPECT_THAT(look(), IsEmpty());
 }
 
 TEST_F(LogFollowerTest, AnEntryThatComesInPiecesIsOne) {
-  append(line("jobs = ("));
+  append(runLine("jobs = ("));
   EXPECT_THAT(look(), IsEmpty());
   append("    17,\n    1");
   EXPECT_THAT(look(), IsEmpty());
@@ -60,24 +58,24 @@ TEST_F(LogFollowerTest, AnEntryThatComesInPiecesIsOne) {
 }
 
 TEST_F(LogFollowerTest, ARotationPartsEntries) {
-  append(line("one"));
+  append(runLine("one"));
   look();
   append("more\n");
   std::filesystem::rename(folder / "log", folder / "old");
-  append(line("two"));
+  append(runLine("two"));
   EXPECT_THAT(look(), ElementsAre("one\nmore", "(anew)"));
   EXPECT_THAT(look(), ElementsAre("two"));
 }
 
 TEST_F(LogFollowerTest, WhatIsHeldBackCanBeHad) {
-  append(line("one"));
+  append(runLine("one"));
   look();
   EXPECT_THAT(inShort(log.rest()), ElementsAre("one"));
   EXPECT_THAT(inShort(log.rest()), IsEmpty());
 }
 
 TEST_F(LogFollowerTest, ALogThatIsGoneIsToldBehindItsLastEntry) {
-  append(line("one"));
+  append(runLine("one"));
   look();
   std::filesystem::remove(folder / "log");
   EXPECT_THAT(look(), ElementsAre("one", "(gone)"));

@@ -8,22 +8,14 @@
 #include "console/job/LoggedJobs.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
+#include "tests/console/job/LogLines.h"
 
 namespace kelvane::console {
 namespace {
 
-std::string line(const std::string& function, const std::string& message) {
-  return "[14:03:07] [x.cpp][1][" + function + "][debug] " + message + "\n";
-}
-
-std::string taken(const std::string& logId) {
-  return line("run", "currentJobArray = (\n)") +
-         line("run", "logId = " + logId + ", inputParmsDict = {\n}, stateId = WAIT. jobId = x");
-}
-
-std::string end(const std::string& logId) {
-  return line("updateFW", "updateAllFW end, retDict = {\n    \"log_id\" = " + logId + ";\n}");
-}
+using test::endLine;
+using test::logLine;
+using test::takenLines;
 
 class LoggedJobsTest : public ::testing::Test {
  protected:
@@ -44,28 +36,30 @@ class LoggedJobsTest : public ::testing::Test {
 };
 
 TEST_F(LoggedJobsTest, APartIsFromTheWorkersFirstEntryToTheJobsLastLine) {
-  writeLog(line("init", "before") + taken("17") + line("updateFW", "step") + end("17") +
-           line("updateFW", "behind") + taken("18") + line("updateSW", "other"));
+  writeLog(logLine("init", "before") + takenLines("17") + logLine("updateFW", "step") +
+           endLine("17") + logLine("updateFW", "behind") + takenLines("18") +
+           logLine("updateSW", "other"));
   EXPECT_EQ(partOf("17"), "before currentJobArray logId step updateAllFW ended");
   EXPECT_EQ(partOf("18"), "currentJobArray logId other open");
   EXPECT_EQ(partOf("19"), "none");
 }
 
 TEST_F(LoggedJobsTest, ALastLineBehindTheStartOfAnotherWorkerIsStillTheJobs) {
-  writeLog(taken("17") + taken("18") + line("updateFW", "whose") + end("17") + end("18"));
+  writeLog(takenLines("17") + takenLines("18") + logLine("updateFW", "whose") + endLine("17") +
+           endLine("18"));
   EXPECT_EQ(partOf("17"),
             "currentJobArray logId currentJobArray logId whose updateAllFW ended mixed");
   EXPECT_EQ(partOf("18"), "currentJobArray logId whose updateAllFW updateAllFW ended mixed");
 }
 
 TEST_F(LoggedJobsTest, ALastLineIsThatOfTheWorkerThatTookTheLogIdLast) {
-  writeLog(taken("17") + line("updateFW", "killed") + taken("17") + line("updateFW", "again") +
-           end("17"));
+  writeLog(takenLines("17") + logLine("updateFW", "killed") + takenLines("17") +
+           logLine("updateFW", "again") + endLine("17"));
   EXPECT_EQ(partOf("17"), "currentJobArray logId again updateAllFW ended");
 }
 
 TEST_F(LoggedJobsTest, ALogThatBeginsWithALastLineHasNoWorkerForIt) {
-  writeLog(end("17") + taken("17"));
+  writeLog(endLine("17") + takenLines("17"));
   EXPECT_EQ(partOf("17"), "currentJobArray logId open");
 }
 
@@ -73,9 +67,9 @@ TEST_F(LoggedJobsTest, AnEmptyLogHasNone) { EXPECT_EQ(partOf("17"), "none"); }
 
 // A worker that reads these records, takes the waiting one with this log id, and does this.
 std::string run(const std::string& records, const std::string& step) {
-  return line("run", "currentJobArray = " + platform::describe(platform::parseJson(records))) +
-         line("run", "logId = 17, inputParmsDict = {\n}, stateId = WAIT. jobId = x") +
-         line("updateSW", step);
+  return logLine("run", "currentJobArray = " + platform::describe(platform::parseJson(records))) +
+         logLine("run", "logId = 17, inputParmsDict = {\n}, stateId = WAIT. jobId = x") +
+         logLine("updateSW", step);
 }
 
 class LogIdUsedAgain : public LoggedJobsTest {
@@ -122,7 +116,7 @@ TEST_F(LogIdUsedAgain, AJobThatWasPutBackIsGivenItsLastRun) {
 }
 
 TEST_F(LoggedJobsTest, ARecordWithoutALogIdHasNone) {
-  writeLog(taken(""));
+  writeLog(takenLines(""));
   EXPECT_FALSE(LoggedJobs(entries).find(platform::parseJson(R"({"log_id": 5})")));
   EXPECT_FALSE(LoggedJobs(entries).find(platform::parseJson("[]")));
 }

@@ -6,7 +6,7 @@
 #include "platform/Json.h"
 #include "platform/Text.h"
 
-namespace kelvane::console::test {
+namespace kelvane::test {
 
 inline std::string timedLine(const std::string& time, const std::string& message,
                              const std::string& function = "updateFW") {
@@ -49,4 +49,4 @@ inline std::string wholeJob() {
          writtenAt("15:01:01", jobAt("FREE", 100, 100, 100)) + endedAt("15:01:01");
 }
 
-}  // namespace kelvane::console::test
+}  // namespace kelvane::test

@@ -10,7 +10,7 @@
 #include "platform/Text.h"
 #include "platform/Value.h"
 
-namespace kelvane::console::test {
+namespace kelvane::test {
 
 class TimedLog {
  public:
@@ -60,7 +60,9 @@ class TimedLog {
         {{"log_id", "17"}, {"job_id", "updateFW"}, {"input_parameters", inputs}});
   }
 
-  FlashHistory history() const { return flashHistoryOf(parseLog(text_), record()); }
+  console::FlashHistory history() const {
+    return console::flashHistoryOf(console::parseLog(text_), record());
+  }
 
  private:
   std::vector<std::string> wwns_;
@@ -68,4 +70,4 @@ class TimedLog {
   std::string text_;
 };
 
-}  // namespace kelvane::console::test
+}  // namespace kelvane::test

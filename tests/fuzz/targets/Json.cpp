@@ -36,7 +36,7 @@ std::string printed(const Value& value) {
   return *text;
 }
 
-void judge(const Value& value) {
+void judgeJson(const Value& value) {
   require(value.isArray() || value.isDictionary(), "the top level is an array or an object");
   require(depthOf(value) <= platform::kJsonDepthLimit, "nothing is read beyond the depth");
   const std::string text = printed(value);
@@ -63,6 +63,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const platform::Value value = platform::parseJson(text);
   if (value.isNothing()) return 0;
   fuzz::require(platform::isUtf8(text), "JSON is UTF-8", text);
-  fuzz::judge(value);
+  fuzz::judgeJson(value);
   return 0;
 }

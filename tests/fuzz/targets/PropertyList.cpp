@@ -45,7 +45,7 @@ bool isWritable(const Value& value) {
   }
 }
 
-void judge(const Value& list) {
+void judgeList(const Value& list) {
   require(list.isDictionary(), "the root is a dictionary");
   const std::string shown = platform::describe(list);
   require(platform::isUtf8(shown), "what is shown is UTF-8", shown);
@@ -93,7 +93,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes = fuzz::Bytes(data, size).rest();
   const platform::Value list = platform::parsePropertyList(bytes);
   if (list.isNothing()) return 0;
-  fuzz::judge(list);
+  fuzz::judgeList(list);
   if (list.has(catalogue::kRules)) fuzz::choose(bytes, list);
   return 0;
 }

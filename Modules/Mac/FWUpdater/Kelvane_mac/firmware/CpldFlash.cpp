@@ -4,6 +4,7 @@
 
 #include "Kelvane.h"
 #include "contract/JobFile.h"
+#include "firmware/Polling.h"
 #include "log/iLog.h"
 #include "zorapi/zorapi.h"
 
@@ -18,7 +19,6 @@ using platform::Value;
 
 namespace {
 
-constexpr unsigned kPollSeconds = 2;
 constexpr std::uint8_t kStageTransferring = 0;
 constexpr std::uint8_t kStageProgramming = 1;
 constexpr std::uint8_t kStageDone = 2;

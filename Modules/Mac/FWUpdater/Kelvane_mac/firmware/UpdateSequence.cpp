@@ -8,6 +8,7 @@
 
 #include "Kelvane.h"
 #include "contract/JobFile.h"
+#include "firmware/Polling.h"
 #include "firmware/UpdateLog.h"
 #include "firmware/UsbBridge.h"
 #include "platform/Text.h"
@@ -21,7 +22,6 @@ using platform::Value;
 
 namespace {
 
-constexpr unsigned kPollSeconds = 2;
 constexpr std::uint32_t kFlashMode = 4;
 constexpr std::uint8_t kStageFinished = 5;
 constexpr char kDeviceId[] = "device_id";

@@ -1,0 +1,14 @@
+// What a library that stands in front of the C library calls.
+#pragma once
+
+#include <dlfcn.h>
+
+namespace kelvane::test {
+
+// The next function of that name after this library's own.
+template <typename Function>
+Function* nextFunction(const char* name) {
+  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace kelvane::test
