@@ -5,9 +5,10 @@
 
 namespace kelvane::test {
 
-// The next function of that name after this library's own.
+// The next function of that name after this library's own. Each library has this for itself, as
+// which is the next is told by who asks.
 template <typename Function>
-Function* nextFunction(const char* name) {
+static Function* nextFunction(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
