@@ -14,9 +14,9 @@ namespace kelvane::platform {
 
 struct Regex::Compiled {
   struct Free {
-    void operator()(pcre2_code* code) const { ::pcre2_code_free(code); }
-    void operator()(pcre2_compile_context* context) const { ::pcre2_compile_context_free(context); }
-    void operator()(pcre2_match_data* match) const { ::pcre2_match_data_free(match); }
+    void operator()(pcre2_code* one) const { ::pcre2_code_free(one); }
+    void operator()(pcre2_compile_context* one) const { ::pcre2_compile_context_free(one); }
+    void operator()(pcre2_match_data* one) const { ::pcre2_match_data_free(one); }
   };
   template <typename Kind>
   using Owned = std::unique_ptr<Kind, Free>;

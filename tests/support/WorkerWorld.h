@@ -15,6 +15,8 @@
 
 namespace kelvane::test {
 
+using Lines = std::vector<std::string>;
+
 class WorkerWorld : public ::testing::Test {
  protected:
   // Makes the folders, an empty log and the product settings, and initialises the worker.

@@ -16,12 +16,10 @@ namespace kelvane {
 namespace {
 
 using platform::Value;
+using test::Lines;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
-
-using Lines = std::vector<std::string>;
-
 class CpldFlash : public test::WorkerWorld {
  protected:
   CpldFlash() {

@@ -13,7 +13,7 @@
 
 namespace kelvane {
 
-using Lines = std::vector<std::string>;
+using test::Lines;
 
 class FirmwareWorld : public test::WorkerWorld {
  protected:
