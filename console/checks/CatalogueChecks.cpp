@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "console/checks/Access.h"
+#include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 #include "platform/File.h"
 
@@ -22,8 +23,7 @@ std::string engineFolder(const Value& record) {
   const bool isList = inputs.isArray() && inputs.count() > 0;
   const Value& parameters = isList ? inputs.at(0) : inputs;
   if (!parameters.isDictionary()) return {};
-  const Value& folder = parameters.get(job::kFolder);
-  return folder.isString() ? folder.string() : "";
+  return stringOf(parameters.get(job::kFolder));
 }
 
 }  // namespace
@@ -45,7 +45,7 @@ Findings engineFolderFindings(const Value& records) {
          "When the job is done, the worker takes what is in it for the engine's, copies it to the "
          "download area and removes the folder with everything in it.",
          "Add the job anew with a folder of its own, which need not be there yet.", folder,
-         logId.isString() ? logId.string() : ""});
+         stringOf(logId)});
   }
   return findings;
 }

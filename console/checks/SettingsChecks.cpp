@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "console/checks/Access.h"
+#include "console/job/RecordValues.h"
 #include "contract/Paths.h"
 #include "contract/Settings.h"
 #include "platform/File.h"
@@ -152,9 +153,7 @@ void findApplication(const std::string& path, const std::string& application, Fi
 
 std::string installedApplication(const std::string& bundle) {
   const Value settings = readJsonFile(productSettingsPath(bundle)).value;
-  if (!settings.isDictionary()) return {};
-  const Value& path = settings.get(settings::kAppPath);
-  return path.isString() ? path.string() : "";
+  return stringOf(memberOf(settings, settings::kAppPath));
 }
 
 std::string sharedSettingsPath(const std::string& sharedFolder) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -10,10 +11,7 @@ using platform::Value;
 
 namespace {
 
-std::string commandOf(const Value& record) {
-  const Value& command = record.get(job::kJobId);
-  return command.isString() ? command.string() : "";
-}
+std::string commandOf(const Value& record) { return stringOf(record.get(job::kJobId)); }
 
 bool hasFlashed(const LogStretch& log) {
   return std::any_of(log.flashes.begin(), log.flashes.end(),

@@ -20,6 +20,7 @@ using test::Lines;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
+
 class CpldFlash : public test::WorkerWorld {
  protected:
   CpldFlash() {

@@ -11,6 +11,7 @@ namespace {
 
 using test::Lines;
 using ::testing::ElementsAre;
+
 constexpr char kInterface[] = "zr_getCurrentDeviceInterface(3/0, 0, zeroed)";
 constexpr char kCheck[] = "zr_mac_checkUSBFWVersion(3/0, 0, usb[b 0], 0)";
 constexpr char kGet[] = "zr_mac_getNVRAM(3/0, 0, nvram[zeroed])";
