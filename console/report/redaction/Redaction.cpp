@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "console/report/redaction/SecretForms.h"
 
@@ -40,6 +41,45 @@ FoundSecrets apart(FoundSecrets found) {
     }
   }
   return all;
+}
+
+// Where stand-ins begin and end, in the text: what is glued to one stands alone beside it.
+WordFinder::Borders bordersOf(const FoundSecrets& found) {
+  WordFinder::Borders borders;
+  for (const FoundSecret& one : found) {
+    borders.insert(one.begin);
+    borders.insert(one.end);
+  }
+  return borders;
+}
+
+void placeInText(const Letters& letters, std::size_t from, FoundSecrets& found) {
+  for (std::size_t i = from; i < found.size(); ++i) {
+    found[i].begin = letters.placeInText(found[i].begin);
+    found[i].end = letters.placeInText(found[i].end);
+  }
+}
+
+void findForms(const Letters& letters, FoundSecrets& found) {
+  const std::size_t before = found.size();
+  findHomes(letters, found);
+  findWwns(letters, found);
+  findUserInformation(letters, found);
+  findNamedSecrets(letters, found);
+  placeInText(letters, before, found);
+}
+
+// Once more where something stands: a word may be glued to it.
+void findWords(const std::vector<Letters>& readings, WordFinder& words, FoundSecrets& found) {
+  const auto find = [&](const WordFinder::Borders& borders) {
+    for (const Letters& letters : readings) {
+      const std::size_t before = found.size();
+      words.findIn(letters, borders, found);
+      placeInText(letters, before, found);
+    }
+  };
+  find({});
+  if (!found.empty()) find(bordersOf(found));
 }
 
 // The whole text as the value of its name.
@@ -120,23 +160,13 @@ std::string Redaction::applied(std::string_view text, std::string_view name, std
 FoundSecrets Redaction::secretsIn(std::string_view text, std::string_view name, WordFinder* words) {
   FoundSecrets found;
   findAsValue(text, name, found);
-  if (!hasNoEscapes(text)) findIn(asItIsMeant(text), words, found);
-  findIn(asItStands(text), words, found);
+  std::vector<Letters> readings;
+  if (!hasNoEscapes(text)) readings.push_back(asItIsMeant(text));
+  readings.push_back(asItStands(text));
+  for (const Letters& letters : readings) findForms(letters, found);
+  if (words != nullptr) findWords(readings, *words, found);
+  for (const Letters& letters : readings) looks_ += letters.looks();
   return found;
-}
-
-void Redaction::findIn(const Letters& letters, WordFinder* words, FoundSecrets& found) {
-  const std::size_t before = found.size();
-  findHomes(letters, found);
-  findWwns(letters, found);
-  findUserInformation(letters, found);
-  findNamedSecrets(letters, found);
-  if (words != nullptr) words->findIn(letters, found);
-  for (std::size_t i = before; i < found.size(); ++i) {
-    found[i].begin = letters.placeInText(found[i].begin);
-    found[i].end = letters.placeInText(found[i].end);
-  }
-  looks_ += letters.looks();
 }
 
 std::size_t Redaction::numberOf(Secret secret, const std::string& key) {

@@ -48,7 +48,6 @@ class Redaction {
   void addPassword(std::string_view password);
   // With the known words, or without any.
   FoundSecrets secretsIn(std::string_view text, std::string_view name, WordFinder* words);
-  void findIn(const Letters& letters, WordFinder* words, FoundSecrets& found);
   std::size_t numberOf(Secret secret, const std::string& key);
   std::string standIn(Secret secret, const std::string& key);
 

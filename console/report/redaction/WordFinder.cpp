@@ -12,6 +12,35 @@ std::uint64_t keyOf(std::uint32_t above, char letter) {
 
 }  // namespace
 
+// Where a text's words begin and end.
+class WordFinder::WordEnds {
+ public:
+  WordEnds(const Letters& text, const Borders& borders) : text_(text), borders_(borders) {}
+
+  bool fits(const Word& word, std::size_t end) const {
+    if (word.meaning.isAlsoWithin) return true;
+    if (word.meaning.secret == Secret::home) return endsHome(end);
+    return isEnd(end) && isEnd(end - word.length);
+  }
+
+ private:
+  bool endsHome(std::size_t end) const {
+    const char behind = text_.at(end);
+    return (!isLetter(behind) && !isDigit(behind)) || isBorder(end);
+  }
+
+  bool isEnd(std::size_t place) const {
+    return place == 0 || isBetweenWords(text_.at(place - 1), text_.at(place)) || isBorder(place);
+  }
+
+  bool isBorder(std::size_t place) const {
+    return !borders_.empty() && borders_.count(text_.placeInText(place)) > 0;
+  }
+
+  const Letters& text_;
+  const Borders& borders_;
+};
+
 void WordFinder::add(const std::string& letters, const Meaning& meaning) {
   if (letters.empty()) return;
   Place place = 0;
@@ -29,13 +58,14 @@ void WordFinder::add(const std::string& letters, const Meaning& meaning) {
   isLinked_ = false;
 }
 
-void WordFinder::findIn(const Letters& text, FoundSecrets& found) {
+void WordFinder::findIn(const Letters& text, const Borders& borders, FoundSecrets& found) {
   if (words_.empty()) return;
   if (!isLinked_) link();
+  const WordEnds ends(text, borders);
   Place place = 0;
   for (std::size_t at = 0; at < text.size(); ++at) {
     place = step(place, text.at(at));
-    if (const Word* word = longestAt(place, text, at + 1)) {
+    if (const Word* word = longestAt(place, ends, at + 1)) {
       found.push_back({at + 1 - word->length, at + 1, word->meaning.secret, word->meaning.key, ""});
     }
   }
@@ -70,22 +100,13 @@ void WordFinder::link() {
   isLinked_ = true;
 }
 
-bool WordFinder::fits(const Word& word, const Letters& text, std::size_t end) const {
-  if (word.meaning.isAlsoWithin) return true;
-  const char behind = text.at(end);
-  if (word.meaning.secret == Secret::home) return !isLetter(behind) && !isDigit(behind);
-  const std::size_t begin = end - word.length;
-  return isBetweenWords(text.at(end - 1), behind) &&
-         (begin == 0 || isBetweenWords(text.at(begin - 1), text.at(begin)));
-}
-
-const WordFinder::Word* WordFinder::longestAt(Place place, const Letters& text,
+const WordFinder::Word* WordFinder::longestAt(Place place, const WordEnds& ends,
                                               std::size_t end) const {
   if (nodes_[place].word == kNoWord) place = nodes_[place].shorterWord;
   for (; place != 0; place = nodes_[place].shorterWord) {
     ++looks_;
     const Word& word = words_[nodes_[place].word];
-    if (fits(word, text, end)) return &word;
+    if (ends.fits(word, end)) return &word;
   }
   return nullptr;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "console/report/redaction/Letters.h"
@@ -26,8 +27,11 @@ class WordFinder {
   // `letters` are small ones. A word that is known already stays what it is.
   void add(const std::string& letters, const Meaning& meaning);
 
+  // Places of a text where a word ends as well, whatever stands there.
+  using Borders = std::unordered_set<std::size_t>;
+
   // Of the words that end at one place the longest.
-  void findIn(const Letters& text, FoundSecrets& found);
+  void findIn(const Letters& text, const Borders& borders, FoundSecrets& found);
 
   // How many places were looked at so far.
   std::size_t looks() const { return looks_; }
@@ -37,6 +41,7 @@ class WordFinder {
     std::size_t length = 0;
     Meaning meaning;
   };
+  class WordEnds;
   using Place = std::uint32_t;  // in nodes_; 0 is the root
   static constexpr std::size_t kNoWord = static_cast<std::size_t>(-1);
   struct Node {
@@ -51,8 +56,7 @@ class WordFinder {
   Place next(Place from, char letter) const;  // 0: none
   Place step(Place from, char letter) const;
   void link();
-  bool fits(const Word& word, const Letters& text, std::size_t end) const;
-  const Word* longestAt(Place place, const Letters& text, std::size_t end) const;
+  const Word* longestAt(Place place, const WordEnds& ends, std::size_t end) const;
 
   std::vector<Word> words_;
   std::vector<Node> nodes_ = {{}};

@@ -169,6 +169,32 @@ TEST(Redaction, ALongPasswordIsReplacedWithinAWordToo) {
             "https://[credentials-1]@x.example refused x[credentials-2]x");
 }
 
+TEST(Redaction, AUserIsReplacedBesideAStandIn) {
+  Redaction redaction;
+  redaction.addUser("bob");
+  redaction.learn("?token=http1234xy");
+  EXPECT_EQ(redaction.applied("http1234xybob"), "[credentials-1][user-1]");
+  EXPECT_EQ(redaction.applied("bobhttp1234xy"), "[user-1][credentials-1]");
+  EXPECT_EQ(redaction.applied("http1234xybobhttp1234xy"), "[credentials-1][user-1][credentials-1]");
+  EXPECT_EQ(redaction.applied("http1234xybobby"), "[credentials-1]bobby");
+  EXPECT_EQ(redaction.applied("abobhttp1234xy"), "abob[credentials-1]");
+}
+
+TEST(Redaction, AHomeIsReplacedBesideAStandIn) {
+  Redaction redaction;
+  redaction.addHome("/srv/kim");
+  redaction.learn("?token=http1234xy");
+  EXPECT_EQ(redaction.applied("/srv/kimhttp1234xy"), "[home-1][credentials-1]");
+  EXPECT_EQ(redaction.applied("/srv/kimberhttp1234xy"), "/srv/kimber[credentials-1]");
+}
+
+TEST(Redaction, AUserIsReplacedBesideAStandInThatWasEscaped) {
+  Redaction redaction;
+  redaction.addUser("bob");
+  redaction.learn("?token=http12/34xy");
+  EXPECT_EQ(redaction.applied("%20http12%2F34xybob"), "%20[credentials-1][user-1]");
+}
+
 TEST(Redaction, NumbersWhatIsKnownBeforehandInItsOrder) {
   Redaction redaction;
   redaction.addWwn("50000000000000A1");
