@@ -64,6 +64,14 @@ Value readSettings(const std::string& path, const char* meaning, Findings& findi
   return {};
 }
 
+// Of a copy it is not known whether the file was left out or is missing to the worker as well.
+Findings notSent(const std::string& path) {
+  return {{Code::settingsUnreadable, Severity::warning,
+           path + " is not among the files of the copy",
+           "Whether it is there for the worker, and what it says, is not known.",
+           "Ask for it where the update engine is concerned: queries and downloads."}};
+}
+
 Finding engineFinding(const std::string& what) {
   return {Code::engineMissing, Severity::error, what, kNoEngine,
           "Make AppPath the bundle that has the update engine in Contents/Resources."};
@@ -168,6 +176,7 @@ std::span<const ProductSetting> productSettings() { return kProductSettings; }
 
 Findings sharedSettingsFindings(const std::string& path, bool isCopy) {
   Findings findings;
+  if (isCopy && kindOf(path) == EntryKind::missing) return concerning(path, notSent(path));
   const Value settings = readSettings(path, kNoEngine, findings);
   if (!settings.isDictionary()) return concerning(path, findings);
   const Value& application = settings.get(settings::kAppPath);

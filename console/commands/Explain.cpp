@@ -13,6 +13,7 @@
 #include "console/display/Paragraphs.h"
 #include "console/display/TimeText.h"
 #include "console/display/Words.h"
+#include "console/display/Wrapping.h"
 #include "console/explain/CodeExplanation.h"
 #include "console/explain/JobExplanation.h"
 #include "console/explain/ResultCodes.h"
@@ -155,6 +156,9 @@ void showExplanationsAsJson(const Explanations& explanations, const Screen& scre
   screen.out << platform::printJson(all).value_or("null") << std::endl;
 }
 
+// Lines of the log may have any length.
+constexpr std::size_t kMostBytesShown = 4000;
+
 void showExplanation(const Explanation& one, const Screen& screen) {
   std::vector<Paragraph> paragraphs = {{"means", one.meaning},
                                        {"who acts", one.whoActs},
@@ -167,6 +171,9 @@ void showExplanation(const Explanation& one, const Screen& screen) {
   paragraphs.push_back({"log tells", one.toldBy});
   if (one.lastStep != one.toldBy) paragraphs.push_back({"last step", one.lastStep});
   paragraphs.push_back({"note", one.note});
+  for (Paragraph& paragraph : paragraphs) {
+    paragraph.text = beginningOf(paragraph.text, kMostBytesShown, screen.charset);
+  }
   const Colour colour = one.whoActs == "nobody" ? Colour::green : Colour::yellow;
   showParagraphs({one.subject, colour}, paragraphs, screen);
 }

@@ -23,11 +23,14 @@ bool isCounted(const std::string& phase) {
          std::end(kCountedPhases);
 }
 
-// "5000A1 failed at 90%"
+// "5000A1 failed at 90%"; while it is flashed "5000A1 at 90% (firmware)", as the percentage is that
+// of all its phases.
 std::string placeOf(const ControllerStatus& one) {
+  const bool isFlashed = one.standing == Standing::open;
   std::string text = displayName(one.wwn);
-  text.append(" ").append(phaseOf(one));
+  if (!isFlashed) text.append(" ").append(phaseOf(one));
   if (one.total != kUnknownPercent) text.append(" at ").append(percentText(one.total));
+  if (isFlashed) text.append(" (").append(phaseOf(one)).append(")");
   return text;
 }
 

@@ -13,6 +13,10 @@ namespace {
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";  // U+2026
 constexpr std::string_view kAsciiEllipsis = "...";
 
+std::string_view ellipsis(Charset charset) {
+  return charset == Charset::ascii ? kAsciiEllipsis : kEllipsis;
+}
+
 // The start of the character that stands at this byte, so that none is cut; of the first character
 // its end, as a line has to hold something.
 std::size_t characterStart(std::string_view text, std::size_t byte) {
@@ -39,14 +43,20 @@ std::size_t columnsOf(const std::string& text) {
 
 std::string shortened(const std::string& name, std::size_t columns, Charset charset) {
   if (name.size() <= columns) return name;
-  const bool inAscii = charset == Charset::ascii;
-  const std::size_t ellipsisColumns = inAscii ? kAsciiEllipsis.size() : 1;
+  const std::size_t ellipsisColumns = charset == Charset::ascii ? kAsciiEllipsis.size() : 1;
   if (columns <= ellipsisColumns) return name.substr(0, columns);
   const std::size_t kept = columns - ellipsisColumns;
   const std::size_t tail = kept / 2;
   std::string text = name.substr(0, kept - tail);
-  text += inAscii ? kAsciiEllipsis : kEllipsis;
+  text += ellipsis(charset);
   return text + name.substr(name.size() - tail);
+}
+
+std::string beginningOf(const std::string& text, std::size_t bytes, Charset charset) {
+  if (text.size() <= bytes) return text;
+  std::string beginning = text.substr(0, characterStart(text, bytes));
+  beginning += ellipsis(charset);
+  return beginning.append(" (").append(std::to_string(text.size())).append(" bytes)");
 }
 
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {

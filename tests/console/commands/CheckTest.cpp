@@ -207,6 +207,19 @@ TEST_F(Check, OfACopyWhatIsInTheFilesIsFound) {
       << shown.str();
 }
 
+TEST_F(Check, OfACopySettingsThatWereNotSentAreNoError) {
+  folder.write(test::kJobFile, "[]");
+  fs::remove(folder / "shared/utility/config/setting.json");
+  options.copy.offline = true;
+  EXPECT_EQ(run(), kFindings);
+  EXPECT_EQ(shown.str().rfind("warning: " + (folder / "shared/utility/config/setting.json") +
+                                  " is not among the files of the copy\n",
+                              0),
+            0U)
+      << shown.str();
+  EXPECT_NE(shown.str().find("0 errors, 1 warning\n"), std::string::npos);
+}
+
 TEST_F(Check, OfFilesThatWereMailedEachAlone) {
   const std::string jobs = folder.write("mail/jobs.json", "[");
   options = {};

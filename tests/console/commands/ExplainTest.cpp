@@ -8,6 +8,7 @@
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "tests/console/ConsoleWorld.h"
+#include "tests/console/job/LogLines.h"
 
 namespace kelvane::console {
 namespace {
@@ -171,6 +172,17 @@ TEST_F(Explain, AJobOfALogAlone) {
   options.copy.logFile = folder.write("empty.txt", "");
   EXPECT_EQ(run("17"), kNotFound);
   EXPECT_EQ(run("0x0402"), kSuccess);
+}
+
+TEST_F(Explain, ALineOfTheLogOfAnyLengthIsShownFromItsBeginning) {
+  addJob("17");
+  const std::string step = test::logLine("getPackage", "package " + std::string(20'000, 'x'));
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt",
+               test::takenLines("17", "downloadOnlineUpdateFile") + step);
+  EXPECT_EQ(run("17"), kSuccess);
+  EXPECT_NE(shown.str().find("getPackage: package xxx"), std::string::npos);
+  EXPECT_NE(shown.str().find("xxx… (200"), std::string::npos);
+  EXPECT_LT(shown.str().size(), 10'000U);
 }
 
 TEST_F(Explain, AMissingLogIsToldInANote) {

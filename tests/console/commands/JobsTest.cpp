@@ -46,7 +46,7 @@ constexpr char kNotLooked[] = "this is a copy: whether a worker runs was not loo
 TEST_F(Jobs, ListOfACopyTellsNothingOfWorkersAndSaysSoOnce) {
   EXPECT_EQ(runHere(list, {.sharedFolder = folder / "shared", .copy = {.offline = true}}),
             kSuccess);
-  EXPECT_NE(shown.str().find("     2  updateFW             RUN            A1 CPLD at 25%\n"),
+  EXPECT_NE(shown.str().find("     2  updateFW             RUN            A1 at 25% (CPLD)\n"),
             std::string::npos)
       << shown.str();
   EXPECT_TRUE(shown.str().ends_with(kNotLooked + std::string("\n"))) << shown.str();
@@ -79,7 +79,7 @@ TEST_F(Jobs, ALogAloneShowsTheRecordsThatAreInIt) {
                        written + "\n");
   EXPECT_EQ(runHere(list, {.sharedFolder = "", .copy = {.logFile = file}}), kSuccess);
   EXPECT_NE(shown.str().find("     1  updateSW             FREE        0  fine\n"
-                             "     2  updateFW             RUN            A1 CPLD at 25%\n"),
+                             "     2  updateFW             RUN            A1 at 25% (CPLD)\n"),
             std::string::npos)
       << shown.str();
   EXPECT_TRUE(shown.str().ends_with(kNotLooked + std::string("; the job file is not at hand: the "

@@ -46,7 +46,7 @@ TEST(ProgressText, CountsAndNames) {
                                              {"D", 0, 0, 0, Standing::notStarted}};
   EXPECT_EQ(progressText({"18", "FREE", all, "", ""}), "2 done, C failed at 90%, 1 not started");
   EXPECT_EQ(progressText({"18", "RUN", {{"A", 20, 0, 10}, {"B", 0, 0, 0}}, "", ""}),
-            "A CPLD at 10%, 1 waiting");
+            "A at 10% (CPLD), 1 waiting");
   EXPECT_EQ(
       progressText(
           {"18", "FREE", {{"A", 0, kUnknownPercent, kUnknownPercent, Standing::failed}}, "", ""}),

@@ -24,6 +24,20 @@ TEST(Shortened, NoEllipsisWhereThereIsNoRoomForMore) {
   EXPECT_EQ(shortened("5000A1B2", 0, Charset::utf8), "");
 }
 
+TEST(Beginning, OfATextThatFitsIsTheText) {
+  EXPECT_EQ(beginningOf("5000A1B2", 8, Charset::utf8), "5000A1B2");
+  EXPECT_EQ(beginningOf("", 8, Charset::utf8), "");
+}
+
+TEST(Beginning, OfALongerTextTellsItsSize) {
+  EXPECT_EQ(beginningOf("5000A1B2C", 8, Charset::utf8), "5000A1B2… (9 bytes)");
+  EXPECT_EQ(beginningOf("5000A1B2C", 8, Charset::ascii), "5000A1B2... (9 bytes)");
+}
+
+TEST(Beginning, CutsNoCharacter) {
+  EXPECT_EQ(beginningOf("aéb", 2, Charset::utf8), "a… (4 bytes)");
+}
+
 TEST(FittedLines, WrapsWhatIsTooWideBehindItsIndentation) {
   EXPECT_EQ(fittedLines("ab cd\n  ab cd ef\n\nx\n", 7), "ab cd\n  ab cd\n  ef\n\nx\n");
   EXPECT_EQ(fittedLines("  ab cd ef\n", 0), "  ab cd ef\n");

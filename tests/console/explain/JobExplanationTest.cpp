@@ -120,7 +120,7 @@ TEST(JobExplanation, RunningInACopyDoesNotTellOfWorkers) {
   EXPECT_EQ(found.meaning,
             "A worker had taken it. Whether one still runs cannot be told from a copy.");
   EXPECT_EQ(found.tryAgain, "only where no worker runs");
-  EXPECT_EQ(found.controller, "A1 firmware at 30%");
+  EXPECT_EQ(found.controller, "A1 at 30% (firmware)");
   EXPECT_NE(found.note.find("This is a copy: neither workers nor"), std::string::npos);
   circumstances.log.gaveUp = true;
   EXPECT_EQ(explained("updateFW", kRunning, circumstances).meaning,
