@@ -11,6 +11,7 @@
 #include "tests/proofs/DiskRecorder.h"
 #include "tests/proofs/JobWatcher.h"
 #include "tests/proofs/World.h"
+#include "tests/support/Program.h"
 
 namespace kelvane::proofs {
 namespace {
@@ -36,6 +37,7 @@ struct Subject {
   std::string scenario;  // of the world it is in
   std::function<Command(const World&)> command;
   std::vector<std::string> replaced;
+  std::function<void(const World&)> prepare = {};
 };
 
 Command console(const World& world, std::vector<std::string> arguments) {
@@ -52,6 +54,21 @@ Command add(const World& world) {
 
 Command remove(const World& world) {
   return console(world, {"remove", "--shared", world.folder / "shared/", "17"});
+}
+
+constexpr char kReportPath[] = "report.html";
+
+Command report(const World& world) {
+  return console(world, {"report", "--shared", world.folder / "shared/", "--output",
+                         world.folder / kReportPath, "17"});
+}
+
+// The log has changed since.
+void writeEarlierReport(const World& world) {
+  const Command command = report(world);
+  const test::Ended ended = test::runProgram(command.argv, command.folder, command.variables);
+  if (ended.exitStatus != 0) throw std::runtime_error("report: " + ended.err);
+  world.folder.write(kLogPath, "another line of an earlier job\n");
 }
 
 Command makeImageAnew(const World& world) {
@@ -71,6 +88,7 @@ const std::vector<Subject>& subjects() {
       {"qvxf", "qvxf", worker, {kJobFilePath, kFleetPath}},
       {"console-add", "query", add, {kJobFilePath}},
       {"console-remove", "query", remove, {kJobFilePath}},
+      {"console-report", "query", report, {kReportPath}, writeEarlierReport},
       {"make-image", "qvxf", makeImageAnew, {"qvxf.img"}},
   };
   return all;
@@ -120,6 +138,7 @@ class Run {
     const bool isJob = subject_.name == subject_.scenario;
     if (isJob) after_ = asOnDisk(baselineOf(world_).after);
     world_.reset();
+    if (subject_.prepare) subject_.prepare(world_);
     before_ = asOnDisk(world_.now());
     for (const std::string& path : subject_.replaced) {
       replaced_.push_back({path, {bytesOf(before_, path)}});

@@ -1,5 +1,5 @@
-// A slice of what tools/prove-kills, prove-failures, prove-power-loss and prove-readers prove
-// whole.
+// A slice of what tools/prove-kills, prove-failures, prove-power-loss, prove-readers and
+// prove-sizes prove whole.
 
 #include <algorithm>
 #include <string>
@@ -10,6 +10,7 @@
 #include "tests/proofs/Kills.h"
 #include "tests/proofs/PowerLoss.h"
 #include "tests/proofs/Readers.h"
+#include "tests/proofs/Sizes.h"
 
 namespace kelvane::proofs {
 namespace {
@@ -56,6 +57,11 @@ TEST_P(EachProgram, LeavesOldOrNewWhenThePowerFails) {
 
 INSTANTIATE_TEST_SUITE_P(Proofs, EachProgram, ::testing::ValuesIn(powerLossNames()),
                          [](const auto& instance) { return nameOf(instance.param); });
+
+TEST(LargeJobFile, OfTenMegabytesIsKept) {
+  World world(scenarioNamed("query"));
+  EXPECT_EQ(proveSize(world, 10'000'000, tell).points, 1U);
+}
 
 TEST(Consoles, BesideAWorkerLoseNothing) {
   World world(scenarioNamed("download"));

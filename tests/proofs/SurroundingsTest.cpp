@@ -225,23 +225,5 @@ TEST_P(Surroundings, WithLittleMemoryItEnds) {
   EXPECT_TRUE(hasStarted);
 }
 
-// --- a large job file
-
-TEST(LargeJobFile, OfTenMegabytesIsKept) {
-  World world(scenarioNamed("query"));
-  fs::remove(world.folder / kLogPath);  // it would hold many times as much
-  std::string padding;
-  padding.resize(10'000'000, 'x');
-  std::string text = bytesOf(world.before(), kJobFilePath);
-  text.insert(1, "{\"log_id\": \"3\", \"padding\": \"" + padding + "\"},");
-  world.folder.write(kJobFilePath, text);
-  const Command command = world.command();
-  const test::Ended ended = test::runProgram(command.argv, command.folder, command.variables);
-  EXPECT_EQ(ended.exitStatus, 0);
-  const platform::Value records = world.jobs();
-  EXPECT_EQ(records.at(0).get("padding"), platform::Value(padding));
-  EXPECT_EQ(records.at(1).get("state_id"), platform::Value("FREE"));
-}
-
 }  // namespace
 }  // namespace kelvane::proofs

@@ -12,6 +12,7 @@
 #include "tests/proofs/Kills.h"
 #include "tests/proofs/PowerLoss.h"
 #include "tests/proofs/Readers.h"
+#include "tests/proofs/Sizes.h"
 #include "tests/proofs/World.h"
 
 namespace kelvane::proofs {
@@ -20,10 +21,11 @@ namespace {
 constexpr char kUsage[] =
     "usage: prove_faults KIND parts                   what the proof is made of\n"
     "       prove_faults KIND PART [STRIDE [FIRST]]   a part of it, or every STRIDE-th point\n"
-    "kinds: kills, calls, memory, power-loss, readers\n";
+    "kinds: kills, calls, memory, power-loss, readers, sizes\n";
 
 constexpr std::uint64_t kReadings = 100'000;  // of each job
 constexpr std::uint64_t kRounds = 10;
+constexpr std::uint64_t kLargest = 100'000'000;  // bytes
 constexpr char kConsoles[] = "consoles";
 
 struct Part {
@@ -79,6 +81,11 @@ const std::vector<Kind>& kinds() {
          return provePowerLoss(part.name, part.stride, tell);
        }},
       {"readers", "readings", readerNames, proveReaders},
+      {"sizes", "job file", sizeNames,
+       [](const Part& part, const Tell& tell) {
+         World world(scenarioNamed(part.name));
+         return proveSize(world, kLargest / part.stride, tell);
+       }},
   };
   return all;
 }
