@@ -14,7 +14,8 @@ namespace {
 constexpr unsigned kNobody = 65534;
 constexpr mode_t kAllBits = 07777;
 
-[[noreturn]] void runInChild(const std::function<std::string()>& action, int pipe) {
+// What is thrown ends here: above stands the whole test program.
+[[noreturn]] void runInChild(const std::function<std::string()>& action, int pipe) noexcept {
   becomeOrdinaryUser();
   const std::string text = action();
   const bool written = ::write(pipe, text.data(), text.size()) == static_cast<ssize_t>(text.size());

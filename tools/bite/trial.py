@@ -69,8 +69,9 @@ class Sandbox:
 
     def _run(self, command, seconds, options):
         kept_in = ["bwrap", "--ro-bind", "/", "/", "--dev", "/dev", "--proc", "/proc",
-                   "--size", str(1 << 30), "--tmpfs", "/tmp", "--unshare-pid", "--unshare-net",
-                   "--unshare-ipc", "--die-with-parent", "--new-session",
+                   "--size", str(1 << 30), "--perms", "1777", "--tmpfs", "/tmp",
+                   "--unshare-pid", "--unshare-net", "--unshare-ipc",
+                   "--die-with-parent", "--new-session",
                    # Also where the project is itself a folder for temporary files.
                    "--ro-bind", self._tree, self._tree,
                    "--setenv", "HOME", "/tmp", "--setenv", "TMPDIR", "/tmp", *options]
