@@ -24,7 +24,7 @@ STAGES = (
     (Room("worker", "worker"),),
     (Room("growth", "worker"), Room("dialogues", "dialogues")),
     (Room("console", "console"), Room("simulators", "simulators")),
-    (Room("out_of_memory", "end_to_end"), Room("end_to_end", "end_to_end"), Room("docs", "docs")),
+    (Room("out_of_memory", "end_to_end"), Room("end_to_end", "end_to_end")),
 )
 QUICK = 3  # stages whose tests run no whole programs
 
