@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -9,6 +10,8 @@
 
 namespace kelvane {
 namespace {
+
+namespace fs = std::filesystem;
 
 using platform::Value;
 using ::testing::ElementsAre;
@@ -204,6 +207,58 @@ TEST_F(Catalogue, AMinimumOfTwoPartsOrNoneIsNoCandidateButFound) {
 TEST_F(Catalogue, AMinimumOfLettersIsSatisfiedByEverySystem) {
   writeRules(rule("sw", "1", minimum("abc.def.ghi")) + rule("fw", "other"));
   EXPECT_EQ(chosen("sw"), "1");
+}
+
+// --- a file that someone else writes between two looks
+
+TEST_F(Catalogue, AnotherFileOfTheSameSizeAndTimeIsSeen) {
+  writeRules(rule("fw2", "1"));
+  const auto time = fs::last_write_time(folder / "d/Offers.plist");
+  EXPECT_EQ(chosen("fw2"), "1");
+  writeRules(rule("fw2", "2"));
+  fs::last_write_time(folder / "d/Offers.plist", time);
+  EXPECT_EQ(chosen("fw2"), "2");
+}
+
+TEST_F(Catalogue, AFileThatIsCutShortIsSeen) {
+  writeRules(rule("fw2", "1"));
+  EXPECT_EQ(chosen("fw2"), "1");
+  const std::string whole = folder.read("d/Offers.plist");
+  folder.write("d/Offers.plist", whole.substr(0, whole.size() / 2));
+  EXPECT_EQ(chosen("fw2"), "none");
+  folder.write("d/Offers.plist", whole);
+  EXPECT_EQ(chosen("fw2"), "1");
+}
+
+TEST_F(Catalogue, AFileThatALinkHasTakenThePlaceOfIsSeen) {
+  writeRules(rule("fw2", "2"));
+  fs::rename(folder / "d/Offers.plist", folder / "elsewhere");
+  writeRules(rule("fw2", "1"));
+  EXPECT_EQ(chosen("fw2"), "1");
+  fs::remove(folder / "d/Offers.plist");
+  fs::create_symlink(folder / "elsewhere", folder / "d/Offers.plist");
+  EXPECT_EQ(chosen("fw2"), "2");
+}
+
+TEST_F(Catalogue, TheSameBytesHaveTheSameRulesWhoeverWroteThem) {
+  writeRules(rule("fw2", "1"));
+  const Value first = worker.getUpdateEngineDataInDownloadFolder(parameters("fw2"));
+  writeRules(rule("fw2", "1"));
+  EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("fw2")), first);
+}
+
+TEST_F(Catalogue, AFileThatIsGoneHasNoRulesThoughItWasRead) {
+  writeRules(rule("fw2", "1"));
+  EXPECT_EQ(chosen("fw2"), "1");
+  fs::remove(folder / "d/Offers.plist");
+  EXPECT_EQ(chosen("fw2"), "none");
+}
+
+TEST_F(Catalogue, WhatIsMadeOfARuleLeavesTheRuleAsItWas) {
+  writeRules(rule("fw2", "1"));
+  Value changed = worker.getUpdateEngineDataInDownloadFolder(parameters("fw2"));
+  changed.set("Version", "9");
+  EXPECT_EQ(chosen("fw2"), "1");
 }
 
 TEST_F(Catalogue, WithoutAFolderOrACatalogueTheAnswerIsEmpty) {

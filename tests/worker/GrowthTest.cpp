@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/File.h"
+#include "log/iLog.h"
 #include "platform/Json.h"
 #include "tests/support/JobFiles.h"
 #include "tests/support/PropertyLists.h"
@@ -47,16 +47,17 @@ class Growth : public test::WorkerWorld {
     return cost([&] { worker.updateFWUpdateStatus(progress(percent), "17"); });
   }
 
-  // A catalogue of so many rules, each for a product of its own, "0" and so on.
-  std::string catalogue(std::size_t rules) const {
+  using Form = std::string (*)(const std::string& content);
+
+  // The folder of a catalogue of so many rules, each for a product of its own, "0" and so on.
+  std::string catalogue(std::size_t rules, Form form = test::xmlPropertyList) const {
     std::string all;
     for (std::size_t i = 0; i < rules; ++i) {
       all += "<dict><key>ProductID</key><string>" + std::to_string(i) +
              "</string><key>Version</key><string>2</string><key>Size</key><integer>7</integer>"
              "<key>Hash256</key><string>h</string></dict>";
     }
-    folder.write("Offers.plist",
-                 test::xmlPropertyList("<dict><key>Rules</key><array>" + all + "</array></dict>"));
+    folder.write("Offers.plist", form("<dict><key>Rules</key><array>" + all + "</array></dict>"));
     return folder.path();
   }
   // The descriptions of the first so many products.
@@ -88,18 +89,20 @@ TEST_F(Growth, ALaterUpdateMakesOnlyWholeTextsAnew) {
   const std::size_t first = costOfAnUpdate(1);
   const std::size_t later = costOfAnUpdate(2);
   EXPECT_LT(later, first / 2);
-  // The bytes read twice, the new file's, and the new dump's, which is the longest.
+  // The buffers of two readings, the new file's text, and the new dump's, which is the longest.
   EXPECT_LT(later, 5 * jobText().size());
 }
 
 TEST_F(Growth, ACatalogueGrowsWithItsRules) {
   worker.setSettingDict(Value::dictionary({{"online_update_plist_name", "Offers"}}));
-  const auto costOf = [&](std::size_t rules) {
-    const std::string there = catalogue(rules);
+  const auto costOf = [&](std::size_t rules, Form form) {
+    const std::string there = catalogue(rules, form);
     return cost([&] { EXPECT_EQ(descriptions(1, there).at(0).get("size").digits(), "7"); });
   };
-  const std::size_t few = costOf(100);
-  EXPECT_LT(costOf(1'000), kAtMost * few);
+  for (const Form form : {test::xmlPropertyList, test::binaryPropertyList}) {
+    const std::size_t few = costOf(100, form);
+    EXPECT_LT(costOf(1'000, form), kAtMost * few);
+  }
 }
 
 TEST_F(Growth, ProductsGrowWithTheirNumber) {
@@ -113,14 +116,42 @@ TEST_F(Growth, ProductsGrowWithTheirNumber) {
   EXPECT_LT(costOf(100), kAtMost * few);
 }
 
-TEST_F(Growth, ATreeGrowsWithItsFiles) {
-  const auto costOf = [&](std::size_t files) {
-    const std::string name = "tree of " + std::to_string(files);
-    for (std::size_t i = 0; i < files; ++i) folder.write(name + "/" + std::to_string(i), "x");
-    return cost([&] { EXPECT_TRUE(platform::copyTree(folder / name, folder / name + " copied")); });
+TEST_F(Growth, ALaterProductDoesNotParseTheCatalogueAgain) {
+  worker.setSettingDict(Value::dictionary({{"online_update_plist_name", "Offers"}}));
+  for (const Form form : {test::xmlPropertyList, test::binaryPropertyList}) {
+    const std::string there = catalogue(2'000, form);
+    const std::size_t first = cost([&] { descriptions(1, there); });
+    const std::size_t later = cost([&] { descriptions(1, there); });
+    EXPECT_LT(later, first / 5);
+  }
+}
+
+TEST_F(Growth, ATreeGrowsWithItsFilesAndFolders) {
+  const auto costOf = [&](std::size_t folders) {
+    const std::string name = "tree of " + std::to_string(folders);
+    for (std::size_t i = 0; i < 10 * folders; ++i) {
+      folder.write(name + "/a/" + std::to_string(i / 10) + "/b/" + std::to_string(i), "x");
+    }
+    // As a download comes to its place: copied, synchronised, the older one removed.
+    worker.syncFiles(folder / name, folder / "area");
+    return cost([&] { worker.syncFiles(folder / name, folder / "area"); });
   };
-  const std::size_t few = costOf(100);
-  EXPECT_LT(costOf(1'000), kAtMost * few);
+  const std::size_t few = costOf(10);
+  EXPECT_LT(costOf(100), kAtMost * few);
+}
+
+TEST_F(Growth, TheLogGrowsWithItsLinesAndTheirLength) {
+  const auto costOfLines = [&](std::size_t lines) {
+    return cost([&] {
+      for (std::size_t i = 0; i < lines; ++i) KELVANE_LOG("run:", "i = %d", static_cast<int>(i));
+    });
+  };
+  const auto costOfLength = [&](std::size_t length) {
+    const Value text(std::string(length, 'x'));
+    return cost([&] { KELVANE_LOG("run:", "text = %@", text); });
+  };
+  EXPECT_LT(costOfLines(1'000), kAtMost * costOfLines(100));
+  EXPECT_LT(costOfLength(100'000), kAtMost * costOfLength(10'000));
 }
 
 }  // namespace
