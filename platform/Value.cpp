@@ -45,7 +45,7 @@ class Value::Texts {
   }
 
  private:
-  static constexpr std::size_t kMost = std::size_t{16} << 20U;
+  static constexpr std::size_t kMost = std::size_t{64} << 20U;
   static inline std::size_t taken_ = 0;  // by the texts of all containers
   std::array<std::unique_ptr<std::string>, 3> texts_;
 };

@@ -96,7 +96,7 @@ class Value {
   // Null where none is remembered.
   const std::string* rememberedText(Form form) const;
   // Takes a text over where none is remembered; returns it as it is kept. Null, and the text as it
-  // was, where there is no room: all texts together take 16 MiB at the most.
+  // was, where there is no room: all texts together take 64 MiB at the most.
   const std::string* rememberText(Form form, std::string& text) const;
   // The same of a part of a text, which is copied.
   void rememberPart(Form form, const std::string& text, std::size_t start) const;

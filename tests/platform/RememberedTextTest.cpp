@@ -112,7 +112,7 @@ TEST(RememberedText, OfAContainerInSeveralPlacesIsThatOfEach) {
 }
 
 TEST(RememberedText, AllTogetherHaveALimit) {
-  const std::string megabytes(std::size_t{6} << 20U, 'a');
+  const std::string megabytes(std::size_t{22} << 20U, 'a');
   const Value list =
       Value::array({Value::dictionary({{"a", megabytes}}), Value::dictionary({{"b", megabytes}}),
                     Value::dictionary({{"c", megabytes}})});
@@ -125,8 +125,8 @@ TEST(RememberedText, AllTogetherHaveALimit) {
 }
 
 TEST(RememberedText, LeavesItsRoomToOthersWhenItsContainerGoes) {
-  const std::string megabytes(std::size_t{12} << 20U, 'a');
-  for (int time = 0; time < 3; ++time) {
+  const std::string megabytes(std::size_t{33} << 20U, 'a');
+  for (int time = 0; time < 2; ++time) {
     const Value list = Value::array({Value::dictionary({{"a", megabytes}})});
     describe(list);
     EXPECT_NE(list.at(0).rememberedText(Value::Form::shownInside), nullptr) << time;
