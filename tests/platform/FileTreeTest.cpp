@@ -235,6 +235,14 @@ TEST_F(FileTree, ManyHolesStayWhereTheyAre) {
   EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
 }
 
+TEST_F(FileTree, AFileBehindOneThatEndsInAHoleIsCopiedWhole) {
+  for (const char* name : {"from/1", "from/2"}) {
+    fs::resize_file(folder.write(name, "start"), kHole);
+  }
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  for (const char* name : {"to/1", "to/2"}) EXPECT_EQ(folder.read(name).substr(0, 5), "start");
+}
+
 TEST_F(FileTree, AFileThatIsNothingButAHoleIsCopied) {
   makeWithHoles(folder / "from", kHole + 1, {});
   EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
