@@ -27,8 +27,11 @@ using List = std::unique_ptr<void, FreeList>;
 
 Value valueOf(plist_t node);
 
+// The list is nothing then, and nobody is told why.
+[[noreturn]] void raiseDamage() { throw Exception("a property list is damaged"); }
+
 std::string checkedText(const std::string& text) {
-  if (!isUtf8(text)) throw Exception("a property list's text is not UTF-8");
+  if (!isUtf8(text)) raiseDamage();
   return text;
 }
 
@@ -64,7 +67,7 @@ Value integerOf(plist_t node) {
   const auto signedNumber = static_cast<std::int64_t>(number);
   if (signedNumber >= 0) return Value::integer(signedNumber);
   std::string digits = contentOf(node, "integer");
-  if (digits.empty()) throw Exception("a property list's integer cannot be told");
+  if (digits.empty()) raiseDamage();
   return Value::number(std::move(digits));
 }
 
@@ -93,7 +96,7 @@ Value dateOf(plist_t node) {
   const std::string text = contentOf(node, "date");
   std::tm time = {};
   if (::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time) == nullptr) {
-    throw Exception("a property list's date is damaged: " + text);
+    raiseDamage();
   }
   return Date{::timegm(&time)};
 }
@@ -146,7 +149,7 @@ Value valueOf(plist_t node) {
     case PLIST_DATA:
       return dataOf(node);
     default:
-      throw Exception("a property list holds something of no known kind");
+      raiseDamage();
   }
 }
 

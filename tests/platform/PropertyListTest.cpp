@@ -332,6 +332,10 @@ TEST_F(PropertyList, ADateOfFiveDigitsIsDamage) {
   EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", late})).isNothing());
 }
 
+TEST_F(PropertyList, ATextThatIsNotUtf8IsDamageInABinaryListToo) {
+  EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", "R\xC3("})).isNothing());
+}
+
 TEST_F(PropertyList, AListInsideAListOrAKeyOfNoDictionaryIsDamage) {
   EXPECT_TRUE(read("<plist><plist><dict/></plist></plist>").isNothing());
   EXPECT_TRUE(read("<plist><key>a</key><dict/></plist>").isNothing());

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <sys/uio.h>
 #include <sys/utsname.h>
 
 namespace kelvane::test {
@@ -66,6 +67,8 @@ KELVANE_REFUSABLE(off_t, lseek, (int file, off_t offset, int from), (file, offse
 KELVANE_REFUSABLE(ssize_t, read, (int file, void* room, std::size_t size), (file, room, size))
 KELVANE_REFUSABLE(ssize_t, write, (int file, const void* bytes, std::size_t size),
                   (file, bytes, size))
+KELVANE_REFUSABLE(ssize_t, writev, (int file, const iovec* pieces, int count),
+                  (file, pieces, count))
 KELVANE_REFUSABLE(ssize_t, sendfile, (int to, int from, off_t* offset, std::size_t size),
                   (to, from, offset, size))
 KELVANE_REFUSABLE(ssize_t, copy_file_range,

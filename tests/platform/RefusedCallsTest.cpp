@@ -62,6 +62,18 @@ TEST_F(Refused, AFileThatCannotBeLookedAtIsNotAppendedTo) {
   EXPECT_FALSE(FileEnd(path).isOpen());
 }
 
+// The system tells of bytes that it has taken, and takes them from nowhere here.
+TEST_F(Refused, AppendingGoesOnBehindWhatTheSystemTook) {
+  const std::pair<long, const char*> cases[] = {{0, "abcdefghi"}, {2, "cdefghi"}, {6, "ghi"},
+                                                {7, "hi"},        {8, "i"},       {9, ""}};
+  for (const auto& [taken, rest] : cases) {
+    const std::string path = write("file", "");
+    const RefusedCall tookSome("writev", 1, 0, taken);
+    FileEnd(path).append(std::vector<std::string_view>{"abcdef", "ghi"});
+    EXPECT_EQ(folder.read("file"), rest) << taken;
+  }
+}
+
 TEST_F(Refused, AKnownFileThatEndsEarlyIsReadAnew) {
   const std::string path = write("file", "12345");
   const RefusedCall ended("read", 1, 0);
