@@ -38,6 +38,7 @@ class Mutants(unittest.TestCase):
 
     def test_a_text_gets_a_character(self):
         self.assertEqual(mutated('a = "b";'), ['a = "b~";'])
+        self.assertEqual(mutated('a = "b:";'), ['a = "~b:";'])
         self.assertEqual(changes('extern "C" {}'), [])
 
     def test_calls_assignments_and_ways_out_are_dropped(self):

@@ -113,7 +113,9 @@ def _of_token(tokens, index):
     if token.kind == "character" and re.fullmatch("'[!-~]'", token.text):
         return becomes("constant", "'~'" if token.text != "'~'" else "'!'")
     if token.kind == "string" and token.text.startswith('"') and before != "extern":
-        return becomes("text", token.text[:-1] + '~"')
+        # Of a name such as "syncFiles:withTarget:" nobody sees the end.
+        is_name = token.text.endswith(':"')
+        return becomes("text", '"~' + token.text[1:] if is_name else token.text[:-1] + '~"')
     return []
 
 
