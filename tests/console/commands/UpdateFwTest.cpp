@@ -202,7 +202,9 @@ TEST_F(UpdateFw, DamagedJobFileStartsNoWorker) {
   folder.write(test::kJobFile, "[{");
   EXPECT_EQ(run(), kJobFileFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / test::kJobFile) +
-                                " is damaged (no JSON array): left as it is\n");
+                                " is not JSON: line 1, column 3: unexpected end of input; expected "
+                                "string literal. It is left "
+                                "as it is; see \"kelvane-console check\"\n");
   EXPECT_EQ(folder.read(test::kJobFile), "[{");
 }
 
