@@ -217,7 +217,7 @@ TEST_F(Jobs, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
   EXPECT_EQ(messages.str(),
             "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "
             "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
-            "still be going on in a controller, then submit the job again\n");
+            "still be going on in a controller; then \"kelvane-console retry 2\" adds it anew\n");
 }
 
 // A job that flashed one controller, failed at the next and did not start the third.

@@ -128,5 +128,16 @@ TEST_F(JobFileLockTest, AKilledConsoleLeavesTheFileWholeAndNoLock) {
   EXPECT_EQ(*seen.rbegin(), "[]");
 }
 
+TEST_F(JobFileLockTest, ALongWaitingIsToldOnce) {
+  int told = 0;
+  for (const int releaseTime : {900, 4000}) {
+    held = lock(folder / kLocked);
+    time = std::chrono::milliseconds(0);
+    releasedAt = std::chrono::milliseconds(releaseTime);
+    const JobFileLock had(folder / kLocked, *this, [&told] { ++told; });
+    EXPECT_EQ(told, releaseTime < 1000 ? 0 : 1);
+  }
+}
+
 }  // namespace
 }  // namespace kelvane::console
