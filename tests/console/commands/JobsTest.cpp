@@ -169,6 +169,22 @@ TEST_F(Jobs, ADamagedJobFileIsTold) {
   EXPECT_EQ(messages.str(), message + message + message);
 }
 
+TEST_F(Jobs, AJobFileThatIsNoListOrHasANumberBeyondAllRangeIsTold) {
+  const std::string path = folder / test::kJobFile;
+  constexpr char kLeft[] = ". It is left as it is; see \"kelvane-console check\"\n";
+  folder.write(test::kJobFile, "{}");
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: " + path + " is an object, not an array of records" + kLeft);
+  messages.str("");
+  folder.write(test::kJobFile, "[1e400]");
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(messages.str(), "kelvane-console: " + path +
+                                " cannot be read: the number 1e400 in line 1, column 2 is beyond "
+                                "the range of a double" +
+                                kLeft);
+}
+
 TEST_F(Jobs, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
   EXPECT_EQ(runShow("2"), kSuccess);
   EXPECT_EQ(shown.str().substr(0, shown.str().find('{')),
@@ -271,22 +287,6 @@ TEST_F(Jobs, WatchOfAWaitingJobWithoutAWorkerSaysSoAlsoAtItsInterrupt) {
             "no worker is seen; the job goes on when one is started with its log id\n");
   EXPECT_NE(messages.str().find("interrupted: job 4 is waiting, and no worker for it is seen; "),
             std::string::npos);
-}
-
-TEST_F(Jobs, AJobFileThatIsNoListOrHasANumberBeyondAllRangeIsTold) {
-  const std::string path = folder / test::kJobFile;
-  constexpr char kLeft[] = ". It is left as it is; see \"kelvane-console check\"\n";
-  folder.write(test::kJobFile, "{}");
-  EXPECT_EQ(runList(), kJobFileFailed);
-  EXPECT_EQ(messages.str(),
-            "kelvane-console: " + path + " is an object, not an array of records" + kLeft);
-  messages.str("");
-  folder.write(test::kJobFile, "[1e400]");
-  EXPECT_EQ(runList(), kJobFileFailed);
-  EXPECT_EQ(messages.str(), "kelvane-console: " + path +
-                                " cannot be read: the number 1e400 in line 1, column 2 is beyond "
-                                "the range of a double" +
-                                kLeft);
 }
 
 }  // namespace
