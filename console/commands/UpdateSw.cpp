@@ -63,13 +63,17 @@ std::string versionText(const std::string& bundle) {
   return version.empty() ? "an unknown version" : "version " + version;
 }
 
-// What is to be done. Of a worker that is not the bundle's it is not known where.
-std::string intention(const std::string& installed, const std::string& package) {
-  const std::string version = versionText(package);
+// Of a worker that is not the bundle's the settings are not known.
+std::string whyNotKnown(const JobOptions& job) {
+  return job.bundle.empty() ? "no bundle is given"
+                            : productSettingsPath(job.bundle) + " names no application";
+}
+
+std::string intention(const std::string& installed, const UpdateSwOptions& options) {
+  const std::string version = versionText(options.package);
   if (installed.empty()) {
-    return "which application the worker replaces, and which version, is not known, as no bundle "
-           "is given: " +
-           version + " is to take its place";
+    return "which application the worker replaces, and which version, is not known, as " +
+           whyNotKnown(options.job) + ": " + version + " is to take its place";
   }
   if (!platform::exists(installed)) {
     return installed + ": " + version + " is to be installed where nothing stands";
@@ -80,17 +84,19 @@ std::string intention(const std::string& installed, const std::string& package) 
 // Says what is to be done, and asks before an application goes.
 void announce(const std::string& installed, const UpdateSwOptions& options,
               const Surroundings& surroundings) {
-  showNotice(intention(installed, options.package), options.job.noWait, surroundings.screen);
+  showNotice(intention(installed, options), options.job.noWait, surroundings.screen);
   if (options.yes || (!installed.empty() && !platform::exists(installed))) return;
   requireConfirmed("Remove the application and install the new one?", surroundings);
 }
 
 // As far as that can be told.
-std::string faultAfterwards(const std::string& installed, const std::string& package) {
-  if (!installed.empty()) return installationFault(package, installed);
+std::string faultAfterwards(const std::string& installed, const UpdateSwOptions& options) {
+  if (!installed.empty()) return installationFault(options.package, installed);
   return "whether the application was replaced is not known: the worker's result tells nothing of "
-         "it, and no bundle is given. Look at the application; with its bundle in --bundle it is "
-         "compared with the package";
+         "it, and " +
+         whyNotKnown(options.job) +
+         ". Look at the application; with the worker's bundle in --bundle it is compared with the "
+         "package";
 }
 
 // For machines, behind the record.
@@ -148,7 +154,7 @@ int install(const UpdateSwOptions& options, const Submits& submit,
   const std::optional<Look> finished = submit();
   if (!finished) return kSuccess;
   const Screen& screen = surroundings.screen;
-  const std::string fault = faultAfterwards(installed, options.package);
+  const std::string fault = faultAfterwards(installed, options);
   if (screen.json) showInstallation(installed, options, replaced, *finished, fault, screen);
   requireInstalled(fault, options, *finished);
   if (!screen.json) {

@@ -182,8 +182,8 @@ TEST_F(UpdateSwOfAWorker, WhatCannotBeComparedIsNoSuccess) {
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(messages.str(),
             "kelvane-console: whether the application was replaced is not known: the worker's "
-            "result tells nothing of it, and no bundle is given. Look at the application; with its "
-            "bundle in --bundle it is compared with the package\n");
+            "result tells nothing of it, and no bundle is given. Look at the application; with the "
+            "worker's bundle in --bundle it is compared with the package\n");
   EXPECT_EQ(shownAtTheEnd(), "result 0: the text\n");
 }
 
