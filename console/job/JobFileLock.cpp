@@ -53,7 +53,7 @@ JobFileLock::JobFileLock(const std::string& jobFile, Clock& clock,
       isToTell = false;
     }
     if (waited > kLockPatience) {
-      throw Failure(kBusy, "another console keeps the job file locked (" + lockPath(jobFile) +
+      throw Failure(kBusy, "another program keeps the job file locked (" + lockPath(jobFile) +
                                "); nothing was changed");
     }
     if (!clock.wait(kLockInterval)) {

@@ -21,7 +21,7 @@ inline constexpr std::chrono::milliseconds kLockTold(1000);  // a longer waiting
 class JobFileLock {
  public:
   // Waits until no other console has it. The folder of the job file is made where it is missing.
-  // Raises Failure where the lock cannot be had: kBusy where another console keeps it,
+  // Raises Failure where the lock cannot be had: kBusy where another program keeps it,
   // kJobFileFailed where the file cannot be made, kInterrupted. `tellWaiting` is called once where
   // the waiting takes long.
   JobFileLock(const std::string& jobFile, Clock& clock,

@@ -72,7 +72,7 @@ TEST_F(JobFileLockTest, WaitsForTheOtherConsole) {
 TEST_F(JobFileLockTest, AConsoleThatWasStoppedIsNotWaitedForForEver) {
   held = lock(folder / kLocked);
   EXPECT_EQ(codeOfLocking(), kBusy);
-  EXPECT_EQ(message, "another console keeps the job file locked (" + (folder / kLocked) +
+  EXPECT_EQ(message, "another program keeps the job file locked (" + (folder / kLocked) +
                          ".lock); nothing was changed");
 }
 
