@@ -8,11 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "console/checks/JsonMistake.h"
+#include "console/job/JsonMistake.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Json.h"
-#include "platform/Utf8.h"
 
 namespace kelvane::console {
 namespace {
@@ -20,17 +19,6 @@ namespace {
 int modeOf(Access access) {
   if (access == Access::read) return R_OK;
   return access == Access::write ? W_OK : X_OK;
-}
-
-// Why there is no value in the file's text, behind the file's path.
-std::string whyNotRead(const std::string& text) {
-  if (text.empty()) return " is not JSON: it is empty";
-  if (!platform::isUtf8(text)) return " is not JSON: it is not UTF-8";
-  if (const std::string number = numberOutOfRange(text); !number.empty()) {
-    return " cannot be read: " + number + " is beyond the range of a double";
-  }
-  const std::string mistake = jsonMistake(text);
-  return " is not JSON: " + (mistake.empty() ? "it holds a NUL byte" : mistake);
 }
 
 std::string nearestFolder(std::string folder) {
@@ -119,7 +107,7 @@ JsonFile readJsonFile(const std::string& path) {
   try {
     const std::string text = platform::readFile(path);
     platform::Value value = platform::parseJson(text);
-    if (value.isNothing()) return {{}, path + whyNotRead(text)};
+    if (value.isNothing()) return {{}, path + whyNoJson(text)};
     return {value, ""};
   } catch (const platform::Exception& unreadable) {
     return {{}, unreadable.what()};

@@ -19,11 +19,7 @@ namespace {
 // The update engine's folder for this job; empty where there is none or the job is finished.
 std::string engineFolder(const Value& record) {
   if (!record.isDictionary() || record.get(job::kStateId) == Value(job::kFree)) return {};
-  const Value& inputs = record.get(job::kInputParameters);
-  const bool isList = inputs.isArray() && inputs.count() > 0;
-  const Value& parameters = isList ? inputs.at(0) : inputs;
-  if (!parameters.isDictionary()) return {};
-  return stringOf(parameters.get(job::kFolder));
+  return engineFolderOf(record.get(job::kInputParameters));
 }
 
 }  // namespace

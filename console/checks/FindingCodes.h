@@ -34,6 +34,8 @@
   FINDING(jobNotWhole, "job-not-whole", "the record of a finished job lacks a key")                \
   FINDING(imageUnusable, "image-unusable",                                                         \
           "the image of a job that is not finished is not there or cannot be read")                \
+  FINDING(packageUnusable, "package-unusable",                                                     \
+          "the package of an installation that is not finished is not there or no application")    \
   FINDING(engineFolderInUse, "engine-folder-in-use",                                               \
           "the update engine's folder of a job that is not finished holds other files")            \
   FINDING(twoWorkers, "two-workers", "two workers run on the shared folder")                       \

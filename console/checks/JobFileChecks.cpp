@@ -126,9 +126,10 @@ Findings leftoverFindings(const std::string& path) {
     std::string leftover = folder;
     leftover.append("/").append(name);
     findings.push_back({Code::jobFileLeftover, Severity::warning, leftover + " is left over",
-                        "A worker was killed, or the computer went down, while it wrote the job "
-                        "file. The job file itself is whole.",
-                        "Delete it. Look for a job that is still in state RUN.", path});
+                        "A worker or a console was killed, or the computer went down, while it "
+                        "wrote the job file. The job file itself is whole.",
+                        "Delete it. If it was a worker, its job is still in state RUN or WAIT.",
+                        path});
   }
   return findings;
 }

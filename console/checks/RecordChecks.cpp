@@ -5,9 +5,11 @@
 #include <iterator>
 #include <map>
 
+#include "console/application/Application.h"
 #include "console/checks/ImageChecks.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
+#include "platform/File.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {
@@ -122,6 +124,12 @@ std::string commandFault(const std::string& command, const Value& inputs) {
 
 // --- one record
 
+std::string packagePathFault(const std::string& path) {
+  const bool isRelative = !path.empty() && path.front() != '/';
+  return isRelative ? " is relative: it is looked for in the worker's current folder"
+                    : packageFault(path);
+}
+
 bool isInState(const Value& record, const char* state) {
   const Value& found = record.get(job::kStateId);
   return found.isString() && found.string() == state;
@@ -187,11 +195,12 @@ class Records {
         takeFinished(record, job);
       }
     } else if (!fault.empty() || isInState(record, job::kWait)) {
-      takeUnwritten(record, job);
+      const bool isTaken = takeUnwritten(record, job);
       if (const std::string why = whyNotStarted(record); !why.empty()) {
         addFaulty(job, why, meaningOf(record));
-      } else if (workerRuns_ && record.get(job::kJobId).string() == job::kUpdateFW) {
-        takeImages(record.get(job::kInputParameters), job);
+      } else {
+        takeImages(record, job);
+        if (!isTaken) takePackage(record, job);
       }
     } else if (isInState(record, job::kRun)) {
       takeRunning(record, job);
@@ -224,8 +233,27 @@ class Records {
     }
   }
 
+  // Of a copy only that none is named.
+  void takePackage(const Value& record, const std::string& job) {
+    if (record.get(job::kJobId) != Value(job::kUpdateSW)) return;
+    const std::string& package = record.get(job::kInputParameters).get(job::kFilePath).string();
+    if (!workerRuns_ && !package.empty()) return;
+    const std::string fault = packagePathFault(package);
+    if (fault.empty()) return;
+    add(Code::packageUnusable, Severity::error,
+        job + ": the package" + (package.empty() ? "'s path" : ", " + package + ",") + fault,
+        std::string("The worker looks at nothing beforehand: it removes the application and ") +
+            (platform::exists(package) ? "copies this to its place" : "copies nothing") +
+            ", with result 0 all the same.",
+        "Do not start it: remove the record, and add the job anew with the absolute path of the "
+        "new application's bundle.");
+    findings_.back().path = package;
+  }
+
   // An image that is not there ends the job at its controller, behind those that were flashed.
-  void takeImages(const Value& inputs, const std::string& job) {
+  void takeImages(const Value& record, const std::string& job) {
+    if (!workerRuns_ || record.get(job::kJobId) != Value(job::kUpdateFW)) return;
+    const Value& inputs = record.get(job::kInputParameters);
     for (std::size_t i = 0; i < inputs.count(); ++i) {
       const std::string& image = inputs.at(i).get(job::kFilePath).string();
       const std::string fault = imageFault(image);
@@ -248,16 +276,18 @@ class Records {
         "Mend what kept the file from being written, then remove the record or leave it.");
   }
 
-  void takeUnwritten(const Value& record, const std::string& job) {
-    if (workerRuns_ && workerRuns_(record.get(job::kLogId).string())) return;
+  // Whether a worker has taken it.
+  bool takeUnwritten(const Value& record, const std::string& job) {
+    if (workerRuns_ && workerRuns_(record.get(job::kLogId).string())) return true;
     const LogStretch log = logOf_(record);
-    if (!mayHaveBeenDone(record, log)) return;
+    if (!mayHaveBeenDone(record, log)) return false;
     add(Code::jobUnwritten, Severity::error,
         job + " is in state WAIT, and the log holds steps of it",
         "A worker took it and could not write what became of it: " +
             whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep + "\".",
         "Mend what keeps the job file from being written. Look what was done before the job is "
         "added anew under another log_id, and remove this record.");
+    return true;
   }
 
   void takeRunning(const Value& record, const std::string& job) {

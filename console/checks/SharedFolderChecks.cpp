@@ -24,10 +24,16 @@ using platform::Value;
 
 namespace {
 
+// With "/" at its end nothing but a folder is there.
+std::string withoutSlashes(const std::string& folder) {
+  const std::size_t last = folder.find_last_not_of('/');
+  return last == std::string::npos ? folder : folder.substr(0, last + 1);
+}
+
 Findings folderFindings(const std::string& folder) {
   constexpr char kMeaning[] = "The worker finds no job and starts nothing.";
   constexpr char kAdvice[] = "Name the folder that the application shares with the worker.";
-  const EntryKind kind = kindOf(folder);
+  const EntryKind kind = kindOf(withoutSlashes(folder));
   if (kind == EntryKind::missing) {
     return {{Code::sharedFolderMissing, Severity::error,
              "the shared folder " + folder + " does not exist", kMeaning, kAdvice}};

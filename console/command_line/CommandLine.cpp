@@ -83,6 +83,12 @@ void add(CLI::App& app, const Option& option, Given& given) {
 
 // --- what was given at all places together
 
+void requireNoEmptyValue(const std::string& key, const Given::Values& values) {
+  for (const std::string& value : values) {
+    if (value.empty()) throw Failure(kBadUsage, key + " is given without a value");
+  }
+}
+
 void requireOneValue(const Option& option, const Given& given) {
   const std::string& key = option.names.back();
   const Given::Values& values = given.texts(key);
@@ -170,6 +176,7 @@ int Parser::run() const {
   given.addFrom(general_);
   for (const Option& option : command.options) {
     if (option.kind == ValueKind::none) continue;
+    requireNoEmptyValue(option.names.back(), given.texts(option.names.back()));
     if (!option.repeated) requireOneValue(option, given);
     lookIntoEnvironment(option, given);
     requireGiven(command, option, given);
@@ -189,12 +196,32 @@ std::string subCommandIn(const CommandTable& table, int argc, const char* const*
   return {};
 }
 
+// Of an argument that is missing the parser knows only its key, not how the help shows it.
+std::string missingArgument(const CommandTable& table, const CLI::App& app,
+                            const CLI::ParseError& error) {
+  if (error.get_name() != "RequiredError" || app.get_subcommands().empty()) return {};
+  const Command& command = commandNamed(app.get_subcommands().front()->get_name(), table);
+  for (const Option& argument : command.arguments) {
+    if (error.what() != argument.names.back() + " is required") continue;
+    return command.name + " needs " + argument.valueName +
+           "\nRun with --help for more information.\n";
+  }
+  return {};
+}
+
 // Tells of bad usage, or shows the help; the exit code.
-int answer(const CLI::App& app, const CLI::ParseError& error, const std::string& subCommand) {
+int answer(const CLI::App& app, const CLI::ParseError& error, const CommandTable& table,
+           const std::string& subCommand) {
   std::ostringstream out;
   std::ostringstream err;
+  if (error.get_exit_code() != 0) err << table.name << ": ";
   if (!subCommand.empty() && app.get_subcommands().empty()) {
     err << "there is no sub-command " << displayText(subCommand, Charset::ascii) << '\n';
+  }
+  const std::string missing = missingArgument(table, app, error);
+  if (!missing.empty()) {
+    std::cerr << fittedLines(err.str() + missing, columnsOfStandardError());
+    return kBadUsage;
   }
   const int exitCode = app.exit(error, out, err);
   std::cout << fittedLines(out.str(), screenOfStandardOutput(std::cout, false).columns);
@@ -209,7 +236,7 @@ int CommandLine::run(int argc, const char* const* argv) const {
   try {
     parser.app().parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return answer(parser.app(), error, subCommandIn(table_, argc, argv));
+    return answer(parser.app(), error, table_, subCommandIn(table_, argc, argv));
   }
   return parser.run();
 }

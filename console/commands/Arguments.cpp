@@ -39,7 +39,9 @@ std::string asPrefix(const std::string& folder) {
 std::string existingShared(const std::string& folder) {
   std::string prefix = asPrefix(folder);
   if (!platform::isFolder(prefix)) {
-    throw Failure(kBadUsage, "the shared folder " + folder + " does not exist");
+    const bool isThere = platform::exists(withoutSlashAtEnd(folder));
+    throw Failure(kBadUsage,
+                  "the shared folder " + folder + (isThere ? " is no folder" : " does not exist"));
   }
   return prefix;
 }

@@ -124,6 +124,12 @@ std::vector<Option> placesAndJson() {
   return options;
 }
 
+std::string noJobsText(const ListOptions& options) {
+  const bool isNoneWanted = !options.last.empty() && countIn(options.last, kLastOption) == 0;
+  if (isNoneWanted) return std::string(kLastOption) + " 0 shows no jobs";
+  return options.failed ? "no failed jobs" : "no jobs";
+}
+
 }  // namespace
 
 int list(const ListOptions& options, const Screen& screen) {
@@ -136,7 +142,7 @@ int list(const ListOptions& options, const Screen& screen) {
       screen.out << jsonLine(forMachines(job)) << '\n';
     }
   } else if (jobs.empty()) {
-    showLines({options.failed ? "no failed jobs" : "no jobs"}, screen);
+    showLines({noJobsText(options)}, screen);
   } else {
     showTable(tableOf(jobs), screen);
     tellWhatWasNotLookedAt(places, screen);

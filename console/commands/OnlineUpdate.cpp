@@ -1,11 +1,13 @@
 #include "console/commands/OnlineUpdate.h"
 
 #include <filesystem>
+#include <system_error>
 
 #include "console/commands/Arguments.h"
 #include "console/commands/Given.h"
 #include "console/display/Packages.h"
 #include "console/job/ExitCode.h"
+#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 #include "platform/File.h"
 #include "platform/Value.h"
@@ -19,19 +21,15 @@ namespace {
 // The version that is asked for where none is given: below all others.
 constexpr char kNoVersion[] = "0";
 
-// The worker removes the folder with everything in it once its files are in the download area.
+// The console's own for the engine.
+std::string usualFolder(const std::string& sharedFolder) {
+  return absolutePath(asPrefix(sharedFolder) + "tmp/EngineRunner", "shared folder");
+}
+
 std::string engineFolder(const JobOptions& job, const EngineOptions& engine) {
-  if (engine.folder.empty()) {
-    return absolutePath(asPrefix(job.sharedFolder) + "tmp/EngineRunner", "shared folder");
-  }
+  if (engine.folder.empty()) return usualFolder(job.sharedFolder);
   std::string folder = absolutePath(engine.folder, "folder");
-  if (platform::exists(folder) && !platform::isFolder(folder)) {
-    throw Failure(kBadUsage, "folder " + folder + " is a file");
-  }
-  if (!platform::listFolder(folder).empty()) {
-    throw Failure(kBadUsage,
-                  "folder " + folder + " is not empty: it would be removed with everything in it");
-  }
+  requireFreeFolder(folder, job.sharedFolder);
   return folder;
 }
 
@@ -99,6 +97,19 @@ int runDownload(const Given& given, const Surroundings& surroundings) {
 
 }  // namespace
 
+void requireFreeFolder(const std::string& folder, const std::string& sharedFolder) {
+  if (platform::exists(folder) && !platform::isFolder(folder)) {
+    throw Failure(kBadUsage, "folder " + folder + " is a file");
+  }
+  std::error_code unknown;
+  if (platform::listFolder(folder).empty() ||
+      std::filesystem::equivalent(folder, usualFolder(sharedFolder), unknown)) {
+    return;
+  }
+  throw Failure(kBadUsage,
+                "folder " + folder + " is not empty: it would be removed with everything in it");
+}
+
 int query(const QueryOptions& options, const Surroundings& surroundings) {
   const std::string folder = engineFolder(options.job, options.engine);
   const Value inputs =
@@ -106,14 +117,16 @@ int query(const QueryOptions& options, const Surroundings& surroundings) {
                         options.engine.url, folder);
   const std::optional<Look> finished =
       runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
-  return finished ? endOfQuery(*finished, surroundings.screen) : kSuccess;
+  return finished ? endOfQuery(*finished, options.job.sharedFolder, surroundings.screen) : kSuccess;
 }
 
-int endOfQuery(const Look& finished, const Screen& screen) {
-  if (!finished.record.get(job::kOutput).isArray()) {
-    throw Failure(kJobFailed, "the update engine left no catalogue");
-  }
-  return endOfDownload(finished, screen);
+int endOfQuery(const Look& finished, const std::string& sharedFolder, const Screen& screen) {
+  if (finished.record.get(job::kOutput).isArray()) return endOfDownload(finished, screen);
+  // With another result than 0 it was shown already.
+  const bool isTold = !finished.status.hasSucceeded() && !screen.json;
+  throw Failure(kJobFailed, "the update engine left no catalogue",
+                isTold ? std::vector<std::string>()
+                       : standardErrorInShort(existingShared(sharedFolder), finished.status.logId));
 }
 
 int download(const DownloadOptions& options, const Surroundings& surroundings) {

@@ -88,14 +88,14 @@ class Choice {
   std::size_t keep_;
 };
 
-// The log ids of the records that are no longer there, each once.
+// The log ids of the records that are no longer there, each as often as it was there.
 LogIds removedFrom(const Value& before, const Value& after) {
   LogIds removed;
   auto left = after.elements().begin();
   for (const Value& record : before.elements()) {
     if (left != after.elements().end() && *left == record) {
       ++left;
-    } else if (!isIn(removed, logIdOf(record))) {
+    } else {
       removed.push_back(logIdOf(record));
     }
   }
@@ -117,16 +117,28 @@ LogIds removeFrom(const JobFile& file, const Choice& choice) {
   return removed;
 }
 
+std::string removedText(const std::string& logId, std::ptrdiff_t records) {
+  const std::string several = std::to_string(records) + " records";
+  if (logId.empty()) return (records == 1 ? "a record" : several) + " without a log id";
+  return "job " + logId + (records == 1 ? "" : " (" + several + ")");
+}
+
 void showRemoved(const LogIds& removed, const Screen& screen) {
+  LogIds different;
+  for (const std::string& logId : removed) {
+    if (!isIn(different, logId)) different.push_back(logId);
+  }
   if (screen.json) {
     Value all = Value::array();
-    for (const std::string& logId : removed) all.append(displayText(logId, Charset::utf8));
+    for (const std::string& logId : different) all.append(displayText(logId, Charset::utf8));
     screen.out << jsonLine(Value::dictionary({{"removed", all}})) << std::endl;
     return;
   }
   if (removed.empty()) screen.out << "nothing to remove" << std::endl;
-  for (const std::string& logId : removed) {
-    screen.out << "removed job " << displayText(logId, screen.charset) << std::endl;
+  for (const std::string& logId : different) {
+    const auto records = std::count(removed.begin(), removed.end(), logId);
+    screen.out << "removed " << displayText(removedText(logId, records), screen.charset)
+               << std::endl;
   }
 }
 

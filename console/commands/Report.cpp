@@ -115,6 +115,7 @@ constexpr char kOutput[] = "--output";
 constexpr char kRedact[] = "--redact";
 
 int runReport(const Given& given, const Screen& screen) {
+  if (given.has(kLogIdArgument)) requireText(given.text(kLogIdArgument), "the log id");
   return report({.sharedFolder = given.text(kSharedOption),
                  .bundle = given.text(kBundleOption),
                  .logId = given.text(kLogIdArgument),

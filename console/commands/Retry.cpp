@@ -13,6 +13,7 @@
 #include "console/commands/UpdateSw.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobStatus.h"
+#include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -44,9 +45,17 @@ Value recordOf(const JobFile& file, const std::string& logId) {
   return record;
 }
 
+// What the update engine gets may have been somebody's folder from the beginning, or since.
+void requireEnginesFolder(const Value& record, const RetryOptions& options) {
+  const Value& command = record.get(job::kJobId);
+  if (command == Value(job::kUpdateFW) || command == Value(job::kUpdateSW)) return;
+  requireFreeFolder(engineFolderOf(record.get(job::kInputParameters)), options.job.sharedFolder);
+}
+
 // A record that waits is not made twice: the application may start it, too.
 Value putIn(const JobFile& file, const RetryOptions& options) {
   Value record = recordOf(file, options.logId);
+  requireEnginesFolder(record, options);
   if (statusOf(record).state != job::kWait) {
     return file.add({options.job.logId, record.get(job::kJobId).string(),
                      record.get(job::kInputParameters), otherKeys(record)});
@@ -63,9 +72,10 @@ void requireImages(const Value& inputs) {
   for (const Value& input : inputs.elements()) existingImage(input.get(job::kFilePath).string());
 }
 
-int endOf(const std::optional<Look>& finished, const std::string& command, const Screen& screen) {
+int endOf(const std::optional<Look>& finished, const std::string& command,
+          const std::string& sharedFolder, const Screen& screen) {
   if (!finished) return kSuccess;
-  if (command == job::kGetOnlineUpdateData) return endOfQuery(*finished, screen);
+  if (command == job::kGetOnlineUpdateData) return endOfQuery(*finished, sharedFolder, screen);
   if (command == job::kDownloadOnlineUpdateFile) return endOfDownload(*finished, screen);
   return exitCodeOf(*finished);
 }
@@ -96,7 +106,7 @@ int retry(const RetryOptions& options, const Surroundings& surroundings) {
     requireImages(inputs);
     if (!options.yes) announceUpdate(options.job, inputs, surroundings);
   }
-  return endOf(submit(), command, surroundings.screen);
+  return endOf(submit(), command, options.job.sharedFolder, surroundings.screen);
 }
 
 Command retryCommand() {

@@ -80,6 +80,9 @@ std::string jsonOf(const LogEntry& entry, bool isMixed) {
 }
 
 std::string nothingText(const ShowLogOptions& options) {
+  if (!options.tail.empty() && countIn(options.tail, kTail) == 0) {
+    return std::string(kTail) + " 0 shows no entries";
+  }
   std::string text = "no entries";
   if (!options.function.empty()) text.append(" of ").append(options.function);
   if (!options.logId.empty()) text.append(" of job ").append(options.logId);

@@ -67,7 +67,8 @@ TurnWish turnWishOf(const JobOptions& options, const std::string& sharedFolder) 
   }
   TurnWish wish = {.sharedFolder = sharedFolder,
                    .bundle = options.bundle,
-                   .advice = "--wait waits for the end, --even-so submits all the same"};
+                   .advice = "--wait waits for the end, --even-so submits all the same",
+                   .noticesApart = options.noWait};
   if (options.wait) wish.whenBusy = WhenBusy::wait;
   if (options.evenSo) wish.whenBusy = WhenBusy::goOn;
   return wish;
@@ -134,15 +135,6 @@ void showStandardError(const std::string& sharedFolder, const Look& finished,
   }
 }
 
-// Quoted for a shell where it needs to be.
-std::string quoted(const std::string& word) {
-  if (word.find_first_not_of("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                             "/._-+,:@%") == std::string::npos) {
-    return word;
-  }
-  return shellQuoted(word);
-}
-
 // What a worker that is gone has said.
 std::vector<std::string> lastWords(const std::string& sharedFolder, const std::string& logId) {
   discardSilence(sharedFolder, logId);
@@ -175,7 +167,7 @@ void requireFinished(const Followed& followed, const std::string& logId,
                         (status.hasNoWorker ? job + " is waiting, and no worker for it is seen"
                                             : "the worker goes on with " + job) +
                         "; follow it again with: kelvane-console watch --shared " +
-                        quoted(sharedFolder) + " " + quoted(logId));
+                        asShellWord(sharedFolder) + " " + asShellWord(logId));
   }
 }
 

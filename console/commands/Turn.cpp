@@ -2,6 +2,7 @@
 
 #include "console/checks/Access.h"
 #include "console/checks/ProcessChecks.h"
+#include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
 #include "console/job/Processes.h"
@@ -21,14 +22,11 @@ std::string whoWorks(const JobFile& file, const TurnWish& wish) {
 }
 
 void awaitOthers(const JobFile& file, const TurnWish& wish, const Surroundings& surroundings) {
-  const Screen& screen = surroundings.screen;
   std::string told;
   for (;;) {
     const std::string others = whoWorks(file, wish);
     if (others.empty()) return;
-    if (others != told && !screen.json) {
-      screen.out << displayText(others, screen.charset) << "; waiting" << std::endl;
-    }
+    if (others != told) showNotice(others + "; waiting", wish.noticesApart, surroundings.screen);
     told = others;
     if (!surroundings.clock.wait(kPollInterval)) {
       throw Failure(kInterrupted, "interrupted while " + others + "; nothing was submitted");
@@ -42,7 +40,11 @@ JobFileLock takeTurn(const JobFile& file, const TurnWish& wish, const Surroundin
   for (;;) {
     // Without the lock, which others may need meanwhile.
     if (wish.whenBusy == WhenBusy::wait) awaitOthers(file, wish, surroundings);
-    JobFileLock lock(file.path(), surroundings.clock);
+    JobFileLock lock(file.path(), surroundings.clock, [&] {
+      showNotice(
+          "another program keeps the job file locked (" + lockPath(file.path()) + "); waiting",
+          wish.noticesApart, surroundings.screen);
+    });
     if (wish.whenBusy == WhenBusy::goOn) return lock;
     const std::string others = whoWorks(file, wish);
     if (others.empty()) return lock;

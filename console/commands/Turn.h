@@ -19,7 +19,8 @@ struct TurnWish {
   std::string sharedFolder = {};  // ends with "/"
   std::string bundle = {};        // empty: nobody is looked for who replaces it
   WhenBusy whenBusy = WhenBusy::refuse;
-  std::string advice = {};  // to whom is refused
+  std::string advice = {};    // to whom is refused
+  bool noticesApart = false;  // whether what is said meanwhile is kept out of the answers
 };
 
 // The job file's lock, taken at a moment when nobody is at work in the shared folder: no worker,

@@ -10,6 +10,8 @@
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Confirmation.h"
 #include "console/commands/Given.h"
+#include "console/display/JsonText.h"
+#include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
 #include "console/job/StandardError.h"
 #include "contract/JobFile.h"
@@ -32,9 +34,9 @@ std::string packagePath(const std::string& path) {
 }
 
 void requireApplication(const std::string& package) {
-  const std::string fault = applicationFault(package);
+  const std::string fault = packageFault(package);
   if (fault.empty()) return;
-  throw Failure(kBadUsage, "package " + package + " is no application bundle: " + fault);
+  throw Failure(kBadUsage, (package.empty() ? "the package's path" : "package " + package) + fault);
 }
 
 // Of a worker that is not the bundle's it is not known which settings it has.
@@ -61,24 +63,63 @@ std::string versionText(const std::string& bundle) {
   return version.empty() ? "an unknown version" : "version " + version;
 }
 
+// Of a worker that is not the bundle's the settings are not known.
+std::string whyNotKnown(const JobOptions& job) {
+  return job.bundle.empty() ? "no bundle is given"
+                            : productSettingsPath(job.bundle) + " names no application";
+}
+
+std::string intention(const std::string& installed, const UpdateSwOptions& options) {
+  const std::string version = versionText(options.package);
+  if (installed.empty()) {
+    return "which application the worker replaces, and which version, is not known, as " +
+           whyNotKnown(options.job) + ": " + version + " is to take its place";
+  }
+  if (!platform::exists(installed)) {
+    return installed + ": " + version + " is to be installed where nothing stands";
+  }
+  return installed + ": " + versionText(installed) + " is to be replaced by " + version;
+}
+
 // Says what is to be done, and asks before an application goes.
 void announce(const std::string& installed, const UpdateSwOptions& options,
               const Surroundings& surroundings) {
-  const Screen& screen = surroundings.screen;
-  const bool replaces = platform::exists(installed);
-  std::string line = installed + ": ";
-  if (replaces) line += versionText(installed) + " is replaced by ";
-  line += versionText(options.package);
-  if (!replaces) line += " is installed where nothing stands";
-  if (!screen.json) screen.out << displayText(line, screen.charset) << std::endl;
-  if (!replaces || options.yes) return;
+  showNotice(intention(installed, options), options.job.noWait, surroundings.screen);
+  if (options.yes || (!installed.empty() && !platform::exists(installed))) return;
   requireConfirmed("Remove the application and install the new one?", surroundings);
 }
 
+// As far as that can be told.
+std::string faultAfterwards(const std::string& installed, const UpdateSwOptions& options) {
+  if (!installed.empty()) return installationFault(options.package, installed);
+  return "whether the application was replaced is not known: the worker's result tells nothing of "
+         "it, and " +
+         whyNotKnown(options.job) +
+         ". Look at the application; with the worker's bundle in --bundle it is compared with the "
+         "package";
+}
+
+// For machines, behind the record.
+void showInstallation(const std::string& installed, const UpdateSwOptions& options,
+                      const std::string& replaced, const Look& finished, const std::string& fault,
+                      const Screen& screen) {
+  Value told = Value::dictionary();
+  if (!installed.empty()) {
+    told.set("path", displayText(installed, Charset::utf8));
+    told.set("is_package", Value::boolean(fault.empty()));
+  }
+  const std::string version = versionOf(options.package);
+  if (!replaced.empty()) told.set("replaced_version", displayText(replaced, Charset::utf8));
+  if (!version.empty()) told.set("package_version", displayText(version, Charset::utf8));
+  if (!fault.empty()) told.set("fault", displayText(fault, Charset::utf8));
+  screen.out << jsonLine(Value::dictionary(
+                    {{job::kLogId, finished.status.logId}, {"console_installation", told}}))
+             << std::endl;
+}
+
 // What the system's tools said is the only trace of what went wrong.
-void requireInstalled(const std::string& installed, const UpdateSwOptions& options,
+void requireInstalled(const std::string& fault, const UpdateSwOptions& options,
                       const Look& finished) {
-  const std::string fault = installationFault(options.package, installed);
   if (fault.empty()) return;
   throw Failure(
       kJobFailed, fault,
@@ -108,16 +149,16 @@ int install(const UpdateSwOptions& options, const Submits& submit,
   requireApplication(options.package);
   requirePlace(installed, options.job);
   refuseOwnPackage(options.package, installed);
-  if (!installed.empty()) announce(installed, options, surroundings);
+  announce(installed, options, surroundings);
+  const std::string replaced = installed.empty() ? "" : versionOf(installed);
   const std::optional<Look> finished = submit();
   if (!finished) return kSuccess;
   const Screen& screen = surroundings.screen;
-  if (!installed.empty()) requireInstalled(installed, options, *finished);
+  const std::string fault = faultAfterwards(installed, options);
+  if (screen.json) showInstallation(installed, options, replaced, *finished, fault, screen);
+  requireInstalled(fault, options, *finished);
   if (!screen.json) {
-    screen.out << (installed.empty() ? "where the application stands is not known: it was not "
-                                       "compared with the package"
-                                     : "installed at " + displayText(installed, screen.charset))
-               << std::endl;
+    screen.out << "installed at " << displayText(installed, screen.charset) << std::endl;
   }
   return exitCodeOf(*finished);
 }
@@ -132,20 +173,22 @@ int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {
 }
 
 Command updateSwCommand() {
-  return {.name = "update-sw",
-          .description = "Replace the installed application by a new one",
-          .options = updateSwOptions(),
-          .arguments = {{.names = {kPackage},
-                         .kind = ValueKind::folder,
-                         .valueName = "APP.app",
-                         .description = "The new application bundle",
-                         .required = true}},
-          .footer =
-              "Afterwards it is compared with the package, unless --no-wait is given.\n"
-              "Example:\n"
-              "  kelvane-console update-sw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
-              "    ~/Shared/tmp/OnlineUpdate/SW/Manager.app",
-          .run = runUpdateSw};
+  return {
+      .name = "update-sw",
+      .description = "Replace the installed application by a new one",
+      .options = updateSwOptions(),
+      .arguments = {{.names = {kPackage},
+                     .kind = ValueKind::folder,
+                     .valueName = "APP.app",
+                     .description = "The new application bundle",
+                     .required = true}},
+      .footer =
+          "Afterwards it is compared with the package, unless --no-wait is given; where no bundle\n"
+          "is given, it cannot be, and the exit status is 1.\n"
+          "Example:\n"
+          "  kelvane-console update-sw --shared ~/Shared --bundle /Manager/Manager.app \\\n"
+          "    ~/Shared/tmp/OnlineUpdate/SW/Manager.app",
+      .run = runUpdateSw};
 }
 
 }  // namespace kelvane::console

@@ -20,7 +20,7 @@ struct UpdateSwOptions {
 // it ends with 0 whatever became of the copying. So the console refuses what is no application,
 // says from which version to which, asks in a terminal before one is removed, and compares what
 // stands there afterwards with the package. Raises Failure like runJob(), where the user says no,
-// and where the two differ.
+// where the two differ, and where it is not known what the worker replaces.
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings);
 
 // The same with a job that is submitted in another way; the package's path is absolute.

@@ -43,14 +43,28 @@ class Rehearsal {
 
   Value unknown(const Value& told) const {
     std::vector<std::string> known;
+    std::vector<std::string> silent;
     for (const ListedDevice& listed : devices_) {
-      if (listed.status == 0) known.push_back(listed.wwn);
+      if (listed.status == 0) {
+        known.push_back(listed.wwn);
+      } else {
+        silent.push_back("device " + std::to_string(listed.id) + " gives " +
+                         statusText(zorapi_, listed.status));
+      }
     }
+    std::string why = "no controller has this WWN, letter by letter; found are ";
+    why += known.empty() ? "none" : joined(known, ", ");
+    // Any of them may be the one: another controller is not suggested then.
+    if (!silent.empty()) return failing(told, why + whatIsSilent(silent));
     const std::string nearest = nearestWwn(told.get(job::kWwn).string(), known);
-    Value answer = failing(told, "no controller has this WWN, letter by letter; found are " +
-                                     (known.empty() ? "none" : joined(known, ", ")));
+    Value answer = failing(told, why);
     if (!nearest.empty()) answer.set(rehearsal::kNearest, nearest);
     return answer;
+  }
+
+  static std::string whatIsSilent(const std::vector<std::string>& silent) {
+    return "; " + joined(silent, ", ") + " instead of a WWN, and may be the one: look at its " +
+           "power and cable";
   }
 
   Value tellOf(const ListedDevice& listed, Value told) const {

@@ -35,6 +35,7 @@ constexpr std::size_t kStackedLines = 1 + std::size(kBars);
 // How the controllers of one job are laid out, the same for all of them.
 struct Plan {
   bool sideBySide = false;
+  bool phaseBelow = false;  // stacked: the phase has no room beside the name
   std::size_t columns = 0;  // of a line
   std::size_t nameColumns = 0;
   std::size_t phaseColumns = kPhaseColumns;
@@ -78,6 +79,8 @@ Plan planFor(const JobStatus& status, std::size_t columns, Charset charset) {
   plan.barColumns = roomAfter(columns, plan.nameColumns + sideBySideRest(plan)) / std::size(kBars);
   plan.sideBySide = plan.barColumns >= kFewestBarColumns;
   if (!plan.sideBySide) {
+    const std::size_t longest = longestName(status);
+    plan.phaseBelow = longest <= columns && longest + kGap.size() + plan.phaseColumns > columns;
     plan.nameColumns = columns;
     plan.barColumns = roomAfter(columns, kGap.size() + kLongestLabel + 1 + kPercentColumns);
   }
@@ -136,8 +139,12 @@ void appendStacked(const ControllerStatus& controller, const Plan& plan,
   const std::string phase = std::string(kGap) + phaseOf(controller);
   const std::size_t room = roomAfter(plan.columns, phase.size());
   const std::string name = displayName(controller.wwn);
-  lines.push_back(room == 0 ? shortened(name, plan.columns, plan.charset)
-                            : shortened(name, room, plan.charset) + phase);
+  if (plan.phaseBelow || room == 0) {
+    lines.push_back(shortened(name, plan.columns, plan.charset));
+  } else {
+    lines.push_back(shortened(name, room, plan.charset) + phase);
+  }
+  if (plan.phaseBelow) lines.push_back(shortened(phase, plan.columns, plan.charset));
   for (const Bar& bar : kBars) {
     std::string line = cutLabel(bar, plan) + barText(controller.*bar.percent, plan);
     if (plan.barColumns == 0) line.resize(std::min(line.size(), plan.columns));
@@ -162,7 +169,8 @@ struct Range {
 };
 
 Range shownIn(const JobStatus& status, std::size_t rows, const Plan& plan) {
-  const std::size_t room = std::max<std::size_t>(rows / (plan.sideBySide ? 1 : kStackedLines), 1);
+  const std::size_t stacked = kStackedLines + (plan.phaseBelow ? 1 : 0);
+  const std::size_t room = std::max<std::size_t>(rows / (plan.sideBySide ? 1 : stacked), 1);
   const std::size_t first = firstShown(status, room);
   return {first, std::min(first + room, status.controllers.size())};
 }

@@ -65,6 +65,13 @@ void showLines(const std::vector<std::string>& lines, const Screen& screen) {
   screen.out.flush();
 }
 
+void showNotice(const std::string& line, bool isApart, const Screen& screen) {
+  if (screen.json) return;
+  const bool isElsewhere = isApart && screen.notices != nullptr;
+  std::ostream& out = isElsewhere ? *screen.notices : screen.out;
+  for (const std::string& part : linesOf(line, screen.columns, screen)) out << part << std::endl;
+}
+
 void showParagraphs(const Heading& heading, const std::vector<Paragraph>& paragraphs,
                     const Screen& screen) {
   showHeading(heading, screen);

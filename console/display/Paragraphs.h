@@ -29,4 +29,8 @@ void showParagraphs(const Heading& heading, const std::vector<Paragraph>& paragr
 // Shows lines of text, each wrapped to the screen's columns.
 void showLines(const std::vector<std::string>& lines, const Screen& screen);
 
+// Shows a line of what is said meanwhile, which is no answer; where the answers are to be alone
+// (`isApart`) not among them. Machines are told nothing.
+void showNotice(const std::string& line, bool isApart, const Screen& screen);
+
 }  // namespace kelvane::console

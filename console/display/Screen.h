@@ -16,6 +16,7 @@ struct Screen {
   bool colour = false;
   bool json = false;                // for machines
   std::istream* answers = nullptr;  // where the user can be asked; null: nobody can be
+  std::ostream* notices = nullptr;  // where others than answers go; not owned; null: to `out`
   int answersFile = -1;             // the same as a descriptor; negative: it has none
 };
 

@@ -11,4 +11,11 @@ std::string shellQuoted(const std::string& text) {
   return quoted + "'";
 }
 
+std::string asShellWord(const std::string& text) {
+  constexpr char kPlain[] =
+      "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz/._-+,:@%";
+  const bool isPlain = !text.empty() && text.find_first_not_of(kPlain) == std::string::npos;
+  return isPlain ? text : shellQuoted(text);
+}
+
 }  // namespace kelvane::console

@@ -1,6 +1,7 @@
 #include "console/display/Table.h"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 #include "console/display/Wrapping.h"
@@ -11,6 +12,7 @@ namespace {
 using Row = std::vector<std::string>;
 
 constexpr std::size_t kColumnGap = 2;
+constexpr std::size_t kMostCellLines = 10;
 
 std::string padding(const std::string& text, std::size_t columns) {
   return std::string(columns - std::min(columns, columnsOf(text)), ' ');
@@ -51,6 +53,34 @@ std::string fitted(const std::string& text, std::size_t columns, Charset charset
   return columnsOf(text) <= columns ? text : shortened(displayName(text), columns, charset);
 }
 
+bool holdsWordWiderThan(const std::string& text, std::size_t columns) {
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    if (columnsOf(word) > columns) return true;
+  }
+  return false;
+}
+
+// A cell behind its title, which `titleWidth` columns are for; where a word of it has no room
+// there, such as a WWN, which is to be read and copied whole, below the title.
+void appendCell(const std::string& title, std::size_t titleWidth, const std::string& cell,
+                std::size_t columns, Charset charset, std::vector<std::string>& lines) {
+  std::string head = title + padding(title, titleWidth);
+  std::size_t indent = titleWidth;
+  if (columns <= titleWidth || holdsWordWiderThan(cell, columns - titleWidth)) {
+    lines.push_back(fitted(title, columns, charset));
+    indent = std::min(kColumnGap, columns - 1);
+    head.assign(indent, ' ');
+  }
+  const std::size_t room = columns - indent;
+  std::vector<std::string> parts = wrapped(fitted(cell, room * kMostCellLines, charset), room);
+  if (parts.empty()) parts.emplace_back();
+  for (const std::string& part : parts) {
+    lines.push_back(head + part);
+    head.assign(indent, ' ');
+  }
+}
+
 std::vector<std::string> stackedLines(const Row& titles, const std::vector<Row>& rows,
                                       std::size_t columns, Charset charset) {
   std::size_t titleWidth = 0;
@@ -59,9 +89,7 @@ std::vector<std::string> stackedLines(const Row& titles, const std::vector<Row>&
   for (const Row& row : rows) {
     if (!lines.empty()) lines.emplace_back();
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::string head = titles[i] + padding(titles[i], titleWidth + kColumnGap);
-      const std::size_t room = columns - std::min(columns, columnsOf(head));
-      lines.push_back(fitted(head + fitted(row[i], room, charset), columns, charset));
+      appendCell(titles[i], titleWidth + kColumnGap, row[i], columns, charset, lines);
     }
   }
   return lines;

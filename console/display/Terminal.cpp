@@ -54,6 +54,7 @@ Screen screenOfStandardOutput(std::ostream& out, bool json) {
   const char* noColour = std::getenv("NO_COLOR");
   screen.colour = drawsInPlace() && (noColour == nullptr || *noColour == '\0');
   screen.json = json;
+  screen.notices = &std::cerr;
   if (inTerminal && !json && ::isatty(STDIN_FILENO) == 1) {
     screen.answers = &std::cin;
     screen.answersFile = STDIN_FILENO;

@@ -1,11 +1,23 @@
 #include "console/explain/UnfinishedJob.h"
 
+#include "console/display/ShellQuoting.h"
+#include "console/job/RecordValues.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
 
 using platform::Value;
+
+namespace {
+
+// Submitted again it would stand in the file twice.
+std::string retryText(const Value& record) {
+  std::string text = "\"kelvane-console retry ";
+  return text.append(asShellWord(stringOf(record.get(job::kLogId)))).append("\"");
+}
+
+}  // namespace
 
 std::string adviceForUnfinished(const Value& record, const LogStretch& log) {
   if (mayHaveBeenDone(record, log)) {
@@ -18,14 +30,16 @@ std::string adviceForUnfinished(const Value& record, const LogStretch& log) {
     const std::string begun = log.absence.empty()
                                   ? "it was not begun. "
                                   : "whether it was begun is not known, as there is no log. ";
-    return begun + "\"kelvane-console check\" tells what may be in the way; then submit it again";
+    return begun + "\"kelvane-console check\" tells what may be in the way; then " +
+           retryText(record) + " runs it: its record is still waiting";
   }
   if (record.get(job::kJobId) == Value(job::kUpdateFW)) {
     return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
-           "still be going on in a controller, then submit the job again";
+           "still be going on in a controller; then " +
+           retryText(record) + " adds it anew";
   }
-  return "nobody goes on with it. \"kelvane-console explain\" tells what the log says; then submit "
-         "it again";
+  return "nobody goes on with it. \"kelvane-console explain\" tells what the log says; " +
+         retryText(record) + " adds it anew";
 }
 
 }  // namespace kelvane::console

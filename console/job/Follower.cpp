@@ -36,7 +36,8 @@ class Watch {
     if (isNew) news_ = timeOfNews(now);
     keepPercentages(look_.status.controllers);
     const bool waits = look_.status.state == job::kWait;
-    if (hasEnded || (waits && !worker.isSeen())) markWithoutWorker(look_.status);
+    // Of a waiting job that nobody goes on with the end of the following tells.
+    if (waits ? !hasEnded && !worker.isSeen() : hasEnded) markWithoutWorker(look_.status);
     if (!start_ && before == job::kWait && !waits) start_ = now;
     pace_.take(now, look_.status, record);
     takeTimes(now);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "console/job/ExitCode.h"
+#include "console/job/JsonMistake.h"
 #include "contract/JobFile.h"
 #include "contract/Paths.h"
 #include "platform/Exception.h"
@@ -113,6 +114,8 @@ Value waitingRecord(const std::string& logId, const NewJob& job) {
   return record;
 }
 
+constexpr char kLeft[] = ". It is left as it is; see \"kelvane-console check\"";
+
 struct Content {
   std::optional<std::string> text;  // none where the file is not there
   Value records = Value::array();
@@ -130,8 +133,11 @@ Content contentOf(const std::string& path) {
   } catch (const platform::Exception& unreadable) {
     throw Failure(kJobFileFailed, unreadable.what());
   }
+  if (content.records.isNothing()) {
+    throw Failure(kJobFileFailed, path + whyNoJson(*content.text) + kLeft);
+  }
   if (!content.records.isArray()) {
-    throw Failure(kJobFileFailed, path + " is damaged (no JSON array): left as it is");
+    throw Failure(kJobFileFailed, path + " is an object, not an array of records" + kLeft);
   }
   return content;
 }

@@ -39,13 +39,21 @@ std::string lockPath(const std::string& jobFile) {
   return (untold ? jobFile : target) + ".lock";
 }
 
-JobFileLock::JobFileLock(const std::string& jobFile, Clock& clock) : file_(openLock(jobFile)) {
+JobFileLock::JobFileLock(const std::string& jobFile, Clock& clock,
+                         const std::function<void()>& tellWaiting)
+    : file_(openLock(jobFile)) {
   const std::chrono::milliseconds start = clock.now();
+  bool isToTell = static_cast<bool>(tellWaiting);
   while (::flock(file_.number(), LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
     if (errno != EWOULDBLOCK) refuse(lockPath(jobFile), errno);
-    if (clock.now() - start > kLockPatience) {
-      throw Failure(kBusy, "another console keeps the job file locked (" + lockPath(jobFile) +
+    const std::chrono::milliseconds waited = clock.now() - start;
+    if (isToTell && waited >= kLockTold) {
+      tellWaiting();
+      isToTell = false;
+    }
+    if (waited > kLockPatience) {
+      throw Failure(kBusy, "another program keeps the job file locked (" + lockPath(jobFile) +
                                "); nothing was changed");
     }
     if (!clock.wait(kLockInterval)) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 #include "console/job/Clock.h"
@@ -15,13 +16,16 @@ namespace kelvane::console {
 // Another console holds the lock for moments. One that holds it longer was stopped in between.
 inline constexpr std::chrono::milliseconds kLockPatience(30'000);
 inline constexpr std::chrono::milliseconds kLockInterval(10);
+inline constexpr std::chrono::milliseconds kLockTold(1000);  // a longer waiting is told
 
 class JobFileLock {
  public:
   // Waits until no other console has it. The folder of the job file is made where it is missing.
-  // Raises Failure where the lock cannot be had: kBusy where another console keeps it,
-  // kJobFileFailed where the file cannot be made, kInterrupted.
-  JobFileLock(const std::string& jobFile, Clock& clock);
+  // Raises Failure where the lock cannot be had: kBusy where another program keeps it,
+  // kJobFileFailed where the file cannot be made, kInterrupted. `tellWaiting` is called once where
+  // the waiting takes long.
+  JobFileLock(const std::string& jobFile, Clock& clock,
+              const std::function<void()>& tellWaiting = {});
 
  private:
   platform::Descriptor file_;

@@ -15,8 +15,8 @@ class Worker {
   virtual ~Worker() = default;
   // Whether it has ended; does not wait.
   virtual bool hasEnded() = 0;
-  // Whether it is seen at work now: one that may still be started is not.
-  virtual bool isSeen() { return !hasEnded(); }
+  // Whether one that has not ended is seen at work: one that may still be started is not.
+  virtual bool isSeen() { return true; }
   // How it ended: "exit status 0", "signal 9"; empty while it runs or where the system keeps it.
   virtual std::string ending() const = 0;
 };

@@ -168,6 +168,7 @@ def submit(shared, bundle, record):
 
 
 def run(shared, bundle, command, parameters, seconds="2"):
+    interval = float(seconds)
     shared = os.path.abspath(shared) + "/"
     log_id = str(uuid.uuid4())
     record = {
@@ -177,7 +178,7 @@ def run(shared, bundle, command, parameters, seconds="2"):
         "input_parameters": json.loads(parameters),
     }
     worker = submit(shared, bundle, record)
-    ended = follow(worker, shared + JOB_FILE, log_id, float(seconds))
+    ended = follow(worker, shared + JOB_FILE, log_id, interval)
     complaints = shared + COMPLAINTS.format(log_id)
     if os.path.getsize(complaints) == 0:
         os.unlink(complaints)
@@ -187,7 +188,8 @@ def run(shared, bundle, command, parameters, seconds="2"):
 
 if __name__ == "__main__":
     if len(sys.argv) not in (5, 6):
-        sys.exit(__doc__)
+        print(__doc__, file=sys.stderr)
+        sys.exit(2)
     try:
         sys.exit(run(*sys.argv[1:]))
     except (Refused, OSError, ValueError) as why:

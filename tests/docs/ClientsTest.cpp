@@ -205,6 +205,13 @@ TEST_P(ClientOf, AddsNothingWhereThereIsNoWorker) {
   EXPECT_EQ(jobFile(), "[]");
 }
 
+TEST_P(ClientOf, WithoutItsArgumentsSaysSoAndAddsNothing) {
+  const test::Ended ended = test::runProgram(GetParam().command, folder.path(), environment);
+  EXPECT_EQ(ended.exitStatus, 2);
+  EXPECT_NE(ended.err, "");
+  EXPECT_EQ(jobFile(), "[]");
+}
+
 TEST_P(ClientOf, LosesNoRecordOfOthersThatAddAtOnce) {
   std::string quoted;
   for (const std::string& word : commandLine("updateHW", "{}")) quoted += "'" + word + "' ";

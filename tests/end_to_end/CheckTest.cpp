@@ -142,7 +142,8 @@ TEST_F(Check, AnEngineOutlivesItsKilledWorker) {
 
 TEST_F(Check, ALogIdThatIsNoStringKeepsEveryJobFromEnding) {
   writeJobs(R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
-                 "input_parameters": {"file_path": "/no.app"}}, {"log_id": 5}])");
+                 "input_parameters": {"file_path": ")" +
+            (folder / "Manager.app") + R"("}}, {"log_id": 5}])");
   runWorker({"17", shared()});
   EXPECT_EQ(state(), "WAIT");
   EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() +
@@ -151,10 +152,20 @@ TEST_F(Check, ALogIdThatIsNoStringKeepsEveryJobFromEnding) {
 
 TEST_F(Check, AnElementThatIsNoObjectKeepsEveryJobFromEnding) {
   writeJobs(R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
-                 "input_parameters": {"file_path": "/no.app"}}, [1]])");
+                 "input_parameters": {"file_path": ")" +
+            (folder / "Manager.app") + R"("}}, [1]])");
   runWorker({"17", shared()});
   EXPECT_EQ(state(), "WAIT");
   EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() + ": element [1] is no object: [1]"));
+}
+
+TEST_F(Check, AnInstallationWithoutItsPackageOnlyRemovesTheApplication) {
+  writeJobs(test::waitingJob("updateSW", Value::dictionary({{"file_path", "/no.app"}})));
+  EXPECT_THAT(findings(), ElementsAre("error: " + jobFile() +
+                                      ": job 17: the package, /no.app, does not exist"));
+  runWorker({"17", shared()});
+  EXPECT_EQ(result(), 0);
+  EXPECT_FALSE(fs::exists(folder / "Installed.app"));
 }
 
 TEST_F(Check, AJobThatTheWorkerDoesNotStartSaysWhy) {

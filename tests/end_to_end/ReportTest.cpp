@@ -122,6 +122,12 @@ TEST_F(Report, OfAnInstallationWithoutPermission) {
                       "</th><td class=\"short\">folder</td><td class=\"short\">drwx")));
 }
 
+TEST_F(Report, AnEmptyLogIdIsNotTheLastJob) {
+  const test::Ended ended = console({"report", "--shared", shared(), ""});
+  EXPECT_EQ(ended.exitStatus, 2);
+  EXPECT_EQ(ended.err, "kelvane-console: the log id is missing\n");
+}
+
 TEST_F(Report, RedactedItHoldsNoWwnAndSaysSo) {
   flashThree({"", R"({"flash": "firmware", "do": "fail", "at": 90})"});
   EXPECT_THAT(report("17", {"--redact"}),

@@ -6,6 +6,7 @@
 #include "console/checks/RecordChecks.h"
 #include "platform/Json.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {
@@ -181,6 +182,56 @@ TEST(RecordChecks, WaitingJobWithStepsInTheLogIsAnError) {
             "A worker took it and could not write what became of it: the application may have been "
             "replaced. The log last saw \"14:03:07 updateSW: result = \".");
   EXPECT_THAT(look(true), IsEmpty());
+}
+
+std::string installationOf(const std::string& package, const std::string& logId = "1") {
+  return R"([{"log_id": ")" + logId + R"(", "job_id": "updateSW", "state_id": "WAIT",
+             "input_parameters": {"file_path": ")" +
+         package + R"("}}])";
+}
+
+TEST(RecordChecks, AnInstallationWithoutAnApplicationIsAnError) {
+  const test::TempFolder folder;
+  const std::string data = folder.write("data.app/Contents/data", "");
+  const std::string folderOfData = folder / "data.app";
+  const std::vector<std::pair<std::string, std::string>> faults = {
+      {"", "the package's path is empty"},
+      {"New.app",
+       "the package, New.app, is relative: it is looked for in the worker's current "
+       "folder"},
+      {"/nowhere/New.app", "the package, /nowhere/New.app, does not exist"},
+      {data, "the package, " + data + ", is no application bundle: it is a file"},
+      {folderOfData, "the package, " + folderOfData +
+                         ", is no application bundle: there is no program in its Contents"}};
+  for (const auto& [package, fault] : faults) {
+    const Findings all = findings(installationOf(package));
+    ASSERT_EQ(all.size(), 1U) << package;
+    EXPECT_EQ(nameOf(all[0].code), std::string("package-unusable"));
+    EXPECT_EQ(all[0].what, "F: job 1: " + fault);
+    EXPECT_EQ(all[0].path, package);
+  }
+}
+
+TEST(RecordChecks, WhatIsInstalledInsteadIsTold) {
+  constexpr char kRemoves[] =
+      "The worker looks at nothing beforehand: it removes the application and ";
+  EXPECT_EQ(findings(installationOf("/nowhere/New.app"))[0].meaning,
+            std::string(kRemoves) + "copies nothing, with result 0 all the same.");
+  EXPECT_EQ(findings(installationOf("/"))[0].meaning,
+            std::string(kRemoves) + "copies this to its place, with result 0 all the same.");
+}
+
+TEST(RecordChecks, ThePackageOfAnInstallationThatRunsIsNotLookedAt) {
+  EXPECT_THAT(findings(installationOf("", "run")), IsEmpty());
+}
+
+TEST(RecordChecks, OfACopyOnlyAPathThatIsEmptyIsAFault) {
+  const auto ofCopy = [](const std::string& package) {
+    return recordFindings("F", parseJson(installationOf(package)), {},
+                          [](const platform::Value&) { return LogStretch(); });
+  };
+  EXPECT_THAT(ofCopy("/nowhere/New.app"), IsEmpty());
+  EXPECT_EQ(ofCopy("").size(), 1U);
 }
 
 TEST(RecordChecks, RunningJobWithoutAWorkerIsAWarning) {

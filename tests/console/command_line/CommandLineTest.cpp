@@ -156,7 +156,17 @@ TEST_F(CommandLineTest, SubCommandThatFollowsHasAClock) {
 }
 
 TEST_F(CommandLineTest, RefusesAMissingArgument) {
-  EXPECT_EQ(refusal({"add"}), "files is required\nRun with --help for more information.\n");
+  EXPECT_EQ(refusal({"add"}), "tool: add needs FILE\nRun with --help for more information.\n");
+}
+
+TEST_F(CommandLineTest, RefusalsBeginWithTheProgramsName) {
+  EXPECT_EQ(refusal({"add", "--loud", "a"}).rfind("tool: ", 0), 0U);
+  EXPECT_EQ(refusal({}).rfind("tool: ", 0), 0U);
+}
+
+TEST_F(CommandLineTest, RefusesAnOptionWithAnEmptyValue) {
+  EXPECT_EQ(failure({"add", "a", "--size", ""}), "--size is given without a value");
+  EXPECT_EQ(failure({"--size", "", "weigh"}), "--size is given without a value");
 }
 
 TEST_F(CommandLineTest, RefusesWhatIsNoneOfTheChoices) {
@@ -165,8 +175,8 @@ TEST_F(CommandLineTest, RefusesWhatIsNoneOfTheChoices) {
 }
 
 TEST_F(CommandLineTest, NamesASubCommandThatThereIsNot) {
-  EXPECT_EQ(refusal({"take"}).find("there is no sub-command take\n"), 0U);
-  EXPECT_EQ(refusal({"--size", "6", "take"}).find("there is no sub-command take\n"), 0U);
+  EXPECT_EQ(refusal({"take"}).find("tool: there is no sub-command take\n"), 0U);
+  EXPECT_EQ(refusal({"--size", "6", "take"}).find("tool: there is no sub-command take\n"), 0U);
 }
 
 }  // namespace

@@ -37,6 +37,15 @@ class Check : public ConsoleWorld {
   CheckOptions options{folder / "shared", ""};
 };
 
+TEST_F(Check, AFileInTheSharedFoldersPlaceIsNoFolder) {
+  options.sharedFolder = folder.write("a file", "");
+  screen.json = true;
+  EXPECT_EQ(run(), kFindings);
+  const Value all = platform::parseJson(shown.str());
+  ASSERT_EQ(all.count(), 1U);
+  EXPECT_EQ(all.at(0).get("code"), Value("shared-folder-no-folder"));
+}
+
 TEST_F(Check, WithoutFindingsItSaysWhatWasLookedAt) {
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(),
@@ -105,7 +114,7 @@ TEST_F(Check, AMissingSharedFolderIsTheOneFindingOfIt) {
   fs::remove_all(folder / "shared");
   EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " does not exist\n");
   folder.write("shared", "");
-  EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " does not exist\n");
+  EXPECT_EQ(found(), "error: the shared folder " + (folder / "shared/") + " is no folder\n");
 }
 
 TEST_F(Check, ASharedFolderThatCannotBeEnteredIsTheOneFindingOfIt) {

@@ -197,7 +197,9 @@ TEST_F(Explain, ADamagedJobFileHidesJobsButNoCodes) {
   folder.write(test::kJobFile, "[");
   EXPECT_EQ(run("seventeen"), kJobFileFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / test::kJobFile) +
-                                " is damaged (no JSON array): left as it is\n");
+                                " is not JSON: line 1, column 2: unexpected end of input; expected "
+                                "'[', '{', or a literal. It is left "
+                                "as it is; see \"kelvane-console check\"\n");
   EXPECT_EQ(run("0x0402"), kSuccess);
 }
 

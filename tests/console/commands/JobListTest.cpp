@@ -131,7 +131,7 @@ TEST_F(JobListTest, LastIsAWholeNumber) {
   shown.str("");
   options.last = "0";
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_EQ(shown.str(), "no jobs\n");
+  EXPECT_EQ(shown.str(), "--last 0 shows no jobs\n");
   for (const char* last : {"-1", "1x", "all"}) {
     options.last = last;
     EXPECT_EQ(run(), kBadUsage) << last;

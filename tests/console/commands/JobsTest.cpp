@@ -118,6 +118,10 @@ TEST_F(Jobs, ListForMachinesIsARecordALine) {
 TEST_F(Jobs, ASharedFolderThatIsNotThereIsBadUsage) {
   EXPECT_EQ(runHere(list, {"/nowhere"}), kBadUsage);
   EXPECT_EQ(messages.str(), "kelvane-console: the shared folder /nowhere does not exist\n");
+  messages.str("");
+  const std::string file = folder.write("a file", "");
+  EXPECT_EQ(runHere(list, {file}), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: the shared folder " + file + " is no folder\n");
 }
 
 TEST_F(Jobs, AFolderThatIsNotSharedWithAWorkerIsToldAsThat) {
@@ -156,11 +160,29 @@ TEST_F(Jobs, WithoutAJobFileTheListIsEmpty) {
 TEST_F(Jobs, ADamagedJobFileIsTold) {
   folder.write(test::kJobFile, "[{");
   const std::string message = "kelvane-console: " + (folder / test::kJobFile) +
-                              " is damaged (no JSON array): left as it is\n";
+                              " is not JSON: line 1, column 3: unexpected end of input; expected "
+                              "string literal. It is left "
+                              "as it is; see \"kelvane-console check\"\n";
   EXPECT_EQ(runList(), kJobFileFailed);
   EXPECT_EQ(runShow("1"), kJobFileFailed);
   EXPECT_EQ(runWatch("1"), kJobFileFailed);
   EXPECT_EQ(messages.str(), message + message + message);
+}
+
+TEST_F(Jobs, AJobFileThatIsNoListOrHasANumberBeyondAllRangeIsTold) {
+  const std::string path = folder / test::kJobFile;
+  constexpr char kLeft[] = ". It is left as it is; see \"kelvane-console check\"\n";
+  folder.write(test::kJobFile, "{}");
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: " + path + " is an object, not an array of records" + kLeft);
+  messages.str("");
+  folder.write(test::kJobFile, "[1e400]");
+  EXPECT_EQ(runList(), kJobFileFailed);
+  EXPECT_EQ(messages.str(), "kelvane-console: " + path +
+                                " cannot be read: the number 1e400 in line 1, column 2 is beyond "
+                                "the range of a double" +
+                                kLeft);
 }
 
 TEST_F(Jobs, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
@@ -211,7 +233,7 @@ TEST_F(Jobs, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
   EXPECT_EQ(messages.str(),
             "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "
             "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
-            "still be going on in a controller, then submit the job again\n");
+            "still be going on in a controller; then \"kelvane-console retry 2\" adds it anew\n");
 }
 
 // A job that flashed one controller, failed at the next and did not start the third.

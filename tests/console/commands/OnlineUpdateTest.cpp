@@ -49,7 +49,7 @@ TEST_F(Query, WorkerThatDiesInRun) {
   EXPECT_NE(
       messages.str().find(
           "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain\" tells "
-          "what the log says; then submit it again\n"),
+          "what the log says; \"kelvane-console retry 1\" adds it anew\n"),
       std::string::npos)
       << messages.str();
 }
@@ -79,6 +79,18 @@ TEST_F(Query, WithoutACatalogueItIsNoSuccess) {
   makeWorkerThatLeaves("FREE", "0");
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: the update engine left no catalogue\n");
+}
+
+TEST_F(Query, WithoutACatalogueTheEnginesComplaintIsTold) {
+  makeWorkerThatLeaves("FREE", "0");
+  makeWorker("echo 'engine: no such product' >&2\n" +
+             folder.read("Manager.app/Contents/Resources/Kelvane"));
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: the update engine left no catalogue\n"
+            "  engine: no such product\n"
+            "  (kept in " +
+                (folder / "shared/utility/logs/standard-error-1.txt") + ")\n");
 }
 
 TEST_F(Query, FolderThatIsNotEmptyIsRefused) {

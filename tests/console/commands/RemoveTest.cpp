@@ -77,7 +77,7 @@ TEST_F(Remove, AllRecordsOfALogIdGo) {
   folder.write(test::kJobFile, R"([{"log_id": "1"}, {"log_id": "2"}, {"log_id": "1", "n": 1}])");
   EXPECT_EQ(run({"1"}), kSuccess);
   EXPECT_EQ(left(), R"( "2")");
-  EXPECT_EQ(shown.str(), "removed job 1\n");
+  EXPECT_EQ(shown.str(), "removed job 1 (2 records)\n");
 }
 
 TEST_F(Remove, WhatWasKeptOfStandardErrorGoesToo) {
@@ -153,6 +153,14 @@ TEST_F(Remove, WhileAJobRunsNothingGoes) {
   EXPECT_EQ(run({"1"}), kBusy);
   EXPECT_EQ(messages.str(), "kelvane-console: job 3 is running; nothing was removed\n");
   EXPECT_EQ(jobs(), kJobs);
+}
+
+TEST_F(Remove, OfRecordsWithoutALogIdTheNumberIsTold) {
+  folder.write(test::kJobFile,
+               R"([{"state_id": "FREE"}, {"log_id": "2", "state_id": "FREE"},
+                   {"state_id": "FREE", "log_id": ""}])");
+  EXPECT_EQ(runFinished(""), kSuccess);
+  EXPECT_EQ(shown.str(), "removed 2 records without a log id\nremoved job 2\n");
 }
 
 }  // namespace

@@ -113,6 +113,49 @@ TEST_F(Retry, AnInstallationIsRefusedLikeTheFirstTime) {
   expectNothingDone();
 }
 
+TEST_F(Retry, APackageThatIsNotThereOrNotNamedIsRefused) {
+  const std::string missing = folder / "gone.app";
+  for (const std::string& package : {missing, std::string()}) {
+    messages.str("");
+    writeRecord(R"("job_id": "updateSW", "state_id": "WAIT",
+                   "input_parameters": {"file_path": ")" +
+                package + "\"}");
+    EXPECT_EQ(run(), kBadUsage);
+    EXPECT_EQ(messages.str(), "kelvane-console: " +
+                                  (package.empty() ? "the package's path is empty"
+                                                   : "package " + missing + " does not exist") +
+                                  "\n");
+    expectNothingDone();
+  }
+}
+
+TEST_F(Retry, AFolderThatHoldsOtherFilesIsNotGivenToTheEngine) {
+  folder.write("mine/letter", "dear");
+  const std::string product =
+      R"({"productid": "p", "version": "1", "url": "u", "folder": ")" + (folder / "mine") + "\"}";
+  for (const char* state : {"WAIT", "FREE", "RUN"}) {
+    for (const std::string& keys :
+         {R"("job_id": "getOnlineUpdateData", "input_parameters": )" + product,
+          R"("job_id": "downloadOnlineUpdateFile", "input_parameters": [)" + product + "]"}) {
+      messages.str("");
+      writeRecord(keys + R"(, "state_id": ")" + state + "\"");
+      EXPECT_EQ(run(), kBadUsage) << state;
+      EXPECT_EQ(messages.str(), "kelvane-console: folder " + (folder / "mine") +
+                                    " is not empty: it would be removed with everything in it\n");
+      expectNothingDone();
+    }
+  }
+  EXPECT_EQ(folder.read("mine/letter"), "dear");
+}
+
+TEST_F(Retry, TheConsolesOwnFolderMayHoldWhatAKilledEngineLeft) {
+  folder.write("shared/tmp/EngineRunner/half", "");
+  writeRecord(R"("job_id": "getOnlineUpdateData", "state_id": "RUN", "input_parameters":
+                 {"productid": "p", "version": "1", "url": "u", "folder": ")" +
+              (folder / "shared/tmp/EngineRunner") + "\"}");
+  EXPECT_EQ(run(), kSuccess) << messages.str();
+}
+
 TEST_F(Retry, WhatTheWorkerWouldNotRunIsRefused) {
   writeRecord(R"("job_id": "make tea", "state_id": "FREE", "input_parameters": {})");
   EXPECT_EQ(run(), kBadUsage);

@@ -37,6 +37,12 @@ TEST_F(ShowLog, OneLineAnEntryObjectsFolded) {
             "14:03:09 run: two ... (1 more line)\n");
 }
 
+TEST_F(ShowLog, TheLastNoneAreNone) {
+  options.tail = "0";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "--tail 0 shows no entries\n");
+}
+
 TEST_F(ShowLog, FullShowsObjectsWhole) {
   options.full = true;
   options.function = "run";

@@ -87,8 +87,9 @@ TEST_F(UpdateFw, WorkerThatDiesInWait) {
   EXPECT_EQ(messages.str(),
             "kelvane-console: the worker ended (exit status 0), and left job 1 unfinished in state "
             "WAIT: whether it was begun is not known, as there is no log. \"kelvane-console "
-            "check\" tells what may be in the way; then "
-            "submit it again\n");
+            "check\" tells what may be in the way; then \"kelvane-console retry 1\" runs it: its "
+            "record is still waiting\n");
+  EXPECT_EQ(shown.str().find("no worker"), std::string::npos) << shown.str();
 }
 
 TEST_F(UpdateFw, WorkerThatDiesWhileAControllerMayBeFlashed) {
@@ -96,8 +97,8 @@ TEST_F(UpdateFw, WorkerThatDiesWhileAControllerMayBeFlashed) {
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_NE(messages.str().find(
                 "unfinished in state RUN: nobody goes on with it. Leave the enclosures powered for "
-                "some minutes, as a flash may still be going on in a controller, then submit the "
-                "job again\n"),
+                "some minutes, as a flash may still be going on in a controller; then "
+                "\"kelvane-console retry 1\" adds it anew\n"),
             std::string::npos)
       << messages.str();
 }
@@ -202,7 +203,9 @@ TEST_F(UpdateFw, DamagedJobFileStartsNoWorker) {
   folder.write(test::kJobFile, "[{");
   EXPECT_EQ(run(), kJobFileFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: " + (folder / test::kJobFile) +
-                                " is damaged (no JSON array): left as it is\n");
+                                " is not JSON: line 1, column 3: unexpected end of input; expected "
+                                "string literal. It is left "
+                                "as it is; see \"kelvane-console check\"\n");
   EXPECT_EQ(folder.read(test::kJobFile), "[{");
 }
 
@@ -411,6 +414,14 @@ TEST_F(UpdateFwWhileAJobRuns, ASecondOneCanWait) {
   EXPECT_TRUE(hasEnded);
   EXPECT_EQ(shown.str(), "job 1 is running; waiting\n2\n");
   EXPECT_EQ(logIds(), (Ids{"1", "2"}));
+}
+
+TEST_F(UpdateFwWhileAJobRuns, WhileItWaitsTheLogIdStaysTheOnlyAnswer) {
+  job.wait = true;
+  screen.notices = &messages;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "2\n");
+  EXPECT_EQ(messages.str(), "job 1 is running; waiting\n");
 }
 
 TEST_F(UpdateFwWhileAJobRuns, AnInterruptEndsTheWaitingAndSubmitsNothing) {

@@ -72,7 +72,7 @@ TEST_F(UpdateSw, TellsFromWhichVersionToWhich) {
   makeWorkerThatInstalls();
   run();
   EXPECT_EQ(shown.str().rfind(
-                (folder / "Installed.app") + ": version 1.0 is replaced by version 2.0\n", 0),
+                (folder / "Installed.app") + ": version 1.0 is to be replaced by version 2.0\n", 0),
             0U)
       << shown.str();
 }
@@ -81,10 +81,10 @@ TEST_F(UpdateSw, WhereNothingStandsNothingIsReplaced) {
   makeWorkerThatInstalls();
   std::filesystem::remove_all(folder / "Installed.app");
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_EQ(
-      shown.str().rfind(
-          (folder / "Installed.app") + ": version 2.0 is installed where nothing stands\n", 0),
-      0U)
+  EXPECT_EQ(shown.str().rfind((folder / "Installed.app") +
+                                  ": version 2.0 is to be installed where nothing stands\n",
+                              0),
+            0U)
       << shown.str();
 }
 
@@ -139,14 +139,71 @@ TEST_F(UpdateSw, WithoutAnAppPathNothingWouldBeReplaced) {
   }
 }
 
-TEST_F(UpdateSw, OfAnotherWorkerWhoseSettingsAreNotKnownTheResultCounts) {
-  makeWorkerThatLeaves("FREE", "0");
-  job.worker = folder / "Manager.app/Contents/Resources/Kelvane";
-  job.bundle = "";
+TEST_F(UpdateSw, WithNoWaitTheLogIdIsTheOnlyAnswer) {
+  makeWorkerThatInstalls("");
+  job.noWait = true;
+  screen.notices = &messages;
   EXPECT_EQ(run(), kSuccess);
-  EXPECT_EQ(shownAtTheEnd(),
-            "result 0: the text\nwhere the application stands is not known: it was not compared "
-            "with the package\n");
+  EXPECT_EQ(shown.str(), "1\n");
+  EXPECT_EQ(messages.str(),
+            (folder / "Installed.app") + ": version 1.0 is to be replaced by version 2.0\n");
+}
+
+TEST_F(UpdateSw, MachinesAreToldWhatStandsThereAfterwards) {
+  makeWorkerThatInstalls();
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str().substr(shown.str().find('{')),
+            "{\"log_id\":\"1\",\"console_installation\":{\"path\":\"" + (folder / "Installed.app") +
+                "\",\"is_package\":true,\"replaced_version\":\"1.0\","
+                "\"package_version\":\"2.0\"}}\n");
+}
+
+TEST_F(UpdateSw, MachinesAreToldOfADifferenceToo) {
+  makeWorkerThatInstalls("");
+  screen.json = true;
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_NE(shown.str().find("\"is_package\":false"), std::string::npos) << shown.str();
+  EXPECT_NE(shown.str().find("\"fault\":\"what stands at "), std::string::npos) << shown.str();
+}
+
+// --- a worker without its bundle
+
+class UpdateSwOfAWorker : public UpdateSw {
+ protected:
+  UpdateSwOfAWorker() {
+    makeWorkerThatLeaves("FREE", "0");
+    job.worker = folder / "Manager.app/Contents/Resources/Kelvane";
+    job.bundle = "";
+  }
+};
+
+TEST_F(UpdateSwOfAWorker, WhatCannotBeComparedIsNoSuccess) {
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_EQ(messages.str(),
+            "kelvane-console: whether the application was replaced is not known: the worker's "
+            "result tells nothing of it, and no bundle is given. Look at the application; with the "
+            "worker's bundle in --bundle it is compared with the package\n");
+  EXPECT_EQ(shownAtTheEnd(), "result 0: the text\n");
+}
+
+TEST_F(UpdateSwOfAWorker, MachinesAreToldThatItIsNotKnown) {
+  screen.json = true;
+  EXPECT_EQ(run(), kJobFailed);
+  EXPECT_NE(shown.str().find("\"console_installation\":{\"package_version\":\"2.0\",\"fault\""),
+            std::string::npos)
+      << shown.str();
+}
+
+TEST_F(UpdateSwOfAWorker, AsksWithoutKnowingWhatIsReplaced) {
+  std::istringstream answers("n\n");
+  screen.answers = &answers;
+  EXPECT_EQ(run(), kNotConfirmed);
+  EXPECT_EQ(shown.str(),
+            "which application the worker replaces, and which version, is not known, as no bundle "
+            "is given: version 2.0 is to take its place\n"
+            "Remove the application and install the new one? [y/N] ");
+  EXPECT_FALSE(platform::exists(folder / test::kJobFile));
 }
 
 // --- what is installed
@@ -204,7 +261,7 @@ class UpdateSwInATerminal : public UpdateSw {
   }
   std::string question() const {
     return (folder / "Installed.app") +
-           ": version 1.0 is replaced by version 2.0\n"
+           ": version 1.0 is to be replaced by version 2.0\n"
            "Remove the application and install the new one? [y/N] ";
   }
 

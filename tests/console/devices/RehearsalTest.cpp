@@ -142,5 +142,15 @@ TEST_F(RehearsalTest, EachEntryIsLookedAtByItself) {
   EXPECT_EQ(all.at(1).get("verdict"), Value("fits"));
 }
 
+TEST_F(RehearsalTest, WhereADeviceDoesNotAnswerAnotherControllerIsNotSuggested) {
+  framework.answer("zr_getSubsystemInfo", 2, 0x0402);
+  const Value told = tellOf("5000B2");
+  EXPECT_EQ(told.get("why").string(),
+            "no controller has this WWN, letter by letter; found are 5000A1, 5000C3; device 1 "
+            "gives 0x0402 text of 0x402 instead of a WWN, and may be the one: look at its power "
+            "and cable");
+  EXPECT_FALSE(told.has("nearest"));
+}
+
 }  // namespace
 }  // namespace kelvane::console

@@ -203,5 +203,12 @@ TEST(Layout, WhereNotAllControllersFitTheirNumberIsTold) {
   EXPECT_EQ(head(20, 12), "job 18: ..., 2 of 4");
 }
 
+TEST(Layout, In20ColumnsAWwnIsWholeAndThePhaseBelowIt) {
+  const JobStatus status = {"18", "RUN", {{"5000A1B2C3D4E5F6", 100, 37, 68}}, "0", "no error"};
+  EXPECT_EQ(statusLines(status, {20, 24}, Charset::ascii),
+            (Lines{"job 18: ...ng, 0:00", "5000A1B2C3D4E5F6", "  firmware", "  cpld     ### 100%",
+                   "  firmware #--  37%", "  total    ##-  68%"}));
+}
+
 }  // namespace
 }  // namespace kelvane::console

@@ -33,11 +33,28 @@ TEST(Table, OneCellALineWhereTheScreenIsNarrow) {
                    "Size     1.2 MB", "Path     "}));
 }
 
-TEST(Table, CellTooWideEvenSoIsShortened) {
-  EXPECT_EQ(packages().lines(16, Charset::ascii)[2], "Path     /a...pp");
-  EXPECT_EQ(packages().lines(16, Charset::utf8)[2],
-            "Path     /a/\xE2\x80\xA6"
-            "app");
+TEST(Table, ACellWithoutRoomBesideItsTitleStandsBelowIt) {
+  const Lines lines = packages().lines(17, Charset::ascii);
+  EXPECT_EQ((Lines{lines.begin(), lines.begin() + 4}),
+            (Lines{"Product  manager", "Size     9 B", "Path", "  /a/Manager.app"}));
+}
+
+TEST(Table, ACellOfSeveralWordsIsWrapped) {
+  Table table({{"Job"}, {"Text"}});
+  table.addRow({"17", "5000A1 failed at 90%, 2 not started"});
+  EXPECT_EQ(table.lines(24, Charset::ascii),
+            (Lines{"Job   17", "Text  5000A1 failed at", "      90%, 2 not started"}));
+}
+
+TEST(Table, AWordThatIsTooWideEvenSoIsBroken) {
+  EXPECT_EQ(packages().lines(12, Charset::ascii)[4], "  /a/Manager");
+  EXPECT_EQ(packages().lines(12, Charset::ascii)[5], "  .app");
+}
+
+TEST(Table, OfAnEndlessCellTheMiddleGivesWay) {
+  Table table({{"A"}});
+  table.addRow({std::string(1000, 'x')});
+  EXPECT_EQ(table.lines(12, Charset::ascii).size(), 11U);
 }
 
 TEST(Table, NoLineIsWiderThanTheScreen) {

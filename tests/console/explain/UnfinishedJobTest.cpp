@@ -78,6 +78,12 @@ TEST(UnfinishedJob, AWaitingJobThatFlashedIsNotSaidNotToBeBegun) {
             "was done before it is submitted again");
 }
 
+TEST(UnfinishedJob, AJobThatWaitsIsRunAgainAndNotSubmittedOnceMore) {
+  EXPECT_EQ(adviceForUnfinished(waiting("updateFW"), {}),
+            "it was not begun. \"kelvane-console check\" tells what may be in the way; then "
+            "\"kelvane-console retry 17\" runs it: its record is still waiting");
+}
+
 TEST(UnfinishedJob, WithoutALogItIsNotSaidThatItWasNotBegun) {
   EXPECT_THAT(adviceForUnfinished(waiting("updateFW"), {}), HasSubstr("it was not begun. "));
   LogStretch none;

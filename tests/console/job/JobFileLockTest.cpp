@@ -72,7 +72,7 @@ TEST_F(JobFileLockTest, WaitsForTheOtherConsole) {
 TEST_F(JobFileLockTest, AConsoleThatWasStoppedIsNotWaitedForForEver) {
   held = lock(folder / kLocked);
   EXPECT_EQ(codeOfLocking(), kBusy);
-  EXPECT_EQ(message, "another console keeps the job file locked (" + (folder / kLocked) +
+  EXPECT_EQ(message, "another program keeps the job file locked (" + (folder / kLocked) +
                          ".lock); nothing was changed");
 }
 
@@ -126,6 +126,17 @@ TEST_F(JobFileLockTest, AKilledConsoleLeavesTheFileWholeAndNoLock) {
   ASSERT_EQ(seen.size(), 2U);
   EXPECT_EQ(*seen.begin(), folder.read(kLocked));  // the whole of it, with the record
   EXPECT_EQ(*seen.rbegin(), "[]");
+}
+
+TEST_F(JobFileLockTest, ALongWaitingIsToldOnce) {
+  int told = 0;
+  for (const int releaseTime : {900, 4000}) {
+    held = lock(folder / kLocked);
+    time = std::chrono::milliseconds(0);
+    releasedAt = std::chrono::milliseconds(releaseTime);
+    const JobFileLock had(folder / kLocked, *this, [&told] { ++told; });
+    EXPECT_EQ(told, releaseTime < 1000 ? 0 : 1);
+  }
 }
 
 }  // namespace

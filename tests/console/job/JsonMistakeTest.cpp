@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "console/checks/JsonMistake.h"
+#include "console/job/JsonMistake.h"
 #include "platform/Json.h"
 
 namespace kelvane::console {
@@ -56,12 +56,25 @@ TEST(JsonMistake, OfATextThatIsTooDeepOrASingleValueIsToldToo) {
   EXPECT_EQ(jsonMistake("5"),
             "line 1: a single value stands at the top; expected an array or an object");
   EXPECT_EQ(jsonMistake(std::string(513, '[') + std::string(513, ']')),
-            "nested deeper than 512 arrays and objects");
+            "line 1, column 513: nested deeper than 512 arrays and objects");
+  EXPECT_EQ(jsonMistake("[\"[\\\"[\",\n" + std::string(512, '[')),
+            "line 2, column 512: nested deeper than 512 arrays and objects");
   EXPECT_EQ(jsonMistake(std::string(512, '[') + std::string(512, ']')), "");
 }
 
 TEST(JsonMistake, ThereIsNoneInWhatTheWorkerReads) {
   EXPECT_EQ(jsonMistake(R"([{"a": [1, "x", null, true, -0.5e3]}])"), "");
+}
+
+TEST(JsonMistake, WhyAFileHoldsNoJsonIsToldWithItsPlace) {
+  EXPECT_EQ(whyNoJson(""), " is not JSON: it is empty");
+  EXPECT_EQ(
+      whyNoJson("[1e400]"),
+      " cannot be read: the number 1e400 in line 1, column 2 is beyond the range of a double");
+  EXPECT_EQ(whyNoJson("[1,]").rfind(" is not JSON: line 1, column 4: ", 0), 0U);
+  EXPECT_EQ(whyNoJson("[\n\"\xFF\"]").rfind(" is not JSON: it is not UTF-8: line 2, column 2: ", 0),
+            0U)
+      << whyNoJson("[\n\"\xFF\"]");
 }
 
 }  // namespace

@@ -13,4 +13,8 @@ std::string jsonMistake(const std::string& text);
 // in line 3, column 12"; empty where the first mistake is another one.
 std::string numberOutOfRange(const std::string& text);
 
+// Why the worker reads nothing from a file with this text, behind the file's path: " is not JSON:
+// it is empty". Only of a text that it does read nothing from.
+std::string whyNoJson(const std::string& text);
+
 }  // namespace kelvane::console

@@ -1,4 +1,4 @@
-#include "console/checks/JsonMistake.h"
+#include "console/job/JsonMistake.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Json.h"
+#include "platform/Utf8.h"
 
 namespace kelvane::console {
 namespace {
@@ -22,6 +23,25 @@ std::string placeAt(std::string_view before) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
   });
   return "line " + std::to_string(lines + 1) + ", column " + std::to_string(characters + 1);
+}
+
+// The bracket that opens one array or object too many; the text is sound up to there.
+std::string placeOfDepth(std::string_view text) {
+  int depth = 0;
+  bool inString = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char sign = text[i];
+    if (inString && sign == '\\') {
+      ++i;
+    } else if (sign == '"') {
+      inString = !inString;
+    } else if (!inString && (sign == '[' || sign == '{')) {
+      if (++depth > platform::kJsonDepthLimit) return placeAt(text.substr(0, i));
+    } else if (!inString && (sign == ']' || sign == '}')) {
+      --depth;
+    }
+  }
+  return {};
 }
 
 // Takes the reader's events up to the first mistake.
@@ -73,8 +93,9 @@ class FirstMistake : public nlohmann::json_sax<nlohmann::json> {
   }
   bool open() {
     if (++depth_ <= platform::kJsonDepthLimit) return true;
-    mistake_ =
-        "nested deeper than " + std::to_string(platform::kJsonDepthLimit) + " arrays and objects";
+    mistake_ = placeOfDepth(text_);
+    mistake_.append(": nested deeper than ").append(std::to_string(platform::kJsonDepthLimit));
+    mistake_ += " arrays and objects";
     return false;
   }
   bool close() {
@@ -94,6 +115,20 @@ std::string jsonMistake(const std::string& text) {
   FirstMistake mistake(text);
   nlohmann::json::sax_parse(text, &mistake);
   return mistake.text();
+}
+
+std::string whyNoJson(const std::string& text) {
+  if (text.empty()) return " is not JSON: it is empty";
+  if (const std::string number = numberOutOfRange(text); !number.empty()) {
+    return " cannot be read: " + number + " is beyond the range of a double";
+  }
+  std::string why = " is not JSON: ";
+  const std::string mistake = jsonMistake(text);
+  if (!platform::isUtf8(text)) {
+    why += "it is not UTF-8";
+    return mistake.empty() ? why : why.append(": ").append(mistake);
+  }
+  return why += mistake.empty() ? "it holds a NUL byte" : mistake;
 }
 
 std::string numberOutOfRange(const std::string& text) {
