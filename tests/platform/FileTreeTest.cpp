@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
@@ -78,6 +79,9 @@ TEST_F(FileTree, MakesAllLevels) {
   EXPECT_FALSE(makeFolders(folder / "file/below"));
   EXPECT_FALSE(makeFolders(folder / "file"));
   EXPECT_FALSE(makeFolders(""));
+  std::string tooLong = folder / "deep";
+  while (tooLong.size() < PATH_MAX) tooLong += "/deeper";
+  EXPECT_FALSE(makeFolders(tooLong + "/deepest"));
 }
 
 TEST_F(FileTree, MakesLevelsBelowLinksAndUpwards) {

@@ -228,6 +228,13 @@ TEST_F(Refused, ASmallFileThatEndsEarlyIsNotCopied) {
   EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
 }
 
+TEST_F(Refused, ALargeFileThatEndsEarlyIsNotCopied) {
+  write("from", std::string(100'000, 'x'));
+  const RefusedCall ended("copy_file_range", 1, 0);
+  EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(ended.wasMade());
+}
+
 TEST_F(Refused, ALargeFileThatCannotBeReadAnywhereIsNotCopied) {
   write("from", std::string(100'000, 'x'));
   for (const int place : {3, 4}) {  // behind the questions for data and hole

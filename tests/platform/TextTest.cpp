@@ -219,6 +219,7 @@ TEST(Format, AReasonNamesThePlaceholder) {
   EXPECT_EQ(reasonOf([] { format("%s", Value("x")); }), "a value stands at the placeholder \"%s\"");
   EXPECT_EQ(reasonOf([] { format("%@", 5); }), "a number stands at the placeholder \"%@\"");
   EXPECT_EQ(reasonOf([] { format("%@", 5U); }), "a number stands at the placeholder \"%@\"");
+  EXPECT_EQ(reasonOf([] { format("%y", 5); }).rfind("\"%y\": invalid ", 0), 0U);
   EXPECT_EQ(reasonOf([] { format("%ld", "x"); }).rfind("\"%ld\": ", 0), 0U);
 }
 
