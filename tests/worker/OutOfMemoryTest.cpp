@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include "log/iLog.h"
+#include "platform/PropertyList.h"
 #include "platform/Regex.h"
+#include "tests/support/PropertyLists.h"
 #include "tests/support/TempFolder.h"
 #include "tests/worker/FirmwareWorld.h"
 #include "tests/worker/Memory.h"
@@ -80,6 +82,26 @@ TEST(OutOfMemoryRotation, NeverLosesTheLog) {
     ASSERT_LT(calls, 10'000);
   }
   EXPECT_EQ(std::filesystem::file_size(path), 0U);
+}
+
+// A catalogue that is damaged and one that there is no memory for are not the same.
+TEST(WithoutMemory, APropertyListIsReadWholeOrNotTakenForDamaged) {
+  const std::string list = test::xmlPropertyList(
+      "<dict><key>a</key><array><string>a text that is too long to stand in its place</string>"
+      "<dict><key>another key that is rather long</key><data>AKt/</data></dict></array></dict>");
+  bool isRead = false;
+  int calls = 0;
+  for (; !isRead; ++calls) {
+    test::memory::newCallsLeft = calls;
+    try {
+      isRead = !platform::parsePropertyList(list).isNothing();
+      test::memory::newCallsLeft = -1;
+      ASSERT_TRUE(isRead) << calls;
+    } catch (const std::bad_alloc&) {
+      test::memory::newCallsLeft = -1;
+    }
+  }
+  EXPECT_GT(calls, 3);
 }
 
 }  // namespace
