@@ -53,6 +53,13 @@ std::string applicationFault(const std::string& bundle) {
   return holdsAProgram(contents) ? "" : "there is no program in its Contents";
 }
 
+std::string packageFault(const std::string& path) {
+  if (path.empty()) return " is empty";
+  if (!platform::exists(path)) return " does not exist";
+  const std::string fault = applicationFault(path);
+  return fault.empty() ? "" : " is no application bundle: " + fault;
+}
+
 std::string versionOf(const std::string& bundle) {
   return versionOfPropertyList(bundle + kPropertyList);
 }

@@ -8,6 +8,10 @@ namespace kelvane::console {
 // Why the folder is no application: "it has no folder Contents"; empty where it is one.
 std::string applicationFault(const std::string& bundle);
 
+// Why nothing can be installed from this path, behind the path: " does not exist"; empty where
+// something can.
+std::string packageFault(const std::string& path);
+
 // The version that its property list tells; empty where it tells none, or is not in XML: binary
 // ones would take a library more.
 std::string versionOf(const std::string& bundle);

@@ -119,7 +119,10 @@ void LoggedJobs::takeWorkers() {
   std::size_t start = 0;
   for (std::size_t i = 1; i <= entries_.size(); ++i) {
     if (i < entries_.size() && !isStart(entries_[i], &entries_[i - 1])) continue;
-    if (const auto logId = takenIn(entries_.subspan(start, i - start))) {
+    const Entries run = entries_.subspan(start, i - start);
+    const auto logId = takenIn(run);
+    lastWithoutJob_ = logId ? Entries() : run;
+    if (logId) {
       takers_[*logId].push_back(workers_.size());
       workers_.push_back({.begin = start, .end = i, .ended = {}});
     }
