@@ -80,7 +80,7 @@ void addRow(const ListedJob& listed, bool withTimes, Table& table) {
     row.push_back(hasStart(listed) ? listed.log.history->start : "");
     row.push_back(lengthText(listed));
   }
-  row.push_back(status.isFinished() ? resultNumber(status.result) : "");
+  row.push_back(status.isFinished() ? resultNumber(status.result) + status.otherResult : "");
   row.push_back(outcomeText(listed));
   table.addRow(std::move(row));
 }
@@ -101,7 +101,8 @@ Value percentagesOf(const ControllerStatus& one) {
 
 ListedJob listedJob(const Value& record, LogStretch log, const Places& places,
                     const std::vector<platform::RunningProcess>& processes) {
-  ListedJob listed{.record = record, .status = statusOf(record, log), .log = std::move(log)};
+  ListedJob listed{.record = record, .status = statusOf(record, log)};
+  listed.log = std::move(log);
   const std::string& logId = listed.status.logId;
   if (!places.isCopy && !workerRuns(logId, places.sharedFolder, processes)) {
     markWithoutWorker(listed.status);

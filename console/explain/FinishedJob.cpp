@@ -131,7 +131,7 @@ Explanation finishedWithoutResult(const JobStatus& status) {
           "Find out who writes the job file besides the worker.", "yes, under another log_id"};
 }
 
-// "the result "7" (no number)"
+// "finished with the result 0.5, which is no whole number of 64 bits"
 Explanation finishedWithAnother(const std::string& result, const char* what) {
   return {"finished with the result " + result + ", which is no " + what,
           "The worker ends no job so: another program wrote the record, or changed it. What became "

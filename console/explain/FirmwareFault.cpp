@@ -56,21 +56,24 @@ std::string faultOfImage(const Value& path, bool isCopy) {
   return isCopy ? imagePathFault(path.string()) : imageFault(path.string());
 }
 
+constexpr char kNotTaken[] = "The framework looked at the image and did not take it";
+
+// What stands at the path may have been another file then.
 Explanation unusableImage(const std::string& path, const std::string& fault) {
-  const std::string named = path.empty() ? "its path" : path;
   if (!imagePathFault(path).empty()) {
-    return {"", "The framework could not take the image: " + named + fault + ".", "user",
+    const std::string named = path.empty() ? "its path" : path;
+    return {"", std::string(kNotTaken) + ": " + named + fault + ".", "user",
             "Add the job anew under another log_id, with the absolute path of the image.",
             "not as it is"};
   }
-  return {
-      "", "The framework could not take the image: " + named + fault + ".", "user",
-      "Put the image there, readable for the worker, and add the job anew under another log_id.",
-      "yes, once the image is there"};
+  return {"", std::string(kNotTaken) + ": as it is now, " + path + fault + ".", "user",
+          "Put the image there, readable for the worker, and add the job anew under another "
+          "log_id.",
+          "yes, once the image is there"};
 }
 
 Explanation refusedImage(const FailedController& failed) {
-  std::string meaning = "The framework looked at the image and did not take it";
+  std::string meaning = kNotTaken;
   if (!failed.product.empty()) {
     meaning.append(": product 0x").append(failed.product).append(" takes ");
     meaning += failed.isQvxf ? "QVXF images" : "standard images";
@@ -83,10 +86,9 @@ Explanation refusedImage(const FailedController& failed) {
 
 std::optional<Explanation> imageAtFault(const Value& record, const FailedController& failed,
                                         bool isCopy) {
-  if (failed.hasSteps && !failed.isAtImage) return std::nullopt;
+  if (!failed.isAtImage) return std::nullopt;
   const Value path = memberOf(entryAt(record, failed.index), job::kFilePath);
   const std::string fault = faultOfImage(path, isCopy);
-  if (fault.empty() && !failed.isAtImage) return std::nullopt;
   Explanation told = fault.empty() ? refusedImage(failed) : unusableImage(path.string(), fault);
   told.meaning += whatWasFlashed(failed);
   return told;

@@ -63,7 +63,6 @@ std::optional<FailedController> failedController(const Value& record, const LogS
     failed.wwn = one.wwn.empty() ? nameOf(record, i) : one.wwn;
     failed.progress = progressText(status);
     if (log.isMixed || i >= log.flashes.size()) return failed;
-    failed.hasSteps = true;
     failed.isAtImage = log.flashes[i].isAtImage;
     failed.fault = log.flashes[i].fault;
     failed.lastStep = log.flashes[i].lastStep;

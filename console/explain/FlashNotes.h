@@ -19,7 +19,6 @@ struct FailedController {
   std::string lastStep;   // the log's last line of it
   std::string product;    // as the log tells it
   bool isQvxf = false;
-  bool hasSteps = false;   // whether the log tells what was done with it
   bool isAtImage = false;  // whether it failed when its image was looked at, before any flash
 };
 

@@ -33,7 +33,7 @@ class Watch {
     const bool isNew = record != look_.record;
     if (isNew) look_.record = record;
     look_.status = statusOf(record);
-    if (look_.status.isFinished()) takeEnd(isNew);
+    if (look_.status.isFinished() && look_.status.command == job::kUpdateFW) takeEnd(isNew);
     if (isNew) news_ = timeOfNews(now);
     keepPercentages(look_.status.controllers);
     const bool waits = look_.status.state == job::kWait;

@@ -119,7 +119,8 @@ void takeFlash(const FlashSteps& flash, ControllerStatus& one) {
     one.total = kWhole;
   } else if (flash.firmwareAtFault) {
     one.firmware = *flash.firmwareAtFault;
-    one.total = flash.firmwareAtFault == 0 ? one.cpld / 2 : kWhole / 2 + one.firmware / 2;
+    const int ofCpld = one.cpld == kUnknownPercent ? kUnknownPercent : one.cpld / 2;
+    one.total = flash.firmwareAtFault == 0 ? ofCpld : kWhole / 2 + one.firmware / 2;
   }
 }
 

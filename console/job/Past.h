@@ -19,7 +19,8 @@ struct Past {
   std::optional<std::chrono::milliseconds> start = {};  // of a job that runs
   JobTimes times = {};                                  // of a finished one
   std::vector<Moment> moments = {};
-  // The stretch of the log of a finished job, for what its record does not tell; may be empty.
+  // The stretch of the log of a finished firmware job, for what its record does not tell; may be
+  // empty.
   std::function<LogStretch(const platform::Value& record)> log = {};
 };
 

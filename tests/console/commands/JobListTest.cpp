@@ -176,6 +176,12 @@ TEST_F(JobListTest, ForMachinesItTellsThatNoWorkerIsSeen) {
             Value::boolean(true));
 }
 
+TEST_F(JobListTest, AResultThatIsNoNumberIsShownAsItIs) {
+  folder.write(test::kJobFile, R"([{"log_id": "1", "state_id": "FREE", "result": "7"}])");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_NE(shown.str().find("FREE      \"7\""), std::string::npos) << shown.str();
+}
+
 TEST_F(JobListTest, WhereNoneHasFailedItSaysSo) {
   folder.write(test::kJobFile, R"([{"log_id": "1", "state_id": "FREE", "result": 0}])");
   options.failed = true;

@@ -103,8 +103,8 @@ constexpr char kMissing[] = R"([{"wwn": "A1", "file_path": "/no.img"}])";
 TEST(FinishedFirmwareJob, SaysThatItsImageIsNotThere) {
   const Explanation found = told(failedJob(32850, kMissing), test::controllerLines("/no.img"));
   EXPECT_EQ(found.meaning,
-            "The framework could not take the image: /no.img does not exist. No controller was "
-            "flashed.");
+            "The framework looked at the image and did not take it: as it is now, /no.img does not "
+            "exist. No controller was flashed.");
   EXPECT_EQ(found.whoActs, "user");
   EXPECT_EQ(found.tryAgain, "yes, once the image is there");
 }
