@@ -56,7 +56,7 @@ class JobListTest : public ConsoleWorld {
     run();
     std::istringstream lines(shown.str());
     for (std::string text; std::getline(lines, text);) {
-      if (text.rfind("{", 0) != 0) continue;
+      if (text.rfind('{', 0) != 0) continue;
       const Value record = platform::parseJson(text);
       if (record.get("log_id") == Value(logId)) return record.get("told_by_log");
     }

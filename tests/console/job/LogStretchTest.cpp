@@ -183,7 +183,9 @@ TEST(LogStretch, TheErrorOfALastWorkerThatTookNoJobIsKept) {
   EXPECT_EQ(
       stretch(takenLines("1") + startLine() + error("run", "compared a number")).errorWithoutJob,
       "14:03:07 run: compared a number");
-  EXPECT_EQ(stretch(takenLines("1") + error("run", "x")).errorWithoutJob, "");
+  EXPECT_EQ(stretch(takenLines("7") + error("run", "compared a number")).errorWithoutJob,
+            "14:03:07 run: compared a number");
+  EXPECT_EQ(stretch(takenLines("1") + error("updateFW", "x")).errorWithoutJob, "");
 }
 
 }  // namespace
