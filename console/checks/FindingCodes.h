@@ -29,7 +29,8 @@
   FINDING(jobUnwritten, "job-unwritten",                                                           \
           "a job is in state `WAIT`, and the log holds steps of it")                               \
   FINDING(jobNoWorker, "job-no-worker", "a job is in state `RUN`, and no worker for it is seen")   \
-  FINDING(jobNoResult, "job-no-result", "a finished job has no `result`")                          \
+  FINDING(jobNoResult, "job-no-result",                                                            \
+          "a finished job has no `result`, or one that is no number")                              \
   FINDING(jobNoOutput, "job-no-output", "a finished firmware job has no `output`")                 \
   FINDING(jobNotWhole, "job-not-whole", "the record of a finished job lacks a key")                \
   FINDING(imageUnusable, "image-unusable",                                                         \

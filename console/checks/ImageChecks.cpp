@@ -13,10 +13,15 @@ constexpr std::size_t kMostPathBytes = 255;
 
 }  // namespace
 
-std::string imageFault(const std::string& path) {
+std::string imagePathFault(const std::string& path) {
   if (path.empty()) return " is empty";
   if (path.front() != '/') return " is relative: it is looked for in the worker's current folder";
   if (path.size() > kMostPathBytes) return " is longer than 255 bytes: the rest of it is cut off";
+  return {};
+}
+
+std::string imageFault(const std::string& path) {
+  if (std::string fault = imagePathFault(path); !fault.empty()) return fault;
   switch (kindOf(path)) {
     case EntryKind::missing:
       return " does not exist";

@@ -9,4 +9,7 @@ namespace kelvane::console {
 // nothing is.
 std::string imageFault(const std::string& path);
 
+// The same of the path alone, without a look at what stands there.
+std::string imagePathFault(const std::string& path);
+
 }  // namespace kelvane::console

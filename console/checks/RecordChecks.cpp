@@ -214,8 +214,14 @@ class Records {
 
   void takeFinished(const Value& record, const std::string& job) {
     const std::string& command = record.get(job::kJobId).string();
-    const bool hasResult = record.get(job::kResult).isNumber();
-    if (command == job::kUpdateFW && !hasResult) {
+    const Value& result = record.get(job::kResult);
+    const bool hasResult = result.isNumber();
+    if (!hasResult && !result.isNothing()) {
+      add(Code::jobNoResult, Severity::warning,
+          job + " is finished, and its result is no number: " + valueText(result),
+          "The worker's results are numbers: not the worker wrote this one.",
+          "Find out who writes the job file besides the worker.");
+    } else if (command == job::kUpdateFW && !hasResult) {
       add(Code::jobNoResult, Severity::warning, job + " is finished, and there is no result",
           "The end of a firmware job always has its result: not the worker wrote this one.",
           "Find out who writes the job file besides the worker.");
@@ -349,6 +355,12 @@ std::string whyNotStarted(const Value& record) {
   std::string fault = keyFault(record);
   if (!fault.empty()) return fault;
   return commandFault(record.get(job::kJobId).string(), record.get(job::kInputParameters));
+}
+
+std::string firmwareEntryFault(const Value& record, std::size_t index) {
+  const Value& inputs = record.get(job::kInputParameters);
+  return inputs.isArray() && index < inputs.count() ? entryFault(inputs, index)
+                                                    : arrayFault(inputs);
 }
 
 }  // namespace kelvane::console

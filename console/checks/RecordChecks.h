@@ -1,6 +1,7 @@
 // The job file's records: whether the worker can run them and write their outcome.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -25,5 +26,9 @@ Findings recordFindings(const std::string& path, const platform::Value& records,
 // Why the worker leaves this record alone, or does nothing for it, when it is in state WAIT: its
 // command, a missing key, its parameters. Empty where nothing speaks against it.
 std::string whyNotStarted(const platform::Value& record);
+
+// What is wrong with this entry of a firmware job's parameters; of a job that has no such entry,
+// with the parameters. Empty where nothing is.
+std::string firmwareEntryFault(const platform::Value& record, std::size_t index);
 
 }  // namespace kelvane::console

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "console/display/JobText.h"
+#include "console/explain/Shortfall.h"
 #include "console/job/Processes.h"
+#include "console/job/StandardError.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
@@ -23,7 +25,7 @@ bool mayBeDone(const ListedJob& listed) {
 bool hasFailed(const ListedJob& listed) {
   const JobStatus& status = listed.status;
   if (!listed.record.isDictionary()) return false;
-  if (status.isFinished()) return !status.hasSucceeded();
+  if (status.isFinished()) return !status.hasSucceeded() || !listed.shortfall.empty();
   return (status.hasNoWorker && status.state == job::kRun) || mayBeDone(listed);
 }
 
@@ -39,6 +41,7 @@ std::string stateText(const ListedJob& listed) {
 std::string outcomeText(const ListedJob& listed) {
   const JobStatus& status = listed.status;
   if (mayBeDone(listed)) return whatMayHaveBeenDone(listed.record, listed.log);
+  if (!listed.shortfall.empty()) return status.resultText + ", but " + listed.shortfall;
   std::string progress = progressText(status);
   if (status.state == job::kRun) return progress;
   if (status.hasSucceeded() || !status.isFinished() || progress.empty()) return status.resultText;
@@ -77,12 +80,40 @@ void addRow(const ListedJob& listed, bool withTimes, Table& table) {
     row.push_back(hasStart(listed) ? listed.log.history->start : "");
     row.push_back(lengthText(listed));
   }
-  row.push_back(status.isFinished() ? resultNumber(status.result) : "");
+  row.push_back(status.isFinished() ? resultNumber(status.result) + status.otherResult : "");
   row.push_back(outcomeText(listed));
   table.addRow(std::move(row));
 }
 
+Value percentagesOf(const ControllerStatus& one) {
+  Value told = Value::dictionary(
+      {{job::kWwn, displayText(one.wwn, Charset::utf8)}, {listed::kStanding, phaseOf(one)}});
+  const auto set = [&](const char* key, int percent) {
+    if (percent != kUnknownPercent) told.set(key, Value::integer(percent));
+  };
+  set(job::kCpldPercentage, one.cpld);
+  set(job::kFwPercentage, one.firmware);
+  set(job::kTotalPercentage, one.total);
+  return told;
+}
+
 }  // namespace
+
+ListedJob listedJob(const Value& record, LogStretch log, const Places& places,
+                    const std::vector<platform::RunningProcess>& processes) {
+  ListedJob listed{.record = record, .status = statusOf(record, log)};
+  listed.log = std::move(log);
+  const std::string& logId = listed.status.logId;
+  if (!places.isCopy && !workerRuns(logId, places.sharedFolder, processes)) {
+    markWithoutWorker(listed.status);
+  }
+  std::vector<std::string> standardError;
+  if (listed.status.command == job::kUpdateSW && !places.sharedFolder.empty()) {
+    standardError = standardErrorOf(places.sharedFolder, logId);
+  }
+  listed.shortfall = shortfallOf(record, listed.log, standardError);
+  return listed;
+}
 
 JobList listedJobs(const Value& records, const Places& places) {
   JobList jobs;
@@ -90,15 +121,9 @@ JobList listedJobs(const Value& records, const Places& places) {
   const auto processes =
       places.isCopy ? std::vector<platform::RunningProcess>() : platform::runningProcesses();
   for (const Value& record : records.elements()) {
-    ListedJob listed{.record = record};
-    if (record.isDictionary()) {
-      listed.log = log.stretchOf(record);
-      listed.status = statusOf(record, listed.log);
-      const bool mayHaveWorker =
-          places.isCopy || workerRuns(listed.status.logId, places.sharedFolder, processes);
-      if (!mayHaveWorker) markWithoutWorker(listed.status);
-    }
-    jobs.push_back(std::move(listed));
+    jobs.push_back(record.isDictionary()
+                       ? listedJob(record, log.stretchOf(record), places, processes)
+                       : ListedJob{.record = record});
   }
   return jobs;
 }
@@ -128,15 +153,34 @@ Table tableOf(const JobList& jobs) {
   return table;
 }
 
+Value withStatus(Value record, const ListedJob& job) {
+  Value told = Value::dictionary();
+  const bool isOpen = job.status.state == job::kWait || job.status.state == job::kRun;
+  if (isOpen && job.status.hasNoWorker) told.set(listed::kNoWorker, Value::boolean(true));
+  Value controllers = Value::array();
+  for (const ControllerStatus& one : job.status.controllers) {
+    controllers.append(percentagesOf(one));
+  }
+  if (job.status.command == job::kUpdateFW && controllers.count() > 0) {
+    told.set(listed::kControllers, controllers);
+  }
+  if (!job.shortfall.empty()) {
+    told.set(listed::kShortfall, displayText(job.shortfall, Charset::utf8));
+  }
+  if (!told.entries().empty()) record.set(listed::kStatus, told);
+  return record;
+}
+
 Value forMachines(const ListedJob& job) {
+  if (!job.record.isDictionary()) return job.record;
+
   Value told = Value::dictionary();
   if (hasStart(job)) told.set(listed::kStart, job.log.history->start);
   if (hasLength(job)) told.set(listed::kSeconds, Value::integer(job.log.history->length.count()));
   if (mayBeDone(job)) told.set(listed::kMayBeDone, Value::boolean(true));
-  if (told.entries().empty()) return job.record;
   Value record = job.record;
-  record.set(listed::kToldByLog, told);
-  return record;
+  if (!told.entries().empty()) record.set(listed::kToldByLog, told);
+  return withStatus(std::move(record), job);
 }
 
 }  // namespace kelvane::console

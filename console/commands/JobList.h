@@ -10,6 +10,7 @@
 #include "console/job/JobStatus.h"
 #include "console/job/LogStretch.h"
 #include "console/job/Places.h"
+#include "platform/RunningProcesses.h"
 #include "platform/Value.h"
 
 namespace kelvane::console {
@@ -23,27 +24,45 @@ inline constexpr char kStart[] = "start";
 inline constexpr char kSeconds[] = "seconds";               // up to the job's last entry
 inline constexpr char kMayBeDone[] = "may_have_been_done";  // true: of a waiting job; else missing
 
+// What the console makes of the record, where that says more than the record: an object.
+inline constexpr char kStatus[] = "console_status";
+// In it: true where no worker for a job that is not finished is seen; else missing.
+inline constexpr char kNoWorker[] = "no_worker";
+// A list of "wwn", "standing" (a word) and the percentages, as far as they are known.
+inline constexpr char kControllers[] = "controllers";
+inline constexpr char kStanding[] = "standing";
+inline constexpr char kShortfall[] = "shortfall";  // what a job with result 0 did not do; a text
+
 }  // namespace listed
 
 struct ListedJob {
   platform::Value record;  // may be no dictionary: then there is nothing else
   JobStatus status = {};
   LogStretch log = {};
+  std::string shortfall = {};  // what it did not do though its result is 0
 };
 
 using JobList = std::vector<ListedJob>;
 
+// The job of this record, which is a dictionary, as these places and processes tell of it.
+ListedJob listedJob(const platform::Value& record, LogStretch log, const Places& places,
+                    const std::vector<platform::RunningProcess>& processes);
+
 // All of these records, in their order; the log and the workers are those of the places.
 JobList listedJobs(const platform::Value& records, const Places& places);
 
-// Those that did not come to a good end: finished with another result than 0 or with none, left by
-// their worker, or taken by one that could not write what became of them.
+// Those that did not come to a good end: finished with another result than 0 or with none, or with
+// 0 though not all was done; left by their worker, or taken by one that could not write what became
+// of them.
 JobList failedOnes(JobList jobs);
 
 JobList lastOnes(JobList jobs, std::size_t count);
 
 // With columns for start and length where the log tells any.
 Table tableOf(const JobList& jobs);
+
+// This record of the job with the object that tells its status, where there is one.
+platform::Value withStatus(platform::Value record, const ListedJob& job);
 
 // The record, with the keys above.
 platform::Value forMachines(const ListedJob& job);

@@ -13,6 +13,7 @@
 #include "console/display/Table.h"
 #include "console/display/TimeText.h"
 #include "console/explain/FlashNotes.h"
+#include "console/explain/UnfinishedJob.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobTimes.h"
 #include "console/job/LogStretch.h"
@@ -62,17 +63,33 @@ void showTimes(const JobTimes& times, const Screen& screen) {
   showLines(timeLines(times.controllers), screen);
 }
 
-void showJob(const JobStatus& status, const Value& record, const LogStretch& log,
-             const Places& places, const Screen& screen) {
-  screen.out << jobLine(status, screen.charset) << '\n';
-  tellOfEarlierWorker(record, log, screen);
-  screen.out << "command " << displayText(status.command, screen.charset) << '\n';
-  if (status.isFinished()) screen.out << resultLine(status, screen.charset) << '\n';
+// Of a job with result 0; what its CPLDs did not is told with the flash.
+void showShortfall(const ListedJob& job, const Screen& screen) {
+  if (job.shortfall.empty() || job.status.command == job::kUpdateFW) return;
+  showLines({"but " + job.shortfall}, screen);
+}
+
+void showJob(const ListedJob& job, const Places& places, const Screen& screen) {
+  const JobStatus& status = job.status;
+  showLines({jobLine(status, screen.charset)}, screen);
+  tellOfEarlierWorker(job.record, job.log, screen);
+  showLines({"command " + displayText(status.command, screen.charset)}, screen);
+  if (status.isFinished()) showLines({resultLine(status, screen.charset)}, screen);
+  showShortfall(job, screen);
   if (!status.controllers.empty()) showTable(controllersOf(status), screen);
-  showTimes(timesOf(log), screen);
-  showLines(flashNotes(record, log), screen);
-  showPackages(record, screen, places.isCopy);
+  showTimes(timesOf(job.log), screen);
+  showLines(flashNotes(job.record, job.log), screen);
+  showPackages(job.record, screen, places.isCopy);
   tellWhatWasNotLookedAt(places, screen);
+}
+
+// Nothing more comes of a job that a worker has taken and left without writing it.
+void requireOpen(const std::string& logId, const std::string& sharedFolder, const Value& record,
+                 const LogStretch& log) {
+  if (!mayHaveBeenDone(record, log) || workerRuns(logId, sharedFolder)) return;
+  throw Failure(kWorkerFailed, "job " + logId +
+                                   " is in state WAIT, and no worker for it is seen: " +
+                                   adviceForUnfinished(record, log));
 }
 
 // --- the sub-commands
@@ -153,17 +170,19 @@ int list(const ListOptions& options, const Screen& screen) {
 int show(const OneJobOptions& options, const Screen& screen) {
   const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
   const Value record = requiredRecord(places, options.logId);
-  const LogStretch log = stretchIn(places, record);
-  JobStatus status = statusOf(record, log);
+  const auto processes =
+      places.isCopy ? std::vector<platform::RunningProcess>() : platform::runningProcesses();
+  const ListedJob job = listedJob(record, stretchIn(places, record), places, processes);
   if (screen.json) {
-    const JobTimes times = timesOf(log);
-    const Look look = {
-        .record = record, .status = status, .elapsed = times.length, .times = times.controllers};
-    screen.out << jsonText(recordWithTimes(look)) << std::endl;
+    const JobTimes times = timesOf(job.log);
+    const Look look = {.record = record,
+                       .status = job.status,
+                       .elapsed = times.length,
+                       .times = times.controllers};
+    screen.out << jsonText(withStatus(recordWithTimes(look), job)) << std::endl;
     return kSuccess;
   }
-  if (lacksWorker(options.logId, places)) markWithoutWorker(status);
-  showJob(status, record, log, places, screen);
+  showJob(job, places, screen);
   const std::string text = platform::printJson(record).value_or("null");
   screen.out << displayLines(text, screen.charset) << std::endl;
   return kSuccess;
@@ -173,9 +192,7 @@ int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   const std::string sharedFolder = workersShared(options.sharedFolder);
   const Value record = requiredRecord(placesIn(sharedFolder), options.logId);
   const LogStretch log = stretchIn(sharedFolder, record);
-  if (!surroundings.screen.json && !workerRuns(options.logId, sharedFolder)) {
-    tellOfEarlierWorker(record, log, surroundings.screen);
-  }
+  requireOpen(options.logId, sharedFolder, record, log);
   ForeignWorker worker(options.logId, sharedFolder);
   const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings,
                                        pastOf(record, log, surroundings.clock));

@@ -85,6 +85,9 @@ void tellMachines(const std::string& path, const ReportMatter& matter, const Rep
                          {"job", displayText(logId, Charset::utf8)},
                          {"bytes", Value::integer(static_cast<std::int64_t>(page.text.size()))},
                          {"replaced_a_report", Value::boolean(hasReplaced)}});
+  if (!matter.jobFileFault.empty()) {
+    told.set("job_file_fault", displayText(matter.jobFileFault, Charset::utf8));
+  }
   if (page.isRedacted) told.set("redacted", replacedIn(page));
   screen.out << platform::printJson(told).value_or("null") << std::endl;
 }
@@ -102,11 +105,18 @@ std::string redactionLine(const ReportPage& page) {
 void tell(const std::string& path, const ReportMatter& matter, const ReportPage& page,
           bool hasReplaced, const Screen& screen) {
   std::string line = "report of the ";
-  line.append(kindOf(matter.subject.places)).append(", without a job");
+  line.append(kindOf(matter.subject.places));
+  line += matter.subject.logId.empty()
+              ? ", without a job"
+              : ", without job " + matter.subject.logId + ", which the log does not show either";
   if (matter.hasJob()) line = statusOf(matter.record).logId.insert(0, "report of job ");
   line.append(": ").append(path);
   if (hasReplaced) line.append(" (in place of the report that was there)");
   std::vector<std::string> lines = {line};
+  if (!matter.jobFileFault.empty()) {
+    lines.push_back(matter.jobFileFault +
+                    (matter.isFromLog ? ": the job is told as the log shows it" : ""));
+  }
   if (page.isRedacted) lines.push_back(redactionLine(page));
   showLines(lines, screen);
 }

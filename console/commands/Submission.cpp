@@ -218,8 +218,10 @@ JobOptions jobOptionsOf(const Given& given) {
 Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, Worker& worker,
                     const Surroundings& surroundings, const Past& past,
                     const JobFile::IsMeant& isMeant) {
+  Past known = past;
+  known.log = [&](const Value& record) { return stretchIn(sharedFolder, record); };
   const Followed followed = follow(JobFile(sharedFolder), logId, worker, surroundings.clock,
-                                   surroundings.view, isMeant, past);
+                                   surroundings.view, isMeant, known);
   requireFinished(followed, logId, sharedFolder, worker);
   if (!surroundings.screen.json) showLines(timeLines(followed.last.times), surroundings.screen);
   showFlashNotes(followed.last.record, sharedFolder, surroundings.screen);

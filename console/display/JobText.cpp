@@ -26,8 +26,8 @@ bool isCounted(const std::string& phase) {
 // "5000A1 failed at 90%"; while it is flashed "5000A1 at 90% (firmware)", as the percentage is that
 // of all its phases.
 std::string placeOf(const ControllerStatus& one) {
-  const bool isFlashed = one.standing == Standing::open;
-  std::string text = displayName(one.wwn);
+  const bool isFlashed = one.standing == Standing::open || one.standing == Standing::begun;
+  std::string text = one.wwn.empty() ? "(no WWN)" : displayName(one.wwn);
   if (!isFlashed) text.append(" ").append(phaseOf(one));
   if (one.total != kUnknownPercent) text.append(" at ").append(percentText(one.total));
   if (isFlashed) text.append(" (").append(phaseOf(one)).append(")");
@@ -82,7 +82,10 @@ std::string progressText(const JobStatus& status) {
 }
 
 std::string resultLine(const JobStatus& status, Charset charset) {
-  const std::string result = status.result.empty() ? "missing" : resultNumber(status.result);
+  std::string result = status.result.empty() ? "missing" : resultNumber(status.result);
+  if (!status.otherResult.empty()) {
+    result = displayText(status.otherResult, charset) + " (no number)";
+  }
   return "result " + result + ": " + displayText(status.resultText, charset);
 }
 

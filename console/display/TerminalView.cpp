@@ -1,7 +1,11 @@
 #include "console/display/TerminalView.h"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "console/display/Colour.h"
 #include "console/display/JobText.h"
+#include "console/display/Wrapping.h"
 
 namespace kelvane::console {
 namespace {
@@ -22,7 +26,10 @@ void TerminalView::show(const Look& look) {
   // Below the lines that are drawn again: it may be as long as it likes.
   if (look.status.isFinished()) {
     const Colour colour = look.status.hasSucceeded() ? Colour::green : Colour::red;
-    out_ << coloured(resultLine(look.status, charset_), colour, showsColours_) << '\n';
+    const std::size_t columns = std::max<std::size_t>(size_().columns, 1);
+    for (const std::string& line : wrapped(resultLine(look.status, charset_), columns)) {
+      out_ << coloured(line, colour, showsColours_) << '\n';
+    }
   }
   out_.flush();
 }

@@ -22,6 +22,7 @@ struct Explanation {
   std::string toldBy = {};                // the line of the log that tells the failure
   std::vector<std::string> details = {};  // what else is to be known: packages, images, CPLDs
   JobTimes times = {};                    // as the job's log tells them
+  bool fellShort = false;                 // its result is 0, and it did not do all it was to do
 };
 
 }  // namespace kelvane::console

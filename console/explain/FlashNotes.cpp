@@ -2,6 +2,7 @@
 
 #include "console/display/JobText.h"
 #include "console/job/JobStatus.h"
+#include "console/job/RecordValues.h"
 #include "contract/Framework.h"
 #include "contract/JobFile.h"
 
@@ -15,10 +16,9 @@ std::string nameOf(const Value& record, std::size_t index) {
   const Value& inputs = record.get(job::kInputParameters);
   if (!inputs.isArray() || index >= inputs.count()) return "a controller";
   const Value& input = inputs.at(index);
-  if (!input.isDictionary() || !input.get(job::kWwn).isString()) {
-    return "input_parameters[" + std::to_string(index) + "], without a WWN,";
-  }
-  return input.get(job::kWwn).string();
+  std::string wwn = stringOf(memberOf(input, job::kWwn));
+  if (!wwn.empty()) return wwn;
+  return "input_parameters[" + std::to_string(index) + "] (no WWN)";
 }
 
 std::string timesText(int count) {
@@ -33,11 +33,18 @@ bool hasFailed(const Value& record) {
          result.integerValue() != kZorSuccess;
 }
 
-// Of a CPLD that the record alone tells of.
+// Those that the record alone tells of: at 0 percent it may be of a controller without one.
+std::vector<ControllerStatus> leftAtTheirCpld(const Value& record) {
+  std::vector<ControllerStatus> all = statusOf(record).controllers;
+  std::erase_if(all, [](const ControllerStatus& one) {
+    return one.standing != Standing::done || one.cpld == 0 || one.cpld == kWhole;
+  });
+  return all;
+}
+
 std::vector<std::string> notesOfRecord(const Value& record) {
   std::vector<std::string> notes;
-  for (const ControllerStatus& one : statusOf(record).controllers) {
-    if (one.standing != Standing::done || one.cpld == 0 || one.cpld == kWhole) continue;
+  for (const ControllerStatus& one : leftAtTheirCpld(record)) {
     notes.push_back(one.wwn + ": its CPLD was left at " + percentText(one.cpld));
   }
   return notes;
@@ -56,6 +63,7 @@ std::optional<FailedController> failedController(const Value& record, const LogS
     failed.wwn = one.wwn.empty() ? nameOf(record, i) : one.wwn;
     failed.progress = progressText(status);
     if (log.isMixed || i >= log.flashes.size()) return failed;
+    failed.isAtImage = log.flashes[i].isAtImage;
     failed.fault = log.flashes[i].fault;
     failed.lastStep = log.flashes[i].lastStep;
     failed.product = log.flashes[i].product;
@@ -80,6 +88,18 @@ std::vector<std::string> cpldNotes(const Value& record, const LogStretch& log) {
     }
   }
   return notes;
+}
+
+std::vector<std::string> controllersWithoutCpld(const Value& record, const LogStretch& log) {
+  std::vector<std::string> names;
+  if (!log.isFound || log.isMixed) {
+    for (const ControllerStatus& one : leftAtTheirCpld(record)) names.push_back(one.wwn);
+    return names;
+  }
+  for (std::size_t i = 0; i < log.flashes.size(); ++i) {
+    if (!log.flashes[i].cpldFault.empty()) names.push_back(nameOf(record, i));
+  }
+  return names;
 }
 
 std::vector<std::string> flashNotes(const Value& record, const LogStretch& log) {

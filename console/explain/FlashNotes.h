@@ -19,6 +19,7 @@ struct FailedController {
   std::string lastStep;   // the log's last line of it
   std::string product;    // as the log tells it
   bool isQvxf = false;
+  bool isAtImage = false;  // whether it failed when its image was looked at, before any flash
 };
 
 // Of a finished firmware job with a result other than 0; nothing where it cannot be told.
@@ -29,7 +30,11 @@ std::optional<FailedController> failedController(const platform::Value& record,
 // tried again once".
 std::vector<std::string> cpldNotes(const platform::Value& record, const LogStretch& log);
 
-// Both, in the order of the controllers: what a followed job ends with.
+// The controllers whose CPLD was to be flashed and was not, as far as that is told.
+std::vector<std::string> controllersWithoutCpld(const platform::Value& record,
+                                                const LogStretch& log);
+
+// The CPLDs' lines, and one of the controller that the job ended at: what a followed job ends with.
 std::vector<std::string> flashNotes(const platform::Value& record, const LogStretch& log);
 
 }  // namespace kelvane::console

@@ -11,10 +11,12 @@ std::string imageNote(const Value& record, const FailedController& failed, bool 
   const Value& inputs = record.get(job::kInputParameters);
   if (!inputs.isArray() || failed.index >= inputs.count()) return {};
   const Value& input = inputs.at(failed.index);
-  if (!input.isDictionary() || !input.has(job::kFilePath)) return "its image: none is given";
-  if (!input.get(job::kFilePath).isString()) return "its image: file_path is no string";
+  std::string note = failed.wwn + ": its image: ";
+  if (!input.isDictionary() || !input.has(job::kFilePath)) return note + "none is given";
+  if (!input.get(job::kFilePath).isString()) return note + "file_path is no string";
   const std::string& path = input.get(job::kFilePath).string();
-  std::string note = "its image: " + path + (isCopy ? "" : imageFault(path));
+  note += path.empty() ? "the path" : path;
+  note += isCopy ? imagePathFault(path) : imageFault(path);
   if (failed.product.empty()) return note;
   return note.append("; product 0x")
       .append(failed.product)

@@ -5,10 +5,13 @@
 
 #include "console/checks/RecordChecks.h"
 #include "console/display/JobText.h"
-#include "console/explain/CodeExplanation.h"
+#include "console/explain/FinishedJob.h"
 #include "console/explain/FlashNotes.h"
 #include "console/explain/ImageNote.h"
+#include "console/explain/PackageFault.h"
 #include "console/explain/PackageNotes.h"
+#include "console/job/ExitCode.h"
+#include "console/job/JobFile.h"
 #include "console/job/JobStatus.h"
 #include "console/job/StandardError.h"
 #include "console/job/UnwrittenJob.h"
@@ -52,16 +55,38 @@ Explanation waitingInCopy(const LogStretch& log) {
           "only where no worker runs"};
 }
 
+// A worker that is started flashes a firmware job all the same.
+Explanation blocked(const std::string& fault) {
+  return {"waiting", "No job of its file can be updated: " + fault + ".", "user",
+          "Start no worker before that is mended: it could not write what became of the job, and a "
+          "firmware job might be flashed all the same.",
+          "once that is mended"};
+}
+
+Explanation withoutPackage(const std::string& fault) {
+  return {"waiting",
+          "It would remove the application and put none in its place: " + fault +
+              ". The worker ends an installation with 0 whatever became of it.",
+          "user",
+          "Start no worker for it. Remove the record (\"kelvane-console remove\"), and add the job "
+          "anew with the absolute path of an application bundle.",
+          "not as it is"};
+}
+
 Explanation waiting(const Value& record, const JobCircumstances& circumstances) {
   if (circumstances.workerRuns && !circumstances.isCopy) {
     return {"waiting", "A worker was started for it and is about to take it.", "nobody",
             "Wait a moment, and ask again.", "no"};
   }
   if (mayHaveBeenDone(record, circumstances.log)) return unwritten(record, circumstances);
+  if (!circumstances.jobFileFault.empty()) return blocked(circumstances.jobFileFault);
   if (const std::string why = whyNotStarted(record); !why.empty()) {
     return {"waiting", "It cannot be carried out as it is: " + why + ".", "support",
             "Compare the record with the examples of its command, and add the job anew.",
             "not as it is"};
+  }
+  if (const std::string fault = packageFaultOf(record, circumstances.isCopy); !fault.empty()) {
+    return withoutPackage(fault);
   }
   if (record.has(job::kResult)) return putBack();
   if (circumstances.isCopy) return waitingInCopy(circumstances.log);
@@ -112,6 +137,17 @@ Explanation abandoned(const JobStatus& status, const JobCircumstances& circumsta
           "user", adviceForAbandoned(status), "yes, under another log_id"};
 }
 
+// Of a firmware job with a fault at which a worker gives up.
+Explanation gaveUpAt(const std::string& why) {
+  return {"running, and its worker gave up",
+          "It cannot be carried out as it is: " + why +
+              ". The log tells where its worker gave up. Nothing takes the job up.",
+          "support",
+          "Compare the record with the examples of its command, and add the job anew under another "
+          "log_id.",
+          "not as it is"};
+}
+
 // What the worker wrote last into the log did not come into the job file.
 Explanation endedUnwritten(const JobCircumstances& circumstances) {
   const std::string& result = circumstances.log.endedWith;
@@ -144,113 +180,16 @@ Explanation runningInCopy(const JobStatus& status, const LogStretch& log) {
   return {"running when it was copied", meaning, "user", advice, "only where no worker runs"};
 }
 
-// --- a finished job
-
-// The controllers whose CPLD is below 100 percent, "A1 (0%), A2 (50%)"; those that take QVXF images
-// are left out where the log tells which they are.
-std::string unfinishedCplds(const JobStatus& status, const LogStretch& log) {
-  const bool tells = log.isFound && !log.isMixed && log.flashes.size() == status.controllers.size();
-  std::string text;
-  for (std::size_t i = 0; i < status.controllers.size(); ++i) {
-    const ControllerStatus& one = status.controllers[i];
-    if (one.cpld == 100 || (tells && log.flashes[i].isQvxf)) continue;
-    text += (text.empty() ? "" : ", ") + one.wwn + " (" + std::to_string(one.cpld) + "%)";
-  }
-  return text;
-}
-
-Explanation updatedFirmware(const Value& record, const JobStatus& status, const LogStretch& log) {
-  if (!record.has(job::kOutput) && record.get(job::kInputParameters).count() > 0) {
-    return {
-        "",
-        "The job was done, but its first write failed, as on a full disk: its progress is lost, "
-        "also whether the CPLDs were flashed.",
-        "user",
-        "Mend what kept the job file from being written. The log tells of the CPLDs, in its "
-        "lines of flashCPLD.",
-        "if a CPLD was not flashed"};
-  }
-  if (status.controllers.empty()) {
-    return {"", "The job names no controller: nothing was flashed.", "support",
-            "Find out what the application put into the job's input_parameters.", "not as it is"};
-  }
-  const std::string cplds = unfinishedCplds(status, log);
-  if (cplds.empty()) return {"", "Every controller has its firmware.", "nobody", "", "no"};
-  return {
-      "",
-      "Every controller has its firmware, but not every CPLD was flashed: " + cplds +
-          ". That is as it should be for controllers that take QVXF images.",
-      "user",
-      "For a controller that takes standard images, look for \"Flash Error\" or \"another flash "
-      "process\" of flashCPLD in the log, and update it again.",
-      "yes, for such a controller"};
-}
-
-Explanation queried(const Value& record) {
-  if (record.get(job::kOutput).isArray()) {
-    return {"", "What the update service offers is the job's output.", "nobody", "", "no"};
-  }
-  return {"", "The update engine left no catalogue that could be read: there is no output.", "user",
-          "Check the network, the service's address, and online_update_plist_name in the product's "
-          "settings.",
-          "yes"};
-}
-
-Explanation succeeded(const Value& record, const JobStatus& status, const LogStretch& log) {
-  if (status.command == job::kUpdateFW) return updatedFirmware(record, status, log);
-  if (status.command == job::kGetOnlineUpdateData) return queried(record);
-  if (status.command == job::kUpdateSW) {
-    return {"", "The application was to be replaced. The result is 0 whatever became of that.",
-            "user", "Look whether the new application stands in its place.",
-            "if the application is not there"};
-  }
-  if (status.command == job::kDownloadOnlineUpdateFile) {
-    return {"", "Every package is there; the output has the paths.", "nobody", "", "no"};
-  }
-  return explainResult(0, status.command, status.resultText);
-}
-
-Explanation finishedWithoutResult(const JobStatus& status) {
-  if (status.command == job::kGetOnlineUpdateData || status.command == job::kUpdateSW ||
-      status.command == job::kDownloadOnlineUpdateFile) {
-    return {"finished without a result",
-            "The worker's first write of the job failed, as on a full disk, and its last one did "
-            "not. The job was done, and would have the result 0.",
-            "user", "Mend what kept the job file from being written.", "yes, under another log_id"};
-  }
-  return {"finished without a result", "Not the worker marked it as finished.", "support",
-          "Find out who writes the job file besides the worker.", "yes, under another log_id"};
-}
-
-Explanation finishedWithAnotherNumber(const std::string& digits) {
-  return {"finished with the result " + digits + ", which is no whole number of 64 bits",
-          "The worker ends no job so: another program wrote the record, or changed it. What became "
-          "of the job, the log tells.",
-          "support", "Find out who writes the job file besides the worker.",
-          "when it is known what became of it"};
-}
-
-Explanation finished(const Value& record, const JobStatus& status, const LogStretch& log) {
-  const Value& result = record.get(job::kResult);
-  if (!result.isNumber()) {
-    return finishedWithoutResult(status);
-  }
-  const std::int64_t code = result.integerValue();
-  if (std::to_string(code) != result.digits()) return finishedWithAnotherNumber(result.digits());
-  Explanation explanation = explainResult(code, status.command, status.resultText);
-  const std::string subject = "finished with " + explanation.subject;
-  if (code == 0) explanation = succeeded(record, status, log);
-  explanation.subject = subject;
-  return explanation;
-}
-
 Explanation byState(const Value& record, const JobStatus& status,
                     const JobCircumstances& circumstances) {
   if (status.state == job::kWait) return waiting(record, circumstances);
-  if (status.state == job::kFree) return finished(record, status, circumstances.log);
+  if (status.state == job::kFree) return explainFinished(record, status, circumstances);
   if (status.state == job::kRun) {
     const bool hasEnded = circumstances.log.hasEnded && !circumstances.log.isMixed;
     if (hasEnded && !circumstances.workerRuns) return endedUnwritten(circumstances);
+    const bool gaveUp = status.command == job::kUpdateFW && circumstances.log.gaveUp;
+    const std::string why = gaveUp ? whyNotStarted(record) : "";
+    if (!circumstances.workerRuns && !why.empty()) return gaveUpAt(why);
     if (circumstances.isCopy) return runningInCopy(status, circumstances.log);
     return circumstances.workerRuns ? underWay(status) : abandoned(status, circumstances);
   }
@@ -263,7 +202,11 @@ Explanation byState(const Value& record, const JobStatus& status,
 
 std::string noteOf(const LogStretch& log) {
   if (!log.absence.empty()) return log.absence;
-  if (!log.isFound) return "The log has no lines of this job.";
+  if (!log.isFound) {
+    std::string note = "The log has no lines of this job.";
+    if (log.errorWithoutJob.empty()) return note;
+    return note.append(" Its last worker took none, and said: ").append(log.errorWithoutJob);
+  }
   return log.isMixed
              ? "Another worker wrote into the log at the same time: its lines cannot be told "
                "from this job's, and what is said of them may be of the other one."
@@ -308,7 +251,7 @@ void takeControllers(const Value& record, const JobStatus& status,
 
 constexpr char kNoComplaints[] =
     "what the update engine complained of stands on the worker's standard error alone, and nothing "
-    "of it is kept here: the console keeps it of jobs that it submits";
+    "of it is kept here: it said nothing, or this console did not submit the job";
 
 void takePackages(const Value& record, const JobCircumstances& circumstances,
                   Explanation& explanation) {
@@ -321,12 +264,23 @@ void takePackages(const Value& record, const JobCircumstances& circumstances,
 
 }  // namespace
 
+std::string jobFileFaultAt(const Places& places) {
+  if (places.jobFile.empty()) return {};
+  try {
+    requireUpdatable(JobFile::at(places.jobFile).read(), places.jobFile);
+  } catch (const Failure& failure) {
+    return failure.what();
+  }
+  return {};
+}
+
 JobCircumstances circumstancesAt(const Places& places, const Value& record) {
   const std::string logId = statusOf(record).logId;
   JobCircumstances found{.workerRuns = !places.isCopy && !lacksWorker(logId, places),
                          .log = stretchIn(places, record),
                          .isCopy = places.isCopy,
                          .isFromLog = places.jobFile.empty()};
+  found.jobFileFault = jobFileFaultAt(places);
   if (places.sharedFolder.empty()) return found;
   found.standardError = standardErrorInShort(places.sharedFolder, logId);
   return found;

@@ -14,13 +14,19 @@ namespace kelvane::console {
 // What is known of a job besides its record, which is a dictionary with a log id.
 struct JobCircumstances {
   bool workerRuns = false;
-  LogStretch log;
+  LogStretch log = {};
   // Whether all is a copy from another system: neither workers nor the files that the record names
   // are looked for.
   bool isCopy = false;
   bool isFromLog = false;                       // whether the record is what the log shows last
   std::vector<std::string> standardError = {};  // what was kept of the worker's
+  // Why the worker can update no job of the job file: of another record; empty where nothing is
+  // seen.
+  std::string jobFileFault = {};
 };
+
+// Why no job of these places' job file can be updated; empty where nothing is seen. Never raises.
+std::string jobFileFaultAt(const Places& places);
 
 // What these places tell of the record.
 JobCircumstances circumstancesAt(const Places& places, const platform::Value& record);

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <string_view>
 
 #include "console/job/JobStatus.h"
+#include "console/job/LogTime.h"
 #include "console/job/LoggedJobs.h"
 #include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
@@ -27,8 +29,19 @@ constexpr std::string_view kFlashError = "Flash Error";
 constexpr std::string_view kBadImage = "Image format is invalid.";
 constexpr std::string_view kCompleted = "Flash Completed.";
 constexpr std::string_view kCpldBegun = "Start transferring CPLD image";
+constexpr std::string_view kCpldStart = "flashCPLD start";
+constexpr std::string_view kCpldEnd = "flashCPLD end";
 constexpr std::string_view kTransfer = "Start transferring image";
 constexpr std::string_view kQvxfTransfer = "[WRONG] zr_transferQVXFFlashImage = ";
+
+// What the worker says before and while it looks at an image, and what it says of any failure.
+constexpr std::string_view kAtImage[] = {kProduct,
+                                         "zr_getUSBImageInfo()",
+                                         "usb_u32checkUSB",
+                                         "rpf.rpf_uTransfer",
+                                         "[WRONG] zr_initializeFlashProcess = 0x0",
+                                         "[WRONG] zr_checkQVXFFlashImage = "};
+constexpr std::string_view kAfterFailure = "u32Ret is not 0";
 
 int numberBehind(const std::string& text, std::string_view start) {
   int number = 0;
@@ -49,6 +62,18 @@ bool isFault(const std::string& message) {
          message.substr(status) != " = 0x0";
 }
 
+// The flash of a CPLD that is up to date is not begun.
+void takeCpldTime(const std::string& message, std::chrono::seconds now, FlashSteps& steps) {
+  if (message == kCpldStart) steps.cpldBegin = now;
+  if (message.starts_with(kCpldBegun)) steps.hasCpld = true;
+  if (message == kCpldEnd && steps.hasCpld) steps.cpldEnd = now;
+}
+
+void takeFirmwareTime(const LogEntry& entry, std::chrono::seconds now, FlashSteps& steps) {
+  const bool isOver = entry.message == kCompleted || isFlashFault(entry);
+  if (isOver && steps.hasFirmware && !steps.firmwareEnd) steps.firmwareEnd = now;
+}
+
 void takeCpldStep(const LogEntry& entry, FlashSteps& steps) {
   const std::string& message = entry.message;
   if (message.starts_with(kCpldBegun)) steps.hasBegun = true;
@@ -64,10 +89,19 @@ void takeProduct(const std::string& message, FlashSteps& steps) {
   steps.isQvxf = steps.product.size() == 4 && (family == "48" || family == "49");
 }
 
+bool isAtImage(const std::string& message) {
+  return std::any_of(std::begin(kAtImage), std::end(kAtImage),
+                     [&](std::string_view start) { return message.starts_with(start); });
+}
+
 void takeStep(const LogEntry& entry, FlashSteps& steps) {
   const std::string& message = entry.message;
+  if (!message.starts_with(kAfterFailure)) steps.isAtImage = isAtImage(message);
   if (message.starts_with(kProduct)) takeProduct(message, steps);
-  if (message.starts_with(kTransfer) || message.starts_with(kQvxfTransfer)) steps.hasBegun = true;
+  if (message.starts_with(kTransfer) || message.starts_with(kQvxfTransfer)) {
+    steps.hasBegun = true;
+    steps.hasFirmware = true;
+  }
   if (message == kCompleted) steps.isFlashed = true;
   // Behind the flash's end an error is the job's.
   if (steps.isFlashed || !steps.fault.empty()) return;
@@ -117,20 +151,26 @@ std::string lineOf(const LogEntry& entry) {
 std::vector<FlashSteps> flashStepsIn(std::span<const LogEntry> entries) {
   std::vector<FlashSteps> all;
   bool isOver = false;
+  LogClock clock;
   for (const LogEntry& entry : entries) {
+    clock.take(entry.time);
     const bool isOfCpld = entry.function == "flashCPLD";
     if ((entry.function != "updateFW" && !isOfCpld) || isEndOfJob(entry.message)) continue;
     if (!isOfCpld && entry.message.starts_with(kFound)) {
       all.emplace_back().image = imageIn(entry.message);
+      all.back().begin = clock.passed();
       isOver = false;
     }
     if (all.empty()) continue;
     isOver = isOver || isOfTheNext(entry, all.back());
     if (isOver) continue;
     if (isOfCpld) {
+      all.back().isAtImage = false;
+      takeCpldTime(entry.message, clock.passed(), all.back());
       takeCpldStep(entry, all.back());
     } else {
       takeStep(entry, all.back());
+      takeFirmwareTime(entry, clock.passed(), all.back());
     }
     all.back().lastStep = lineOf(entry);
   }

@@ -1,6 +1,7 @@
 // A firmware job's controllers, as the log tells of them.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,12 +18,22 @@ struct FlashSteps {
   std::string product;  // its identifier, hexadecimal digits
   bool isQvxf = false;  // by the product
   int cpldRetries = 0;
-  std::string cpldFault;   // the line that tells why the CPLD was not flashed
-  bool hasBegun = false;   // whether anything of a flash was started
-  bool isFlashed = false;  // whether the controller told the end of its firmware's flash
-  std::string fault;       // the line that tells why its firmware was not
+  std::string cpldFault;     // the line that tells why the CPLD was not flashed
+  bool hasBegun = false;     // whether anything of a flash was started
+  bool hasCpld = false;      // whether that of its CPLD was
+  bool hasFirmware = false;  // whether that of its firmware was
+  bool isAtImage = false;    // whether the last step looked at the image, before any flash
+  bool isFlashed = false;    // whether the controller told the end of its firmware's flash
+  std::string fault;         // the line that tells why its firmware was not
   // How far its firmware was when the fault came, in percent; nothing where the log does not tell.
   std::optional<int> firmwareAtFault = {};
+  std::string wwn = {};  // as the job gives it
+  // Since the first entry: the flash of its CPLD, if one was started, and that of its firmware,
+  // which begins where the CPLD is over. Nothing of what is not over.
+  std::optional<std::chrono::seconds> begin = {};
+  std::optional<std::chrono::seconds> cpldBegin = {};
+  std::optional<std::chrono::seconds> cpldEnd = {};
+  std::optional<std::chrono::seconds> firmwareEnd = {};
   std::string lastStep;
 };
 

@@ -33,6 +33,7 @@ class Watch {
     const bool isNew = record != look_.record;
     if (isNew) look_.record = record;
     look_.status = statusOf(record);
+    if (look_.status.isFinished() && look_.status.command == job::kUpdateFW) takeEnd(isNew);
     if (isNew) news_ = timeOfNews(now);
     keepPercentages(look_.status.controllers);
     const bool waits = look_.status.state == job::kWait;
@@ -53,6 +54,14 @@ class Watch {
     return statusOf(last.record).controllers == look_.status.controllers ? last.time : now;
   }
 
+  // What became of each controller, and its times, as the log tells.
+  void takeEnd(bool isNew) {
+    if (isNew && past_.log) end_ = past_.log(look_.record);
+    if (!end_) return;
+    look_.status = statusOf(look_.record, *end_);
+    look_.times = timesOf(*end_).controllers;
+  }
+
   void takeTimes(milliseconds now) {
     look_.elapsed = start_ ? std::optional(now - *start_) : past_.times.length;
     look_.silence = now - news_;
@@ -60,7 +69,7 @@ class Watch {
     look_.followed = now - begin_;
     look_.left = pace_.left(now);
     if (!look_.status.isFinished()) return;
-    look_.times = pace_.course().times();
+    if (look_.times.empty()) look_.times = pace_.course().times();
     if (look_.times.empty()) look_.times = past_.times.controllers;
   }
 
@@ -86,6 +95,7 @@ class Watch {
   milliseconds news_;
   Pace pace_;
   std::vector<ControllerStatus> under_;  // as each was seen last below 100 percent
+  std::optional<LogStretch> end_;        // of the finished job
   Look look_;
 };
 

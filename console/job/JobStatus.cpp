@@ -5,8 +5,10 @@
 
 #include "console/job/LogStretch.h"
 #include "console/job/RecordValues.h"
+#include "console/job/UnwrittenJob.h"
 #include "contract/Framework.h"
 #include "contract/JobFile.h"
+#include "platform/Json.h"
 
 namespace kelvane::console {
 
@@ -117,7 +119,8 @@ void takeFlash(const FlashSteps& flash, ControllerStatus& one) {
     one.total = kWhole;
   } else if (flash.firmwareAtFault) {
     one.firmware = *flash.firmwareAtFault;
-    one.total = flash.firmwareAtFault == 0 ? one.cpld / 2 : kWhole / 2 + one.firmware / 2;
+    const int ofCpld = one.cpld == kUnknownPercent ? kUnknownPercent : one.cpld / 2;
+    one.total = flash.firmwareAtFault == 0 ? ofCpld : kWhole / 2 + one.firmware / 2;
   }
 }
 
@@ -139,6 +142,34 @@ void takeEnd(const std::vector<FlashSteps>& flashes, std::int64_t result, Contro
   if (failed < all.size()) all[failed].standing = Standing::failed;
 }
 
+// Of a job whose record a worker could not write: the percentages are not known.
+void takeTaken(const Value& record, const LogStretch& log, Controllers& all) {
+  all = entriesOf(record, all);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    ControllerStatus& one = all[i];
+    if (!log.isMixed && i >= log.flashes.size()) continue;
+    one.cpld = kUnknownPercent;
+    one.firmware = kUnknownPercent;
+    one.total = kUnknownPercent;
+    one.standing = Standing::unknown;
+    if (log.isMixed) continue;
+    const FlashSteps& flash = log.flashes[i];
+    if (flash.isFlashed || !flash.fault.empty()) takeFlash(flash, one);
+  }
+}
+
+// The worker is at the first controller that is not done, also while its percentages are 0.
+void markBegun(const Value& record, JobStatus& status) {
+  Controllers& all = status.controllers;
+  if (status.command != job::kUpdateFW || status.state != job::kRun ||
+      !record.get(job::kOutput).isArray() || !isWhole(record, all)) {
+    return;
+  }
+  const auto open = std::find_if(all.begin(), all.end(),
+                                 [](const ControllerStatus& one) { return one.total < kWhole; });
+  if (open != all.end() && isUntouched(*open)) open->standing = Standing::begun;
+}
+
 }  // namespace
 
 const char* phaseOf(const ControllerStatus& controller) {
@@ -153,6 +184,8 @@ const char* phaseOf(const ControllerStatus& controller) {
       return "not started";
     case Standing::unknown:
       return "unknown";
+    case Standing::begun:
+      return "started";
     case Standing::open:
       break;
   }
@@ -173,14 +206,23 @@ JobStatus statusOf(const Value& record) {
   status.command = stringOf(record.get(job::kJobId));
   status.state = stringOf(record.get(job::kStateId));
   status.controllers = controllersOf(output.isArray() ? output : record.get(job::kInputParameters));
-  if (result.isNumber()) status.result = result.digits();
+  if (result.isNumber()) {
+    status.result = result.digits();
+  } else if (!result.isNothing()) {
+    status.otherResult = platform::printJsonLine(result).value_or("a value without a form");
+  }
   status.resultText = stringOf(record.get(job::kResultStr));
+  markBegun(record, status);
   markEnd(record, status);
   return status;
 }
 
 JobStatus statusOf(const Value& record, const LogStretch& log) {
   JobStatus status = statusOf(record);
+  if (status.command == job::kUpdateFW && mayHaveBeenDone(record, log)) {
+    takeTaken(record, log, status.controllers);
+    return status;
+  }
   const Value& result = record.get(job::kResult);
   const bool tells = log.isFound && !log.isMixed && log.hasEnded;
   if (!tells || status.command != job::kUpdateFW || !status.isFinished() || !result.isNumber() ||
@@ -192,10 +234,26 @@ JobStatus statusOf(const Value& record, const LogStretch& log) {
   return status;
 }
 
+namespace {
+
+// Behind a controller that a worker had begun none is waiting any more.
+void markTaken(Controllers& all) {
+  bool isTaken = false;
+  for (ControllerStatus& one : all) {
+    if (one.standing == Standing::open && isTaken) one.standing = Standing::notStarted;
+    isTaken = isTaken || one.standing != Standing::open;
+  }
+}
+
+}  // namespace
+
 void markWithoutWorker(JobStatus& status) {
   if (status.isFinished()) return;
   status.hasNoWorker = true;
-  if (status.state != job::kRun) return;
+  if (status.state != job::kRun) {
+    markTaken(status.controllers);
+    return;
+  }
   Standing next = Standing::stopped;
   for (ControllerStatus& one : status.controllers) {
     if (one.total == kWhole) continue;

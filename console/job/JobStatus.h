@@ -15,6 +15,7 @@ inline constexpr int kWhole = 100;  // percent
 // What became of a controller besides its percentages.
 enum class Standing {
   open,        // the percentages tell
+  begun,       // the worker is at it, and its percentages are 0
   done,        // it has its firmware
   failed,      // the job ended at it
   stopped,     // the worker is gone, and was at it
@@ -35,8 +36,8 @@ struct ControllerStatus {
   bool operator==(const ControllerStatus&) const = default;
 };
 
-// Where a controller stands, in a word: "waiting", "CPLD", "firmware", "done", "failed", "stopped",
-// "not started", "unknown".
+// Where a controller stands, in a word: "waiting", "started", "CPLD", "firmware", "done", "failed",
+// "stopped", "not started", "unknown".
 const char* phaseOf(const ControllerStatus& controller);
 
 // Texts are as the job file has them: they may hold control characters.
@@ -47,7 +48,8 @@ struct JobStatus {
   std::string result;  // a number as it was written; empty where there is none
   std::string resultText;
   std::string command = {};
-  bool hasNoWorker = false;  // it is not finished, and no worker for it is seen
+  std::string otherResult = {};  // what stands there in place of a number, as JSON
+  bool hasNoWorker = false;      // it is not finished, and no worker for it is seen
 
   bool isFinished() const;
   bool hasSucceeded() const;  // finished, with result 0

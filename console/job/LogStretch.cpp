@@ -111,11 +111,18 @@ void takeFlashes(Entries entries, const Value& record, LogStretch& stretch) {
     FlashSteps& flash = stretch.flashes[i];
     const Value input = i < inputs.count() ? inputs.at(i) : Value();
     const std::string image = platform::describe(memberOf(input, job::kFilePath));
+    flash.wwn = stringOf(memberOf(input, job::kWwn));
     stretch.isMixed = stretch.isMixed || flash.image != image;
     if (flash.fault.empty()) continue;
     flash.firmwareAtFault = firmwareBeforeTheEnd(entries, stringOf(memberOf(record, job::kLogId)),
                                                  stringOf(memberOf(input, job::kWwn)));
   }
+}
+
+std::string lastErrorIn(Entries entries) {
+  const auto error = std::find_if(entries.rbegin(), entries.rend(),
+                                  [](const LogEntry& entry) { return entry.level == "error"; });
+  return error == entries.rend() ? "" : lineOf(*error);
 }
 
 }  // namespace
@@ -127,7 +134,10 @@ std::span<const LogEntry> entriesOf(const std::vector<LogEntry>& entries, const 
 LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   LogStretch stretch;
   const std::optional<LoggedJob> found = jobs.find(record);
-  if (!found) return stretch;
+  if (!found) {
+    stretch.errorWithoutJob = lastErrorIn(jobs.lastWithoutJob());
+    return stretch;
+  }
   const std::string command = stringOf(memberOf(record, job::kJobId));
   stretch.isFound = true;
   stretch.hasEnded = found->hasEnded;

@@ -29,7 +29,9 @@ struct LogStretch {
   std::string endedWith = {};            // the result that it shows
   std::string engineSaid = {};           // the last line that the update engine printed
   std::vector<FlashSteps> flashes = {};  // of a firmware job
-  std::string absence = {};              // why there is no log to look into
+  // Where it is not found: the error with which the log's last worker ended, if that took no job.
+  std::string errorWithoutJob = {};
+  std::string absence = {};  // why there is no log to look into
   // When it ran, and how it went on; other jobs' where the stretch is mixed.
   std::optional<JobHistory> history = {};
 };

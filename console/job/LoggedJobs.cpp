@@ -53,6 +53,11 @@ std::optional<std::string> takenIn(Entries run) {
   return text.substr(start, inputs - start);
 }
 
+// Whether the worker ended before it did anything for the record that it looked at last.
+bool endsWithRunnersError(Entries run) {
+  return !run.empty() && isRun(run.back()) && run.back().level == "error";
+}
+
 // The records that the worker read; nothing where they cannot be read out of the log.
 Value recordsReadIn(Entries run) {
   const auto read = std::find_if(run.begin(), run.end(), [](const LogEntry& entry) {
@@ -119,7 +124,10 @@ void LoggedJobs::takeWorkers() {
   std::size_t start = 0;
   for (std::size_t i = 1; i <= entries_.size(); ++i) {
     if (i < entries_.size() && !isStart(entries_[i], &entries_[i - 1])) continue;
-    if (const auto logId = takenIn(entries_.subspan(start, i - start))) {
+    const Entries run = entries_.subspan(start, i - start);
+    const auto logId = takenIn(run);
+    lastWithoutJob_ = logId && !endsWithRunnersError(run) ? Entries() : run;
+    if (logId) {
       takers_[*logId].push_back(workers_.size());
       workers_.push_back({.begin = start, .end = i, .ended = {}});
     }

@@ -44,6 +44,9 @@ class LoggedJobs {
   // The last part in which a worker took whatever job had this log id.
   std::optional<LoggedJob> findLast(const std::string& logId) const;
 
+  // What the log's last worker wrote, if it took no job; else nothing.
+  std::span<const LogEntry> lastWithoutJob() const { return lastWithoutJob_; }
+
  private:
   // A worker that took a job; places are those of entries.
   struct Worker {
@@ -59,6 +62,7 @@ class LoggedJobs {
   LoggedJob jobOf(const Worker& worker) const;
 
   std::span<const LogEntry> entries_;
+  std::span<const LogEntry> lastWithoutJob_;
   std::vector<Worker> workers_;                             // in the order of the log
   std::map<std::string, std::vector<std::size_t>> takers_;  // of each log id, places in workers_
 };

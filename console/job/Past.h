@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,6 +19,9 @@ struct Past {
   std::optional<std::chrono::milliseconds> start = {};  // of a job that runs
   JobTimes times = {};                                  // of a finished one
   std::vector<Moment> moments = {};
+  // The stretch of the log of a finished firmware job, for what its record does not tell; may be
+  // empty.
+  std::function<LogStretch(const platform::Value& record)> log = {};
 };
 
 // Of a job that is submitted now.

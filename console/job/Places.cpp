@@ -24,8 +24,34 @@ const std::string& logPathOf(const Places& places) {
   return places.log;
 }
 
+namespace {
+
+// Whether the log shows what a job file that cannot be read does not.
+bool logShowsRecords(const Places& places) {
+  if (places.log.empty()) return false;
+  try {
+    return lastRecordsIn(parseLog(readLogAt(places.log))).count() > 0;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
+Value recordsInJobFile(const Places& places) {
+  try {
+    return JobFile::at(places.jobFile).read();
+  } catch (const Failure& failure) {
+    if (!logShowsRecords(places)) throw;
+    throw Failure(failure.exitCode(), std::string(failure.what()) +
+                                          ". The log shows its jobs: give list, show, explain or "
+                                          "report --log-file " +
+                                          places.log + " in place of the folder");
+  }
+}
+
+}  // namespace
+
 Value recordsAt(const Places& places) {
-  if (!places.jobFile.empty()) return JobFile::at(places.jobFile).read();
+  if (!places.jobFile.empty()) return recordsInJobFile(places);
   Value records = lastRecordsIn(parseLog(readLogAt(places.log)));
   if (records.isNothing()) throw Failure(kNotFound, places.log + " shows no records");
   return records;

@@ -132,7 +132,8 @@ class Historian {
       mark(MarkKind::retry, "the CPLD's flash is tried again");
     } else if (!isOfCpld && entry.message == kCompleted) {
       mark(MarkKind::done, "the flash is completed");
-    } else if (isFlashFault(entry)) {
+      isFlashed_ = true;
+    } else if (isFlashFault(entry) && !isFlashed_) {
       mark(MarkKind::fault, lineOf(entry));
       hasFailed_ = hasFailed_ || !isOfCpld;
     }
@@ -193,6 +194,7 @@ class Historian {
     course.history.end = now_;
     if (!course.history.phases.empty()) course.history.phases.back().to = now_;
     hasFailed_ = false;
+    isFlashed_ = false;
   }
 
   std::string logId_;
@@ -200,6 +202,7 @@ class Historian {
   std::size_t next_ = 0;
   UnderWay* current_ = nullptr;
   bool hasFailed_ = false;  // the firmware's flash: what is written then is no percentage
+  bool isFlashed_ = false;  // behind that an error is the job's
   LogClock clock_;
   JobTime now_{0};
   std::size_t number_ = 0;

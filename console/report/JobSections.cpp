@@ -46,6 +46,10 @@ struct Verdict {
 Verdict verdictOnFinished(const JobStatus& status, const Explanation& told) {
   if (status.result.empty()) return {"Unclear", "open"};
   if (!status.hasSucceeded()) return {"Failed", "bad"};
+  if (told.fellShort) {
+    return status.command == job::kUpdateFW ? Verdict{"Done in part", "open"}
+                                            : Verdict{"Failed", "bad"};
+  }
   return told.whoActs == "nobody" ? Verdict{"Done", "good"} : Verdict{"Ended", "open"};
 }
 
@@ -82,7 +86,7 @@ void showList(Html& page, const char* label, const std::vector<std::string>& tex
 
 // What came when the controller had shown nothing.
 std::string newsBehind(const HistorySilence& silence, const ControllerHistory& controller,
-                       JobTime endOfLog) {
+                       const ReportMatter& matter) {
   const auto isThen = [&](const auto& one) { return one.at == silence.to; };
   const auto& marks = controller.marks;
   const auto mark = std::find_if(marks.begin(), marks.end(), isThen);
@@ -90,8 +94,11 @@ std::string newsBehind(const HistorySilence& silence, const ControllerHistory& c
     return (mark->kind == MarkKind::fault ? "; then came " : "; then ") + mark->text;
   }
   const auto& points = controller.points;
-  const bool isLast = silence.to >= endOfLog && std::none_of(points.begin(), points.end(), isThen);
-  return isLast ? ", and the job's lines in the log end there" : "; then it went on";
+  const bool isLast =
+      silence.to >= matter.history.length && std::none_of(points.begin(), points.end(), isThen);
+  if (!isLast) return "; then it went on";
+  return matter.workerRuns && !matter.log.hasEnded ? ", and its worker is still at it"
+                                                   : ", and the job's lines in the log end there";
 }
 
 // Of each time in which a controller showed nothing.
@@ -102,7 +109,7 @@ std::vector<std::string> silenceNotes(const ReportMatter& matter) {
       std::string note = one.wwn;
       note.append(": no change for ").append(lengthText(silence.to - silence.from));
       note.append(" from ").append(clockAt(matter.history, silence.from)).append(" on");
-      note += newsBehind(silence, one, matter.history.length);
+      note += newsBehind(silence, one, matter);
       notes.push_back(note);
     }
   }
@@ -125,6 +132,7 @@ Explanation explanationOf(const ReportMatter& matter) {
                                  .log = matter.log,
                                  .isCopy = places.isCopy,
                                  .isFromLog = places.jobFile.empty()};
+  if (!matter.isFromLog) circumstances.jobFileFault = jobFileFaultAt(places);
   constexpr std::size_t kMostComplaints = 5;  // all have a section of their own
   const std::size_t complaints = std::min(matter.standardError.size(), kMostComplaints);
   for (std::size_t i = 0; i < complaints; ++i) {
@@ -134,6 +142,7 @@ Explanation explanationOf(const ReportMatter& matter) {
   if (!matter.installationFault.empty()) {
     takeInstallationFault(matter.installationFault, told);
   } else if (matter.isInstalled) {
+    told.fellShort = false;
     told.meaning = "The application was replaced: what stands in its place is the package.";
     told.whoActs = "nobody";
     told.advice.clear();
@@ -157,6 +166,13 @@ void showControllers(Html& page, const JobStatus& status) {
               "other controllers are");
 }
 
+std::string jobFileNote(const ReportMatter& matter) {
+  if (!matter.isFromLog) return {};
+  return matter.jobFileFault +
+         ". What is told here of the job is as the log shows it, which does not tell all numbers "
+         "from texts. Ask for the job file once more, or mend it.";
+}
+
 void tellOfJob(Html& page, const ReportMatter& matter) {
   const JobStatus status = statusOfJob(matter);
   const Explanation told = explanationOf(matter);
@@ -168,7 +184,8 @@ void tellOfJob(Html& page, const ReportMatter& matter) {
                    {"It came to", told.controller},
                    {"The log tells", told.toldBy},
                    {"Last step", told.lastStep != told.toldBy ? told.lastStep : ""},
-                   {"Note", told.note}});
+                   {"Note", told.note},
+                   {"The job file", jobFileNote(matter)}});
   showControllers(page, status);
   showList(page, "Besides:", told.details);
   showList(page, "Times without a change:", silenceNotes(matter));
@@ -196,7 +213,10 @@ void tellOfNoJob(Html& page, const ReportMatter& matter) {
     showBanner(page, {"No job", "open"}, text);
     return;
   }
-  showBanner(page, {"No job can be told", "bad"}, matter.jobFileFault);
+  const std::string& logId = matter.subject.logId;
+  const std::string missing =
+      logId.empty() ? "" : ". The log does not show job " + logId + " either";
+  showBanner(page, {"No job can be told", "bad"}, matter.jobFileFault + missing);
   if (const Finding* finding = findingBehind(matter)) {
     showPairs(page, {{"Found", finding->what},
                      {"This means", finding->meaning},
@@ -291,8 +311,10 @@ void tellHistory(Html& page, const ReportMatter& matter) {
 void showRecord(Html& page, const ReportMatter& matter) {
   if (!matter.hasJob()) return;
   openSection(page, "record", "The record", 2 * kMostRecordBytes);
+  const bool isFromLog = matter.isFromLog || matter.subject.places.jobFile.empty();
   page.label("p", std::to_string(matter.place).insert(0, "No. ") + ", counted from 0, of " +
-                      std::to_string(matter.count) + " in the job file.");
+                      std::to_string(matter.count) +
+                      (isFromLog ? " as the log shows them last." : " in the job file."));
   page.element("pre", platform::printJson(matter.record).value_or("(cannot be shown)"), {},
                {.most = kMostRecordBytes});
   page.close();

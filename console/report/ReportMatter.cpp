@@ -7,7 +7,9 @@
 #include "console/application/InstallationFault.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/job/ExitCode.h"
+#include "console/job/JobFile.h"
 #include "console/job/JobStatus.h"
+#include "console/job/LoggedRecords.h"
 #include "console/job/StandardError.h"
 #include "console/report/DiskEntries.h"
 #include "contract/JobFile.h"
@@ -34,12 +36,28 @@ void findRecord(const Value& records, const std::string& logId, ReportMatter& ma
   }
 }
 
+// Where the job file cannot be read, the log may show the job.
+void findRecordInLog(ReportMatter& matter) {
+  const Places& places = matter.subject.places;
+  if (places.jobFile.empty() || places.log.empty()) return;
+  try {
+    const Value records = lastRecordsIn(parseLog(readLogAt(places.log)));
+    if (records.isArray()) findRecord(records, matter.subject.logId, matter);
+  } catch (const Failure&) {
+    return;  // told with the log
+  }
+  matter.isFromLog = matter.hasJob();
+}
+
 void readJobFile(ReportMatter& matter) {
   const ReportSubject& subject = matter.subject;
   try {
-    findRecord(recordsAt(subject.places), subject.logId, matter);
+    const Places& places = subject.places;
+    findRecord(places.jobFile.empty() ? recordsAt(places) : JobFile::at(places.jobFile).read(),
+               subject.logId, matter);
   } catch (const Failure& failure) {
     matter.jobFileFault = failure.what();
+    findRecordInLog(matter);
     return;
   }
   if (matter.hasJob() || subject.logId.empty()) return;

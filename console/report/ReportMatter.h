@@ -28,8 +28,9 @@ struct ReportMatter {
   // The job; nothing where there is none or the records cannot be read.
   platform::Value record;
   std::string jobFileFault;
-  std::size_t place = 0;  // of the record, counted from 0
-  std::size_t count = 0;  // of all records
+  bool isFromLog = false;  // whether the record is as the log shows it, for the job file's fault
+  std::size_t place = 0;   // of the record, counted from 0
+  std::size_t count = 0;   // of all records
   bool workerRuns = false;
 
   LogStretch log;

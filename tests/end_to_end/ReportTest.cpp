@@ -98,10 +98,11 @@ TEST_F(Report, OfADownloadWithoutItsPackage) {
 TEST_F(Report, OfADamagedJobFile) {
   flashThree({});
   folder.write(test::kJobFile, "[{\"log_id\": \"17\",\n  \"job_id\" \"updateFW\"}]");
-  EXPECT_THAT(report(),
-              AllOf(HasSubstr("<strong>No job can be told</strong>"), HasSubstr("line 2, column "),
-                    HasSubstr("<dt>What to do</dt>"), HasSubstr("job-file-damaged"),
-                    HasSubstr("The end of the log"), HasSubstr("updateAllFW end, retDict = ")));
+  EXPECT_THAT(report(), AllOf(HasSubstr("<strong>Done</strong> job 17 (updateFW)"),
+                              HasSubstr("What is told here of the job is as the log shows it"),
+                              HasSubstr("line 2, column "), HasSubstr("job-file-damaged"),
+                              HasSubstr("50000000000000C3, percentages over time"),
+                              HasSubstr("updateAllFW end, retDict = ")));
 }
 
 TEST_F(Report, OfAnInstallationWithoutPermission) {
@@ -120,6 +121,9 @@ TEST_F(Report, OfAnInstallationWithoutPermission) {
             HasSubstr("<li>standard error: /bin/rm: "), HasSubstr("Permission denied</li>"),
             HasSubstr("<th scope=\"row\" class=\"path\">" + (folder / "Installed.app") +
                       "</th><td class=\"short\">folder</td><td class=\"short\">drwx")));
+  EXPECT_THAT(report("1", {"--offline"}),
+              AllOf(HasSubstr("<strong>Failed</strong> job 1 (updateSW): finished with result 0"),
+                    HasSubstr("but the system&#39;s tools complained: &quot;/bin/rm: ")));
 }
 
 TEST_F(Report, AnEmptyLogIdIsNotTheLastJob) {

@@ -270,7 +270,7 @@ TEST(RecordChecks, FinishedJobWithoutAResultLostItsFirstWrite) {
                    "F", "1"}}));
     EXPECT_THAT(foundIn(start + R"(, "result": 0}])"), IsEmpty());
     EXPECT_THAT(foundIn(start + R"(, "result": "0"}])"),
-                ElementsAre("warning: F: job 1 is finished, and there is no result"));
+                ElementsAre("warning: F: job 1 is finished, and its result is no number: \"0\""));
   }
 }
 

@@ -29,7 +29,7 @@ class JobListTest : public ConsoleWorld {
   JobListTest() {
     folder.write(test::kJobFile, R"([
       {"log_id": "1", "job_id": "getOnlineUpdateData", "state_id": "FREE", "result": 0,
-       "resultStr": "no error", "input_parameters": {}},
+       "resultStr": "no error", "input_parameters": {}, "output": []},
       {"log_id": "2", "job_id": "downloadOnlineUpdateFile", "state_id": "FREE", "result": 259,
        "resultStr": "file is not found", "input_parameters": []},
       {"log_id": "3", "job_id": "updateSW", "state_id": "RUN", "result": 0, "resultStr": "",
@@ -56,7 +56,7 @@ class JobListTest : public ConsoleWorld {
     run();
     std::istringstream lines(shown.str());
     for (std::string text; std::getline(lines, text);) {
-      if (text.rfind("{", 0) != 0) continue;
+      if (text.rfind('{', 0) != 0) continue;
       const Value record = platform::parseJson(text);
       if (record.get("log_id") == Value(logId)) return record.get("told_by_log");
     }
@@ -136,6 +136,50 @@ TEST_F(JobListTest, LastIsAWholeNumber) {
     options.last = last;
     EXPECT_EQ(run(), kBadUsage) << last;
   }
+}
+
+TEST_F(JobListTest, AJobThatEndedWith0AndDidNotDoAllHasFailed) {
+  folder.write(test::kJobFile, R"([
+      {"log_id": "1", "job_id": "updateSW", "state_id": "FREE", "result": 0, "resultStr":
+       "no error", "input_parameters": {"file_path": "/a"}},
+      {"log_id": "2", "job_id": "getOnlineUpdateData", "state_id": "FREE", "result": 0,
+       "resultStr": "no error", "input_parameters": {}}])");
+  folder.write("shared/utility/logs/standard-error-1.txt", "cp: /x: Permission denied\n");
+  options.failed = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "Log id  Command              State  Result  Text\n"
+            "     1  updateSW             FREE        0  no error, but the system's tools "
+            "complained: cp: /x: Permission denied\n"
+            "     2  getOnlineUpdateData  FREE        0  no error, but the update engine left no "
+            "catalogue\n");
+}
+
+TEST_F(JobListTest, ForMachinesItTellsWhatBecameOfEachController) {
+  folder.write(test::kJobFile, R"([{"log_id": "1", "job_id": "updateFW", "state_id": "FREE",
+      "result": 32852, "output": [
+        {"wwn": "A1", "cpld_percentage": 100, "fw_percentage": 100, "total_percentage": 100},
+        {"wwn": "B2", "cpld_percentage": 0, "fw_percentage": 0, "total_percentage": 0}]}])");
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(platform::printJsonLine(platform::parseJson(shown.str()).get("console_status")),
+            R"({"controllers":[{"wwn":"A1","standing":"failed","cpld_percentage":100},)"
+            R"({"wwn":"B2","standing":"not started","cpld_percentage":0,"fw_percentage":0,)"
+            R"("total_percentage":0}]})");
+}
+
+TEST_F(JobListTest, ForMachinesItTellsThatNoWorkerIsSeen) {
+  folder.write(test::kJobFile, R"([{"log_id": "1", "job_id": "updateSW", "state_id": "RUN"}])");
+  screen.json = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(platform::parseJson(shown.str()).get("console_status").get("no_worker"),
+            Value::boolean(true));
+}
+
+TEST_F(JobListTest, AResultThatIsNoNumberIsShownAsItIs) {
+  folder.write(test::kJobFile, R"([{"log_id": "1", "state_id": "FREE", "result": "7"}])");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_NE(shown.str().find("FREE      \"7\""), std::string::npos) << shown.str();
 }
 
 TEST_F(JobListTest, WhereNoneHasFailedItSaysSo) {

@@ -9,6 +9,7 @@
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "tests/console/ConsoleWorld.h"
+#include "tests/console/explain/LogOfFlashes.h"
 
 namespace kelvane::console {
 namespace {
@@ -287,6 +288,29 @@ TEST_F(Jobs, WatchOfAWaitingJobWithoutAWorkerSaysSoAlsoAtItsInterrupt) {
             "no worker is seen; the job goes on when one is started with its log id\n");
   EXPECT_NE(messages.str().find("interrupted: job 4 is waiting, and no worker for it is seen; "),
             std::string::npos);
+}
+
+TEST_F(Jobs, WatchOfAJobThatAWorkerTookEndsAndAdvisesNoStart) {
+  const std::string record =
+      R"({"log_id": "1", "job_id": "updateFW", "state_id": "WAIT",
+          "input_parameters": [{"wwn": "A1", "file_path": "/a"}]})";
+  folder.write(test::kJobFile, "[" + record + "]");
+  folder.write(
+      "shared/utility/logs/TarselVistrelUtility.txt",
+      test::takenLines("1", "updateFW") + test::controllerLines("/a") + test::flashedLines());
+  EXPECT_EQ(runWatch("1"), kWorkerFailed);
+  EXPECT_EQ(shown.str(), "");
+  EXPECT_NE(messages.str().find("the flash may have been done"), std::string::npos);
+}
+
+TEST_F(Jobs, OfADamagedFileTheLogIsNamedWhereItShowsTheJobs) {
+  const std::string log = folder / "shared/utility/logs/TarselVistrelUtility.txt";
+  folder.write(test::kJobFile, "[{");
+  EXPECT_EQ(runShow("1"), kJobFileFailed);
+  EXPECT_EQ(messages.str().find("--log-file"), std::string::npos);
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", test::writtenLine("1", "A1", 50));
+  EXPECT_EQ(runShow("1"), kJobFileFailed);
+  EXPECT_NE(messages.str().find("--log-file " + log), std::string::npos);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "console/job/ExitCode.h"
 #include "platform/Json.h"
 #include "tests/console/ConsoleWorld.h"
+#include "tests/console/explain/LogOfFlashes.h"
 
 namespace kelvane::console {
 namespace {
@@ -198,6 +199,16 @@ TEST_F(Report, WithoutALogItIsMadeAllTheSame) {
   std::filesystem::remove(folder / "shared/utility/logs/TarselVistrelUtility.txt");
   EXPECT_EQ(run(), kSuccess);
   EXPECT_THAT(written(), HasSubstr("the worker never creates it, and logs nothing"));
+}
+
+TEST_F(Report, OfADamagedJobFileTheJobIsToldAsTheLogShowsIt) {
+  folder.write(test::kJobFile, "[{\"log_id\": \"17\",}]");
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", test::writtenLine("17", "A1", 50));
+  options.logId = "17";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_THAT(shown.str(), AllOf(HasSubstr("report of job 17: "),
+                                 HasSubstr(": the job is told as the log shows it\n")));
+  EXPECT_THAT(written(), HasSubstr("<h1>Report of job 17</h1>"));
 }
 
 }  // namespace

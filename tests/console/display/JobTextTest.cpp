@@ -54,5 +54,16 @@ TEST(ProgressText, CountsAndNames) {
   EXPECT_EQ(progressText({"18", "FREE", {}, "", ""}), "");
 }
 
+TEST(ProgressText, AControllerWithoutAWwnIsNamedSo) {
+  EXPECT_EQ(progressText({"18", "FREE", {{"", 0, 0, 0, Standing::failed}}, "", ""}),
+            "(no WWN) failed at 0%");
+}
+
+TEST(ResultLine, ShowsWhatStandsInPlaceOfANumber) {
+  JobStatus status = {"18", "FREE", {}, "", "x"};
+  status.otherResult = "\"7\"";
+  EXPECT_EQ(resultLine(status, Charset::ascii), "result \"7\" (no number): x");
+}
+
 }  // namespace
 }  // namespace kelvane::console

@@ -205,5 +205,11 @@ TEST_F(TerminalViewTest, ResultStandsBelowTheBars) {
             "result 32852 (0x8054): flash?[31m error\n");
 }
 
+TEST_F(TerminalViewTest, TheResultIsWrappedWhereItHasNoRoom) {
+  size.columns = 20;
+  const std::string all = shownFor(finished("32852", "the flash failed"));
+  EXPECT_NE(all.find("\x1b[Jresult 32852\n(0x8054): the flash\nfailed\n"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace kelvane::console

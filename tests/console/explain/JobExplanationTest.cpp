@@ -23,7 +23,8 @@ Explanation finished(const std::string& command, const std::string& rest) {
 }
 
 constexpr char kRunning[] = R"("state_id": "RUN", "result": 0)";
-constexpr char kWaiting[] = R"("state_id": "WAIT", "input_parameters": {"file_path": "/a"})";
+constexpr char kWaiting[] = R"("state_id": "WAIT", "input_parameters":
+    {"productid": "p", "version": "1", "url": "u", "folder": "/e"})";
 
 JobCircumstances withWorker() {
   JobCircumstances circumstances;
@@ -32,15 +33,15 @@ JobCircumstances withWorker() {
 }
 
 TEST(JobExplanation, WaitingWithoutAWorker) {
-  const Explanation found = explained("updateSW", kWaiting);
-  EXPECT_EQ(found.subject, "job 17 (updateSW): waiting");
+  const Explanation found = explained("getOnlineUpdateData", kWaiting);
+  EXPECT_EQ(found.subject, "job 17 (getOnlineUpdateData): waiting");
   EXPECT_EQ(found.meaning, "No worker has taken it: none was started, or none could be.");
   EXPECT_EQ(found.whoActs, "user");
   EXPECT_EQ(found.tryAgain, "yes");
 }
 
 TEST(JobExplanation, WaitingWithAWorker) {
-  const Explanation found = explained("updateSW", kWaiting, withWorker());
+  const Explanation found = explained("getOnlineUpdateData", kWaiting, withWorker());
   EXPECT_EQ(found.meaning, "A worker was started for it and is about to take it.");
   EXPECT_EQ(found.whoActs, "nobody");
 }
@@ -102,7 +103,8 @@ TEST(JobExplanation, WhatWasKeptOfStandardErrorIsTold) {
          "output": [{"productid": "p"}])";
   const Explanation silent = explained("downloadOnlineUpdateFile", failed);
   ASSERT_EQ(silent.details.size(), 2U);
-  EXPECT_NE(silent.details[1].find("nothing of it is kept here"), std::string::npos);
+  EXPECT_NE(silent.details[1].find("it said nothing, or this console did not submit the job"),
+            std::string::npos);
   JobCircumstances circumstances;
   circumstances.standardError = {"EngineRunner: no such service", "(kept in /x)"};
   const Explanation found = explained("downloadOnlineUpdateFile", failed, circumstances);
@@ -130,20 +132,20 @@ TEST(JobExplanation, RunningInACopyDoesNotTellOfWorkers) {
 
 TEST(JobExplanation, WaitingInACopyTellsWhatTheLogHasOfIt) {
   JobCircumstances circumstances = copied();
-  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).subject,
-            "job 17 (updateSW): waiting when it was copied");
-  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).meaning,
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).subject,
+            "job 17 (getOnlineUpdateData): waiting when it was copied");
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).meaning,
             "The log has no worker that took it.");
   circumstances.log.absence = "The log is not at hand.";
-  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).meaning,
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).meaning,
             "Whether a worker has taken it cannot be told.");
   circumstances.log = {};
   circumstances.log.isFound = true;
-  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).meaning,
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).meaning,
             "A worker took it, and the log tells of no step of it.");
   circumstances.log.hasStarted = true;
-  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).subject,
-            "job 17 (updateSW): waiting, though a worker took it");
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).subject,
+            "job 17 (getOnlineUpdateData): waiting, though a worker took it");
 }
 
 TEST(JobExplanation, AbandonedInstallationMayHaveRemovedTheApplication) {
@@ -266,7 +268,7 @@ TEST(JobExplanation, AFlashThatFailedNamesTheControllerAndTheLine) {
   EXPECT_EQ(found.lastStep, found.toldBy);
   EXPECT_EQ(found.details,
             (std::vector<std::string>{
-                "its image: /no.img does not exist; product 0x4301 takes standard images"}));
+                "A1: its image: /no.img does not exist; product 0x4301 takes standard images"}));
 }
 
 TEST(JobExplanation, WaitingThatAWorkerTookMayHaveBeenDone) {
@@ -284,8 +286,8 @@ TEST(JobExplanation, WaitingThatAWorkerTookMayHaveBeenDone) {
 }
 
 TEST(JobExplanation, WaitingThatWasPutBackSaysSo) {
-  EXPECT_EQ(explained("updateSW", std::string(kWaiting) + R"(, "result": 0)").subject,
-            "job 17 (updateSW): waiting, put back into this state");
+  EXPECT_EQ(explained("getOnlineUpdateData", std::string(kWaiting) + R"(, "result": 0)").subject,
+            "job 17 (getOnlineUpdateData): waiting, put back into this state");
 }
 
 TEST(JobExplanation, AbandonedFirmwareJobTellsHowFarEachControllerCame) {
@@ -302,10 +304,10 @@ TEST(JobExplanation, UnknownState) {
 }
 
 TEST(JobExplanation, SaysWhereTheLogHasNothing) {
-  EXPECT_EQ(explained("updateSW", kWaiting).note, "The log has no lines of this job.");
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting).note, "The log has no lines of this job.");
   JobCircumstances circumstances;
   circumstances.log.absence = "there is no log";
-  EXPECT_EQ(explained("updateSW", kWaiting, circumstances).note, "there is no log");
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).note, "there is no log");
 }
 
 TEST(JobExplanation, FinishedWithANumberThatTheWorkerNeverWrites) {
@@ -338,6 +340,49 @@ TEST(JobExplanation, RunningThoughTheLogHasItsEnd) {
   circumstances.isCopy = false;
   circumstances.workerRuns = true;
   EXPECT_EQ(explained("updateFW", kRunning, circumstances).subject, "job 17 (updateFW): running");
+}
+
+TEST(JobExplanation, WaitingBehindARecordThatKeepsAllFromBeingUpdatedIsNotToBeStarted) {
+  JobCircumstances circumstances;
+  circumstances.jobFileFault = "/f: [0] has a log_id that is no string: 7";
+  const Explanation found = explained("getOnlineUpdateData", kWaiting, circumstances);
+  EXPECT_EQ(found.meaning,
+            "No job of its file can be updated: /f: [0] has a log_id that is no string: 7.");
+  EXPECT_EQ(found.advice.rfind("Start no worker before that is mended", 0), 0U);
+  EXPECT_EQ(found.tryAgain, "once that is mended");
+}
+
+TEST(JobExplanation, TheErrorOfAWorkerThatTookNoJobIsTold) {
+  JobCircumstances circumstances;
+  circumstances.log.errorWithoutJob = "14:03:07 run: compared a number as a string";
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).note,
+            "The log has no lines of this job. Its last worker took none, and said: 14:03:07 run: "
+            "compared a number as a string");
+}
+
+TEST(JobExplanation, AnInstallationWithoutAnApplicationIsNotToBeStarted) {
+  for (const char* path : {"", "/no/Manager.app", "Manager.app", "/tmp"}) {
+    const Explanation found =
+        explained("updateSW", R"("state_id": "WAIT", "input_parameters": {"file_path": ")" +
+                                  std::string(path) + "\"}");
+    EXPECT_EQ(found.meaning.rfind("It would remove the application and put none in its place: ", 0),
+              0U);
+    EXPECT_EQ(found.advice.rfind("Start no worker for it.", 0), 0U);
+    EXPECT_EQ(found.tryAgain, "not as it is");
+  }
+}
+
+TEST(JobExplanation, AWorkerThatGaveUpAtAFaultyRecordWouldGiveUpAgain) {
+  JobCircumstances circumstances;
+  circumstances.log.isFound = true;
+  circumstances.log.gaveUp = true;
+  const Explanation found = explained(
+      "updateFW", std::string(kRunning) + R"(, "input_parameters": [{"wwn": "A", "file_path": 7}])",
+      circumstances);
+  EXPECT_EQ(found.meaning,
+            "It cannot be carried out as it is: input_parameters[0] has a \"file_path\" that is no "
+            "string. The log tells where its worker gave up. Nothing takes the job up.");
+  EXPECT_EQ(found.tryAgain, "not as it is");
 }
 
 }  // namespace

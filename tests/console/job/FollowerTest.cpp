@@ -12,6 +12,7 @@
 #include "console/display/PlainView.h"
 #include "console/job/Follower.h"
 #include "platform/Json.h"
+#include "tests/console/explain/LogOfFlashes.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
@@ -269,6 +270,22 @@ TEST_F(Follower, AFinishedJobHasItsPhases) {
 TEST_F(Follower, LastLookHoldsTheRecord) {
   const Followed followed = followVersions({finished("0", "no error")});
   EXPECT_EQ(followed.last.record.get("resultStr").string(), "no error");
+}
+
+TEST_F(Follower, WhatTheRecordDoesNotTellOfTheEndTheLogDoes) {
+  const std::string record = R"({"log_id": "18", "job_id": "updateFW", "state_id": "FREE",
+      "result": 32852, "resultStr": "x", "input_parameters": [{"wwn": "A1", "file_path": "/a"}],
+      "output": [{"wwn": "A1", "cpld_percentage": 100, "fw_percentage": 100,
+                  "total_percentage": 100}]})";
+  past.log = [](const platform::Value& found) {
+    return test::stretchWith(found,
+                             test::controllerLines("/a") + test::writtenLine("18", "A1", 80) +
+                                 test::logLine("updateFW", "Flash Error") + test::endLine("18"));
+  };
+  const Followed followed = followVersions({"[" + record + "]"});
+  ASSERT_EQ(followed.last.status.controllers.size(), 1U);
+  EXPECT_EQ(followed.last.status.controllers[0].firmware, 80);
+  EXPECT_EQ(followed.last.status.controllers[0].total, 90);
 }
 
 }  // namespace

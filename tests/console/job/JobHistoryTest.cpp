@@ -16,6 +16,7 @@ using std::chrono::hours;
 using std::chrono::milliseconds;
 using std::chrono::minutes;
 using std::chrono::seconds;
+using test::endedAt;
 using test::jobAt;
 using test::takenAt;
 using test::timedLine;
@@ -143,6 +144,22 @@ TEST(Past, WithoutALogNothingIsKnown) {
   EXPECT_FALSE(past.start);
   EXPECT_FALSE(past.times.length);
   EXPECT_THAT(past.moments, IsEmpty());
+}
+
+TEST(JobTimes, ACpldThatWasFlashedBetweenTwoWritesHasItsOwnTime) {
+  const std::string log =
+      takenAt("15:00:00") + timedLine("15:00:00", "devId = 0, filePath = (null)") +
+      timedLine("15:00:00", "flashCPLD start", "flashCPLD") +
+      timedLine("15:00:00", "Start transferring CPLD image, please wait ...", "flashCPLD") +
+      timedLine("15:00:02", "flashCPLD end", "flashCPLD") +
+      timedLine("15:00:02", "Start transferring image, please wait ...") +
+      timedLine("15:00:05", "Flash Completed.") + endedAt("15:00:09");
+  const JobTimes times =
+      timesOf(stretchOf(parseLog(log), platform::parseJson(R"({"log_id": "17", "job_id": "updateFW",
+                                             "input_parameters": [{"wwn": "A1"}]})")));
+  const ControllerTimes expected = {
+      "A1", {{"CPLD", std::chrono::seconds(2)}, {"firmware", std::chrono::seconds(3)}}};
+  EXPECT_EQ(times.controllers, std::vector<ControllerTimes>{expected});
 }
 
 }  // namespace

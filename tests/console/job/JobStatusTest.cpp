@@ -4,6 +4,7 @@
 
 #include "console/job/JobStatus.h"
 #include "platform/Json.h"
+#include "tests/console/explain/LogOfFlashes.h"
 
 namespace kelvane::console {
 namespace {
@@ -36,7 +37,8 @@ TEST(JobStatus, PercentagesAreHeldBetween0And100) {
 TEST(JobStatus, WhatIsOfAnotherTypeIsEmpty) {
   const JobStatus status = statusOfText(R"({"log_id": 1, "state_id": null, "result": "0",
     "resultStr": [], "input_parameters": {"wwn": "A"}, "output": [1, "x", [], {"wwn": 5}]})");
-  const JobStatus expected = {"", "", {{"", 0, 0, 0}}, "", ""};
+  JobStatus expected = {"", "", {{"", 0, 0, 0}}, "", ""};
+  expected.otherResult = "\"0\"";
   EXPECT_EQ(status, expected);
 }
 
@@ -106,6 +108,29 @@ TEST(JobStatus, ProgressThatTheWorkerCouldNotWriteIsUnknown) {
       "result": 1026, "output": [{"wwn": "A"}, {"wwn": 5}]})");
   EXPECT_STREQ(phaseOf(status.controllers[0]), "unknown");
   EXPECT_STREQ(phaseOf(status.controllers[1]), "unknown");
+}
+
+TEST(JobStatus, TheControllerThatTheWorkerIsAtHasStartedAlsoAt0Percent) {
+  const JobStatus status = statusOfText(R"({"job_id": "updateFW", "state_id": "RUN", "output": [
+      {"wwn": "A", "total_percentage": 100}, {"wwn": "B"}, {"wwn": "C"}]})");
+  EXPECT_STREQ(phaseOf(status.controllers[1]), "started");
+  EXPECT_STREQ(phaseOf(status.controllers[2]), "waiting");
+}
+
+TEST(JobStatus, OfAJobThatCouldNotBeWrittenTheLogTells) {
+  const platform::Value record = platform::parseJson(R"({"log_id": "17", "job_id": "updateFW",
+      "state_id": "WAIT", "input_parameters": [{"wwn": "A", "file_path": "/a"},
+      {"wwn": "B", "file_path": "/b"}, {"wwn": "C", "file_path": "/c"}]})");
+  JobStatus status = statusOf(
+      record, test::stretchWith(record, test::controllerLines("/a") + test::flashedLines() +
+                                            test::controllerLines("/b") +
+                                            test::logLine("updateFW", "Start transferring image")));
+  EXPECT_EQ(status.controllers[0],
+            (ControllerStatus{"A", kUnknownPercent, 100, 100, Standing::done}));
+  EXPECT_STREQ(phaseOf(status.controllers[1]), "unknown");
+  EXPECT_STREQ(phaseOf(status.controllers[2]), "waiting");
+  markWithoutWorker(status);
+  EXPECT_STREQ(phaseOf(status.controllers[2]), "not started");
 }
 
 TEST(JobStatus, WithoutAWorkerARunningJobHasStopped) {

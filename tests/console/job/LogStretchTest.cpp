@@ -179,5 +179,14 @@ TEST(LogStretch, AControllerWithAnotherImageIsAnotherJobs) {
   EXPECT_TRUE(mixed("/b"));
 }
 
+TEST(LogStretch, TheErrorOfALastWorkerThatTookNoJobIsKept) {
+  EXPECT_EQ(
+      stretch(takenLines("1") + startLine() + error("run", "compared a number")).errorWithoutJob,
+      "14:03:07 run: compared a number");
+  EXPECT_EQ(stretch(takenLines("7") + error("run", "compared a number")).errorWithoutJob,
+            "14:03:07 run: compared a number");
+  EXPECT_EQ(stretch(takenLines("1") + error("updateFW", "x")).errorWithoutJob, "");
+}
+
 }  // namespace
 }  // namespace kelvane::console

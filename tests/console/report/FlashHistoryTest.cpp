@@ -198,5 +198,16 @@ TEST(FlashHistory, EveryPrefixOfALogCanBeRead) {
   }
 }
 
+TEST(FlashHistory, AnErrorBehindTheEndOfAFlashIsNotTheControllers) {
+  TimedLog log({"A1"});
+  log.step("updateFW", "devId = 0, filePath = a.img");
+  log.step("updateFW", "Flash Completed.");
+  const std::string error =
+      "[14:00:01] [x.cpp][1][updateFW][error] compared a number as a string\n";
+  const FlashHistory history = flashHistoryOf(parseLog(log.text() + error), log.record());
+  ASSERT_EQ(history.controllers[0].marks.size(), 1U);
+  EXPECT_EQ(history.controllers[0].marks[0].kind, MarkKind::done);
+}
+
 }  // namespace
 }  // namespace kelvane::console

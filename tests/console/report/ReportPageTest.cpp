@@ -124,7 +124,7 @@ TEST(ReportPage, AnInstallationThatWasComparedIsDone) {
   ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateSW", "state_id": "FREE",
       "result": 0, "resultStr": "no error", "input_parameters": {"file_path": "/a"}})");
   EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Ended</strong>"),
-                                    HasSubstr("<dd>Look whether the new application stands")));
+                                    HasSubstr("<dd>Look whether the application stands")));
   matter.isInstalled = true;
   EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Done</strong>"),
                                     HasSubstr("what stands in its place is the package.</dd>"),
@@ -233,6 +233,39 @@ TEST(ReportPage, IsKnownAgain) {
   EXPECT_FALSE(isReport(folder.write("b.html", "<!DOCTYPE html>\n<html lang=\"en\">\n")));
   EXPECT_FALSE(isReport(folder / "none.html"));
   EXPECT_FALSE(isReport(folder.path()));
+}
+
+TEST(ReportPage, AnInstallationThatTheToolsComplainedOfHasFailed) {
+  ReportMatter matter = matterOf(R"({"log_id": "17", "job_id": "updateSW", "state_id": "FREE",
+      "result": 0, "resultStr": "no error", "input_parameters": {"file_path": "/a"}})");
+  matter.subject.places.isCopy = true;
+  matter.standardError = {"cp: /x: Permission denied"};
+  EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Failed</strong>"),
+                                    HasSubstr("cp: /x: Permission denied&quot;. It failed")));
+}
+
+TEST(ReportPage, WhereTheJobFileCannotBeReadItTellsTheJobOfTheLog) {
+  ReportMatter matter = matterOf(kDone);
+  matter.jobFileFault = "/f is damaged";
+  matter.isFromLog = true;
+  EXPECT_THAT(pageOf(matter),
+              AllOf(HasSubstr("<strong>Done</strong> job 17"),
+                    HasSubstr("<dd>/f is damaged. What is told here of the job is as the log"),
+                    HasSubstr("No. 0, counted from 0, of 1 as the log shows them last.")));
+}
+
+TEST(ReportPage, AJobThatStandsStillDoesNotEndInTheLog) {
+  test::TimedLog log({"50000000000000A1"});
+  log.step("updateFW", "devId = 0, filePath = a.img");
+  log.pass(600).step("updateFW", "fshProg.fp_u8Status = 0");
+  ReportMatter matter = matterOf(kDone);
+  matter.record.set("state_id", "RUN");
+  matter.entries = parseLog(log.text());
+  matter.history = log.history();
+  matter.workerRuns = true;
+  EXPECT_THAT(pageOf(matter), HasSubstr(" on, and its worker is still at it</li>"));
+  matter.workerRuns = false;
+  EXPECT_THAT(pageOf(matter), HasSubstr(" on, and the job&#39;s lines in the log end there</li>"));
 }
 
 }  // namespace

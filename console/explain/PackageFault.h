@@ -1,0 +1,14 @@
+// The package of an installation, looked at.
+#pragma once
+
+#include <string>
+
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+// Why the worker finds no application to install: "its package, /a, does not exist". Empty where
+// nothing speaks against it, and of another job. Of a copy only the path itself is looked at.
+std::string packageFaultOf(const platform::Value& record, bool isCopy);
+
+}  // namespace kelvane::console

@@ -1,0 +1,21 @@
+// What a job that ended with 0 did not do all the same.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "console/job/LogStretch.h"
+#include "platform/Value.h"
+
+namespace kelvane::console {
+
+// The first complaint of rm or cp, by which the worker replaces an application, among what was said
+// on its standard error; empty where there is none.
+std::string toolsComplaint(const std::vector<std::string>& standardError);
+
+// In short, behind "no error, but ": "the update engine left no catalogue"; empty of a job with
+// another result, and where nothing tells of any.
+std::string shortfallOf(const platform::Value& record, const LogStretch& log,
+                        const std::vector<std::string>& standardError);
+
+}  // namespace kelvane::console

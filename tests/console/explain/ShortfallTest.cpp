@@ -1,0 +1,49 @@
+// What a job with result 0 did not do.
+
+#include <gtest/gtest.h>
+
+#include "console/explain/Shortfall.h"
+#include "tests/console/explain/LogOfFlashes.h"
+
+namespace kelvane::console {
+namespace {
+
+using platform::parseJson;
+using platform::Value;
+
+Value doneWith(const std::string& command, const std::string& more = "", int result = 0) {
+  return parseJson(R"({"log_id": "17", "job_id": ")" + command +
+                   R"(", "state_id": "FREE", "result": )" + std::to_string(result) + more + "}");
+}
+
+TEST(Shortfall, OfAnInstallationIsTheFirstComplaintOfTheTools) {
+  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {"x", "rm: cannot remove '/a'", "cp: b"}),
+            "the system's tools complained: rm: cannot remove '/a'");
+  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {}), "");
+  EXPECT_EQ(shortfallOf(doneWith("updateSW", R"(, "input_parameters": {"file_path": ""})"), {}, {}),
+            "the path of its package is empty");
+}
+
+TEST(Shortfall, OfAQueryIsTheMissingCatalogue) {
+  EXPECT_EQ(shortfallOf(doneWith("getOnlineUpdateData"), {}, {}),
+            "the update engine left no catalogue");
+  EXPECT_EQ(shortfallOf(doneWith("getOnlineUpdateData", R"(, "output": [])"), {}, {}), "");
+}
+
+TEST(Shortfall, OfAFirmwareJobIsACpldThatWasNotFlashed) {
+  const Value record = doneWith("updateFW", R"(, "input_parameters": [
+      {"wwn": "A1", "file_path": "/a"}], "output": [{"wwn": "A1", "cpld_percentage": 30,
+      "fw_percentage": 100, "total_percentage": 100}])");
+  const LogStretch log = test::stretchWith(record, test::controllerLines("/a") +
+                                                       test::logLine("flashCPLD", "Flash Error") +
+                                                       test::flashedLines() + test::endLine("17"));
+  EXPECT_EQ(shortfallOf(record, log, {}), "the CPLD of A1 was not flashed");
+  EXPECT_EQ(shortfallOf(record, {}, {}), "the CPLD of A1 was not flashed");
+}
+
+TEST(Shortfall, OfAJobThatFailedThereIsNone) {
+  EXPECT_EQ(shortfallOf(doneWith("updateSW", "", 5), {}, {"cp: a"}), "");
+}
+
+}  // namespace
+}  // namespace kelvane::console
