@@ -13,7 +13,9 @@
 #include "console/commands/UpdateSw.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobStatus.h"
+#include "console/job/LogStretch.h"
 #include "console/job/RecordValues.h"
+#include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -43,6 +45,15 @@ Value recordOf(const JobFile& file, const std::string& logId) {
   const std::string fault = whyNotStarted(record);
   if (!fault.empty()) throw Failure(kBadUsage, "job " + logId + " cannot be run: " + fault);
   return record;
+}
+
+// A worker that took the job and could not write may have flashed.
+void requireUntouched(const Value& record, const RetryOptions& options) {
+  const LogStretch log = stretchIn(existingShared(options.job.sharedFolder), record);
+  if (options.yes || !mayHaveBeenDone(record, log)) return;
+  throw Failure(kBadUsage, "a worker took job " + options.logId + ", and " +
+                               whatMayHaveBeenDone(record, log) +
+                               ": look whether it was; --yes runs it all the same");
 }
 
 // What the update engine gets may have been somebody's folder from the beginning, or since.
@@ -93,6 +104,7 @@ int retry(const RetryOptions& options, const Surroundings& surroundings) {
   const Value record = recordOf(JobFile(existingShared(options.job.sharedFolder)), options.logId);
   const std::string command = record.get(job::kJobId).string();
   const Value& inputs = record.get(job::kInputParameters);
+  requireUntouched(record, options);
   const auto submit = [&] {
     return runRecord(
         options.job, [&](const JobFile& file) { return putIn(file, options); }, surroundings);
@@ -124,7 +136,9 @@ Command retryCommand() {
       .footer =
           "A job that is still waiting is run itself; of any other a new record is added, with\n"
           "the same command and parameters. After a firmware job whose worker was killed leave\n"
-          "the enclosures powered for some minutes first.\n"
+          "the enclosures powered for some minutes first. A waiting job that a worker took, so "
+          "that\n"
+          "it may have been done, is run with --yes alone.\n"
           "Example:\n"
           "  kelvane-console retry --shared ~/Shared --bundle /Manager/Manager.app 17",
       .run = runRetry};

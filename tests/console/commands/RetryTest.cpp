@@ -7,6 +7,8 @@
 #include "platform/File.h"
 #include "platform/Json.h"
 #include "tests/console/ConsoleWorld.h"
+#include "tests/console/explain/LogOfFlashes.h"
+#include "tests/console/job/LogLines.h"
 
 namespace kelvane::console {
 namespace {
@@ -75,6 +77,20 @@ TEST_F(Retry, AWaitingJobIsRunItself) {
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(), "7\n");
   EXPECT_EQ(folder.read(test::kJobFile), before);
+}
+
+TEST_F(Retry, AWaitingJobThatAWorkerTookIsNotRunUnasked) {
+  writeJob("WAIT");
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt",
+               test::takenLines("7", "updateFW") + test::controllerLines(folder / "image") +
+                   test::flashedLines());
+  EXPECT_EQ(run(), kBadUsage);
+  EXPECT_EQ(
+      messages.str(),
+      "kelvane-console: a worker took job 7, and the flash may have been done, by the log of 1 "
+      "controller: look whether it was; --yes runs it all the same\n");
+  expectNothingDone();
+  EXPECT_EQ(runHere(retry, RetryOptions{job, "7", true}), kSuccess);
 }
 
 TEST_F(Retry, AWaitingJobKeepsItsLogId) {
