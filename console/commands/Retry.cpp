@@ -38,15 +38,6 @@ Value otherKeys(const Value& record) {
   return others;
 }
 
-Value recordOf(const JobFile& file, const std::string& logId) {
-  file.read();  // raises where it is damaged
-  Value record = file.find(logId);
-  if (record.isNothing()) throw Failure(kNotFound, "no job " + logId + " in " + file.path());
-  const std::string fault = whyNotStarted(record);
-  if (!fault.empty()) throw Failure(kBadUsage, "job " + logId + " cannot be run: " + fault);
-  return record;
-}
-
 // A worker that took the job and could not write may have flashed.
 void requireUntouched(const Value& record, const RetryOptions& options) {
   const LogStretch log = stretchIn(existingShared(options.job.sharedFolder), record);
@@ -54,6 +45,18 @@ void requireUntouched(const Value& record, const RetryOptions& options) {
   throw Failure(kBadUsage, "a worker took job " + options.logId + ", and " +
                                whatMayHaveBeenDone(record, log) +
                                ": look whether it was; --yes runs it all the same");
+}
+
+// Asked again right before the job is run: a worker may have taken it since.
+Value recordOf(const JobFile& file, const RetryOptions& options) {
+  const std::string& logId = options.logId;
+  file.read();  // raises where it is damaged
+  Value record = file.find(logId);
+  if (record.isNothing()) throw Failure(kNotFound, "no job " + logId + " in " + file.path());
+  const std::string fault = whyNotStarted(record);
+  if (!fault.empty()) throw Failure(kBadUsage, "job " + logId + " cannot be run: " + fault);
+  requireUntouched(record, options);
+  return record;
 }
 
 // What the update engine gets may have been somebody's folder from the beginning, or since.
@@ -65,7 +68,7 @@ void requireEnginesFolder(const Value& record, const RetryOptions& options) {
 
 // A record that waits is not made twice: the application may start it, too.
 Value putIn(const JobFile& file, const RetryOptions& options) {
-  Value record = recordOf(file, options.logId);
+  Value record = recordOf(file, options);
   requireEnginesFolder(record, options);
   if (statusOf(record).state != job::kWait) {
     return file.add({options.job.logId, record.get(job::kJobId).string(),
@@ -101,10 +104,9 @@ int runRetry(const Given& given, const Surroundings& surroundings) {
 
 int retry(const RetryOptions& options, const Surroundings& surroundings) {
   requireText(options.logId, "the log id");
-  const Value record = recordOf(JobFile(existingShared(options.job.sharedFolder)), options.logId);
+  const Value record = recordOf(JobFile(existingShared(options.job.sharedFolder)), options);
   const std::string command = record.get(job::kJobId).string();
   const Value& inputs = record.get(job::kInputParameters);
-  requireUntouched(record, options);
   const auto submit = [&] {
     return runRecord(
         options.job, [&](const JobFile& file) { return putIn(file, options); }, surroundings);
@@ -136,9 +138,8 @@ Command retryCommand() {
       .footer =
           "A job that is still waiting is run itself; of any other a new record is added, with\n"
           "the same command and parameters. After a firmware job whose worker was killed leave\n"
-          "the enclosures powered for some minutes first. A waiting job that a worker took, so "
-          "that\n"
-          "it may have been done, is run with --yes alone.\n"
+          "the enclosures powered for some minutes first. A waiting job that a worker took may\n"
+          "have been done: it is run with --yes alone.\n"
           "Example:\n"
           "  kelvane-console retry --shared ~/Shared --bundle /Manager/Manager.app 17",
       .run = runRetry};
