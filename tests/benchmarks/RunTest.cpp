@@ -49,6 +49,15 @@ TEST_F(Run, ShowsWhatWasMeasuredEarlierAsATable) {
   EXPECT_THAT(shown.out, ::testing::HasSubstr("\n| start | "));
 }
 
+TEST_F(Run, RefusesWhatIsNoMeasurement) {
+  for (const char* text : {"", "[]", "{\"rows\": []}"}) {
+    const std::string file = folder.write("other.json", text);
+    const test::Ended ended = run({"--from", file});
+    EXPECT_EQ(ended.exitStatus, 1) << text;
+    EXPECT_EQ(ended.err, file + ": not what `run --json` prints\n");
+  }
+}
+
 TEST_F(Run, RefusesARowThatItDoesNotKnow) {
   const test::Ended ended = run({"everything"});
   EXPECT_EQ(ended.exitStatus, 1);
