@@ -1,8 +1,10 @@
 #include "console/checks/CatalogueChecks.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <set>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "console/checks/Access.h"
@@ -24,24 +26,31 @@ std::string engineFolder(const Value& record) {
 
 }  // namespace
 
+bool isConsolesEngineFolder(const std::string& folder, const std::string& sharedFolder) {
+  std::error_code unknown;
+  return !sharedFolder.empty() &&
+         std::filesystem::equivalent(folder, sharedFolder + kConsolesEngineFolder, unknown);
+}
+
 // Only of jobs that no engine has begun: what stands there is somebody else's.
-Findings engineFolderFindings(const Value& records) {
+std::string engineFolderFault(const Value& record, const std::string& sharedFolder) {
+  const std::string folder = engineFolder(record);
+  if (folder.empty() || record.get(job::kStateId) != Value(job::kWait)) return {};
+  const std::vector<std::string> names = platform::listFolder(folder);
+  if (names.empty() || isConsolesEngineFolder(folder, sharedFolder)) return {};
+  const std::string first = *std::min_element(names.begin(), names.end());
+  return "the update engine's folder " + folder + " is not empty: it holds " +
+         (names.size() == 1 ? first : first + " and others");
+}
+
+Findings engineFolderFindings(const Value& records, const std::string& sharedFolder) {
   Findings findings;
   for (const Value& record : records.elements()) {
-    const std::string folder = engineFolder(record);
-    if (folder.empty() || record.get(job::kStateId) != Value(job::kWait)) continue;
-    std::vector<std::string> names = platform::listFolder(folder);
-    if (names.empty()) continue;
-    const auto first = *std::min_element(names.begin(), names.end());
-    const Value& logId = record.get(job::kLogId);
-    findings.push_back(
-        {Code::engineFolderInUse, Severity::warning,
-         "the update engine's folder " + folder + " is not empty: it holds " +
-             (names.size() == 1 ? first : first + " and others"),
-         "When the job is done, the worker takes what is in it for the engine's, copies it to the "
-         "download area and removes the folder with everything in it.",
-         "Add the job anew with a folder of its own, which need not be there yet.", folder,
-         stringOf(logId)});
+    const std::string fault = engineFolderFault(record, sharedFolder);
+    if (fault.empty()) continue;
+    findings.push_back({Code::engineFolderInUse, Severity::warning, fault, kEngineFolderMeaning,
+                        "Add the job anew with a folder of its own, which need not be there yet.",
+                        engineFolder(record), stringOf(record.get(job::kLogId))});
   }
   return findings;
 }

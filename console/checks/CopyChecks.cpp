@@ -27,7 +27,10 @@ Findings copiedJobFindings(const Places& places) {
 
 Findings copyFindings(const Places& places) {
   Findings findings;
-  if (!places.jobFile.empty()) append(findings, copiedJobFindings(places));
+  if (!places.jobFile.empty()) {
+    append(findings, copiedJobFindings(places));
+    append(findings, lostJobFileFindings(places));
+  }
   if (!places.log.empty()) append(findings, concerning(places.log, logCopyFindings(places.log)));
   if (!places.sharedFolder.empty()) {
     append(findings, sharedSettingsFindings(sharedSettingsPath(places.sharedFolder), true));

@@ -12,6 +12,7 @@
   FINDING(jobFileLinkNowhere, "job-file-link-nowhere",                                             \
           "the job file is a link that leads nowhere")                                             \
   FINDING(jobFileFolderMissing, "job-file-folder-missing", "the job file's folder is not there")   \
+  FINDING(jobFileLost, "job-file-lost", "the job file is not there, though the log shows jobs")    \
   FINDING(jobFileDamaged, "job-file-damaged", "the job file is no JSON, or cannot be read")        \
   FINDING(jobFileNoList, "job-file-no-list", "the job file is JSON, but no list of records")       \
   FINDING(jobFileReadOnly, "job-file-read-only", "the job file may not be written")                \

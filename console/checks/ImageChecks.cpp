@@ -39,4 +39,9 @@ std::string imageFault(const std::string& path) {
   return platform::fileSize(path) == 0 ? " has no bytes" : "";
 }
 
+std::string imageFaultOf(const platform::Value& path, bool isCopy) {
+  if (!path.isString()) return {};
+  return isCopy ? imagePathFault(path.string()) : imageFault(path.string());
+}
+
 }  // namespace kelvane::console

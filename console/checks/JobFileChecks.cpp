@@ -116,6 +116,19 @@ Findings jobFileFindings(const std::string& path) {
   return findings;
 }
 
+Findings lostJobFileFindings(const Places& places) {
+  if (kindOf(places.jobFile) != EntryKind::missing) return {};
+  const std::string way = wayToLoggedJobs(places);
+  if (way.empty()) return {};
+  const char* advice =
+      places.isCopy ? "Ask for the job file. Meanwhile " : "Find out who removed it. Meanwhile ";
+  return {{Code::jobFileLost, Severity::warning,
+           places.jobFile + " does not exist, though the log shows jobs",
+           places.isCopy ? "It is not among the files of the copy, or was removed before."
+                         : "The records of its jobs are lost to the application and the worker.",
+           advice + way + ".", places.jobFile}};
+}
+
 Findings leftoverFindings(const std::string& path) {
   Findings findings;
   const std::string folder = platform::withoutLastComponent(placeOf(path));

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "console/checks/Finding.h"
+#include "console/job/Places.h"
 
 namespace kelvane::console {
 
@@ -12,6 +13,9 @@ Findings jobFileFindings(const std::string& path);
 
 // Of the same file, when it is there, what is in it alone.
 Findings jobFileContentFindings(const std::string& path);
+
+// Where the file is not there: whether it was.
+Findings lostJobFileFindings(const Places& places);
 
 // Temporary files that a killed writer left beside the job file.
 Findings leftoverFindings(const std::string& path);

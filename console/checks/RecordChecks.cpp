@@ -4,11 +4,14 @@
 #include <initializer_list>
 #include <iterator>
 #include <map>
+#include <string_view>
 
 #include "console/application/Application.h"
 #include "console/checks/ImageChecks.h"
+#include "console/display/ShellQuoting.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
+#include "contract/Paths.h"
 #include "platform/File.h"
 #include "platform/Json.h"
 
@@ -304,10 +307,17 @@ class Records {
         job + " is in state RUN, and no worker for it is seen",
         "Its worker was killed, or gave up with an error line in the log. Nothing takes the job "
         "up.",
-        "See \"explain " + logId + "\" for the job; then add it anew under another log_id." +
+        "See \"" + consoleCommand("explain", sharedFolder(), logId) +
+            "\" for the job; then add it anew under another log_id." +
             (flashes ? " A bridge that was flashed before its NVRAM was written does not get it "
                        "then: the versions are equal."
                      : ""));
+  }
+
+  // What the job file's path begins with where it stands in one.
+  std::string sharedFolder() const {
+    constexpr std::string_view kEnd = paths::kJobFile;
+    return path_.ends_with(kEnd) ? path_.substr(0, path_.size() - kEnd.size()) : "";
   }
 
   void addNotWhole(const std::string& what) {

@@ -164,6 +164,12 @@ std::string installedApplication(const std::string& bundle) {
   return stringOf(memberOf(settings, settings::kAppPath));
 }
 
+std::string missingApplication(const std::string& sharedFolder) {
+  const Value settings = readJsonFile(sharedSettingsPath(sharedFolder)).value;
+  std::string application = stringOf(memberOf(settings, settings::kAppPath));
+  return kindOf(application) == EntryKind::missing ? application : "";
+}
+
 std::string sharedSettingsPath(const std::string& sharedFolder) {
   return sharedFolder + paths::kSharedSettings;
 }

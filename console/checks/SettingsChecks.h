@@ -15,6 +15,10 @@ std::string productSettingsPath(const std::string& bundle);
 // where they do not.
 std::string installedApplication(const std::string& bundle);
 
+// Where no application stands though the shared folder's settings name the place; empty where one
+// stands there, and where they name none. The folder ends with "/".
+std::string missingApplication(const std::string& sharedFolder);
+
 // The shared folder's settings, and the update engine that they lead to; of a copy from another
 // system the settings alone.
 Findings sharedSettingsFindings(const std::string& path, bool isCopy = false);

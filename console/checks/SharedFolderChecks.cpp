@@ -63,6 +63,7 @@ bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
 Findings jobFileAndProcessFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
   const std::string path = sharedFolder + paths::kJobFile;
   Findings findings = concerning(path, jobFileFindings(path));
+  append(findings, lostJobFileFindings(placesIn(sharedFolder)));
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();
   std::optional<JobsLog> log;  // read where a record asks for it
@@ -71,7 +72,7 @@ Findings jobFileAndProcessFindings(const std::string& sharedFolder, const Worker
     return log->stretchOf(record);
   };
   append(findings, recordFindings(path, records, workerRuns, logOf));
-  append(findings, engineFolderFindings(records));
+  append(findings, engineFolderFindings(records, sharedFolder));
   // A worker that runs has such files for moments.
   Findings leftovers = leftoverFindings(path);
   append(leftovers, leftoverDownloadFindings(sharedFolder));

@@ -89,10 +89,19 @@ Explanation jobExplanation(const Value& record, const ExplainOptions& options) {
   return explanation;
 }
 
+// How a job with that log id is looked at that is in the log alone; else empty.
+std::string wayToJob(const ExplainOptions& options) {
+  if (!hasPlaces(options) || isHexadecimal(options.subject)) return {};
+  return wayToLoggedJob(placesOf(options), options.subject);
+}
+
 Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) {
   Explanations explanations = explainCode(code);
-  if (hasPlaces(options) && !isKnownCode(code)) {
-    explanations.front().note = "No job of the job file has this log id.";
+  const std::string way = wayToJob(options);
+  if (hasPlaces(options) && (!isKnownCode(code) || !way.empty())) {
+    std::string& note = explanations.front().note;
+    if (!note.empty()) note += ' ';
+    note.append("No job of the job file has this log id").append(way).append(".");
   }
   if (const std::string other = lookAlike(options.subject); !isKnownCode(code) && !other.empty()) {
     std::string& note = explanations.front().note;
@@ -109,7 +118,8 @@ Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) 
                                  "\" is no result code; for a log id name the shared folder");
   }
   throw Failure(kNotFound, "no job " + options.subject + " in " +
-                               sourceOfRecords(placesOf(options)) + ", and it is no result code");
+                               sourceOfRecords(placesOf(options)) + ", and it is no result code" +
+                               wayToJob(options));
 }
 
 // --- showing
@@ -207,7 +217,7 @@ int explain(const ExplainOptions& options, const Screen& screen) {
     return kSuccess;
   }
   const std::optional<std::int64_t> code = codeOf(options.subject);
-  if (!code) refuse(options);
+  if (!code || (!isKnownCode(*code) && !wayToJob(options).empty())) refuse(options);
   showExplanations(codeExplanations(*code, options), screen);
   return isKnownCode(*code) ? kSuccess : kNotFound;
 }

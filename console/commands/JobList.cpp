@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "console/display/JobText.h"
+#include "console/display/StatusForMachines.h"
 #include "console/explain/Shortfall.h"
 #include "console/job/Processes.h"
-#include "console/job/StandardError.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
@@ -85,18 +85,6 @@ void addRow(const ListedJob& listed, bool withTimes, Table& table) {
   table.addRow(std::move(row));
 }
 
-Value percentagesOf(const ControllerStatus& one) {
-  Value told = Value::dictionary(
-      {{job::kWwn, displayText(one.wwn, Charset::utf8)}, {listed::kStanding, phaseOf(one)}});
-  const auto set = [&](const char* key, int percent) {
-    if (percent != kUnknownPercent) told.set(key, Value::integer(percent));
-  };
-  set(job::kCpldPercentage, one.cpld);
-  set(job::kFwPercentage, one.firmware);
-  set(job::kTotalPercentage, one.total);
-  return told;
-}
-
 }  // namespace
 
 ListedJob listedJob(const Value& record, LogStretch log, const Places& places,
@@ -107,11 +95,7 @@ ListedJob listedJob(const Value& record, LogStretch log, const Places& places,
   if (!places.isCopy && !workerRuns(logId, places.sharedFolder, processes)) {
     markWithoutWorker(listed.status);
   }
-  std::vector<std::string> standardError;
-  if (listed.status.command == job::kUpdateSW && !places.sharedFolder.empty()) {
-    standardError = standardErrorOf(places.sharedFolder, logId);
-  }
-  listed.shortfall = shortfallOf(record, listed.log, standardError);
+  listed.shortfall = shortfallAt(places, record, listed.log);
   return listed;
 }
 
@@ -153,24 +137,6 @@ Table tableOf(const JobList& jobs) {
   return table;
 }
 
-Value withStatus(Value record, const ListedJob& job) {
-  Value told = Value::dictionary();
-  const bool isOpen = job.status.state == job::kWait || job.status.state == job::kRun;
-  if (isOpen && job.status.hasNoWorker) told.set(listed::kNoWorker, Value::boolean(true));
-  Value controllers = Value::array();
-  for (const ControllerStatus& one : job.status.controllers) {
-    controllers.append(percentagesOf(one));
-  }
-  if (job.status.command == job::kUpdateFW && controllers.count() > 0) {
-    told.set(listed::kControllers, controllers);
-  }
-  if (!job.shortfall.empty()) {
-    told.set(listed::kShortfall, displayText(job.shortfall, Charset::utf8));
-  }
-  if (!told.entries().empty()) record.set(listed::kStatus, told);
-  return record;
-}
-
 Value forMachines(const ListedJob& job) {
   if (!job.record.isDictionary()) return job.record;
 
@@ -180,7 +146,7 @@ Value forMachines(const ListedJob& job) {
   if (mayBeDone(job)) told.set(listed::kMayBeDone, Value::boolean(true));
   Value record = job.record;
   if (!told.entries().empty()) record.set(listed::kToldByLog, told);
-  return withStatus(std::move(record), job);
+  return recordWithStatus(std::move(record), job.status, job.shortfall);
 }
 
 }  // namespace kelvane::console

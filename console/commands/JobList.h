@@ -24,15 +24,6 @@ inline constexpr char kStart[] = "start";
 inline constexpr char kSeconds[] = "seconds";               // up to the job's last entry
 inline constexpr char kMayBeDone[] = "may_have_been_done";  // true: of a waiting job; else missing
 
-// What the console makes of the record, where that says more than the record: an object.
-inline constexpr char kStatus[] = "console_status";
-// In it: true where no worker for a job that is not finished is seen; else missing.
-inline constexpr char kNoWorker[] = "no_worker";
-// A list of "wwn", "standing" (a word) and the percentages, as far as they are known.
-inline constexpr char kControllers[] = "controllers";
-inline constexpr char kStanding[] = "standing";
-inline constexpr char kShortfall[] = "shortfall";  // what a job with result 0 did not do; a text
-
 }  // namespace listed
 
 struct ListedJob {
@@ -61,10 +52,7 @@ JobList lastOnes(JobList jobs, std::size_t count);
 // With columns for start and length where the log tells any.
 Table tableOf(const JobList& jobs);
 
-// This record of the job with the object that tells its status, where there is one.
-platform::Value withStatus(platform::Value record, const ListedJob& job);
-
-// The record, with the keys above.
+// The record, with the keys above and recordWithStatus().
 platform::Value forMachines(const ListedJob& job);
 
 }  // namespace kelvane::console

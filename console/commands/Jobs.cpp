@@ -1,23 +1,30 @@
 #include "console/commands/Jobs.h"
 
+#include <optional>
 #include <utility>
 
+#include "console/checks/RecordChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/commands/JobEnd.h"
 #include "console/commands/JobList.h"
 #include "console/display/JobText.h"
 #include "console/display/JsonText.h"
 #include "console/display/Packages.h"
 #include "console/display/Paragraphs.h"
+#include "console/display/ShellQuoting.h"
+#include "console/display/StatusForMachines.h"
 #include "console/display/Table.h"
 #include "console/display/TimeText.h"
 #include "console/explain/FlashNotes.h"
+#include "console/explain/StartFault.h"
 #include "console/explain/UnfinishedJob.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobTimes.h"
 #include "console/job/LogStretch.h"
 #include "console/job/Processes.h"
+#include "console/job/RecordValues.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "platform/Json.h"
@@ -49,10 +56,14 @@ void tellWhatWasNotLookedAt(const Places& places, const Screen& screen) {
 }
 
 // Of a waiting job, that a worker had taken it already.
-void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Screen& screen) {
+void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Places& places,
+                         const Screen& screen) {
   if (!mayHaveBeenDone(record, log)) return;
+  const std::string command = places.isCopy ? "kelvane-console explain"
+                                            : consoleCommand("explain", places.sharedFolder,
+                                                             stringOf(record.get(job::kLogId)));
   showLines({"a worker took this job and could not write what became of it: " +
-             whatMayHaveBeenDone(record, log) + "; see \"kelvane-console explain\""},
+             whatMayHaveBeenDone(record, log) + "; see \"" + command + "\""},
             screen);
 }
 
@@ -72,7 +83,7 @@ void showShortfall(const ListedJob& job, const Screen& screen) {
 void showJob(const ListedJob& job, const Places& places, const Screen& screen) {
   const JobStatus& status = job.status;
   showLines({jobLine(status, screen.charset)}, screen);
-  tellOfEarlierWorker(job.record, job.log, screen);
+  tellOfEarlierWorker(job.record, job.log, places, screen);
   showLines({"command " + displayText(status.command, screen.charset)}, screen);
   if (status.isFinished()) showLines({resultLine(status, screen.charset)}, screen);
   showShortfall(job, screen);
@@ -89,7 +100,14 @@ void requireOpen(const std::string& logId, const std::string& sharedFolder, cons
   if (!mayHaveBeenDone(record, log) || workerRuns(logId, sharedFolder)) return;
   throw Failure(kWorkerFailed, "job " + logId +
                                    " is in state WAIT, and no worker for it is seen: " +
-                                   adviceForUnfinished(record, log));
+                                   adviceForUnfinished(record, log, sharedFolder));
+}
+
+// Of a waiting job that a worker would take; else empty.
+std::string whyNotToStart(const Value& record, const std::string& sharedFolder) {
+  if (!whyNotStarted(record).empty()) return {};
+  const std::optional<StartFault> fault = startFaultOf(record, sharedFolder, false);
+  return fault ? fault->fault : "";
 }
 
 // --- the sub-commands
@@ -118,7 +136,9 @@ int runList(const Given& given, const Screen& screen) {
 int runShow(const Given& given, const Screen& screen) { return show(showOptionsOf(given), screen); }
 
 int runWatch(const Given& given, const Surroundings& surroundings) {
-  return watch(oneJobOptionsOf(given), surroundings);
+  OneJobOptions options = oneJobOptionsOf(given);
+  options.bundle = given.text(kBundleOption);
+  return watch(options, surroundings);
 }
 
 Command oneJobCommand(const std::string& name, const std::string& description,
@@ -141,29 +161,35 @@ std::vector<Option> placesAndJson() {
   return options;
 }
 
-std::string noJobsText(const ListOptions& options) {
+std::string noJobsText(const ListOptions& options, const Value& records, const Places& places) {
   const bool isNoneWanted = !options.last.empty() && countIn(options.last, kLastOption) == 0;
   if (isNoneWanted) return std::string(kLastOption) + " 0 shows no jobs";
-  return options.failed ? "no failed jobs" : "no jobs";
+  std::string text = options.failed ? "no failed jobs" : "no jobs";
+  const std::string way = records.count() == 0 ? wayToLoggedJobs(places) : "";
+  if (!way.empty()) text.append(" in ").append(places.jobFile).append("; ").append(way);
+  return text;
 }
 
 }  // namespace
 
 int list(const ListOptions& options, const Screen& screen) {
   const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
-  JobList jobs = listedJobs(recordsAt(places), places);
+  const Value records = recordsAt(places);
+  JobList jobs = listedJobs(records, places);
   if (options.failed) jobs = failedOnes(std::move(jobs));
   if (!options.last.empty()) jobs = lastOnes(std::move(jobs), countIn(options.last, kLastOption));
   if (screen.json) {
     for (const ListedJob& job : jobs) {
       screen.out << jsonLine(forMachines(job)) << '\n';
     }
-  } else if (jobs.empty()) {
-    showLines({noJobsText(options)}, screen);
+    return kSuccess;
+  }
+  if (jobs.empty()) {
+    showLines({noJobsText(options, records, places)}, screen);
   } else {
     showTable(tableOf(jobs), screen);
-    tellWhatWasNotLookedAt(places, screen);
   }
+  tellWhatWasNotLookedAt(places, screen);
   return kSuccess;
 }
 
@@ -179,7 +205,8 @@ int show(const OneJobOptions& options, const Screen& screen) {
                        .status = job.status,
                        .elapsed = times.length,
                        .times = times.controllers};
-    screen.out << jsonText(withStatus(recordWithTimes(look), job)) << std::endl;
+    screen.out << jsonText(recordWithStatus(recordWithTimes(look), job.status, job.shortfall))
+               << std::endl;
     return kSuccess;
   }
   showJob(job, places, screen);
@@ -193,11 +220,16 @@ int watch(const OneJobOptions& options, const Surroundings& surroundings) {
   const Value record = requiredRecord(placesIn(sharedFolder), options.logId);
   const LogStretch log = stretchIn(sharedFolder, record);
   requireOpen(options.logId, sharedFolder, record, log);
+  // Looked up before the end: the settings go with the application.
+  const Installation installation = installationOf(withoutSlashAtEnd(options.bundle));
   ForeignWorker worker(options.logId, sharedFolder);
-  const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings,
-                                       pastOf(record, log, surroundings.clock));
-  if (!surroundings.screen.json) showPackages(finished.record, surroundings.screen);
-  return exitCodeOf(finished);
+  Past past = pastOf(record, log, surroundings.clock);
+  past.startFault = [&](const Value& waiting) { return whyNotToStart(waiting, sharedFolder); };
+  const Look finished = followToTheEnd(options.logId, sharedFolder, worker, surroundings, past);
+  if (finished.status.command == job::kUpdateSW) {
+    return endOfInstallation(finished, installation, sharedFolder, surroundings.screen);
+  }
+  return endOfJob(finished, sharedFolder, surroundings.screen);
 }
 
 Command listCommand() {
@@ -228,9 +260,13 @@ Command showCommand() {
 
 Command watchCommand() {
   Command command = oneJobCommand("watch", "Follow a job that someone else started",
-                                  {sharedOption(), jsonFlag()}, runWatch);
+                                  {sharedOption(), bundleOption(), jsonFlag()}, runWatch);
   command.footer.insert(
-      0, "The time that is shown is the job's, where the log tells when it began.\n");
+      0,
+      "The time that is shown is the job's, where the log tells when it began. What became of\n"
+      "the job is told, and is the exit status, as by the sub-command that submits one: of an\n"
+      "installation what stands there afterwards is compared with the package; where no bundle\n"
+      "is given, it cannot be, and the exit status is 1.\n");
   return command;
 }
 

@@ -20,7 +20,8 @@ struct ListOptions {
 struct OneJobOptions {
   std::string sharedFolder;
   std::string logId;
-  CopyOptions copy = {};  // not for watch
+  CopyOptions copy = {};    // not for watch
+  std::string bundle = {};  // for watch alone: what an installation replaces; may be empty
 };
 
 // All three return the exit code, and raise Failure where something is not there or not readable.
@@ -32,8 +33,8 @@ int list(const ListOptions& options, const Screen& screen);
 // One job: its state, its result, what came out, and the whole record.
 int show(const OneJobOptions& options, const Screen& screen);
 
-// Follows a job that someone else started, like the sub-commands that submit one, and shows what
-// came out.
+// Follows a job that someone else started, and tells what became of it, like the sub-commands that
+// submit one.
 int watch(const OneJobOptions& options, const Surroundings& surroundings);
 
 Command listCommand();

@@ -1,13 +1,10 @@
 #include "console/commands/OnlineUpdate.h"
 
-#include <filesystem>
-#include <system_error>
-
+#include "console/checks/CatalogueChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/Given.h"
-#include "console/display/Packages.h"
+#include "console/commands/JobEnd.h"
 #include "console/job/ExitCode.h"
-#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 #include "platform/File.h"
 #include "platform/Value.h"
@@ -23,7 +20,7 @@ constexpr char kNoVersion[] = "0";
 
 // The console's own for the engine.
 std::string usualFolder(const std::string& sharedFolder) {
-  return absolutePath(asPrefix(sharedFolder) + "tmp/EngineRunner", "shared folder");
+  return absolutePath(asPrefix(sharedFolder) + kConsolesEngineFolder, "shared folder");
 }
 
 std::string engineFolder(const JobOptions& job, const EngineOptions& engine) {
@@ -101,9 +98,8 @@ void requireFreeFolder(const std::string& folder, const std::string& sharedFolde
   if (platform::exists(folder) && !platform::isFolder(folder)) {
     throw Failure(kBadUsage, "folder " + folder + " is a file");
   }
-  std::error_code unknown;
   if (platform::listFolder(folder).empty() ||
-      std::filesystem::equivalent(folder, usualFolder(sharedFolder), unknown)) {
+      isConsolesEngineFolder(folder, asPrefix(sharedFolder))) {
     return;
   }
   throw Failure(kBadUsage,
@@ -117,28 +113,14 @@ int query(const QueryOptions& options, const Surroundings& surroundings) {
                         options.engine.url, folder);
   const std::optional<Look> finished =
       runJob(options.job, job::kGetOnlineUpdateData, inputs, surroundings);
-  return finished ? endOfQuery(*finished, options.job.sharedFolder, surroundings.screen) : kSuccess;
-}
-
-int endOfQuery(const Look& finished, const std::string& sharedFolder, const Screen& screen) {
-  if (finished.record.get(job::kOutput).isArray()) return endOfDownload(finished, screen);
-  // With another result than 0 it was shown already.
-  const bool isTold = !finished.status.hasSucceeded() && !screen.json;
-  throw Failure(kJobFailed, "the update engine left no catalogue",
-                isTold ? std::vector<std::string>()
-                       : standardErrorInShort(existingShared(sharedFolder), finished.status.logId));
+  return finished ? endOfJob(*finished, options.job.sharedFolder, surroundings.screen) : kSuccess;
 }
 
 int download(const DownloadOptions& options, const Surroundings& surroundings) {
   const Value inputs = downloadParameters(options, engineFolder(options.job, options.engine));
   const std::optional<Look> finished =
       runJob(options.job, job::kDownloadOnlineUpdateFile, inputs, surroundings);
-  return finished ? endOfDownload(*finished, surroundings.screen) : kSuccess;
-}
-
-int endOfDownload(const Look& finished, const Screen& screen) {
-  if (!screen.json) showPackages(finished.record, screen);
-  return exitCodeOf(finished);
+  return finished ? endOfJob(*finished, options.job.sharedFolder, surroundings.screen) : kSuccess;
 }
 
 Command queryCommand() {

@@ -33,11 +33,6 @@ struct DownloadOptions {
 int query(const QueryOptions& options, const Surroundings& surroundings);
 int download(const DownloadOptions& options, const Surroundings& surroundings);
 
-// What follows the job, whoever has submitted it: shows the packages and returns the exit code.
-// Raises Failure where a query found no catalogue, with what was said on standard error.
-int endOfQuery(const Look& finished, const std::string& sharedFolder, const Screen& screen);
-int endOfDownload(const Look& finished, const Screen& screen);
-
 // Raises Failure where the update engine may not get this folder because it holds something: the
 // worker removes it with everything in it once its files are in the download area. In the one that
 // the console itself takes, below the shared folder, stands what a killed engine has left.

@@ -115,7 +115,7 @@ void tell(const std::string& path, const ReportMatter& matter, const ReportPage&
   std::vector<std::string> lines = {line};
   if (!matter.jobFileFault.empty()) {
     lines.push_back(matter.jobFileFault +
-                    (matter.isFromLog ? ": the job is told as the log shows it" : ""));
+                    (matter.isFromLog ? ". The job is told as the log shows it" : ""));
   }
   if (page.isRedacted) lines.push_back(redactionLine(page));
   showLines(lines, screen);

@@ -8,6 +8,7 @@
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Given.h"
+#include "console/commands/JobEnd.h"
 #include "console/commands/OnlineUpdate.h"
 #include "console/commands/UpdateFw.h"
 #include "console/commands/UpdateSw.h"
@@ -86,14 +87,6 @@ void requireImages(const Value& inputs) {
   for (const Value& input : inputs.elements()) existingImage(input.get(job::kFilePath).string());
 }
 
-int endOf(const std::optional<Look>& finished, const std::string& command,
-          const std::string& sharedFolder, const Screen& screen) {
-  if (!finished) return kSuccess;
-  if (command == job::kGetOnlineUpdateData) return endOfQuery(*finished, sharedFolder, screen);
-  if (command == job::kDownloadOnlineUpdateFile) return endOfDownload(*finished, screen);
-  return exitCodeOf(*finished);
-}
-
 int runRetry(const Given& given, const Surroundings& surroundings) {
   return retry(
       {.job = jobOptionsOf(given), .logId = given.text(kLogIdArgument), .yes = given.has(kYesFlag)},
@@ -120,7 +113,8 @@ int retry(const RetryOptions& options, const Surroundings& surroundings) {
     requireImages(inputs);
     if (!options.yes) announceUpdate(options.job, inputs, surroundings);
   }
-  return endOf(submit(), command, options.job.sharedFolder, surroundings.screen);
+  const std::optional<Look> finished = submit();
+  return finished ? endOfJob(*finished, options.job.sharedFolder, surroundings.screen) : kSuccess;
 }
 
 Command retryCommand() {

@@ -11,6 +11,7 @@
 #include "console/display/ShellQuoting.h"
 #include "console/display/TimeText.h"
 #include "console/explain/FlashNotes.h"
+#include "console/explain/Shortfall.h"
 #include "console/explain/UnfinishedJob.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
@@ -153,11 +154,12 @@ void requireFinished(const Followed& followed, const std::string& logId,
     case Outcome::finished:
       return;
     case Outcome::workerEnded:
-      throw Failure(kWorkerFailed,
-                    gone + ", and left " + job + " unfinished in state " + status.state + ": " +
-                        adviceForUnfinished(followed.last.record,
-                                            stretchIn(sharedFolder, followed.last.record)),
-                    lastWords(sharedFolder, logId));
+      throw Failure(
+          kWorkerFailed,
+          gone + ", and left " + job + " unfinished in state " + status.state + ": " +
+              adviceForUnfinished(followed.last.record,
+                                  stretchIn(sharedFolder, followed.last.record), sharedFolder),
+          lastWords(sharedFolder, logId));
     case Outcome::recordLost:
       throw Failure(kJobFileFailed, gone + ", and " + job + " is not to be found in the job file",
                     lastWords(sharedFolder, logId));
@@ -166,8 +168,7 @@ void requireFinished(const Followed& followed, const std::string& logId,
                     "interrupted: " +
                         (status.hasNoWorker ? job + " is waiting, and no worker for it is seen"
                                             : "the worker goes on with " + job) +
-                        "; follow it again with: kelvane-console watch --shared " +
-                        asShellWord(sharedFolder) + " " + asShellWord(logId));
+                        "; follow it again with: " + consoleCommand("watch", sharedFolder, logId));
   }
 }
 
@@ -220,11 +221,15 @@ Look followToTheEnd(const std::string& logId, const std::string& sharedFolder, W
                     const JobFile::IsMeant& isMeant) {
   Past known = past;
   known.log = [&](const Value& record) { return stretchIn(sharedFolder, record); };
+  known.shortfall = [&](const Value& record, const LogStretch& log) {
+    return shortfallAt(placesIn(sharedFolder), record, log);
+  };
   const Followed followed = follow(JobFile(sharedFolder), logId, worker, surroundings.clock,
                                    surroundings.view, isMeant, known);
   requireFinished(followed, logId, sharedFolder, worker);
   if (!surroundings.screen.json) showLines(timeLines(followed.last.times), surroundings.screen);
   showFlashNotes(followed.last.record, sharedFolder, surroundings.screen);
+  showStandardError(sharedFolder, followed.last, surroundings.screen);
   return followed.last;
 }
 
@@ -241,7 +246,6 @@ std::optional<Look> runRecord(const JobOptions& options, const PutIn& putIn,
   const auto isMeant = [&](const Value& record) { return isSameJob(record, started.record); };
   Look finished = followToTheEnd(logId, sharedFolder, started.worker, surroundings, past, isMeant);
   discardSilence(sharedFolder, logId);
-  showStandardError(sharedFolder, finished, surroundings.screen);
   return finished;
 }
 

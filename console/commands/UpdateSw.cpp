@@ -4,16 +4,14 @@
 #include <system_error>
 
 #include "console/application/Application.h"
-#include "console/application/InstallationFault.h"
 #include "console/checks/SettingsChecks.h"
 #include "console/commands/Arguments.h"
 #include "console/commands/CommonOptions.h"
 #include "console/commands/Confirmation.h"
 #include "console/commands/Given.h"
-#include "console/display/JsonText.h"
+#include "console/commands/JobEnd.h"
 #include "console/display/Paragraphs.h"
 #include "console/job/ExitCode.h"
-#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 #include "contract/Settings.h"
 #include "platform/File.h"
@@ -63,17 +61,12 @@ std::string versionText(const std::string& bundle) {
   return version.empty() ? "an unknown version" : "version " + version;
 }
 
-// Of a worker that is not the bundle's the settings are not known.
-std::string whyNotKnown(const JobOptions& job) {
-  return job.bundle.empty() ? "no bundle is given"
-                            : productSettingsPath(job.bundle) + " names no application";
-}
-
-std::string intention(const std::string& installed, const UpdateSwOptions& options) {
+std::string intention(const Installation& installation, const UpdateSwOptions& options) {
   const std::string version = versionText(options.package);
+  const std::string& installed = installation.installed;
   if (installed.empty()) {
     return "which application the worker replaces, and which version, is not known, as " +
-           whyNotKnown(options.job) + ": " + version + " is to take its place";
+           installation.whyNotKnown + ": " + version + " is to take its place";
   }
   if (!platform::exists(installed)) {
     return installed + ": " + version + " is to be installed where nothing stands";
@@ -82,48 +75,12 @@ std::string intention(const std::string& installed, const UpdateSwOptions& optio
 }
 
 // Says what is to be done, and asks before an application goes.
-void announce(const std::string& installed, const UpdateSwOptions& options,
+void announce(const Installation& installation, const UpdateSwOptions& options,
               const Surroundings& surroundings) {
-  showNotice(intention(installed, options), options.job.noWait, surroundings.screen);
+  const std::string& installed = installation.installed;
+  showNotice(intention(installation, options), options.job.noWait, surroundings.screen);
   if (options.yes || (!installed.empty() && !platform::exists(installed))) return;
   requireConfirmed("Remove the application and install the new one?", surroundings);
-}
-
-// As far as that can be told.
-std::string faultAfterwards(const std::string& installed, const UpdateSwOptions& options) {
-  if (!installed.empty()) return installationFault(options.package, installed);
-  return "whether the application was replaced is not known: the worker's result tells nothing of "
-         "it, and " +
-         whyNotKnown(options.job) +
-         ". Look at the application; with the worker's bundle in --bundle it is compared with the "
-         "package";
-}
-
-// For machines, behind the record.
-void showInstallation(const std::string& installed, const UpdateSwOptions& options,
-                      const std::string& replaced, const Look& finished, const std::string& fault,
-                      const Screen& screen) {
-  Value told = Value::dictionary();
-  if (!installed.empty()) {
-    told.set("path", displayText(installed, Charset::utf8));
-    told.set("is_package", Value::boolean(fault.empty()));
-  }
-  const std::string version = versionOf(options.package);
-  if (!replaced.empty()) told.set("replaced_version", displayText(replaced, Charset::utf8));
-  if (!version.empty()) told.set("package_version", displayText(version, Charset::utf8));
-  if (!fault.empty()) told.set("fault", displayText(fault, Charset::utf8));
-  screen.out << jsonLine(Value::dictionary(
-                    {{job::kLogId, finished.status.logId}, {"console_installation", told}}))
-             << std::endl;
-}
-
-// What the system's tools said is the only trace of what went wrong.
-void requireInstalled(const std::string& fault, const UpdateSwOptions& options,
-                      const Look& finished) {
-  if (fault.empty()) return;
-  throw Failure(
-      kJobFailed, fault,
-      standardErrorInShort(existingShared(options.job.sharedFolder), finished.status.logId));
 }
 
 constexpr char kPackage[] = "package";
@@ -144,23 +101,16 @@ std::vector<Option> updateSwOptions() {
 
 int install(const UpdateSwOptions& options, const Submits& submit,
             const Surroundings& surroundings) {
-  // Asked before the job: the settings go with the application.
-  const std::string installed = installedApplication(options.job.bundle);
+  Installation installation = installationOf(options.job.bundle);
+  const std::string& installed = installation.installed;
   requireApplication(options.package);
   requirePlace(installed, options.job);
   refuseOwnPackage(options.package, installed);
-  announce(installed, options, surroundings);
-  const std::string replaced = installed.empty() ? "" : versionOf(installed);
+  announce(installation, options, surroundings);
+  if (!installed.empty()) installation.replaced = versionOf(installed);
   const std::optional<Look> finished = submit();
   if (!finished) return kSuccess;
-  const Screen& screen = surroundings.screen;
-  const std::string fault = faultAfterwards(installed, options);
-  if (screen.json) showInstallation(installed, options, replaced, *finished, fault, screen);
-  requireInstalled(fault, options, *finished);
-  if (!screen.json) {
-    screen.out << "installed at " << displayText(installed, screen.charset) << std::endl;
-  }
-  return exitCodeOf(*finished);
+  return endOfInstallation(*finished, installation, options.job.sharedFolder, surroundings.screen);
 }
 
 int updateSw(const UpdateSwOptions& options, const Surroundings& surroundings) {

@@ -97,9 +97,13 @@ std::string timeText(std::chrono::milliseconds time) {
   return platform::format("%ld:%02ld:%02ld", hours, minutes, all % 60);
 }
 
-std::string noWorkerText(const JobStatus& status) {
-  if (!status.hasNoWorker || status.state != job::kWait) return {};
-  return "no worker is seen; the job goes on when one is started with its log id";
+std::string noWorkerText(const Look& look, Charset charset) {
+  if (!look.status.hasNoWorker || look.status.state != job::kWait) return {};
+  if (look.startFault.empty()) {
+    return "no worker is seen; the job goes on when one is started with its log id";
+  }
+  return "no worker is seen, and none should be started for the job: " +
+         displayText(look.startFault, charset);
 }
 
 std::string silenceText(const Look& look) {

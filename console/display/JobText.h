@@ -29,8 +29,9 @@ std::string progressText(const JobStatus& status);
 // "1:05", "1:00:05"
 std::string timeText(std::chrono::milliseconds time);
 
-// Of a waiting job without a worker, that there is none; else empty.
-std::string noWorkerText(const JobStatus& status);
+// Of a waiting job without a worker, that there is none, and where one is not to be started, why;
+// else empty.
+std::string noWorkerText(const Look& look, Charset charset);
 
 // "no news for 14 s; a flash may be silent for minutes, do not unplug": what is to say of a job
 // that runs or waits and has shown no change for longer than its pace explains; else empty.

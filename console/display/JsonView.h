@@ -1,5 +1,6 @@
 // The view for machines: the record as one line of JSON, at every change, with "console_times" in
-// it where the console can tell of the job's times.
+// it where the console can tell of the job's times, and with "console_status" once the job is
+// finished, or where no worker for it is seen.
 #pragma once
 
 #include <ostream>

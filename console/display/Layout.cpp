@@ -199,11 +199,11 @@ std::string headLine(const Look& look, const Range& range, const Plan& plan) {
   return head.size() + unit.size() <= plan.columns ? head.append(unit) : head;
 }
 
-std::vector<std::string> linesBelow(const Look& look, std::size_t columns) {
-  std::string text = noWorkerText(look.status);
+std::vector<std::string> linesBelow(const Look& look, const Plan& plan) {
+  std::string text = noWorkerText(look, plan.charset);
   if (text.empty()) text = silenceText(look);
   if (text.empty()) text = timeLeftText(look);
-  return text.empty() ? std::vector<std::string>() : wrapped(text, columns);
+  return text.empty() ? std::vector<std::string>() : wrapped(text, plan.columns);
 }
 
 }  // namespace
@@ -211,7 +211,7 @@ std::vector<std::string> linesBelow(const Look& look, std::size_t columns) {
 std::vector<std::string> statusLines(const Look& look, TerminalSize size, Charset charset) {
   const JobStatus& status = look.status;
   const Plan plan = planFor(status, std::max<std::size_t>(roomAfter(size.columns, 1), 1), charset);
-  const std::vector<std::string> below = linesBelow(look, plan.columns);
+  const std::vector<std::string> below = linesBelow(look, plan);
   const Range range = shownIn(status, roomAfter(size.rows, 2 + below.size()), plan);
   std::vector<std::string> lines = {shortened(headLine(look, range, plan), plan.columns, charset)};
   appendControllers(status, range, plan, lines);

@@ -36,7 +36,7 @@ void PlainView::showNews(const Look& look) {
   const bool isNew = status.state != shown_.state || status.hasNoWorker != shown_.hasNoWorker;
   if (isNew && !status.isFinished()) {
     out_ << jobLine(status, charset_) << '\n';
-    if (const std::string text = noWorkerText(status); !text.empty()) out_ << text << '\n';
+    if (const std::string text = noWorkerText(look, charset_); !text.empty()) out_ << text << '\n';
   }
   for (std::size_t i = 0; i < status.controllers.size(); ++i) {
     if (!isShown(status, i)) out_ << progressLine(status.controllers[i]) << '\n';

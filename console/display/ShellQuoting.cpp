@@ -18,4 +18,11 @@ std::string asShellWord(const std::string& text) {
   return isPlain ? text : shellQuoted(text);
 }
 
+std::string consoleCommand(const std::string& subCommand, const std::string& sharedFolder,
+                           const std::string& logId) {
+  std::string command = "kelvane-console " + subCommand;
+  if (!sharedFolder.empty()) command.append(" --shared ").append(asShellWord(sharedFolder));
+  return command.append(" ").append(asShellWord(logId));
+}
+
 }  // namespace kelvane::console

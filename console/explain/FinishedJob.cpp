@@ -7,6 +7,8 @@
 #include "console/explain/FirmwareFault.h"
 #include "console/explain/PackageFault.h"
 #include "console/explain/Shortfall.h"
+#include "console/job/RecordValues.h"
+#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -79,33 +81,57 @@ Explanation queried(const Value& record) {
           "yes"};
 }
 
+constexpr char kWhatever[] = "The worker ends an installation with 0 whatever became of it, ";
+
+// What became of the application where the package is none.
+std::string withoutPackage(const Value& record, const JobCircumstances& circumstances) {
+  if (!circumstances.missingApplication.empty()) {
+    return " No application stands at " + circumstances.missingApplication +
+           ": it was removed, and none put in its place.";
+  }
+  if (memberOf(record.get(job::kInputParameters), job::kFilePath) == Value("")) {
+    return " The application was removed, and none put in its place.";
+  }
+  if (!circumstances.isCopy && hasPackage(record)) {
+    return " Unless another one stood there then, the application was removed, and this put in its "
+           "place.";
+  }
+  return " Unless there was a package then, the application was removed, and none put in its "
+         "place.";
+}
+
+Explanation installedNothing(const std::string& fault, const Value& record,
+                             const JobCircumstances& circumstances) {
+  std::string meaning = kWhatever;
+  meaning.append("and ").append(fault).append(".").append(withoutPackage(record, circumstances));
+  return {"", meaning, "user",
+          "Look whether the application stands in its place. If not, add the job anew with the "
+          "absolute path of an application bundle.",
+          "not as it is"};
+}
+
 // What became of the application is told neither by the result nor by the log.
 Explanation installed(const Value& record, const JobCircumstances& circumstances) {
   const std::string complaint = toolsComplaint(circumstances.standardError);
-  const std::string fault = packageFaultOf(record, circumstances.isCopy);
   if (!complaint.empty()) {
-    return {"",
-            "The worker ends an installation with 0 whatever became of it, but the system's tools "
-            "complained: \"" +
-                complaint + "\". It failed, wholly or in part.",
-            "user",
+    std::string meaning = kWhatever;
+    meaning.append("but the system's tools complained: \"").append(complaint);
+    return {"", meaning.append("\". It failed, wholly or in part."), "user",
             "Mend what they complained of, such as a missing permission or package, and look "
             "whether the application still stands in its place. Then add the job anew.",
             "yes, under another log_id"};
   }
-  if (!fault.empty()) {
-    return {"",
-            "The worker ends an installation with 0 whatever became of it, and " + fault +
-                ". Unless there was a package then, the application was removed, and none put in "
-                "its place.",
-            "user",
-            "Look whether the application stands in its place. If not, add the job anew with the "
-            "absolute path of an application bundle.",
-            "not as it is"};
+  const std::string fault = packageFaultOf(record, circumstances.isCopy);
+  if (!fault.empty()) return installedNothing(fault, record, circumstances);
+  std::string advice = "Look whether the new application stands in its place.";
+  if (circumstances.lacksStandardError) {
+    advice +=
+        " What the system's tools complained of is kept where a console submitted the job: "
+        "ask for ";
+    advice.append(standardErrorPath("", stringOf(record.get(job::kLogId)))).append(".");
   }
   return {"", "The application was to be replaced. The result is 0 whatever became of that.",
-          "user", "Look whether the new application stands in its place.",
-          "if the application is not there"};
+          "user", advice, "if the application is not there"};
 }
 
 Explanation succeeded(const Value& record, const JobStatus& status,
@@ -165,8 +191,9 @@ Explanation explainFinished(const Value& record, const JobStatus& status,
                                       : failed(code, record, status, circumstances);
   if (code == 0) explanation.subject = explainResult(0, status.command, status.resultText).subject;
   explanation.subject.insert(0, "finished with ");
-  explanation.fellShort =
-      !shortfallOf(record, circumstances.log, circumstances.standardError).empty();
+  const InstallationTraces traces{circumstances.standardError, circumstances.isCopy,
+                                  circumstances.missingApplication};
+  explanation.fellShort = !shortfallOf(record, circumstances.log, traces).empty();
   return explanation;
 }
 

@@ -51,11 +51,6 @@ std::optional<Explanation> recordFault(const Value& record,
                      "not as it is"};
 }
 
-std::string faultOfImage(const Value& path, bool isCopy) {
-  if (!path.isString()) return {};
-  return isCopy ? imagePathFault(path.string()) : imageFault(path.string());
-}
-
 constexpr char kNotTaken[] = "The framework looked at the image and did not take it";
 
 // What stands at the path may have been another file then.
@@ -88,7 +83,7 @@ std::optional<Explanation> imageAtFault(const Value& record, const FailedControl
                                         bool isCopy) {
   if (!failed.isAtImage) return std::nullopt;
   const Value path = memberOf(entryAt(record, failed.index), job::kFilePath);
-  const std::string fault = faultOfImage(path, isCopy);
+  const std::string fault = imageFaultOf(path, isCopy);
   Explanation told = fault.empty() ? refusedImage(failed) : unusableImage(path.string(), fault);
   told.meaning += whatWasFlashed(failed);
   return told;

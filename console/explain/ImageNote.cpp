@@ -16,7 +16,7 @@ std::string imageNote(const Value& record, const FailedController& failed, bool 
   if (!input.get(job::kFilePath).isString()) return note + "file_path is no string";
   const std::string& path = input.get(job::kFilePath).string();
   note += path.empty() ? "the path" : path;
-  note += isCopy ? imagePathFault(path) : imageFault(path);
+  note += imageFaultOf(input.get(job::kFilePath), isCopy);
   if (failed.product.empty()) return note;
   return note.append("; product 0x")
       .append(failed.product)

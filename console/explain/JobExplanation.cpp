@@ -4,12 +4,13 @@
 #include <utility>
 
 #include "console/checks/RecordChecks.h"
+#include "console/checks/SettingsChecks.h"
 #include "console/display/JobText.h"
 #include "console/explain/FinishedJob.h"
 #include "console/explain/FlashNotes.h"
 #include "console/explain/ImageNote.h"
-#include "console/explain/PackageFault.h"
 #include "console/explain/PackageNotes.h"
+#include "console/explain/StartFault.h"
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
 #include "console/job/JobStatus.h"
@@ -63,14 +64,8 @@ Explanation blocked(const std::string& fault) {
           "once that is mended"};
 }
 
-Explanation withoutPackage(const std::string& fault) {
-  return {"waiting",
-          "It would remove the application and put none in its place: " + fault +
-              ". The worker ends an installation with 0 whatever became of it.",
-          "user",
-          "Start no worker for it. Remove the record (\"kelvane-console remove\"), and add the job "
-          "anew with the absolute path of an application bundle.",
-          "not as it is"};
+Explanation notToBeStarted(const StartFault& fault) {
+  return {"waiting", fault.meaning, "user", fault.advice, fault.tryAgain};
 }
 
 Explanation waiting(const Value& record, const JobCircumstances& circumstances) {
@@ -85,8 +80,8 @@ Explanation waiting(const Value& record, const JobCircumstances& circumstances) 
             "Compare the record with the examples of its command, and add the job anew.",
             "not as it is"};
   }
-  if (const std::string fault = packageFaultOf(record, circumstances.isCopy); !fault.empty()) {
-    return withoutPackage(fault);
+  if (const auto fault = startFaultOf(record, circumstances.sharedFolder, circumstances.isCopy)) {
+    return notToBeStarted(*fault);
   }
   if (record.has(job::kResult)) return putBack();
   if (circumstances.isCopy) return waitingInCopy(circumstances.log);
@@ -213,7 +208,8 @@ std::string noteOf(const LogStretch& log) {
              : "";
 }
 
-void takeLog(const JobCircumstances& circumstances, Explanation& explanation) {
+void takeLog(const std::string& command, const JobCircumstances& circumstances,
+             Explanation& explanation) {
   const LogStretch& log = circumstances.log;
   // A worker that went on did without what it missed at its start.
   if (log.lastStep.empty()) explanation.errors = log.startErrors;
@@ -226,6 +222,11 @@ void takeLog(const JobCircumstances& circumstances, Explanation& explanation) {
   explanation.note +=
       "This is a copy: neither workers nor the files that the job names were looked "
       "for.";
+  // A firmware job starts no programs, and where nobody has to act nobody needs it.
+  if (circumstances.lacksStandardError && command != job::kUpdateFW &&
+      explanation.whoActs != "nobody") {
+    explanation.note += " What was kept of the worker's standard error is not at hand.";
+  }
   if (circumstances.isFromLog) explanation.note += " The record is as the log shows it last.";
 }
 
@@ -250,20 +251,26 @@ void takeControllers(const Value& record, const JobStatus& status,
 }
 
 constexpr char kNoComplaints[] =
-    "what the update engine complained of stands on the worker's standard error alone, and nothing "
-    "of it is kept here: it said nothing, or this console did not submit the job";
+    "what the update engine complained of stands on the worker's standard error alone, and ";
+
+const char* whyNoComplaints(const JobCircumstances& circumstances) {
+  return circumstances.lacksStandardError ? "what was kept of that is not at hand"
+                                          : "nothing of it is kept here: it said nothing, or this "
+                                            "console did not submit the job";
+}
 
 void takePackages(const Value& record, const JobCircumstances& circumstances,
                   Explanation& explanation) {
   std::vector<std::string> notes = packageNotes(record, circumstances.isCopy);
-  if (!notes.empty() && circumstances.standardError.empty()) notes.emplace_back(kNoComplaints);
+  if (!notes.empty() && circumstances.standardError.empty()) {
+    notes.push_back(std::string(kNoComplaints) + whyNoComplaints(circumstances));
+  }
   for (std::string& note : notes) explanation.details.push_back(std::move(note));
   std::string said = engineNote(record, circumstances.log);
   if (!said.empty()) explanation.details.push_back(std::move(said));
 }
 
-}  // namespace
-
+// Why no job of these places' job file can be updated; empty where nothing is seen. Never raises.
 std::string jobFileFaultAt(const Places& places) {
   if (places.jobFile.empty()) return {};
   try {
@@ -274,13 +281,22 @@ std::string jobFileFaultAt(const Places& places) {
   return {};
 }
 
+}  // namespace
+
+JobCircumstances circumstancesOf(const Places& places) {
+  return {.isCopy = places.isCopy,
+          .isFromLog = places.jobFile.empty(),
+          .jobFileFault = jobFileFaultAt(places),
+          .sharedFolder = places.sharedFolder,
+          .lacksStandardError = places.sharedFolder.empty(),
+          .missingApplication = places.isCopy ? "" : missingApplication(places.sharedFolder)};
+}
+
 JobCircumstances circumstancesAt(const Places& places, const Value& record) {
   const std::string logId = statusOf(record).logId;
-  JobCircumstances found{.workerRuns = !places.isCopy && !lacksWorker(logId, places),
-                         .log = stretchIn(places, record),
-                         .isCopy = places.isCopy,
-                         .isFromLog = places.jobFile.empty()};
-  found.jobFileFault = jobFileFaultAt(places);
+  JobCircumstances found = circumstancesOf(places);
+  found.workerRuns = !places.isCopy && !lacksWorker(logId, places);
+  found.log = stretchIn(places, record);
   if (places.sharedFolder.empty()) return found;
   found.standardError = standardErrorInShort(places.sharedFolder, logId);
   return found;
@@ -292,7 +308,7 @@ Explanation explainJob(const Value& record, const JobCircumstances& circumstance
   Explanation explanation = byState(record, status, circumstances);
   const std::string command = status.command.empty() ? "" : " (" + status.command + ")";
   explanation.subject = "job " + status.logId + command + ": " + explanation.subject;
-  takeLog(circumstances, explanation);
+  takeLog(status.command, circumstances, explanation);
   takeControllers(record, status, circumstances, explanation);
   takePackages(record, circumstances, explanation);
   for (const std::string& line : circumstances.standardError) {

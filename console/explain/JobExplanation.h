@@ -23,10 +23,15 @@ struct JobCircumstances {
   // Why the worker can update no job of the job file: of another record; empty where nothing is
   // seen.
   std::string jobFileFault = {};
+  std::string sharedFolder = {};  // ends with "/"; empty where it is not at hand
+  // Of a copy: whether what may have been kept of the worker's standard error is not at hand.
+  bool lacksStandardError = false;
+  // Where no application stands though the shared folder's settings say so; else empty.
+  std::string missingApplication = {};
 };
 
-// Why no job of these places' job file can be updated; empty where nothing is seen. Never raises.
-std::string jobFileFaultAt(const Places& places);
+// What these places tell of any job, without its log and its worker.
+JobCircumstances circumstancesOf(const Places& places);
 
 // What these places tell of the record.
 JobCircumstances circumstancesAt(const Places& places, const platform::Value& record);

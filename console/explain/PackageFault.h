@@ -11,4 +11,7 @@ namespace kelvane::console {
 // nothing speaks against it, and of another job. Of a copy only the path itself is looked at.
 std::string packageFaultOf(const platform::Value& record, bool isCopy);
 
+// Whether anything stands at the absolute path of its package.
+bool hasPackage(const platform::Value& record);
+
 }  // namespace kelvane::console

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <iterator>
 
+#include "console/checks/SettingsChecks.h"
 #include "console/display/Words.h"
 #include "console/explain/FlashNotes.h"
+#include "console/explain/PackageFault.h"
 #include "console/job/JobStatus.h"
 #include "console/job/RecordValues.h"
+#include "console/job/StandardError.h"
 #include "contract/JobFile.h"
 
 namespace kelvane::console {
@@ -29,6 +32,18 @@ std::string shortfallOfFirmware(const Value& record, const LogStretch& log) {
          (names.size() == 1 ? " was not flashed" : " were not flashed");
 }
 
+// A package that is not there now may have been there then.
+std::string shortfallOfInstallation(const Value& record, const InstallationTraces& traces) {
+  const std::string fault = packageFaultOf(record, traces.isCopy);
+  const bool isEmpty = memberOf(record.get(job::kInputParameters), job::kFilePath) == Value("");
+  const bool isSure = isEmpty || (!traces.isCopy && hasPackage(record));
+  if (isSure && !fault.empty()) return fault;
+  const std::string complaint = toolsComplaint(traces.standardError);
+  if (!complaint.empty()) return "the system's tools complained: " + complaint;
+  if (fault.empty() || traces.missingApplication.empty()) return {};
+  return fault + ", and no application stands at " + traces.missingApplication;
+}
+
 }  // namespace
 
 std::string toolsComplaint(const std::vector<std::string>& standardError) {
@@ -37,18 +52,25 @@ std::string toolsComplaint(const std::vector<std::string>& standardError) {
 }
 
 std::string shortfallOf(const Value& record, const LogStretch& log,
-                        const std::vector<std::string>& standardError) {
+                        const InstallationTraces& traces) {
   const JobStatus status = statusOf(record);
   if (!status.hasSucceeded()) return {};
   if (status.command == job::kUpdateFW) return shortfallOfFirmware(record, log);
   if (status.command == job::kGetOnlineUpdateData) {
     return record.get(job::kOutput).isArray() ? "" : "the update engine left no catalogue";
   }
-  if (status.command != job::kUpdateSW) return {};
-  const Value package = memberOf(record.get(job::kInputParameters), job::kFilePath);
-  if (package == Value("")) return "the path of its package is empty";
-  const std::string complaint = toolsComplaint(standardError);
-  return complaint.empty() ? "" : "the system's tools complained: " + complaint;
+  return status.command == job::kUpdateSW ? shortfallOfInstallation(record, traces) : "";
+}
+
+std::string shortfallAt(const Places& places, const Value& record, const LogStretch& log) {
+  InstallationTraces traces{.isCopy = places.isCopy};
+  const JobStatus status = statusOf(record);
+  const bool isInstallation = status.command == job::kUpdateSW && status.hasSucceeded();
+  if (isInstallation && !places.sharedFolder.empty()) {
+    traces.standardError = standardErrorOf(places.sharedFolder, status.logId);
+    if (!places.isCopy) traces.missingApplication = missingApplication(places.sharedFolder);
+  }
+  return shortfallOf(record, log, traces);
 }
 
 }  // namespace kelvane::console

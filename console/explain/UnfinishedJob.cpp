@@ -11,15 +11,19 @@ using platform::Value;
 
 namespace {
 
-// Submitted again it would stand in the file twice.
-std::string retryText(const Value& record) {
-  std::string text = "\"kelvane-console retry ";
-  return text.append(asShellWord(stringOf(record.get(job::kLogId)))).append("\"");
+std::string commandFor(const Value& record, const char* subCommand,
+                       const std::string& sharedFolder) {
+  std::string text = "\"";
+  text += consoleCommand(subCommand, sharedFolder, stringOf(record.get(job::kLogId)));
+  return text.append("\"");
 }
 
 }  // namespace
 
-std::string adviceForUnfinished(const Value& record, const LogStretch& log) {
+std::string adviceForUnfinished(const Value& record, const LogStretch& log,
+                                const std::string& sharedFolder) {
+  // Submitted again it would stand in the file twice.
+  const std::string retry = commandFor(record, "retry", sharedFolder);
   if (mayHaveBeenDone(record, log)) {
     return "a worker took it and could not write what became of it: " +
            whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep +
@@ -30,16 +34,16 @@ std::string adviceForUnfinished(const Value& record, const LogStretch& log) {
     const std::string begun = log.absence.empty()
                                   ? "it was not begun. "
                                   : "whether it was begun is not known, as there is no log. ";
-    return begun + "\"kelvane-console check\" tells what may be in the way; then " +
-           retryText(record) + " runs it: its record is still waiting";
+    return begun + "\"kelvane-console check\" tells what may be in the way; then " + retry +
+           " runs it: its record is still waiting";
   }
   if (record.get(job::kJobId) == Value(job::kUpdateFW)) {
     return "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
            "still be going on in a controller; then " +
-           retryText(record) + " adds it anew";
+           retry + " adds it anew";
   }
-  return "nobody goes on with it. \"kelvane-console explain\" tells what the log says; " +
-         retryText(record) + " adds it anew";
+  return "nobody goes on with it. " + commandFor(record, "explain", sharedFolder) +
+         " tells what the log says; " + retry + " adds it anew";
 }
 
 }  // namespace kelvane::console

@@ -8,7 +8,8 @@
 
 namespace kelvane::console {
 
-// The end of the message of a console that followed the job.
-std::string adviceForUnfinished(const platform::Value& record, const LogStretch& log);
+// The end of the message of a console that followed the job in this shared folder.
+std::string adviceForUnfinished(const platform::Value& record, const LogStretch& log,
+                                const std::string& sharedFolder);
 
 }  // namespace kelvane::console

@@ -33,12 +33,13 @@ class Watch {
     const bool isNew = record != look_.record;
     if (isNew) look_.record = record;
     look_.status = statusOf(record);
-    if (look_.status.isFinished() && look_.status.command == job::kUpdateFW) takeEnd(isNew);
+    if (look_.status.isFinished()) takeEnd(isNew);
     if (isNew) news_ = timeOfNews(now);
     keepPercentages(look_.status.controllers);
     const bool waits = look_.status.state == job::kWait;
     // Of a waiting job that nobody goes on with the end of the following tells.
     if (waits ? !hasEnded && !worker.isSeen() : hasEnded) markWithoutWorker(look_.status);
+    takeStartFault();
     if (!start_ && before == job::kWait && !waits) start_ = now;
     pace_.take(now, look_.status, record);
     takeTimes(now);
@@ -54,12 +55,22 @@ class Watch {
     return statusOf(last.record).controllers == look_.status.controllers ? last.time : now;
   }
 
-  // What became of each controller, and its times, as the log tells.
+  // What became of each controller, and its times, as the log tells; what was not done.
   void takeEnd(bool isNew) {
-    if (isNew && past_.log) end_ = past_.log(look_.record);
-    if (!end_) return;
+    const bool flashes = look_.status.command == job::kUpdateFW;
+    if (isNew && flashes && past_.log) end_ = past_.log(look_.record);
+    if (isNew && past_.shortfall) {
+      look_.shortfall = past_.shortfall(look_.record, end_.value_or(LogStretch()));
+    }
+    if (!flashes || !end_) return;
     look_.status = statusOf(look_.record, *end_);
     look_.times = timesOf(*end_).controllers;
+  }
+
+  // It may be mended, or come, while the job waits.
+  void takeStartFault() {
+    const bool isAlone = look_.status.hasNoWorker && look_.status.state == job::kWait;
+    look_.startFault = isAlone && past_.startFault ? past_.startFault(look_.record) : "";
   }
 
   void takeTimes(milliseconds now) {

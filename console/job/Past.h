@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "console/job/Clock.h"
@@ -22,6 +23,10 @@ struct Past {
   // The stretch of the log of a finished firmware job, for what its record does not tell; may be
   // empty.
   std::function<LogStretch(const platform::Value& record)> log = {};
+  // What a finished job with result 0 did not do, and why no worker is to be started for a waiting
+  // one; may be empty.
+  std::function<std::string(const platform::Value& record, const LogStretch& log)> shortfall = {};
+  std::function<std::string(const platform::Value& record)> startFault = {};
 };
 
 // Of a job that is submitted now.

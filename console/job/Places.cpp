@@ -26,29 +26,51 @@ const std::string& logPathOf(const Places& places) {
 
 namespace {
 
-// Whether the log shows what a job file that cannot be read does not.
-bool logShowsRecords(const Places& places) {
-  if (places.log.empty()) return false;
+// As the log shows them last; nothing where it is not at hand or shows none.
+Value loggedRecords(const Places& places) {
+  if (places.log.empty()) return {};
   try {
-    return lastRecordsIn(parseLog(readLogAt(places.log))).count() > 0;
+    return lastRecordsIn(parseLog(readLogAt(places.log)));
   } catch (const Failure&) {
-    return false;
+    return {};
   }
+}
+
+std::string wayTo(const Places& places) {
+  const char* replaced = places.sharedFolder.empty() ? " alone" : " in place of the folder";
+  return "give list, show, explain or report --log-file " + places.log + replaced;
 }
 
 Value recordsInJobFile(const Places& places) {
   try {
     return JobFile::at(places.jobFile).read();
   } catch (const Failure& failure) {
-    if (!logShowsRecords(places)) throw;
-    throw Failure(failure.exitCode(), std::string(failure.what()) +
-                                          ". The log shows its jobs: give list, show, explain or "
-                                          "report --log-file " +
-                                          places.log + " in place of the folder");
+    if (loggedRecords(places).count() == 0) throw;
+    throw Failure(failure.exitCode(),
+                  std::string(failure.what()) + ". The log shows its jobs: " + wayTo(places));
   }
 }
 
+// The last one that has the log id; nothing where none has.
+Value recordOf(const std::string& logId, const Value& records) {
+  for (std::size_t i = records.count(); i > 0; --i) {
+    const Value& record = records.at(i - 1);
+    if (record.isDictionary() && record.get(job::kLogId) == Value(logId)) return record;
+  }
+  return {};
+}
+
 }  // namespace
+
+std::string wayToLoggedJobs(const Places& places) {
+  if (places.jobFile.empty() || loggedRecords(places).count() == 0) return {};
+  return "the log shows jobs: " + wayTo(places);
+}
+
+std::string wayToLoggedJob(const Places& places, const std::string& logId) {
+  if (places.jobFile.empty() || recordOf(logId, loggedRecords(places)).isNothing()) return {};
+  return ". The log shows it: " + wayTo(places);
+}
 
 Value recordsAt(const Places& places) {
   if (!places.jobFile.empty()) return recordsInJobFile(places);
@@ -62,12 +84,10 @@ const std::string& sourceOfRecords(const Places& places) {
 }
 
 Value recordAt(const Places& places, const std::string& logId) {
-  const Value records = recordsAt(places);
-  for (std::size_t i = records.count(); i > 0; --i) {
-    const Value& record = records.at(i - 1);
-    if (record.isDictionary() && record.get(job::kLogId) == Value(logId)) return record;
-  }
-  throw Failure(kNotFound, "no job " + logId + " in " + sourceOfRecords(places));
+  Value record = recordOf(logId, recordsAt(places));
+  if (!record.isNothing()) return record;
+  throw Failure(kNotFound, "no job " + logId + " in " + sourceOfRecords(places) +
+                               wayToLoggedJob(places, logId));
 }
 
 bool lacksWorker(const std::string& logId, const Places& places) {
@@ -80,6 +100,9 @@ std::string notLookedAt(const Places& places) {
   if (places.log.empty()) text += "; the log is not at hand";
   if (places.jobFile.empty()) {
     text += "; the job file is not at hand: the records are as the log shows them last";
+  }
+  if (places.sharedFolder.empty()) {
+    text += "; what was kept of the worker's standard error is not at hand";
   }
   return text;
 }

@@ -34,6 +34,13 @@ const std::string& sourceOfRecords(const Places& places);
 // where there is none.
 platform::Value recordAt(const Places& places, const std::string& logId);
 
+// Where the job file is at hand and the log shows jobs, how these are looked at, behind what the
+// job file does not tell: "the log shows jobs: give list ..."; else empty.
+std::string wayToLoggedJobs(const Places& places);
+
+// The same of one job, as a sentence behind another one: ". The log shows it: give list ...".
+std::string wayToLoggedJob(const Places& places, const std::string& logId);
+
 // Whether no worker for the job is seen. Of a copy that is not known: false.
 bool lacksWorker(const std::string& logId, const Places& places);
 

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "console/job/JobStatus.h"
@@ -22,6 +23,8 @@ struct Look {
   std::chrono::milliseconds followed{0};                // since the following began
   std::optional<TimeLeft> left = std::nullopt;          // of a firmware job that runs
   std::vector<ControllerTimes> times = {};              // of a finished one
+  std::string shortfall = {};   // what a finished one with result 0 did not do
+  std::string startFault = {};  // why no worker is to be started for a waiting one without one
 };
 
 class View {

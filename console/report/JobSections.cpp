@@ -128,11 +128,10 @@ void takeInstallationFault(const std::string& fault, Explanation& told) {
 
 Explanation explanationOf(const ReportMatter& matter) {
   const Places& places = matter.subject.places;
-  JobCircumstances circumstances{.workerRuns = matter.workerRuns,
-                                 .log = matter.log,
-                                 .isCopy = places.isCopy,
-                                 .isFromLog = places.jobFile.empty()};
-  if (!matter.isFromLog) circumstances.jobFileFault = jobFileFaultAt(places);
+  JobCircumstances circumstances = circumstancesOf(places);
+  circumstances.workerRuns = matter.workerRuns;
+  circumstances.log = matter.log;
+  if (matter.isFromLog) circumstances.jobFileFault.clear();
   constexpr std::size_t kMostComplaints = 5;  // all have a section of their own
   const std::size_t complaints = std::min(matter.standardError.size(), kMostComplaints);
   for (std::size_t i = 0; i < complaints; ++i) {

@@ -49,6 +49,15 @@ void findRecordInLog(ReportMatter& matter) {
   matter.isFromLog = matter.hasJob();
 }
 
+// What the job file no longer holds, or held never, the log may show.
+void tellEmptyJobFile(ReportMatter& matter) {
+  const std::string& path = matter.subject.places.jobFile;
+  findRecordInLog(matter);
+  if (!matter.isFromLog) return;
+  matter.jobFileFault = path;
+  matter.jobFileFault += platform::exists(path) ? " holds no records" : " does not exist";
+}
+
 void readJobFile(ReportMatter& matter) {
   const ReportSubject& subject = matter.subject;
   try {
@@ -60,8 +69,10 @@ void readJobFile(ReportMatter& matter) {
     findRecordInLog(matter);
     return;
   }
+  if (!matter.hasJob() && matter.count == 0) tellEmptyJobFile(matter);
   if (matter.hasJob() || subject.logId.empty()) return;
-  throw Failure(kNotFound, "no job " + subject.logId + " in " + sourceOfRecords(subject.places));
+  throw Failure(kNotFound, "no job " + subject.logId + " in " + sourceOfRecords(subject.places) +
+                               wayToLoggedJob(subject.places, subject.logId));
 }
 
 void readJobsLog(ReportMatter& matter) {

@@ -172,6 +172,17 @@ TEST_F(ConsoleScreen, JsonIsPlainInATerminalToo) {
   EXPECT_EQ(platform::parseJson(output).get("log_id"), Value("18"));
 }
 
+TEST_F(ConsoleScreen, JsonTellsWhatTheResultDoesNot) {
+  folder.write(test::kJobFile, R"([{"log_id": "18", "job_id": "getOnlineUpdateData",
+      "state_id": "FREE", "result": 0, "resultStr": "no error"}])");
+  queried({80, 24, true});
+  EXPECT_EQ(exitStatus, 1);
+  shown({"watch", "--json", "--shared", "shared", "18"}, {80, 24, true});
+  EXPECT_EQ(exitStatus, 1);
+  EXPECT_THAT(output, HasSubstr(R"("console_status":{"shortfall":"the update engine left no )"
+                                R"(catalogue"})"));
+}
+
 // --- an interrupt
 
 TEST_F(ConsoleScreen, AnInterruptLeavesTheWorkerAlive) {

@@ -40,7 +40,8 @@ TEST_F(CatalogueChecks, AFolderThatHoldsOtherFilesIsAWarningOfAWaitingJob) {
   const auto folders = [this](const std::string& state) {
     return inShort(engineFolderFindings(
         platform::parseJson(R"([5, {"log_id": "1", "state_id": ")" + state +
-                            R"(", "input_parameters": {"folder": ")" + folder.path() + "\"}}]")));
+                            R"(", "input_parameters": {"folder": ")" + folder.path() + "\"}}]"),
+        "/shared/"));
   };
   EXPECT_THAT(folders("WAIT"), IsEmpty());
   folder.write("letter", "");
@@ -50,6 +51,15 @@ TEST_F(CatalogueChecks, AFolderThatHoldsOtherFilesIsAWarningOfAWaitingJob) {
   EXPECT_THAT(folders("RUN"), IsEmpty());
   folder.write("photo", "");
   EXPECT_THAT(folders("WAIT"), ::testing::ElementsAre(told + " and others"));
+}
+
+TEST_F(CatalogueChecks, TheConsolesOwnFolderMayHoldWhatAKilledEngineLeft) {
+  folder.write("tmp/EngineRunner/half", "");
+  const platform::Value records = platform::parseJson(
+      R"([{"log_id": "1", "state_id": "WAIT", "input_parameters": {"folder": ")" +
+      (folder / "tmp/EngineRunner") + "\"}}]");
+  EXPECT_THAT(engineFolderFindings(records, folder / ""), IsEmpty());
+  EXPECT_EQ(engineFolderFindings(records, "/elsewhere/").size(), 1U);
 }
 
 TEST_F(CatalogueChecks, AFileOrNoneIsFine) {

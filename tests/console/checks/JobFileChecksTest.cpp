@@ -8,6 +8,7 @@
 
 #include "console/checks/JobFileChecks.h"
 #include "tests/console/checks/FindingTexts.h"
+#include "tests/console/explain/LogOfFlashes.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TempFolder.h"
 
@@ -40,6 +41,20 @@ TEST_F(JobFileChecks, AListOfRecordsIsFine) { EXPECT_THAT(found(), IsEmpty()); }
 TEST_F(JobFileChecks, BeforeTheFirstJobThereIsNoFile) {
   fs::remove(path);
   EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(JobFileChecks, AFileThatIsGoneThoughTheLogShowsJobsIsAWarning) {
+  const Places places = {.jobFile = path, .log = folder / "log"};
+  const auto lost = [&places] { return inShort(lostJobFileFindings(places)); };
+  fs::remove(path);
+  EXPECT_THAT(lost(), IsEmpty());
+  folder.write("log", test::writtenLine("17", "A1", 50));
+  EXPECT_THAT(lost(),
+              ElementsAre("warning: " + path + " does not exist, though the log shows jobs"));
+  EXPECT_THAT(lostJobFileFindings(places)[0].advice,
+              ::testing::HasSubstr("report --log-file " + (folder / "log")));
+  folder.write("jobs/file", "[]");
+  EXPECT_THAT(lost(), IsEmpty());
 }
 
 TEST_F(JobFileChecks, MissingFolderIsAWarningAsNoJobWasEverAdded) {

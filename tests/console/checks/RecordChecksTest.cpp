@@ -236,23 +236,38 @@ TEST(RecordChecks, OfACopyOnlyAPathThatIsEmptyIsAFault) {
 
 TEST(RecordChecks, RunningJobWithoutAWorkerIsAWarning) {
   const std::string rest = R"(", "job_id": "updateSW", "state_id": "RUN", "input_parameters": {}})";
-  EXPECT_EQ(findings(R"([{"log_id": "1)" + rest + R"(, {"log_id": "run)" + rest + "]"),
-            (Findings{{Code::jobNoWorker, Severity::warning,
-                       "F: job 1 is in state RUN, and no worker for it is seen",
-                       "Its worker was killed, or gave up with an error line in the log. Nothing "
-                       "takes the job up.",
-                       "See \"explain 1\" for the job; then add it anew under another log_id.", "F",
-                       "1"}}));
+  EXPECT_EQ(
+      findings(R"([{"log_id": "1)" + rest + R"(, {"log_id": "run)" + rest + "]"),
+      (Findings{{Code::jobNoWorker, Severity::warning,
+                 "F: job 1 is in state RUN, and no worker for it is seen",
+                 "Its worker was killed, or gave up with an error line in the log. Nothing "
+                 "takes the job up.",
+                 "See \"kelvane-console explain 1\" for the job; then add it anew under another "
+                 "log_id.",
+                 "F", "1"}}));
+}
+
+TEST(RecordChecks, WhatIsToBeTypedHasTheSharedFolder) {
+  const platform::Value records = parseJson(
+      R"([{"log_id": "1", "job_id": "updateSW", "state_id": "RUN", "input_parameters": {}}])");
+  const Findings all = recordFindings(
+      "/s/utility/command/BGPLog.json", records, [](const std::string&) { return false; },
+      [](const platform::Value&) { return LogStretch(); });
+  ASSERT_EQ(all.size(), 1U);
+  EXPECT_EQ(all[0].advice.rfind("See \"kelvane-console explain --shared /s/ 1\" for the job", 0),
+            0U)
+      << all[0].advice;
 }
 
 TEST(RecordChecks, AbandonedFirmwareJobTellsOfTheBridgesNvram) {
   const Findings all = findings(R"([{"log_id": "1", "job_id": "updateFW", "state_id": "RUN",
                                      "input_parameters": []}])");
   ASSERT_EQ(all.size(), 1U);
-  EXPECT_EQ(all[0].advice,
-            "See \"explain 1\" for the job; then add it anew under another log_id. A bridge that "
-            "was flashed before its NVRAM was written does not get it then: the versions are "
-            "equal.");
+  EXPECT_EQ(
+      all[0].advice,
+      "See \"kelvane-console explain 1\" for the job; then add it anew under another log_id. A "
+      "bridge that was flashed before its NVRAM was written does not get it then: the "
+      "versions are equal.");
 }
 
 TEST(RecordChecks, FinishedJobWithoutAResultLostItsFirstWrite) {

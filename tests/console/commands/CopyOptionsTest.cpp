@@ -63,7 +63,8 @@ TEST_F(CopyOptionsTest, AFileThatWasMailedStandsAlone) {
   EXPECT_EQ(places().sharedFolder, "");
   EXPECT_TRUE(places().isCopy);
   EXPECT_EQ(notLookedAt(places()),
-            "this is a copy: whether a worker runs was not looked at; the log is not at hand");
+            "this is a copy: whether a worker runs was not looked at; the log is not at hand; what "
+            "was kept of the worker's standard error is not at hand");
 }
 
 TEST_F(CopyOptionsTest, AFileGoesBeforeTheSharedFolderOfTheEnvironment) {

@@ -8,6 +8,7 @@
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "tests/console/ConsoleWorld.h"
+#include "tests/console/explain/LogOfFlashes.h"
 #include "tests/console/job/LogLines.h"
 
 namespace kelvane::console {
@@ -78,6 +79,19 @@ TEST_F(Explain, ANumberThatIsNoJobEitherSaysSo) {
   EXPECT_EQ(run("18"), kNotFound);
   EXPECT_NE(shown.str().find("note       No job of the job file has this log id.\n"),
             std::string::npos);
+}
+
+TEST_F(Explain, ALogIdThatTheLogAloneShowsIsNoCode) {
+  options.sharedFolder = folder / "shared";
+  folder.write(test::kJobFile, "[]");
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", test::writtenLine("3", "A1", 50));
+  EXPECT_EQ(run("3"), kNotFound);
+  EXPECT_EQ(shown.str(), "");
+  EXPECT_NE(messages.str().find(". The log shows it: give list, show, explain or report "),
+            std::string::npos)
+      << messages.str();
+  EXPECT_EQ(run("0x0003"), kNotFound);
+  EXPECT_EQ(shown.str().find("The log shows it"), std::string::npos);
 }
 
 TEST_F(Explain, AStatusByItsName) {

@@ -66,7 +66,9 @@ TEST_F(Jobs, ListAndShowOfAJobFileAlone) {
             "command updateFW\n"
             "Controller  Phase  CPLD  Firmware  Total\n"
             "A1          CPLD    50%        0%    25%\n" +
-                std::string(kNotLooked) + "; the log is not at hand\n");
+                std::string(kNotLooked) +
+                "; the log is not at hand; what was kept of the worker's standard error is not at "
+                "hand\n");
 }
 
 // With the job file as a worker wrote it last.
@@ -83,9 +85,10 @@ TEST_F(Jobs, ALogAloneShowsTheRecordsThatAreInIt) {
                              "     2  updateFW             RUN            A1 at 25% (CPLD)\n"),
             std::string::npos)
       << shown.str();
-  EXPECT_TRUE(shown.str().ends_with(kNotLooked + std::string("; the job file is not at hand: the "
-                                                             "records are as the log shows them "
-                                                             "last\n")));
+  EXPECT_TRUE(shown.str().ends_with(
+      kNotLooked +
+      std::string("; the job file is not at hand: the records are as the log shows them last; what "
+                  "was kept of the worker's standard error is not at hand\n")));
   EXPECT_EQ(runHere(show, {"", "2", {.logFile = file}}), kSuccess);
   EXPECT_EQ(runHere(show, {"", "9", {.logFile = file}}), kNotFound);
   EXPECT_EQ(messages.str(), "kelvane-console: no job 9 in " + file + "\n");
@@ -234,7 +237,8 @@ TEST_F(Jobs, WatchOfARunningJobWithoutAWorkerTellsThatItDied) {
   EXPECT_EQ(messages.str(),
             "kelvane-console: no worker is seen any more, and left job 2 unfinished in state RUN: "
             "nobody goes on with it. Leave the enclosures powered for some minutes, as a flash may "
-            "still be going on in a controller; then \"kelvane-console retry 2\" adds it anew\n");
+            "still be going on in a controller; then \"kelvane-console retry --shared " +
+                (folder / "shared/") + " 2\" adds it anew\n");
 }
 
 // A job that flashed one controller, failed at the next and did not start the third.
@@ -311,6 +315,34 @@ TEST_F(Jobs, OfADamagedFileTheLogIsNamedWhereItShowsTheJobs) {
   folder.write("shared/utility/logs/TarselVistrelUtility.txt", test::writtenLine("1", "A1", 50));
   EXPECT_EQ(runShow("1"), kJobFileFailed);
   EXPECT_NE(messages.str().find("--log-file " + log), std::string::npos);
+}
+
+TEST_F(Jobs, WhereTheJobFileHoldsNothingTheLogIsNamed) {
+  const std::string log = folder.write("shared/utility/logs/TarselVistrelUtility.txt",
+                                       test::writtenLine("3", "A1", 50));
+  const std::string way =
+      "give list, show, explain or report --log-file " + log + " in place of the folder";
+  folder.write(test::kJobFile, "[]");
+  EXPECT_EQ(runList(), kSuccess);
+  EXPECT_EQ(shown.str(),
+            "no jobs in " + (folder / test::kJobFile) + "; the log shows jobs: " + way + "\n");
+  std::filesystem::remove(folder / test::kJobFile);
+  EXPECT_EQ(runShow("3"), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: no job 3 in " + (folder / test::kJobFile) +
+                                ". The log shows it: " + way + "\n");
+  messages.str("");
+  EXPECT_EQ(runShow("4"), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: no job 4 in " + (folder / test::kJobFile) + "\n");
+}
+
+TEST_F(Jobs, WhereNothingOfFilesAloneHasFailedItIsSaidWhatWasNotAtHand) {
+  const std::string file =
+      folder.write("mail/jobs.json", R"([{"log_id": "1", "state_id": "FREE", "result": 0}])");
+  const CopyOptions files = {.jobFile = file};
+  EXPECT_EQ(runHere(list, {.sharedFolder = "", .failed = true, .copy = files}), kSuccess);
+  EXPECT_EQ(shown.str(), "no failed jobs\n" + std::string(kNotLooked) +
+                             "; the log is not at hand; what was kept of the worker's standard "
+                             "error is not at hand\n");
 }
 
 }  // namespace

@@ -48,8 +48,9 @@ TEST_F(Query, WorkerThatDiesInRun) {
   EXPECT_EQ(run(), kWorkerFailed);
   EXPECT_NE(
       messages.str().find(
-          "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain\" tells "
-          "what the log says; \"kelvane-console retry 1\" adds it anew\n"),
+          "unfinished in state RUN: nobody goes on with it. \"kelvane-console explain --shared " +
+          (folder / "shared/") + " 1\" tells what the log says; \"kelvane-console retry --shared " +
+          (folder / "shared/") + " 1\" adds it anew\n"),
       std::string::npos)
       << messages.str();
 }

@@ -207,8 +207,39 @@ TEST_F(Report, OfADamagedJobFileTheJobIsToldAsTheLogShowsIt) {
   options.logId = "17";
   EXPECT_EQ(run(), kSuccess);
   EXPECT_THAT(shown.str(), AllOf(HasSubstr("report of job 17: "),
-                                 HasSubstr(": the job is told as the log shows it\n")));
+                                 HasSubstr(". The job is told as the log shows it\n")));
   EXPECT_THAT(written(), HasSubstr("<h1>Report of job 17</h1>"));
+}
+
+TEST_F(Report, OfAJobFileThatIsMissingOrEmptyTheJobIsToldAsTheLogShowsIt) {
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", test::writtenLine("17", "A1", 50));
+  folder.write(test::kJobFile, "[]");
+  options.logId = "17";
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_THAT(shown.str(), HasSubstr("BGPLog.json holds no records. The job is told as the log "
+                                     "shows it\n"));
+  std::filesystem::remove(folder / test::kJobFile);
+  shown.str("");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_THAT(shown.str(), HasSubstr("BGPLog.json does not exist. The job is told"));
+  EXPECT_THAT(written(), AllOf(HasSubstr("job-file-lost"), Not(HasSubstr("No findings"))));
+}
+
+TEST_F(Report, OfAJobThatTheLogAloneShowsTheWayToItIsTold) {
+  folder.write("shared/utility/logs/TarselVistrelUtility.txt", test::writtenLine("9", "A1", 50));
+  options.logId = "9";
+  EXPECT_EQ(run(), kNotFound);
+  EXPECT_THAT(messages.str(), HasSubstr(". The log shows it: give list, show, explain or report "
+                                        "--log-file "));
+}
+
+// What check calls a fault is not advised to be done.
+TEST_F(Report, AdvisesNoStartOfAJobWhoseImageIsMissing) {
+  folder.write(test::kJobFile, R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
+      "input_parameters": [{"wwn": "A1", "file_path": "/no.img"}]}])");
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_THAT(written(), AllOf(HasSubstr("Start no worker for it."),
+                               Not(HasSubstr("Start the worker with this log_id"))));
 }
 
 }  // namespace

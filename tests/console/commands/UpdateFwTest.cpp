@@ -87,8 +87,8 @@ TEST_F(UpdateFw, WorkerThatDiesInWait) {
   EXPECT_EQ(messages.str(),
             "kelvane-console: the worker ended (exit status 0), and left job 1 unfinished in state "
             "WAIT: whether it was begun is not known, as there is no log. \"kelvane-console "
-            "check\" tells what may be in the way; then \"kelvane-console retry 1\" runs it: its "
-            "record is still waiting\n");
+            "check\" tells what may be in the way; then \"kelvane-console retry --shared " +
+                (folder / "shared/") + " 1\" runs it: its record is still waiting\n");
   EXPECT_EQ(shown.str().find("no worker"), std::string::npos) << shown.str();
 }
 
@@ -98,7 +98,8 @@ TEST_F(UpdateFw, WorkerThatDiesWhileAControllerMayBeFlashed) {
   EXPECT_NE(messages.str().find(
                 "unfinished in state RUN: nobody goes on with it. Leave the enclosures powered for "
                 "some minutes, as a flash may still be going on in a controller; then "
-                "\"kelvane-console retry 1\" adds it anew\n"),
+                "\"kelvane-console retry --shared " +
+                (folder / "shared/") + " 1\" adds it anew\n"),
             std::string::npos)
       << messages.str();
 }

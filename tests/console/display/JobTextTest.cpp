@@ -29,14 +29,24 @@ TEST(ResultLine, TellsThatThereIsNoResult) {
 }
 
 TEST(JobLine, SaysThatThereIsNoWorker) {
-  JobStatus status = {"18", "WAIT", {}, "", ""};
-  EXPECT_EQ(noWorkerText(status), "");
-  markWithoutWorker(status);
-  EXPECT_EQ(jobLine(status, Charset::ascii), "job 18: waiting, no worker");
-  EXPECT_EQ(noWorkerText(status),
+  Look look = {{}, {"18", "WAIT", {}, "", ""}};
+  EXPECT_EQ(noWorkerText(look, Charset::ascii), "");
+  markWithoutWorker(look.status);
+  EXPECT_EQ(jobLine(look.status, Charset::ascii), "job 18: waiting, no worker");
+  EXPECT_EQ(noWorkerText(look, Charset::ascii),
             "no worker is seen; the job goes on when one is started with its log id");
-  status.state = "RUN";
-  EXPECT_EQ(noWorkerText(status), "");
+  look.status.state = "RUN";
+  EXPECT_EQ(noWorkerText(look, Charset::ascii), "");
+}
+
+TEST(JobLine, SaysThatNoWorkerShouldBeStarted) {
+  Look look = {{}, {"18", "WAIT", {}, "", ""}};
+  look.startFault = "its package, /\x1b, does not exist";
+  EXPECT_EQ(noWorkerText(look, Charset::ascii), "");
+  markWithoutWorker(look.status);
+  EXPECT_EQ(noWorkerText(look, Charset::ascii),
+            "no worker is seen, and none should be started for the job: its package, /?, does not "
+            "exist");
 }
 
 TEST(ProgressText, CountsAndNames) {

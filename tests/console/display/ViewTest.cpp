@@ -149,6 +149,32 @@ TEST(JsonView, OneLineForEachChangeOfTheRecord) {
   EXPECT_EQ(out.str(), "{\"log_id\":\"1\\n8\",\"n\":0.10}\n{}\n");
 }
 
+TEST(JsonView, TheLastObjectTellsWhatTheResultDoesNot) {
+  std::ostringstream out;
+  JsonView view(out);
+  Look look = {platform::parseJson(R"({"log_id": "18"})"), finished("0", "no error")};
+  look.status.command = "updateFW";
+  look.shortfall = "the CPLD of A was not flashed";
+  view.show(look);
+  EXPECT_EQ(platform::printJsonLine(platform::parseJson(out.str()).get("console_status")),
+            R"({"controllers":[{"wwn":"5000A1B2C3D4E5F6","standing":"done","cpld_percentage":100,)"
+            R"("fw_percentage":100,"total_percentage":100}],)"
+            R"("shortfall":"the CPLD of A was not flashed"})");
+}
+
+TEST(JsonView, ThatNoWorkerIsSeenIsALineOfItsOwn) {
+  std::ostringstream out;
+  JsonView view(out);
+  Look look = {platform::parseJson(R"({"log_id": "18"})"), {"18", "RUN", {}, "", ""}};
+  view.show(look);
+  markWithoutWorker(look.status);
+  view.show(look);
+  view.show(look);
+  EXPECT_EQ(out.str(),
+            "{\"log_id\":\"18\"}\n"
+            "{\"log_id\":\"18\",\"console_status\":{\"no_worker\":true}}\n");
+}
+
 class TerminalViewTest : public ::testing::Test {
  protected:
   std::string shownFor(const JobStatus& status) {

@@ -61,7 +61,24 @@ TEST(FinishedInstallation, SaysThatThePackageIsNotThere) {
   EXPECT_THAT(missing.meaning, HasSubstr("its package, /no/Manager.app, does not exist. Unless"));
   EXPECT_EQ(missing.tryAgain, "not as it is");
   const Explanation empty = explainJob(installation(""), {.isCopy = true});
-  EXPECT_THAT(empty.meaning, HasSubstr("the path of its package is empty."));
+  EXPECT_THAT(empty.meaning, EndsWith("the path of its package is empty. The application was "
+                                      "removed, and none put in its place."));
+}
+
+TEST(FinishedInstallation, OfWhatIsNoApplicationPutsThatInItsPlace) {
+  const Explanation found = explainJob(installation("/etc"), {});
+  EXPECT_THAT(found.meaning, EndsWith("it has no folder Contents. Unless another one stood there "
+                                      "then, the application was removed, and this put in its "
+                                      "place."));
+  EXPECT_TRUE(found.fellShort);
+}
+
+TEST(FinishedInstallation, SaysThatNoApplicationStandsThere) {
+  const Explanation found =
+      explainJob(installation("/no/New.app"), {.missingApplication = "/no/Manager.app"});
+  EXPECT_THAT(found.meaning, EndsWith("No application stands at /no/Manager.app: it was removed, "
+                                      "and none put in its place."));
+  EXPECT_TRUE(found.fellShort);
 }
 
 // --- faulty records

@@ -5,6 +5,7 @@
 #include "console/explain/JobExplanation.h"
 #include "platform/Json.h"
 #include "tests/console/explain/LogOfFlashes.h"
+#include "tests/support/TempFolder.h"
 
 namespace kelvane::console {
 namespace {
@@ -365,11 +366,81 @@ TEST(JobExplanation, AnInstallationWithoutAnApplicationIsNotToBeStarted) {
     const Explanation found =
         explained("updateSW", R"("state_id": "WAIT", "input_parameters": {"file_path": ")" +
                                   std::string(path) + "\"}");
-    EXPECT_EQ(found.meaning.rfind("It would remove the application and put none in its place: ", 0),
+    const bool isThere = std::string(path) == "/tmp";
+    EXPECT_EQ(found.meaning.rfind(std::string("It would remove the application and put ") +
+                                      (isThere ? "what is none" : "none") + " in its place: ",
+                                  0),
               0U);
     EXPECT_EQ(found.advice.rfind("Start no worker for it.", 0), 0U);
     EXPECT_EQ(found.tryAgain, "not as it is");
   }
+}
+
+TEST(JobExplanation, AFirmwareJobWithoutItsImageIsNotToBeStarted) {
+  const auto waitingWith = [](const std::string& path, const JobCircumstances& circumstances = {}) {
+    return explained("updateFW",
+                     R"("state_id": "WAIT", "input_parameters": [
+                       {"wwn": "A", "file_path": "/etc/passwd"}, {"wwn": "B", "file_path": ")" +
+                         path + "\"}]",
+                     circumstances);
+  };
+  const Explanation missing = waitingWith("/no.img", {.sharedFolder = "/s/"});
+  EXPECT_EQ(missing.meaning,
+            "It would fail: the image of input_parameters[1], /no.img, does not exist. The "
+            "controllers before it would be flashed, those after it not started.");
+  EXPECT_EQ(
+      missing.advice,
+      "Start no worker for it. Remove the record (\"kelvane-console remove --shared /s/ 17\"), "
+      "and add the job anew with the absolute path of an image that can be read.");
+  EXPECT_EQ(missing.tryAgain, "once the image is there");
+  const Explanation empty = waitingWith("");
+  EXPECT_EQ(empty.meaning.rfind("It would fail: the path of the image of input_parameters[1] is "
+                                "empty.",
+                                0),
+            0U)
+      << empty.meaning;
+  EXPECT_EQ(empty.tryAgain, "not as it is");
+  EXPECT_EQ(waitingWith("a.img").tryAgain, "not as it is");
+  EXPECT_EQ(waitingWith("/etc/passwd").tryAgain, "yes");
+  JobCircumstances copy = copied();
+  EXPECT_EQ(waitingWith("/no.img", copy).subject, "job 17 (updateFW): waiting when it was copied");
+  EXPECT_EQ(waitingWith("", copy).tryAgain, "not as it is");
+}
+
+TEST(JobExplanation, AQueryThatWouldTakeSomebodysFilesIsNotToBeStarted) {
+  const test::TempFolder folder;
+  folder.write("letter", "");
+  const std::string rest = R"("state_id": "WAIT", "input_parameters":
+      {"productid": "p", "version": "1", "url": "u", "folder": ")" +
+                           folder.path() + "\"}";
+  const Explanation found = explained("getOnlineUpdateData", rest);
+  EXPECT_EQ(found.meaning.rfind("It would take files that are not its own: the update engine's "
+                                "folder " +
+                                    folder.path() + " is not empty: it holds letter. When",
+                                0),
+            0U)
+      << found.meaning;
+  EXPECT_EQ(found.advice.rfind("Start no worker for it.", 0), 0U);
+  EXPECT_EQ(found.tryAgain, "not as it is");
+  EXPECT_EQ(explained("getOnlineUpdateData", rest, copied()).tryAgain, "only where no worker runs");
+}
+
+TEST(JobExplanation, OfFilesAloneStandardErrorIsNotSaidToBeSilent) {
+  JobCircumstances files = copied();
+  files.lacksStandardError = true;
+  const Explanation installation = explained(
+      "updateSW", R"("state_id": "FREE", "result": 0, "input_parameters": {"file_path": "/a"})",
+      files);
+  EXPECT_NE(installation.advice.find("ask for utility/logs/standard-error-17.txt."),
+            std::string::npos);
+  EXPECT_NE(installation.note.find("What was kept of the worker's standard error is not at hand."),
+            std::string::npos);
+  const Explanation download = explained("downloadOnlineUpdateFile",
+                                         R"("state_id": "FREE", "result": 259, "input_parameters":
+      [{"productid": "p"}], "output": [{"productid": "p"}])",
+                                         files);
+  EXPECT_NE(download.details.back().find("and what was kept of that is not at hand"),
+            std::string::npos);
 }
 
 TEST(JobExplanation, AWorkerThatGaveUpAtAFaultyRecordWouldGiveUpAgain) {

@@ -17,11 +17,27 @@ Value doneWith(const std::string& command, const std::string& more = "", int res
 }
 
 TEST(Shortfall, OfAnInstallationIsTheFirstComplaintOfTheTools) {
-  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {"x", "rm: cannot remove '/a'", "cp: b"}),
+  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {{"x", "rm: cannot remove '/a'", "cp: b"}}),
             "the system's tools complained: rm: cannot remove '/a'");
   EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {}), "");
   EXPECT_EQ(shortfallOf(doneWith("updateSW", R"(, "input_parameters": {"file_path": ""})"), {}, {}),
             "the path of its package is empty");
+}
+
+TEST(Shortfall, OfAnInstallationIsWhatIsNoApplication) {
+  const Value etc = doneWith("updateSW", R"(, "input_parameters": {"file_path": "/etc"})");
+  EXPECT_EQ(shortfallOf(etc, {}, {}),
+            "its package, /etc, is no application bundle: it has no folder Contents");
+  EXPECT_EQ(shortfallOf(etc, {}, {.isCopy = true}), "");
+}
+
+// The package may have gone since.
+TEST(Shortfall, OfAMissingPackageIsOneOnlyWhereTheApplicationIsMissingToo) {
+  const Value gone = doneWith("updateSW", R"(, "input_parameters": {"file_path": "/no/New.app"})");
+  EXPECT_EQ(shortfallOf(gone, {}, {}), "");
+  EXPECT_EQ(shortfallOf(gone, {}, {.missingApplication = "/no/Manager.app"}),
+            "its package, /no/New.app, does not exist, and no application stands at "
+            "/no/Manager.app");
 }
 
 TEST(Shortfall, OfAQueryIsTheMissingCatalogue) {
@@ -42,7 +58,7 @@ TEST(Shortfall, OfAFirmwareJobIsACpldThatWasNotFlashed) {
 }
 
 TEST(Shortfall, OfAJobThatFailedThereIsNone) {
-  EXPECT_EQ(shortfallOf(doneWith("updateSW", "", 5), {}, {"cp: a"}), "");
+  EXPECT_EQ(shortfallOf(doneWith("updateSW", "", 5), {}, {{"cp: a"}}), "");
 }
 
 }  // namespace

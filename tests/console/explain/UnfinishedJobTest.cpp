@@ -70,7 +70,7 @@ TEST(UnwrittenJob, TellsHowManyControllersTheLogSawFlashed) {
 TEST(UnfinishedJob, AWaitingJobThatFlashedIsNotSaidNotToBeBegun) {
   const Value record = waiting("updateFW");
   const std::string advice =
-      adviceForUnfinished(record, stretchWith(record, controllerLines("/a") + flashedLines()));
+      adviceForUnfinished(record, stretchWith(record, controllerLines("/a") + flashedLines()), "");
   EXPECT_EQ(advice,
             "a worker took it and could not write what became of it: the flash may have been done, "
             "by the log of 1 controller. The log last saw \"14:03:07 updateFW: Flash Completed.\". "
@@ -79,16 +79,26 @@ TEST(UnfinishedJob, AWaitingJobThatFlashedIsNotSaidNotToBeBegun) {
 }
 
 TEST(UnfinishedJob, AJobThatWaitsIsRunAgainAndNotSubmittedOnceMore) {
-  EXPECT_EQ(adviceForUnfinished(waiting("updateFW"), {}),
+  EXPECT_EQ(adviceForUnfinished(waiting("updateFW"), {}, ""),
             "it was not begun. \"kelvane-console check\" tells what may be in the way; then "
             "\"kelvane-console retry 17\" runs it: its record is still waiting");
 }
 
+TEST(UnfinishedJob, WhatIsToBeTypedHasTheSharedFolder) {
+  EXPECT_THAT(adviceForUnfinished(waiting("updateFW"), {}, "/a b/"),
+              HasSubstr("\"kelvane-console retry --shared '/a b/' 17\" runs it"));
+  const Value left = platform::parseJson(R"({"log_id": "17", "job_id": "x", "state_id": "RUN"})");
+  EXPECT_EQ(
+      adviceForUnfinished(left, {}, "/s/"),
+      "nobody goes on with it. \"kelvane-console explain --shared /s/ 17\" tells what the log "
+      "says; \"kelvane-console retry --shared /s/ 17\" adds it anew");
+}
+
 TEST(UnfinishedJob, WithoutALogItIsNotSaidThatItWasNotBegun) {
-  EXPECT_THAT(adviceForUnfinished(waiting("updateFW"), {}), HasSubstr("it was not begun. "));
+  EXPECT_THAT(adviceForUnfinished(waiting("updateFW"), {}, ""), HasSubstr("it was not begun. "));
   LogStretch none;
   none.absence = "there is no log";
-  EXPECT_THAT(adviceForUnfinished(waiting("updateFW"), none),
+  EXPECT_THAT(adviceForUnfinished(waiting("updateFW"), none, ""),
               HasSubstr("whether it was begun is not known, as there is no log. "));
 }
 
