@@ -34,7 +34,7 @@ std::string shortfallOfFirmware(const Value& record, const LogStretch& log) {
 
 // A package that is not there now may have been there then.
 std::string shortfallOfInstallation(const Value& record, const InstallationTraces& traces) {
-  const std::string fault = packageFaultOf(record, traces.isCopy);
+  std::string fault = packageFaultOf(record, traces.isCopy);
   const bool isEmpty = memberOf(record.get(job::kInputParameters), job::kFilePath) == Value("");
   const bool isSure = isEmpty || (!traces.isCopy && hasPackage(record));
   if (isSure && !fault.empty()) return fault;

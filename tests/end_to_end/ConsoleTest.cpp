@@ -183,6 +183,12 @@ TEST_F(ConsoleScreen, JsonTellsWhatTheResultDoesNot) {
                                 R"(catalogue"})"));
 }
 
+TEST_F(ConsoleScreen, JsonTellsThatNoWorkerIsSeen) {
+  shown({"watch", "--json", "--shared", "shared", "17"}, {80, 24, true});
+  EXPECT_EQ(exitStatus, 3);
+  EXPECT_THAT(output, HasSubstr(R"("console_status":{"no_worker":true,)"));
+}
+
 // --- an interrupt
 
 TEST_F(ConsoleScreen, AnInterruptLeavesTheWorkerAlive) {
