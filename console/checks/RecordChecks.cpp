@@ -9,6 +9,7 @@
 #include "console/application/Application.h"
 #include "console/checks/ImageChecks.h"
 #include "console/display/ShellQuoting.h"
+#include "console/job/JobStatus.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
 #include "contract/Paths.h"
@@ -171,7 +172,7 @@ class Records {
     } else {
       ++counts_[logId.string()];
       job_ = logId.string();
-      takeJob(record, path_ + ": job " + logId.string());
+      takeJob(record, path_ + ": " + jobName(logId.string()));
     }
   }
 
@@ -180,7 +181,8 @@ class Records {
       if (count == 1) continue;
       job_ = logId;
       add(Code::logIdTwice, Severity::warning,
-          path_ + ": " + std::to_string(count) + " jobs have the log_id " + logId,
+          path_ + ": " + std::to_string(count) + " jobs have the log_id " +
+              (logId.empty() ? "\"\"" : logId),
           "What the worker writes of one goes into all of them: the earlier ones lose their "
           "command and their result.",
           "Use each log_id once. Remove the records of finished jobs that share it.");
@@ -268,8 +270,10 @@ class Records {
       const std::string fault = imageFault(image);
       if (fault.empty()) continue;
       std::string what = job;
-      what.append(": the image of ").append(job::kInputParameters).append(inBrackets(i));
-      add(Code::imageUnusable, Severity::error, what.append(", ").append(image).append(",") + fault,
+      what.append(image.empty() ? ": the path of the image of " : ": the image of ");
+      what.append(job::kInputParameters).append(inBrackets(i));
+      if (!image.empty()) what.append(", ").append(image).append(",");
+      add(Code::imageUnusable, Severity::error, what + fault,
           "The controllers before it are flashed. At this entry the job fails, and later ones are "
           "not started.",
           "Put the image there, or add the job anew with the absolute path of one that is.");

@@ -18,6 +18,7 @@
 #include "console/explain/JobExplanation.h"
 #include "console/explain/ResultCodes.h"
 #include "console/job/ExitCode.h"
+#include "console/job/JobStatus.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "platform/Value.h"
@@ -117,7 +118,7 @@ Explanations codeExplanations(std::int64_t code, const ExplainOptions& options) 
     throw Failure(kNotFound, "\"" + options.subject +
                                  "\" is no result code; for a log id name the shared folder");
   }
-  throw Failure(kNotFound, "no job " + options.subject + " in " +
+  throw Failure(kNotFound, "no " + jobName(options.subject) + " in " +
                                sourceOfRecords(placesOf(options)) + ", and it is no result code" +
                                wayToJob(options));
 }

@@ -7,6 +7,7 @@
 #include "console/display/JobText.h"
 #include "console/display/StatusForMachines.h"
 #include "console/explain/Shortfall.h"
+#include "console/job/JobTimes.h"
 #include "console/job/Processes.h"
 #include "console/job/UnwrittenJob.h"
 #include "contract/JobFile.h"
@@ -56,15 +57,10 @@ std::string logIdText(const Value& record) {
 
 bool hasStart(const ListedJob& listed) { return listed.log.history.has_value(); }
 
-// What another worker wrote may be behind the job's end, where that is not told.
-bool hasLength(const ListedJob& listed) {
-  return hasStart(listed) && (listed.log.hasEnded || !listed.log.isMixed);
-}
-
 // "2:05"; "2:05+" of a job that was not finished then.
 std::string lengthText(const ListedJob& listed) {
-  if (!hasLength(listed)) return {};
-  return timeText(listed.log.history->length) + (listed.status.isFinished() ? "" : "+");
+  const auto length = lengthInLog(listed.log);
+  return length ? timeText(*length) + (listed.status.isFinished() ? "" : "+") : "";
 }
 
 // Log id, command and state.
@@ -142,7 +138,10 @@ Value forMachines(const ListedJob& job) {
 
   Value told = Value::dictionary();
   if (hasStart(job)) told.set(listed::kStart, job.log.history->start);
-  if (hasLength(job)) told.set(listed::kSeconds, Value::integer(job.log.history->length.count()));
+  if (const auto length = lengthInLog(job.log)) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*length);
+    told.set(listed::kSeconds, Value::integer(seconds.count()));
+  }
   if (mayBeDone(job)) told.set(listed::kMayBeDone, Value::boolean(true));
   Value record = job.record;
   if (!told.entries().empty()) record.set(listed::kToldByLog, told);

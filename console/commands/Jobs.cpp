@@ -1,5 +1,6 @@
 #include "console/commands/Jobs.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -18,6 +19,7 @@
 #include "console/display/Table.h"
 #include "console/display/TimeText.h"
 #include "console/explain/FlashNotes.h"
+#include "console/explain/JobExplanation.h"
 #include "console/explain/StartFault.h"
 #include "console/explain/UnfinishedJob.h"
 #include "console/job/ExitCode.h"
@@ -53,6 +55,18 @@ Table controllersOf(const JobStatus& status) {
 void tellWhatWasNotLookedAt(const Places& places, const Screen& screen) {
   const std::string text = notLookedAt(places);
   if (!text.empty()) showLines({text}, screen);
+}
+
+bool isUnfinished(const ListedJob& job) {
+  return job.record.isDictionary() && !job.status.isFinished();
+}
+
+// Where one of the jobs is not finished: why nothing can be written of it.
+void tellOfJobFile(const JobList& jobs, const Places& places, const Screen& screen) {
+  if (std::none_of(jobs.begin(), jobs.end(), isUnfinished)) return;
+  if (const std::string fault = jobFileFaultAt(places); !fault.empty()) {
+    showLines({"no job can be updated: " + fault}, screen);
+  }
 }
 
 // Of a waiting job, that a worker had taken it already.
@@ -91,6 +105,7 @@ void showJob(const ListedJob& job, const Places& places, const Screen& screen) {
   showTimes(timesOf(job.log), screen);
   showLines(flashNotes(job.record, job.log), screen);
   showPackages(job.record, screen, places.isCopy);
+  tellOfJobFile({job}, places, screen);
   tellWhatWasNotLookedAt(places, screen);
 }
 
@@ -103,9 +118,10 @@ void requireOpen(const std::string& logId, const std::string& sharedFolder, cons
                                    adviceForUnfinished(record, log, sharedFolder));
 }
 
-// Of a waiting job that a worker would take; else empty.
+// Of a waiting job that a worker would take, and of any that it could not update; else empty.
 std::string whyNotToStart(const Value& record, const std::string& sharedFolder) {
-  if (!whyNotStarted(record).empty()) return {};
+  std::string fileFault = jobFileFaultAt(placesIn(sharedFolder));
+  if (!fileFault.empty() || !whyNotStarted(record).empty()) return fileFault;
   const std::optional<StartFault> fault = startFaultOf(record, sharedFolder, false);
   return fault ? fault->fault : "";
 }
@@ -188,6 +204,7 @@ int list(const ListOptions& options, const Screen& screen) {
     showLines({noJobsText(options, records, places)}, screen);
   } else {
     showTable(tableOf(jobs), screen);
+    tellOfJobFile(jobs, places, screen);
   }
   tellWhatWasNotLookedAt(places, screen);
   return kSuccess;

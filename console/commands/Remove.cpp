@@ -46,8 +46,8 @@ void requireThere(const LogIds& logIds, const Value& records, const std::string&
     const auto& all = records.elements();
     if (std::none_of(all.begin(), all.end(),
                      [&](const Value& record) { return logIdOf(record) == logId; })) {
-      std::string message = "no job ";
-      message.append(logId).append(" in ").append(path).append("; nothing was removed");
+      std::string message = logId.empty() ? "no record without a log id" : "no job " + logId;
+      message.append(" in ").append(path).append("; nothing was removed");
       throw Failure(kNotFound, message);
     }
   }

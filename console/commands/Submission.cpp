@@ -111,7 +111,8 @@ Started start(const JobOptions& options, const TurnWish& wish, const PutIn& putI
   const Value record = putIn(file);
   command.logId = record.get(job::kLogId).string();
   if (!options.verbose) {
-    command.standardError = makeStandardError(wish.sharedFolder, command.logId);
+    command.standardError =
+        makeStandardError(wish.sharedFolder, record, surroundings.clock.timeOfDay());
   }
   Started started{record, startWorker(command, file)};
   awaitSight(started.worker, command);

@@ -27,7 +27,7 @@ bool isCounted(const std::string& phase) {
 // of all its phases.
 std::string placeOf(const ControllerStatus& one) {
   const bool isFlashed = one.standing == Standing::open || one.standing == Standing::begun;
-  std::string text = one.wwn.empty() ? "(no WWN)" : displayName(one.wwn);
+  std::string text = one.wwn.empty() ? "a controller without a WWN" : displayName(one.wwn);
   if (!isFlashed) text.append(" ").append(phaseOf(one));
   if (one.total != kUnknownPercent) text.append(" at ").append(percentText(one.total));
   if (isFlashed) text.append(" (").append(phaseOf(one)).append(")");
@@ -44,8 +44,8 @@ std::string stateText(const std::string& state, Charset charset) {
 }  // namespace
 
 std::string jobLine(const JobStatus& status, Charset charset) {
-  std::string line = "job ";
-  line.append(displayText(status.logId, charset)).append(": ");
+  std::string line = displayText(jobName(status.logId), charset);
+  line += ": ";
   line.append(stateText(status.state, charset));
   return status.hasNoWorker ? line.append(", no worker") : line;
 }

@@ -188,7 +188,7 @@ void appendControllers(const JobStatus& status, const Range& range, const Plan& 
 }
 
 // "6 of 30" where not all of them are shown; "6 of 30 controllers" where there is room.
-std::string headLine(const Look& look, const Range& range, const Plan& plan) {
+std::string headText(const Look& look, const Range& range, const Plan& plan) {
   std::string head = jobLine(look.status, Charset::ascii);
   if (const std::string time = jobTimeText(look); !time.empty()) head.append(", ").append(time);
   const std::size_t count = look.status.controllers.size();
@@ -197,6 +197,18 @@ std::string headLine(const Look& look, const Range& range, const Plan& plan) {
   head.append(", ").append(std::to_string(shown)).append(" of ").append(std::to_string(count));
   const std::string unit = " controllers";
   return head.size() + unit.size() <= plan.columns ? head.append(unit) : head;
+}
+
+std::vector<std::string> headLines(const Look& look, const Range& range, const Plan& plan) {
+  constexpr std::size_t kMostLines = 3;  // of an endless log id the middle is left out
+  const std::string head = headText(look, range, plan);
+  return wrapped(shortened(head, kMostLines * plan.columns, plan.charset), plan.columns);
+}
+
+// As many as they are at most, however many controllers are shown.
+std::size_t mostHeadLines(const Look& look, const Plan& plan) {
+  const std::size_t count = look.status.controllers.size();
+  return headLines(look, {0, roomAfter(count, 1)}, plan).size();
 }
 
 std::vector<std::string> linesBelow(const Look& look, const Plan& plan) {
@@ -212,8 +224,9 @@ std::vector<std::string> statusLines(const Look& look, TerminalSize size, Charse
   const JobStatus& status = look.status;
   const Plan plan = planFor(status, std::max<std::size_t>(roomAfter(size.columns, 1), 1), charset);
   const std::vector<std::string> below = linesBelow(look, plan);
-  const Range range = shownIn(status, roomAfter(size.rows, 2 + below.size()), plan);
-  std::vector<std::string> lines = {shortened(headLine(look, range, plan), plan.columns, charset)};
+  const std::size_t taken = 1 + mostHeadLines(look, plan) + below.size();
+  const Range range = shownIn(status, roomAfter(size.rows, taken), plan);
+  std::vector<std::string> lines = headLines(look, range, plan);
   appendControllers(status, range, plan, lines);
   lines.insert(lines.end(), below.begin(), below.end());
   return lines;

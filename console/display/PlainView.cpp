@@ -32,12 +32,13 @@ void PlainView::show(const Look& look) {
 
 void PlainView::showNews(const Look& look) {
   const JobStatus& status = look.status;
-  if (status == shown_) return;
+  const std::string without = noWorkerText(look, charset_);
+  if (status == shown_ && without == shownWithout_) return;
   const bool isNew = status.state != shown_.state || status.hasNoWorker != shown_.hasNoWorker;
   if (isNew && !status.isFinished()) {
     out_ << jobLine(status, charset_) << '\n';
-    if (const std::string text = noWorkerText(look, charset_); !text.empty()) out_ << text << '\n';
   }
+  if (without != shownWithout_ && !without.empty()) out_ << without << '\n';
   for (std::size_t i = 0; i < status.controllers.size(); ++i) {
     if (!isShown(status, i)) out_ << progressLine(status.controllers[i]) << '\n';
   }
@@ -47,6 +48,7 @@ void PlainView::showNews(const Look& look) {
   }
   out_.flush();
   shown_ = status;
+  shownWithout_ = without;
 }
 
 void PlainView::showTimeLeft(const Look& look) {

@@ -27,6 +27,7 @@ class PlainView : public View {
   std::ostream& out_;
   Charset charset_;
   JobStatus shown_;
+  std::string shownWithout_;  // what was told of a worker that is not seen
   std::chrono::minutes shownSilence_{0};
   std::string shownPhase_;  // of which controller
   std::chrono::milliseconds shownLeft_{0};

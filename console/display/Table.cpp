@@ -1,6 +1,7 @@
 #include "console/display/Table.h"
 
 #include <algorithm>
+#include <optional>
 #include <sstream>
 #include <utility>
 
@@ -13,6 +14,9 @@ using Row = std::vector<std::string>;
 
 constexpr std::size_t kColumnGap = 2;
 constexpr std::size_t kMostCellLines = 10;
+constexpr std::size_t kFewestLastColumns = 20;  // that a text is wrapped in beside other cells
+constexpr std::size_t kLongestWord = 12;        // a cell without text is no wider
+constexpr std::size_t kIndentBelow = 4;
 
 std::string padding(const std::string& text, std::size_t columns) {
   return std::string(columns - std::min(columns, columnsOf(text)), ' ');
@@ -53,12 +57,16 @@ std::string fitted(const std::string& text, std::size_t columns, Charset charset
   return columnsOf(text) <= columns ? text : shortened(displayName(text), columns, charset);
 }
 
-bool holdsWordWiderThan(const std::string& text, std::size_t columns) {
+std::size_t widestWordOf(const std::string& text) {
+  std::size_t widest = 0;
   std::istringstream words(text);
-  for (std::string word; words >> word;) {
-    if (columnsOf(word) > columns) return true;
-  }
-  return false;
+  for (std::string word; words >> word;) widest = std::max(widest, columnsOf(word));
+  return widest;
+}
+
+// The cell in lines of so many columns; of an endless one the middle is left out.
+std::vector<std::string> cellLines(const std::string& cell, std::size_t room, Charset charset) {
+  return wrapped(fitted(cell, room * kMostCellLines, charset), room);
 }
 
 // A cell behind its title, which `titleWidth` columns are for; where a word of it has no room
@@ -67,13 +75,13 @@ void appendCell(const std::string& title, std::size_t titleWidth, const std::str
                 std::size_t columns, Charset charset, std::vector<std::string>& lines) {
   std::string head = title + padding(title, titleWidth);
   std::size_t indent = titleWidth;
-  if (columns <= titleWidth || holdsWordWiderThan(cell, columns - titleWidth)) {
+  if (columns <= titleWidth || widestWordOf(cell) > columns - titleWidth) {
     lines.push_back(fitted(title, columns, charset));
     indent = std::min(kColumnGap, columns - 1);
     head.assign(indent, ' ');
   }
   const std::size_t room = columns - indent;
-  std::vector<std::string> parts = wrapped(fitted(cell, room * kMostCellLines, charset), room);
+  std::vector<std::string> parts = cellLines(cell, room, charset);
   if (parts.empty()) parts.emplace_back();
   for (const std::string& part : parts) {
     lines.push_back(head + part);
@@ -95,6 +103,38 @@ std::vector<std::string> stackedLines(const Row& titles, const std::vector<Row>&
   return lines;
 }
 
+// How the last cell of each row is set, a text that makes the rows too wide.
+struct Hanging {
+  bool isBeside = false;  // behind the other cells; else below them
+  std::size_t indent = 0;
+};
+
+// Nothing where the cells before it have no room themselves, or a word of a text has none.
+std::optional<Hanging> hangingFor(const std::vector<Column>& titles, const std::vector<Row>& rows,
+                                  const std::vector<std::size_t>& widths, std::size_t columns) {
+  if (titles.size() < 2 || titles.back().toTheRight) return std::nullopt;
+  std::size_t before = 0;
+  for (std::size_t i = 0; i + 1 < widths.size(); ++i) before += widths[i] + kColumnGap;
+  std::size_t word = 0;
+  for (const Row& row : rows) word = std::max(word, widestWordOf(row.back()));
+  if (columns >= before + std::max(word, kFewestLastColumns)) return Hanging{true, before};
+  const bool isText = widths.back() > kLongestWord;
+  const bool hasRoom = columns + kColumnGap >= before && columns >= kIndentBelow + word;
+  return isText && hasRoom ? std::optional(Hanging{false, kIndentBelow}) : std::nullopt;
+}
+
+void appendHanging(const Row& row, const std::vector<Column>& titles,
+                   const std::vector<std::size_t>& widths, const Hanging& hanging,
+                   std::size_t columns, Charset charset, std::vector<std::string>& lines) {
+  std::string head = lineOf({row.begin(), row.end() - 1}, titles, widths);
+  const std::vector<std::string> parts = cellLines(row.back(), columns - hanging.indent, charset);
+  if (!hanging.isBeside || parts.empty()) lines.push_back(std::exchange(head, ""));
+  for (const std::string& part : parts) {
+    head += padding(head, hanging.indent);
+    lines.push_back(std::exchange(head, "").append(part));
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> Table::lines(std::size_t columns, Charset charset) const {
@@ -104,8 +144,17 @@ std::vector<std::string> Table::lines(std::size_t columns, Charset charset) cons
   const std::vector<std::size_t> widths = widthsOf(titles, rows);
   std::size_t width = kColumnGap * (widths.size() - 1);
   for (const std::size_t one : widths) width += one;
-  if (columns != 0 && width > columns) return stackedLines(titles, rows, columns, charset);
-  std::vector<std::string> lines = {lineOf(titles, columns_, widths)};
+  std::vector<std::string> lines;
+  if (columns != 0 && width > columns) {
+    const std::optional<Hanging> hanging = hangingFor(columns_, rows, widths, columns);
+    if (!hanging) return stackedLines(titles, rows, columns, charset);
+    appendHanging(titles, columns_, widths, *hanging, columns, charset, lines);
+    for (const Row& row : rows) {
+      appendHanging(row, columns_, widths, *hanging, columns, charset, lines);
+    }
+    return lines;
+  }
+  lines.push_back(lineOf(titles, columns_, widths));
   for (const Row& row : rows) lines.push_back(lineOf(row, columns_, widths));
   return lines;
 }

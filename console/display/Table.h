@@ -25,8 +25,10 @@ class Table {
   bool isEmpty() const { return rows_.empty(); }
 
   // The titles and the rows, one line each. Where a line would be wider than `columns` (0: any
-  // width will do) each cell begins a line of its own behind its title, the rows parted by an empty
-  // line; it is wrapped, and stands below its title where a word has no room beside it.
+  // width will do) the last cell, if it is a text, is wrapped beside the others, or stands below
+  // them. Where these have no room either, each cell begins a line of its own behind its title, the
+  // rows parted by an empty line; it is wrapped, and stands below its title where a word has no
+  // room beside it.
   std::vector<std::string> lines(std::size_t columns, Charset charset) const;
 
  private:

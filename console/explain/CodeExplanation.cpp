@@ -8,7 +8,8 @@ namespace kelvane::console {
 namespace {
 
 std::string numberText(std::int64_t code) {
-  return platform::format("result %ld (0x%04lX)", code, code);
+  return code < 0 ? platform::format("result %ld", code)
+                  : platform::format("result %ld (0x%04lX)", code, code);
 }
 
 Explanation known(const ResultCode& code) {

@@ -1,6 +1,8 @@
 #include "console/explain/FinishedJob.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 
 #include "console/explain/CodeExplanation.h"
@@ -158,12 +160,24 @@ Explanation finishedWithoutResult(const JobStatus& status) {
 }
 
 // "finished with the result 0.5, which is no whole number of 64 bits"
-Explanation finishedWithAnother(const std::string& result, const char* what) {
+Explanation finishedWithAnother(const std::string& result, const std::string& what) {
   return {"finished with the result " + result + ", which is no " + what,
           "The worker ends no job so: another program wrote the record, or changed it. What became "
           "of the job, the log tells.",
           "support", "Find out who writes the job file besides the worker.",
           "when it is known what became of it"};
+}
+
+// What a result is not, "result of updateSW", where neither the worker nor the framework makes it;
+// empty where one of them may.
+std::string whatItIsNot(std::int64_t code, const std::string& command) {
+  constexpr std::int64_t kHighestStatus = 0xFFFFFFFF;
+  if (code < 0 || code > kHighestStatus) return "status of 32 bits";
+  constexpr const char* kWithoutFramework[] = {job::kGetOnlineUpdateData, job::kUpdateSW,
+                                               job::kDownloadOnlineUpdateFile};
+  const auto* const end = std::end(kWithoutFramework);
+  const bool isOfFramework = std::find(std::begin(kWithoutFramework), end, command) == end;
+  return isOfFramework || isKnownCode(code) ? "" : "result of " + command;
 }
 
 Explanation failed(std::int64_t code, const Value& record, const JobStatus& status,
@@ -186,6 +200,9 @@ Explanation explainFinished(const Value& record, const JobStatus& status,
   const std::int64_t code = result.integerValue();
   if (std::to_string(code) != result.digits()) {
     return finishedWithAnother(result.digits(), "whole number of 64 bits");
+  }
+  if (const std::string what = whatItIsNot(code, status.command); !what.empty()) {
+    return finishedWithAnother(result.digits(), what);
   }
   Explanation explanation = code == 0 ? succeeded(record, status, circumstances)
                                       : failed(code, record, status, circumstances);

@@ -67,12 +67,12 @@ Explanation unusableImage(const std::string& path, const std::string& fault) {
           "yes, once the image is there"};
 }
 
-Explanation refusedImage(const FailedController& failed) {
+// Whether it is damaged or of another kind, the framework's words tell; which kind the controller
+// takes stands among the details.
+Explanation refusedImage(const Value& record) {
   std::string meaning = kNotTaken;
-  if (!failed.product.empty()) {
-    meaning.append(": product 0x").append(failed.product).append(" takes ");
-    meaning += failed.isQvxf ? "QVXF images" : "standard images";
-  }
+  const std::string said = stringOf(record.get(job::kResultStr));
+  if (!said.empty()) meaning.append("; it says \"").append(said).append("\"");
   return {"", meaning + ".", "user",
           "Look whether the image is whole, and the one that is made for this controller. Add the "
           "job anew under another log_id with that one.",
@@ -84,7 +84,7 @@ std::optional<Explanation> imageAtFault(const Value& record, const FailedControl
   if (!failed.isAtImage) return std::nullopt;
   const Value path = memberOf(entryAt(record, failed.index), job::kFilePath);
   const std::string fault = imageFaultOf(path, isCopy);
-  Explanation told = fault.empty() ? refusedImage(failed) : unusableImage(path.string(), fault);
+  Explanation told = fault.empty() ? refusedImage(record) : unusableImage(path.string(), fault);
   told.meaning += whatWasFlashed(failed);
   return told;
 }

@@ -11,7 +11,6 @@
 #include "console/explain/ImageNote.h"
 #include "console/explain/PackageNotes.h"
 #include "console/explain/StartFault.h"
-#include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
 #include "console/job/JobStatus.h"
 #include "console/job/StandardError.h"
@@ -270,18 +269,11 @@ void takePackages(const Value& record, const JobCircumstances& circumstances,
   if (!said.empty()) explanation.details.push_back(std::move(said));
 }
 
-// Why no job of these places' job file can be updated; empty where nothing is seen. Never raises.
-std::string jobFileFaultAt(const Places& places) {
-  if (places.jobFile.empty()) return {};
-  try {
-    requireUpdatable(JobFile::at(places.jobFile).read(), places.jobFile);
-  } catch (const Failure& failure) {
-    return failure.what();
-  }
-  return {};
-}
-
 }  // namespace
+
+std::string jobFileFaultAt(const Places& places) {
+  return places.jobFile.empty() ? "" : JobFile::at(places.jobFile).fault();
+}
 
 JobCircumstances circumstancesOf(const Places& places) {
   return {.isCopy = places.isCopy,
@@ -298,7 +290,7 @@ JobCircumstances circumstancesAt(const Places& places, const Value& record) {
   found.workerRuns = !places.isCopy && !lacksWorker(logId, places);
   found.log = stretchIn(places, record);
   if (places.sharedFolder.empty()) return found;
-  found.standardError = standardErrorInShort(places.sharedFolder, logId);
+  found.standardError = standardErrorInShort(places.sharedFolder, record, found.log);
   return found;
 }
 
@@ -307,7 +299,7 @@ Explanation explainJob(const Value& record, const JobCircumstances& circumstance
   if (!circumstances.workerRuns && !circumstances.isCopy) markWithoutWorker(status);
   Explanation explanation = byState(record, status, circumstances);
   const std::string command = status.command.empty() ? "" : " (" + status.command + ")";
-  explanation.subject = "job " + status.logId + command + ": " + explanation.subject;
+  explanation.subject = jobName(status.logId) + command + ": " + explanation.subject;
   takeLog(status.command, circumstances, explanation);
   takeControllers(record, status, circumstances, explanation);
   takePackages(record, circumstances, explanation);

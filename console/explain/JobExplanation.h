@@ -30,6 +30,9 @@ struct JobCircumstances {
   std::string missingApplication = {};
 };
 
+// Why no job of these places' job file can be updated; empty where nothing is seen. Never raises.
+std::string jobFileFaultAt(const Places& places);
+
 // What these places tell of any job, without its log and its worker.
 JobCircumstances circumstancesOf(const Places& places);
 

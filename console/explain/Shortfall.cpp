@@ -67,7 +67,7 @@ std::string shortfallAt(const Places& places, const Value& record, const LogStre
   const JobStatus status = statusOf(record);
   const bool isInstallation = status.command == job::kUpdateSW && status.hasSucceeded();
   if (isInstallation && !places.sharedFolder.empty()) {
-    traces.standardError = standardErrorOf(places.sharedFolder, status.logId);
+    traces.standardError = standardErrorOf(places.sharedFolder, record, log);
     if (!places.isCopy) traces.missingApplication = missingApplication(places.sharedFolder);
   }
   return shortfallOf(record, log, traces);

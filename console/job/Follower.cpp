@@ -57,12 +57,11 @@ class Watch {
 
   // What became of each controller, and its times, as the log tells; what was not done.
   void takeEnd(bool isNew) {
-    const bool flashes = look_.status.command == job::kUpdateFW;
-    if (isNew && flashes && past_.log) end_ = past_.log(look_.record);
+    if (isNew && past_.log) end_ = past_.log(look_.record);
     if (isNew && past_.shortfall) {
       look_.shortfall = past_.shortfall(look_.record, end_.value_or(LogStretch()));
     }
-    if (!flashes || !end_) return;
+    if (!end_) return;
     look_.status = statusOf(look_.record, *end_);
     look_.times = timesOf(*end_).controllers;
   }
@@ -73,8 +72,18 @@ class Watch {
     look_.startFault = isAlone && past_.startFault ? past_.startFault(look_.record) : "";
   }
 
+  // Of a finished job in the log's seconds, as list tells it and as its phases are told: they add
+  // up. Not of one that was over at once, however the seconds fell.
+  std::optional<milliseconds> lengthAt(milliseconds now) const {
+    const auto seen = start_ ? std::optional(now - *start_) : past_.times.length;
+    const bool isOver = end_ && look_.status.isFinished();
+    if (!isOver || (seen && *seen < std::chrono::seconds(1))) return seen;
+    const auto logged = lengthInLog(*end_);
+    return logged ? logged : seen;
+  }
+
   void takeTimes(milliseconds now) {
-    look_.elapsed = start_ ? std::optional(now - *start_) : past_.times.length;
+    look_.elapsed = lengthAt(now);
     look_.silence = now - news_;
     look_.patience = pace_.patience();
     look_.followed = now - begin_;

@@ -218,6 +218,15 @@ Value JobFile::find(const std::string& logId, const IsMeant& isMeant) const {
 
 Value JobFile::read() const { return contentOf(path_).records; }
 
+std::string JobFile::fault() const {
+  try {
+    requireUpdatable(read(), path_);
+  } catch (const Failure& failure) {
+    return failure.what();
+  }
+  return {};
+}
+
 bool JobFile::write(const Value& records, const std::optional<std::string>& before) const {
   std::error_code failed;
   std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), failed);

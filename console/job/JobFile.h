@@ -59,6 +59,10 @@ class JobFile {
   // cannot be read.
   platform::Value read() const;
 
+  // Why no job of the file can be updated, as read() and requireUpdatable() tell; empty where
+  // nothing is seen. Never raises.
+  std::string fault() const;
+
  private:
   // Whether the file was replaced; not where it is no longer the text that it was before.
   bool write(const platform::Value& records, const std::optional<std::string>& before) const;

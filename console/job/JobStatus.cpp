@@ -172,6 +172,8 @@ void markBegun(const Value& record, JobStatus& status) {
 
 }  // namespace
 
+std::string jobName(const std::string& logId) { return "job " + (logId.empty() ? "\"\"" : logId); }
+
 const char* phaseOf(const ControllerStatus& controller) {
   switch (controller.standing) {
     case Standing::done:

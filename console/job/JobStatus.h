@@ -36,6 +36,9 @@ struct ControllerStatus {
   bool operator==(const ControllerStatus&) const = default;
 };
 
+// "job 17"; an empty log id is told with quotation marks.
+std::string jobName(const std::string& logId);
+
 // Where a controller stands, in a word: "waiting", "started", "CPLD", "firmware", "done", "failed",
 // "stopped", "not started", "unknown".
 const char* phaseOf(const ControllerStatus& controller);

@@ -39,6 +39,11 @@ std::vector<ControllerTimes> timesOfPercentages(const JobHistory& history) {
 
 }  // namespace
 
+std::optional<std::chrono::milliseconds> lengthInLog(const LogStretch& log) {
+  if (!log.history || (log.isMixed && !log.hasEnded)) return std::nullopt;
+  return log.history->length;
+}
+
 JobTimes timesOf(const LogStretch& log) {
   if (!log.history || log.isMixed) return {};
   JobTimes times;

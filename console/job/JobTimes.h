@@ -15,6 +15,9 @@ struct JobTimes {
   std::vector<ControllerTimes> controllers = {};         // the phases that are over
 };
 
+// From the first line to the last; nothing where another worker's lines may be behind the job's.
+std::optional<std::chrono::milliseconds> lengthInLog(const LogStretch& log);
+
 // Nothing of a stretch that is mixed.
 JobTimes timesOf(const LogStretch& log);
 

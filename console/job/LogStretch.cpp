@@ -136,6 +136,7 @@ LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   const std::optional<LoggedJob> found = jobs.find(record);
   if (!found) {
     stretch.errorWithoutJob = lastErrorIn(jobs.lastWithoutJob());
+    stretch.startsOfOthers = jobs.startsOf(stringOf(memberOf(record, job::kLogId)));
     return stretch;
   }
   const std::string command = stringOf(memberOf(record, job::kJobId));

@@ -31,6 +31,8 @@ struct LogStretch {
   std::vector<FlashSteps> flashes = {};  // of a firmware job
   // Where it is not found: the error with which the log's last worker ended, if that took no job.
   std::string errorWithoutJob = {};
+  // Where it is not found: when workers began that took other jobs which had its log id.
+  std::vector<std::string> startsOfOthers = {};
   std::string absence = {};  // why there is no log to look into
   // When it ran, and how it went on; other jobs' where the stretch is mixed.
   std::optional<JobHistory> history = {};

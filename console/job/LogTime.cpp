@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cstddef>
 
+#include "platform/Text.h"
+
 namespace kelvane::console {
 
 using std::chrono::hours;
@@ -21,6 +23,11 @@ std::optional<seconds> timeOfDay(const std::string& time) {
   }
   if (parts[0] > 23 || parts[1] > 59 || parts[2] > 60) return std::nullopt;  // 60: a leap second
   return hours(parts[0]) + std::chrono::minutes(parts[1]) + seconds(parts[2]);
+}
+
+std::string clockText(seconds timeOfDay) {
+  const auto all = static_cast<long>(timeOfDay.count());
+  return platform::format("%02ld:%02ld:%02ld", all / 3600, all / 60 % 60, all % 60);
 }
 
 seconds timePassed(seconds from, seconds to) {

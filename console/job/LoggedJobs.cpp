@@ -1,9 +1,11 @@
 #include "console/job/LoggedJobs.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
 #include <string_view>
 
+#include "console/job/LoggedRecords.h"
 #include "console/job/LoggedValue.h"
 #include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
@@ -56,6 +58,39 @@ std::optional<std::string> takenIn(Entries run) {
 // Whether the worker ended before it did anything for the record that it looked at last.
 bool endsWithRunnersError(Entries run) {
   return !run.empty() && isRun(run.back()) && run.back().level == "error";
+}
+
+// Whether the records that an entry shows last behind this text have the log id, and in no state
+// but these.
+bool isLast(Entries part, std::string_view before, const std::string& logId,
+            std::initializer_list<const char*> states) {
+  const auto last = std::find_if(part.rbegin(), part.rend(), [&](const LogEntry& entry) {
+    return entry.message.starts_with(before);
+  });
+  if (last == part.rend()) return false;
+  const Value records = parseLogged(std::string_view(last->message).substr(before.size()));
+  if (!records.isArray()) return false;
+  bool isThere = false;
+  for (const Value& record : records.elements()) {
+    if (memberOf(record, job::kLogId) != Value(logId)) continue;
+    const std::string state = stringOf(memberOf(record, job::kStateId));
+    if (std::find(states.begin(), states.end(), state) == states.end()) return false;
+    isThere = true;
+  }
+  return isThere;
+}
+
+// Whether the job came to its end and into the job file: a worker that cannot write reads it as
+// waiting until the end.
+bool isLeftFinished(Entries part, const std::string& logId) {
+  return isLast(part, kRecordsWritten, logId, {job::kFree}) &&
+         isLast(part, kJobFileRead, logId, {job::kRun, job::kFree});
+}
+
+// Whether no worker has written into the record.
+bool isAsSubmitted(const Value& record) {
+  return memberOf(record, job::kStateId) == Value(job::kWait) && !record.has(job::kResult) &&
+         !record.has(job::kOutput);
 }
 
 // The records that the worker read; nothing where they cannot be read out of the log.
@@ -178,7 +213,21 @@ std::optional<LoggedJob> LoggedJobs::find(const Value& record) const {
     return isTakenIn(entries_.subspan(worker.begin, worker.end - worker.begin), logId.string(),
                      record);
   });
-  return found == all.rend() ? std::nullopt : std::optional(jobOf(workers_[*found]));
+  if (found == all.rend()) return std::nullopt;
+  LoggedJob last = jobOf(workers_[*found]);
+  return isAsSubmitted(record) && isLeftFinished(last.entries, logId.string())
+             ? std::nullopt
+             : std::optional(last);
+}
+
+std::vector<std::string> LoggedJobs::startsOf(const std::string& logId) const {
+  std::vector<std::string> starts;
+  const auto takers = takers_.find(logId);
+  if (takers == takers_.end()) return starts;
+  for (const std::size_t worker : takers->second) {
+    starts.push_back(entries_[workers_[worker].begin].time);
+  }
+  return starts;
 }
 
 std::optional<LoggedJob> LoggedJobs::findLast(const std::string& logId) const {

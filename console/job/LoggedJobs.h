@@ -38,11 +38,15 @@ class LoggedJobs {
   explicit LoggedJobs(std::span<const LogEntry> entries);
 
   // The last part in which a worker took the job of this record: with its log id, its command and
-  // its parameters, as a log id may have been another job's before. Nothing where there is none.
+  // its parameters, as a log id may have been another job's before. Nothing where there is none,
+  // and for a waiting record where the job of the last such part is over: another one waits then.
   std::optional<LoggedJob> find(const platform::Value& record) const;
 
   // The last part in which a worker took whatever job had this log id.
   std::optional<LoggedJob> findLast(const std::string& logId) const;
+
+  // The times at which workers began that took jobs with this log id, as the log has them.
+  std::vector<std::string> startsOf(const std::string& logId) const;
 
   // What the log's last worker wrote, if it took no job; else nothing.
   std::span<const LogEntry> lastWithoutJob() const { return lastWithoutJob_; }

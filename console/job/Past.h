@@ -20,8 +20,7 @@ struct Past {
   std::optional<std::chrono::milliseconds> start = {};  // of a job that runs
   JobTimes times = {};                                  // of a finished one
   std::vector<Moment> moments = {};
-  // The stretch of the log of a finished firmware job, for what its record does not tell; may be
-  // empty.
+  // The stretch of the log of a finished job, for what its record does not tell; may be empty.
   std::function<LogStretch(const platform::Value& record)> log = {};
   // What a finished job with result 0 did not do, and why no worker is to be started for a waiting
   // one; may be empty.

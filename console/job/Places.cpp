@@ -2,6 +2,7 @@
 
 #include "console/job/ExitCode.h"
 #include "console/job/JobFile.h"
+#include "console/job/JobStatus.h"
 #include "console/job/LogFile.h"
 #include "console/job/LoggedRecords.h"
 #include "console/job/Processes.h"
@@ -86,7 +87,7 @@ const std::string& sourceOfRecords(const Places& places) {
 Value recordAt(const Places& places, const std::string& logId) {
   Value record = recordOf(logId, recordsAt(places));
   if (!record.isNothing()) return record;
-  throw Failure(kNotFound, "no job " + logId + " in " + sourceOfRecords(places) +
+  throw Failure(kNotFound, "no " + jobName(logId) + " in " + sourceOfRecords(places) +
                                wayToLoggedJob(places, logId));
 }
 

@@ -2,8 +2,12 @@
 // console does, in a file for each job beside the worker's log.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
+
+#include "console/job/LogStretch.h"
+#include "platform/Value.h"
 
 namespace kelvane::console {
 
@@ -12,14 +16,22 @@ namespace kelvane::console {
 // log id that is too long for a name.
 std::string standardErrorPath(const std::string& sharedFolder, const std::string& logId);
 
-// Makes the file, empty, for a worker to write to, and returns its path; where it cannot be made,
-// what is said is not kept, and the path is that of the system's sink.
-std::string makeStandardError(const std::string& sharedFolder, const std::string& logId);
+// Makes the file for the worker of this waiting record, which is started at this time of day, to
+// write to, and returns its path. Its first line tells both, so that it is known whose it is, also
+// in a copy; where it cannot be made, what is said is not kept, and the path is that of the
+// system's sink.
+std::string makeStandardError(const std::string& sharedFolder, const platform::Value& record,
+                              std::chrono::seconds started);
 
-// The lines that were said; none where nothing was, or nothing is kept.
-std::vector<std::string> standardErrorOf(const std::string& sharedFolder, const std::string& logId);
+// The lines that the worker of this job said; none where it said nothing or nothing is kept, and
+// where what is kept is of another job that had the log id before.
+std::vector<std::string> standardErrorOf(const std::string& sharedFolder,
+                                         const platform::Value& record, const LogStretch& log);
 
 // The first of these lines, how many more there are, and where all are kept: for the user.
+std::vector<std::string> standardErrorInShort(const std::string& sharedFolder,
+                                              const platform::Value& record, const LogStretch& log);
+// The same of the job that has the log id in the job file; where none has it, what is kept.
 std::vector<std::string> standardErrorInShort(const std::string& sharedFolder,
                                               const std::string& logId);
 

@@ -11,7 +11,6 @@
 #include "console/job/LoggedValue.h"
 #include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
-#include "platform/Text.h"
 
 namespace kelvane::console {
 
@@ -223,9 +222,7 @@ FlashHistory flashHistoryOf(std::span<const LogEntry> entries, const Value& reco
 std::string clockAt(const FlashHistory& history, JobTime time) {
   const std::optional<JobTime> start = timeOfDay(history.startedAt);
   if (!start) return {};
-  const JobTime clock = (*start + time) % kDay;
-  const auto seconds = static_cast<long>(clock.count());
-  return platform::format("%02ld:%02ld:%02ld", seconds / 3600, seconds / 60 % 60, seconds % 60);
+  return clockText((*start + time) % kDay);
 }
 
 }  // namespace kelvane::console

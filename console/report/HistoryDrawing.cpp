@@ -286,8 +286,11 @@ std::string inWords(const ControllerHistory& controller) {
   }
   for (const HistoryMark& mark : controller.marks)
     add({"at ", lengthText(mark.at), " ", mark.text});
-  if (!controller.points.empty()) {
+  // The first one is that of the start. A worker that cannot write tells no others.
+  if (controller.points.size() > 1) {
     add({"total ", percent(controller.points.back().total), " at last"});
+  } else if (!controller.points.empty()) {
+    add({"no percentages"});
   }
   return text;
 }

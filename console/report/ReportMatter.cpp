@@ -119,7 +119,7 @@ ReportMatter gatherReport(const ReportSubject& subject) {
   const Places& places = subject.places;
   matter.workerRuns = !places.isCopy && !lacksWorker(status.logId, places);
   if (!places.sharedFolder.empty()) {
-    matter.standardError = standardErrorOf(places.sharedFolder, status.logId);
+    matter.standardError = standardErrorOf(places.sharedFolder, matter.record, matter.log);
   }
   if (status.command == job::kUpdateFW)
     matter.history = flashHistoryOf(matter.entries, matter.record);

@@ -33,7 +33,7 @@ constexpr std::size_t kMostTitleBytes = 256;
 
 std::string titleOf(const ReportMatter& matter) {
   if (!matter.hasJob()) return std::string("Report of a ") + kindOf(matter.subject.places);
-  return statusOf(matter.record).logId.insert(0, "Report of job ");
+  return jobName(statusOf(matter.record).logId).insert(0, "Report of ");
 }
 
 std::string pathsOf(const Places& places) {

@@ -20,7 +20,6 @@ using platform::Value;
 using test::PseudoTerminal;
 using test::TerminalForm;
 using ::testing::ContainsRegex;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 using Lines = std::vector<std::string>;
@@ -125,11 +124,11 @@ TEST_F(ConsoleScreen, PackagesIn40And80And200Columns) {
 }
 
 TEST_F(ConsoleScreen, ListIn40And80Columns) {
-  EXPECT_EQ(
-      shown({"list", "--shared", "shared"}, {80, 24, false}),
-      (Lines{"Log id   17", "Command  updateFW", "State    RUN, no worker", "Result",
-             "Text     5000A1B2C3D4E5F6 stopped at 68%, 1 not started", "", "Log id   18",
-             "Command  getOnlineUpdateData", "State    FREE", "Result   0", "Text     no error"}));
+  EXPECT_EQ(shown({"list", "--shared", "shared"}, {80, 24, false}),
+            (Lines{"Log id  Command              State           Result  Text",
+                   "    17  updateFW             RUN, no worker          5000A1B2C3D4E5F6 stopped",
+                   "                                                     at 68%, 1 not started",
+                   "    18  getOnlineUpdateData  FREE                 0  no error"}));
   EXPECT_EQ(shown({"list", "--shared", "shared"}, {40, 24, true})[1], "Command  updateFW");
   EXPECT_EQ(
       shown({"list", "--shared", "shared"}, {120, 24, true})[1],

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/Json.h"
 #include "tests/end_to_end/SupportInstallation.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PseudoTerminal.h"
@@ -41,6 +42,30 @@ TEST_F(UpdateSwJob, WithoutPermissionIsNoSuccessAndTellsWhatTheToolsSaid) {
   EXPECT_THAT(folder.read("shared/utility/logs/standard-error-1.txt"),
               HasSubstr("Permission denied\n"));
   EXPECT_EQ(folder.read("Installed.app/Contents/version"), "1.0");
+}
+
+// The application writes its job file anew, and log ids begin with 1 again.
+TEST_F(UpdateSwJob, TheSameJobAddedAnewIsNeitherTakenNorToldWhatTheToolsSaidBefore) {
+  giveSharedFolderToEveryone();
+  test::asOrdinaryUser([this] {
+    test::runProgram(command(), "/");
+    return std::string();
+  });
+  const auto told = [this](const std::vector<std::string>& asked) {
+    std::vector<std::string> arguments = asked;
+    arguments.insert(arguments.begin() + 1, {"--shared", shared()});
+    return console(arguments).out;
+  };
+  EXPECT_THAT(told({"list"}), HasSubstr("no error, but the system's tools complained: /bin/rm: "));
+  const auto record =
+      platform::Value::dictionary({{"log_id", "1"},
+                                   {"job_id", "updateSW"},
+                                   {"state_id", "WAIT"},
+                                   {"input_parameters", jobs().at(0).get("input_parameters")}});
+  folder.write(test::kJobFile, platform::printJson(platform::Value::array({record})).value_or(""));
+  EXPECT_THAT(told({"list"}), ::testing::EndsWith("     1  updateSW  WAIT\n"));
+  EXPECT_THAT(told({"explain", "1"}), HasSubstr("No worker has taken it"));
+  EXPECT_THAT(told({"explain", "1"}), ::testing::Not(HasSubstr("standard error")));
 }
 
 TEST_F(UpdateSwJob, InATerminalTheUserIsAsked) {

@@ -184,6 +184,19 @@ TEST(RecordChecks, WaitingJobWithStepsInTheLogIsAnError) {
   EXPECT_THAT(look(true), IsEmpty());
 }
 
+TEST(RecordChecks, AnEmptyPathOfAnImageIsToldAsOne) {
+  EXPECT_THAT(
+      foundIn("[" + record("updateFW", R"([{"wwn": "A", "file_path": ""}])") + "]"),
+      ElementsAre("error: F: job 1: the path of the image of input_parameters[0] is empty"));
+}
+
+TEST(RecordChecks, AnEmptyLogIdIsToldAsOne) {
+  EXPECT_EQ(findings(R"([{"log_id": "", "job_id": "updateSW", "state_id": "RUN",
+                          "input_parameters": {}}])")[0]
+                .what,
+            "F: job \"\" is in state RUN, and no worker for it is seen");
+}
+
 std::string installationOf(const std::string& package, const std::string& logId = "1") {
   return R"([{"log_id": ")" + logId + R"(", "job_id": "updateSW", "state_id": "WAIT",
              "input_parameters": {"file_path": ")" +

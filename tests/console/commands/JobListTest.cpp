@@ -1,7 +1,10 @@
 // list, with what the log tells of each job.
 
+#include <fstream>
+
 #include "console/commands/Jobs.h"
 #include "console/job/ExitCode.h"
+#include "console/job/StandardError.h"
 #include "platform/Json.h"
 #include "tests/console/ConsoleWorld.h"
 
@@ -50,6 +53,18 @@ class JobListTest : public ConsoleWorld {
                      line("01:10:00", "updateFW", "Flash Completed.") + end("01:10:01", "4"));
   }
   int run() { return runHere(list, options); }
+  // What is told of the last record.
+  std::string noUpdates() const {
+    return "no job can be updated: " + (folder / test::kJobFile) +
+           ": [5] is no object: 7. While it stands there, the worker can write of no job how it "
+           "goes and what became of it. Remove it from the file\n";
+  }
+  // What the worker of the record said that a console submitted.
+  void keepStandardError(const std::string& record, const std::string& text) const {
+    const std::string path =
+        makeStandardError(folder / "shared/", platform::parseJson(record), std::chrono::hours(12));
+    std::ofstream(path, std::ios::app) << text;
+  }
   // The object that is added to the record, as it is shown for machines.
   Value toldOf(const std::string& logId) {
     screen.json = true;
@@ -80,7 +95,8 @@ TEST_F(JobListTest, ShowsStartAndLengthWhereTheLogTellsThem) {
       "     4  updateFW                  WAIT, taken     01:00:00  10:01+                the flash "
       "may have been done, by the log of 1 controller\n"
       "     5  updateFW                  WAIT\n"
-      "     -  (no record)\n");
+      "     -  (no record)\n" +
+          noUpdates());
 }
 
 TEST_F(JobListTest, WithoutALogThereAreNoColumnsForIt) {
@@ -122,7 +138,8 @@ TEST_F(JobListTest, TheLastOnesAreThoseOfTheFailedOnesWhereBothAreAskedFor) {
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(),
             "Log id  Command   State           Result  Text\n"
-            "     3  updateSW  RUN, no worker\n");
+            "     3  updateSW  RUN, no worker\n" +
+                noUpdates());
 }
 
 TEST_F(JobListTest, LastIsAWholeNumber) {
@@ -144,7 +161,9 @@ TEST_F(JobListTest, AJobThatEndedWith0AndDidNotDoAllHasFailed) {
        "no error", "input_parameters": {"file_path": "/a"}},
       {"log_id": "2", "job_id": "getOnlineUpdateData", "state_id": "FREE", "result": 0,
        "resultStr": "no error", "input_parameters": {}}])");
-  folder.write("shared/utility/logs/standard-error-1.txt", "cp: /x: Permission denied\n");
+  keepStandardError(R"({"log_id": "1", "job_id": "updateSW",
+                        "input_parameters": {"file_path": "/a"}})",
+                    "cp: /x: Permission denied\n");
   options.failed = true;
   EXPECT_EQ(run(), kSuccess);
   EXPECT_EQ(shown.str(),
@@ -153,6 +172,18 @@ TEST_F(JobListTest, AJobThatEndedWith0AndDidNotDoAllHasFailed) {
             "complained: cp: /x: Permission denied\n"
             "     2  getOnlineUpdateData  FREE        0  no error, but the update engine left no "
             "catalogue\n");
+}
+
+TEST_F(JobListTest, WhatTheToolsSaidOfAnotherJobWithTheLogIdIsNotToldOfThisOne) {
+  folder.write(test::kJobFile, R"([
+      {"log_id": "1", "job_id": "updateSW", "state_id": "FREE", "result": 0, "resultStr":
+       "no error", "input_parameters": {"file_path": "/a"}}])");
+  keepStandardError(R"({"log_id": "1", "job_id": "updateSW",
+                        "input_parameters": {"file_path": "/b"}})",
+                    "cp: /x: Permission denied\n");
+  options.failed = true;
+  EXPECT_EQ(run(), kSuccess);
+  EXPECT_EQ(shown.str(), "no failed jobs\n");
 }
 
 TEST_F(JobListTest, ForMachinesItTellsWhatBecameOfEachController) {

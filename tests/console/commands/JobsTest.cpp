@@ -14,6 +14,13 @@
 namespace kelvane::console {
 namespace {
 
+// What is told of a job file with such a record, where a job is not finished.
+std::string noUpdates(const std::string& path, const std::string& record) {
+  return "no job can be updated: " + path + ": " + record +
+         ". While it stands there, the worker can write of no job how it goes and what became of "
+         "it. Remove it from the file\n";
+}
+
 class Jobs : public ConsoleWorld {
  protected:
   Jobs() {
@@ -39,7 +46,8 @@ TEST_F(Jobs, ListIsATable) {
             "     1  updateSW             FREE                 0  fine\n"
             "     2  updateFW             RUN, no worker          A1 stopped at 25%\n"
             "     3  getOnlineUpdateData  FREE                 0\n"
-            "     -  (no record)\n");
+            "     -  (no record)\n" +
+                noUpdates(folder / test::kJobFile, "[3] is no object: 5"));
 }
 
 constexpr char kNotLooked[] = "this is a copy: whether a worker runs was not looked at";
@@ -66,9 +74,9 @@ TEST_F(Jobs, ListAndShowOfAJobFileAlone) {
             "command updateFW\n"
             "Controller  Phase  CPLD  Firmware  Total\n"
             "A1          CPLD    50%        0%    25%\n" +
-                std::string(kNotLooked) +
-                "; the log is not at hand; what was kept of the worker's standard error is not at "
-                "hand\n");
+                noUpdates(file, "[3] is no object: 5") + kNotLooked +
+                 "; the log is not at hand; what was kept of the worker's standard error is not at "
+                 "hand\n");
 }
 
 // With the job file as a worker wrote it last.
@@ -150,9 +158,11 @@ TEST_F(Jobs, APipeInPlaceOfTheJobFileIsToldAndNotRead) {
 TEST_F(Jobs, ALogIdThatIsNoStringIsShownAsThat) {
   folder.write(test::kJobFile, R"([{"log_id": 9, "state_id": "WAIT"}])");
   EXPECT_EQ(runList(), kSuccess);
-  EXPECT_EQ(shown.str(),
-            "       Log id  Command  State  Result  Text\n"
-            "9 (no string)           WAIT\n");
+  EXPECT_EQ(shown.str().rfind("       Log id  Command  State  Result  Text\n"
+                              "9 (no string)           WAIT\n",
+                              0),
+            0U)
+      << shown.str();
 }
 
 TEST_F(Jobs, WithoutAJobFileTheListIsEmpty) {
@@ -195,7 +205,8 @@ TEST_F(Jobs, ShowOfAFirmwareJobHasItsControllersAndTheWholeRecord) {
             "job 2: running, no worker\n"
             "command updateFW\n"
             "Controller  Phase    CPLD  Firmware  Total\n"
-            "A1          stopped   50%        0%    25%\n");
+            "A1          stopped   50%        0%    25%\n" +
+                noUpdates(folder / test::kJobFile, "[3] is no object: 5"));
   EXPECT_NE(shown.str().find("  \"n\": 12345678901234567890123,\n"), std::string::npos);
 }
 
@@ -292,6 +303,37 @@ TEST_F(Jobs, WatchOfAWaitingJobWithoutAWorkerSaysSoAlsoAtItsInterrupt) {
             "no worker is seen; the job goes on when one is started with its log id\n");
   EXPECT_NE(messages.str().find("interrupted: job 4 is waiting, and no worker for it is seen; "),
             std::string::npos);
+}
+
+constexpr char kWaitingBehindANumber[] =
+    R"([{"log_id": 7, "state_id": "FREE"},
+        {"log_id": "8", "job_id": "updateSW", "state_id": "WAIT", "input_parameters": {}}])";
+constexpr char kNumberFirst[] = ": [0] has a log_id that is no string: 7. While it stands there";
+
+TEST_F(Jobs, WatchBehindARecordThatKeepsAllFromBeingUpdatedAdvisesNoStart) {
+  folder.write(test::kJobFile, kWaitingBehindANumber);
+  interrupt = true;
+  EXPECT_EQ(runWatch("8"), kInterrupted);
+  EXPECT_EQ(shown.str().rfind("job 8: waiting, no worker\n"
+                              "no worker is seen, and none should be started for the job: " +
+                                  (folder / test::kJobFile) + kNumberFirst,
+                              0),
+            0U)
+      << shown.str();
+}
+
+TEST_F(Jobs, ListAndShowTellThatNoJobCanBeUpdatedWhereOneIsOpen) {
+  const std::string told = "\nno job can be updated: " + (folder / test::kJobFile) + kNumberFirst;
+  folder.write(test::kJobFile, kWaitingBehindANumber);
+  runList();
+  EXPECT_NE(shown.str().find(told), std::string::npos) << shown.str();
+  shown.str("");
+  runShow("8");
+  EXPECT_NE(shown.str().find(told), std::string::npos) << shown.str();
+  shown.str("");
+  folder.write(test::kJobFile, R"([{"log_id": 7, "state_id": "FREE"}])");
+  runList();
+  EXPECT_EQ(shown.str().find("no job can be updated"), std::string::npos);
 }
 
 TEST_F(Jobs, WatchOfAJobThatAWorkerTookEndsAndAdvisesNoStart) {

@@ -80,6 +80,12 @@ TEST_F(Remove, AllRecordsOfALogIdGo) {
   EXPECT_EQ(shown.str(), "removed job 1 (2 records)\n");
 }
 
+TEST_F(Remove, AnEmptyLogIdThatIsNotThereIsNamed) {
+  EXPECT_EQ(run({""}), kNotFound);
+  EXPECT_EQ(messages.str(), "kelvane-console: no record without a log id in " +
+                                (folder / test::kJobFile) + "; nothing was removed\n");
+}
+
 TEST_F(Remove, WhatWasKeptOfStandardErrorGoesToo) {
   for (const char* id : {"1", "2"}) {
     folder.write("shared/utility/logs/standard-error-" + std::string(id) + ".txt", "rm: no\n");

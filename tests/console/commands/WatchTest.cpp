@@ -1,11 +1,15 @@
 // watch: what became of a job that someone else submitted, and the exit code.
 
+#include <chrono>
 #include <filesystem>
+#include <fstream>
 
 #include <gmock/gmock.h>
 
 #include "console/commands/Jobs.h"
 #include "console/job/ExitCode.h"
+#include "console/job/JobFile.h"
+#include "console/job/StandardError.h"
 #include "platform/Json.h"
 #include "tests/console/ConsoleWorld.h"
 
@@ -25,8 +29,12 @@ class WatchOfOthers : public ConsoleWorld {
   void writeDone(const std::string& command, const std::string& rest) const {
     writeJob(command, R"("state_id": "FREE", "result": 0, "resultStr": "fine", )" + rest);
   }
+  // What the worker of the job said, as the console keeps it that has submitted the job.
   void writeSaid(const std::string& lines) const {
-    folder.write("shared/utility/logs/standard-error-7.txt", lines);
+    const std::string shared = folder / "shared/";
+    const platform::Value record = JobFile(shared).read().at(0);
+    const std::string path = makeStandardError(shared, record, std::chrono::hours(12));
+    std::ofstream(path, std::ios::app) << lines;
   }
   int run() { return runHere(watch, options); }
 

@@ -13,6 +13,10 @@ TEST(JobLine, NamesTheState) {
   EXPECT_EQ(jobLine({"18", "FREE", {}, "", ""}, Charset::ascii), "job 18: finished");
 }
 
+TEST(JobLine, AnEmptyLogIdIsToldAsOne) {
+  EXPECT_EQ(jobLine({"", "FREE", {}, "", ""}, Charset::ascii), "job \"\": finished");
+}
+
 TEST(JobLine, UnknownStateIsShownSafely) {
   EXPECT_EQ(jobLine({"\t", "\x1b[1m", {}, "", ""}, Charset::ascii), "job ?: ?[1m");
 }
@@ -66,7 +70,7 @@ TEST(ProgressText, CountsAndNames) {
 
 TEST(ProgressText, AControllerWithoutAWwnIsNamedSo) {
   EXPECT_EQ(progressText({"18", "FREE", {{"", 0, 0, 0, Standing::failed}}, "", ""}),
-            "(no WWN) failed at 0%");
+            "a controller without a WWN failed at 0%");
 }
 
 TEST(ResultLine, ShowsWhatStandsInPlaceOfANumber) {

@@ -86,6 +86,15 @@ TEST(Layout, JobWithoutControllersIsItsLineOnly) {
             (Lines{"job 18: waiting, 0:00"}));
 }
 
+TEST(Layout, TheJobsLineIsWrappedWhereItHasNoRoom) {
+  Look look = {{}, {"1", "FREE", {}, "0", ""}};
+  look.elapsed = std::chrono::seconds(5);
+  EXPECT_EQ(console::statusLines(look, {20, 24}, Charset::utf8),
+            (Lines{"job 1: finished,", "0:05"}));
+  const Look endless = {{}, {std::string(100, 'x'), "FREE", {}, "0", ""}};
+  EXPECT_LE(console::statusLines(endless, {20, 24}, Charset::utf8).size(), 5U);
+}
+
 TEST(Layout, NoLineIsAsWideAsTheTerminal) {
   for (std::size_t columns = 2; columns <= 250; ++columns) {
     for (const std::string& line : statusLines(kJob, {columns, 24}, Charset::ascii)) {
@@ -163,7 +172,7 @@ TEST(Layout, FailedAndNotStartedControllersAreNotDone) {
 }
 
 TEST(Layout, TerminalOfNoSizeIsNoHarm) {
-  EXPECT_EQ(statusLines(kJob, {0, 0}, Charset::ascii), (Lines{"j", "5", " ", " ", " "}));
+  EXPECT_EQ(statusLines(kJob, {0, 0}, Charset::ascii), (Lines{"j", "o", "b", "5", " ", " ", " "}));
 }
 
 JobStatus jobOfFour(int done) {
@@ -195,19 +204,20 @@ TEST(Layout, WhereRowsAreFewTheDoneControllersLeaveFirst) {
 
 TEST(Layout, WhereNotAllControllersFitTheirNumberIsTold) {
   const auto head = [](std::size_t columns, std::size_t rows) {
-    return statusLines(jobOfFour(1), {columns, rows}, Charset::ascii).front();
+    const Lines lines = statusLines(jobOfFour(1), {columns, rows}, Charset::ascii);
+    return columns > 20 ? lines.front() : lines[0] + "|" + lines[1];
   };
   EXPECT_EQ(head(80, 6), "job 18: running, 0:00");
   EXPECT_EQ(head(80, 5), "job 18: running, 0:00, 3 of 4 controllers");
   EXPECT_EQ(head(40, 12), "job 18: running, 0:00, 2 of 4");
-  EXPECT_EQ(head(20, 12), "job 18: ..., 2 of 4");
+  EXPECT_EQ(head(20, 12), "job 18: running,|0:00, 2 of 4");
 }
 
 TEST(Layout, In20ColumnsAWwnIsWholeAndThePhaseBelowIt) {
   const JobStatus status = {"18", "RUN", {{"5000A1B2C3D4E5F6", 100, 37, 68}}, "0", "no error"};
   EXPECT_EQ(statusLines(status, {20, 24}, Charset::ascii),
-            (Lines{"job 18: ...ng, 0:00", "5000A1B2C3D4E5F6", "  firmware", "  cpld     ### 100%",
-                   "  firmware #--  37%", "  total    ##-  68%"}));
+            (Lines{"job 18: running,", "0:00", "5000A1B2C3D4E5F6", "  firmware",
+                   "  cpld     ### 100%", "  firmware #--  37%", "  total    ##-  68%"}));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ namespace {
 
 using platform::parseJson;
 using platform::Value;
+using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -97,7 +98,7 @@ TEST(FinishedFirmwareJob, WithAnEmptyWwnFailsTheSameWayAgain) {
   EXPECT_EQ(found.meaning,
             "It cannot be carried out as it is: input_parameters[0] has an empty \"wwn\". No "
             "controller was flashed.");
-  EXPECT_EQ(found.controller, "(no WWN) failed at 0%");
+  EXPECT_EQ(found.controller, "a controller without a WWN failed at 0%");
 }
 
 TEST(FinishedFirmwareJob, WithoutParametersFailsTheSameWayAgain) {
@@ -111,6 +112,24 @@ TEST(FinishedFirmwareJob, AFaultBehindTheControllerThatIsNotThereIsNotBlamed) {
   const Explanation found =
       told(failedJob(1026, R"([{"wwn": "A1", "file_path": "/a"}, {"file_path": "/b"}])"), "");
   EXPECT_THAT(found.meaning, StartsWith("No controller has the WWN of an entry"));
+}
+
+// --- results that nobody makes
+
+TEST(FinishedJob, WithANegativeResultWasWrittenByAnother) {
+  for (const char* command : {"downloadOnlineUpdateFile", "updateFW"}) {
+    const Explanation found = explainJob(doneJob(command, R"("result": -1, "resultStr": "x")"), {});
+    EXPECT_EQ(found.subject, "job 17 (" + std::string(command) +
+                                 "): finished with the result -1, which is no status of 32 bits");
+    EXPECT_THAT(found.meaning, StartsWith("The worker ends no job so: another program wrote"));
+  }
+}
+
+TEST(FinishedJob, WithAStatusOfTheFrameworkButWithoutItWasWrittenByAnother) {
+  const Explanation found =
+      explainJob(doneJob("updateSW", R"("result": 32850, "resultStr": "x")"), {});
+  EXPECT_EQ(found.subject,
+            "job 17 (updateSW): finished with the result 32850, which is no result of updateSW");
 }
 
 // --- images
@@ -147,8 +166,9 @@ TEST(FinishedFirmwareJob, SaysThatTheImageWasRefused) {
                        test::endLine("17")),
        .isCopy = true});
   EXPECT_EQ(qvxf.meaning,
-            "The framework looked at the image and did not take it: product 0x4801 takes QVXF "
-            "images. No controller was flashed.");
+            "The framework looked at the image and did not take it; it says \"x\". No controller "
+            "was flashed.");
+  EXPECT_THAT(qvxf.details, ElementsAre(EndsWith("; product 0x4801 takes QVXF images")));
   EXPECT_EQ(qvxf.whoActs, "user");
   EXPECT_EQ(qvxf.tryAgain, "not with this image");
 }

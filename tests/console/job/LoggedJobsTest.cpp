@@ -115,6 +115,45 @@ TEST_F(LogIdUsedAgain, AJobThatWasPutBackIsGivenItsLastRun) {
   EXPECT_EQ(lastOf(kDone), "second");
 }
 
+std::string filed(const std::string& function, const std::string& before,
+                  const std::string& record) {
+  return logLine(function, before + platform::describe(platform::parseJson("[" + record + "]")));
+}
+
+// What a worker adds that finishes the job; the second time it finds this record.
+std::string finish(const std::string& found) {
+  return filed("updateJSONFile", "currentJobArray = ", kWaiting) +
+         filed("writeJSONFile", "writeJSONFile, newArray = ",
+               R"({"log_id": "17", "job_id": "a", "state_id": "RUN"})") +
+         filed("updateJSONFile", "currentJobArray = ", found) +
+         filed("writeJSONFile", "writeJSONFile, newArray = ", kDone);
+}
+
+TEST_F(LogIdUsedAgain, AWaitingJobThatAsksForTheSameIsNotGivenTheRunOfOneThatIsOver) {
+  const std::string first = run(list(kWaiting, "{}"), "first");
+  writeLog(first + finish(R"({"log_id": "17", "job_id": "a", "state_id": "RUN"})") +
+           logLine("updateSW", "end"));
+  EXPECT_EQ(lastOf(kWaiting), "none");
+  EXPECT_EQ(lastOf(kDone), "end");
+  EXPECT_EQ(lastOf(R"({"log_id": "17", "job_id": "a", "state_id": "WAIT", "result": 0})"), "end");
+  EXPECT_EQ(LoggedJobs(entries).startsOf("17"), std::vector<std::string>{"14:03:07"});
+  EXPECT_TRUE(LoggedJobs(entries).startsOf("18").empty());
+}
+
+TEST_F(LogIdUsedAgain, AJobWhoseEndDidNotComeIntoTheJobFileIsStillThatOfItsRun) {
+  const std::string first = run(list(kWaiting, "{}"), "first");
+  writeLog(first + finish(kWaiting) + logLine("updateSW", "end"));
+  EXPECT_EQ(lastOf(kWaiting), "end");
+}
+
+TEST_F(LogIdUsedAgain, AJobWhoseWorkerWasKilledIsStillThatOfItsRun) {
+  writeLog(run(list(kWaiting, "{}"), "first") +
+           filed("writeJSONFile", "writeJSONFile, newArray = ",
+                 R"({"log_id": "17", "job_id": "a", "state_id": "RUN"})") +
+           logLine("updateSW", "killed"));
+  EXPECT_EQ(lastOf(kWaiting), "killed");
+}
+
 TEST_F(LoggedJobsTest, ARecordWithoutALogIdHasNone) {
   writeLog(takenLines(""));
   EXPECT_FALSE(LoggedJobs(entries).find(platform::parseJson(R"({"log_id": 5})")));

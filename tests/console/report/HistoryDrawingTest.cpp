@@ -85,6 +85,13 @@ TEST(HistoryDrawing, ATitleAndADescriptionStandForIt) {
                                  "1:40 14:01:40 updateFW: Flash Error; total 70% at last</desc>"));
 }
 
+TEST(HistoryDrawing, WithoutPercentagesNoneIsToldAtLast) {
+  TimedLog log({"A1"});
+  log.step("updateFW", "devId = 0, filePath = a.img");
+  log.pass(20).step("updateFW", "Flash Completed.");
+  EXPECT_THAT(drawn(log), HasSubstr("at 0:20 the flash is completed; no percentages</desc>"));
+}
+
 TEST(HistoryDrawing, AJobWithinASecondIsDrawn) {
   TimedLog log({"A1"});
   log.step("updateFW", "devId = 0, filePath = a.img");
