@@ -37,7 +37,7 @@ std::string damaged(std::string bytes, const ServiceFaults& faults) {
   using Catalogue = ServiceFaults::Catalogue;
   if (faults.catalogue == Catalogue::garbage) return garbage(bytes.size());
   if (faults.catalogue == Catalogue::cut && faults.catalogueBytes < bytes.size()) {
-    bytes.resize(faults.catalogueBytes);
+    bytes.resize(static_cast<std::size_t>(faults.catalogueBytes));
   }
   return bytes;
 }
