@@ -75,8 +75,8 @@ TEST_F(Jobs, ListAndShowOfAJobFileAlone) {
             "Controller  Phase  CPLD  Firmware  Total\n"
             "A1          CPLD    50%        0%    25%\n" +
                 noUpdates(file, "[3] is no object: 5") + kNotLooked +
-                 "; the log is not at hand; what was kept of the worker's standard error is not at "
-                 "hand\n");
+                "; the log is not at hand; what was kept of the worker's standard error is not at "
+                "hand\n");
 }
 
 // With the job file as a worker wrote it last.
