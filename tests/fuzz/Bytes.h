@@ -32,7 +32,8 @@ class Bytes {
   }
   // As many as the next byte says.
   std::string text() {
-    const std::size_t size = std::min<std::size_t>(byte(), rest_.size());
+    const std::size_t wanted = byte();
+    const std::size_t size = std::min(wanted, rest_.size());
     std::string taken(rest_.substr(0, size));
     rest_.remove_prefix(size);
     return taken;
