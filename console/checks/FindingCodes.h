@@ -28,7 +28,7 @@
   FINDING(jobFaulty, "job-faulty",                                                                 \
           "the record of a job that is not finished cannot be carried out as it is")               \
   FINDING(jobUnwritten, "job-unwritten",                                                           \
-          "a job is in state `WAIT`, and the log holds steps of it")                               \
+          "a job is in state `WAIT`, and the log tells that a worker took it")                     \
   FINDING(jobNoWorker, "job-no-worker", "a job is in state `RUN`, and no worker for it is seen")   \
   FINDING(jobNoResult, "job-no-result",                                                            \
           "a finished job has no `result`, or one that is no number")                              \

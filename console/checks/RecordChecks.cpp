@@ -274,8 +274,8 @@ class Records {
       what.append(job::kInputParameters).append(inBrackets(i));
       if (!image.empty()) what.append(", ").append(image).append(",");
       add(Code::imageUnusable, Severity::error, what + fault,
-          "The controllers before it are flashed. At this entry the job fails, and later ones are "
-          "not started.",
+          std::string(i == 0 ? "" : "The controllers before it are flashed. ") +
+              "At this entry the job fails, and later ones are not started.",
           "Put the image there, or add the job anew with the absolute path of one that is.");
       findings_.back().path = image;
     }
@@ -295,11 +295,11 @@ class Records {
     const LogStretch log = logOf_(record);
     if (!mayHaveBeenDone(record, log)) return false;
     add(Code::jobUnwritten, Severity::error,
-        job + " is in state WAIT, and the log holds steps of it",
-        "A worker took it and could not write what became of it: " +
-            whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep + "\".",
-        "Mend what keeps the job file from being written. Look what was done before the job is "
-        "added anew under another log_id, and remove this record.");
+        job + " is in state WAIT, and the log tells that a worker took it",
+        "A worker took it, and its record does not tell what became of it: " +
+            whatMayHaveBeenDone(record, log) + "." + lastSeenText(log),
+        "Mend what keeps the job file from being written, if anything does. Look what was done "
+        "before the job is added anew under another log_id, and remove this record.");
     return true;
   }
 

@@ -43,7 +43,7 @@ ListedJob listedJob(const platform::Value& record, LogStretch log, const Places&
 JobList listedJobs(const platform::Value& records, const Places& places);
 
 // Those that did not come to a good end: finished with another result than 0 or with none, or with
-// 0 though not all was done; left by their worker, or taken by one that could not write what became
+// 0 though not all was done; left by their worker, or taken by one that did not write what became
 // of them.
 JobList failedOnes(JobList jobs);
 

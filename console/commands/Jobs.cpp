@@ -76,7 +76,7 @@ void tellOfEarlierWorker(const Value& record, const LogStretch& log, const Place
   const std::string command = places.isCopy ? "kelvane-console explain"
                                             : consoleCommand("explain", places.sharedFolder,
                                                              stringOf(record.get(job::kLogId)));
-  showLines({"a worker took this job and could not write what became of it: " +
+  showLines({"a worker took this job, and its record does not tell what became of it: " +
              whatMayHaveBeenDone(record, log) + "; see \"" + command + "\""},
             screen);
 }
@@ -263,7 +263,7 @@ Command listCommand() {
       .footer =
           "Start and length are told where the log tells them, which has no dates; a \"+\" is\n"
           "behind the length up to now of a job that is not finished. \"WAIT, taken\" is a job\n"
-          "that a worker took, and whose record it could not write.\n"
+          "that a worker took, and whose record does not tell what became of it.\n"
           "Examples:\n"
           "  kelvane-console list --shared ~/Shared\n"
           "  kelvane-console list --shared ~/Shared --failed --last 5\n"

@@ -46,9 +46,7 @@ void requireThere(const LogIds& logIds, const Value& records, const std::string&
     const auto& all = records.elements();
     if (std::none_of(all.begin(), all.end(),
                      [&](const Value& record) { return logIdOf(record) == logId; })) {
-      std::string message = logId.empty() ? "no record without a log id" : "no job " + logId;
-      message.append(" in ").append(path).append("; nothing was removed");
-      throw Failure(kNotFound, message);
+      throw Failure(kNotFound, "no job " + logId + " in " + path + "; nothing was removed");
     }
   }
 }
@@ -60,6 +58,7 @@ class Choice {
     if (options.finished == !named_.empty()) {
       throw Failure(kBadUsage, "either log ids or --finished is to be given");
     }
+    for (const std::string& logId : named_) requireText(logId, "the log id");
     if (!options.keep.empty()) readKeep(options);
   }
 

@@ -110,7 +110,9 @@ Started start(const JobOptions& options, const TurnWish& wish, const PutIn& putI
   const JobFileLock lock = takeTurn(file, wish, surroundings);
   const Value record = putIn(file);
   command.logId = record.get(job::kLogId).string();
-  if (!options.verbose) {
+  if (options.verbose) {
+    discardStandardError(wish.sharedFolder, command.logId);
+  } else {
     command.standardError =
         makeStandardError(wish.sharedFolder, record, surroundings.clock.timeOfDay());
   }

@@ -8,6 +8,7 @@
 #include "console/explain/CodeExplanation.h"
 #include "console/explain/FirmwareFault.h"
 #include "console/explain/PackageFault.h"
+#include "console/explain/PackageNotes.h"
 #include "console/explain/Shortfall.h"
 #include "console/job/RecordValues.h"
 #include "console/job/StandardError.h"
@@ -112,9 +113,23 @@ Explanation installedNothing(const std::string& fault, const Value& record,
           "not as it is"};
 }
 
+// Of a run that is not in the log it is not known which one said it.
+std::vector<std::string> saidInThisRun(const JobCircumstances& circumstances) {
+  return circumstances.log.isFound ? circumstances.standardError : std::vector<std::string>();
+}
+
+// What was said in this run or in an earlier one, as a sentence; else empty.
+std::string doubtfulComplaint(const JobCircumstances& circumstances) {
+  const std::string complaint = toolsComplaint(circumstances.standardError);
+  if (complaint.empty()) return {};
+  return " The system's tools complained in this run or in an earlier one that asked for the same, "
+         "which of them the log does not tell: \"" +
+         complaint + "\".";
+}
+
 // What became of the application is told neither by the result nor by the log.
 Explanation installed(const Value& record, const JobCircumstances& circumstances) {
-  const std::string complaint = toolsComplaint(circumstances.standardError);
+  const std::string complaint = toolsComplaint(saidInThisRun(circumstances));
   if (!complaint.empty()) {
     std::string meaning = kWhatever;
     meaning.append("but the system's tools complained: \"").append(complaint);
@@ -132,7 +147,9 @@ Explanation installed(const Value& record, const JobCircumstances& circumstances
         "ask for ";
     advice.append(standardErrorPath("", stringOf(record.get(job::kLogId)))).append(".");
   }
-  return {"", "The application was to be replaced. The result is 0 whatever became of that.",
+  return {"",
+          "The application was to be replaced. The result is 0 whatever became of that." +
+              doubtfulComplaint(circumstances),
           "user", advice, "if the application is not there"};
 }
 
@@ -180,12 +197,23 @@ std::string whatItIsNot(std::int64_t code, const std::string& command) {
   return isOfFramework || isKnownCode(code) ? "" : "result of " + command;
 }
 
+// Of a download that asked for what it cannot get.
+void takePackageAdvice(const Value& record, bool isCopy, Explanation& told) {
+  const std::string advice = packageAdvice(record, isCopy);
+  if (advice.empty()) return;
+  told.advice = advice;
+  told.tryAgain = "not as it is";
+}
+
 Explanation failed(std::int64_t code, const Value& record, const JobStatus& status,
                    const JobCircumstances& circumstances) {
   Explanation told = explainResult(code, status.command, status.resultText);
   std::optional<Explanation> fault;
   if (status.command == job::kUpdateFW) fault = firmwareFault(code, record, circumstances);
-  if (!fault) return told;
+  if (!fault) {
+    takePackageAdvice(record, circumstances.isCopy, told);
+    return told;
+  }
   fault->subject = told.subject;
   return *fault;
 }
@@ -208,7 +236,7 @@ Explanation explainFinished(const Value& record, const JobStatus& status,
                                       : failed(code, record, status, circumstances);
   if (code == 0) explanation.subject = explainResult(0, status.command, status.resultText).subject;
   explanation.subject.insert(0, "finished with ");
-  const InstallationTraces traces{circumstances.standardError, circumstances.isCopy,
+  const InstallationTraces traces{saidInThisRun(circumstances), circumstances.isCopy,
                                   circumstances.missingApplication};
   explanation.fellShort = !shortfallOf(record, circumstances.log, traces).empty();
   return explanation;

@@ -25,23 +25,38 @@ namespace {
 
 // --- a job that waits or runs
 
+// What may go on though its worker is gone, as a sentence; else empty.
+std::string whatToAwait(const Value& record) {
+  const Value& command = record.get(job::kJobId);
+  if (command == Value(job::kUpdateFW)) {
+    return "Leave the enclosures powered for some minutes: a flash that was started goes on in the "
+           "controller. ";
+  }
+  return command == Value(job::kUpdateSW) ? "Wait until no rm or cp of the worker's runs any more. "
+                                          : "";
+}
+
 Explanation unwritten(const Value& record, const JobCircumstances& circumstances) {
   return {
       "waiting, though a worker took it",
-      "A worker took it and could not write what became of it: " +
+      "A worker took it, and its record does not tell what became of it: " +
           whatMayHaveBeenDone(record, circumstances.log) + ".",
       "user",
-      "\"kelvane-console check\" tells what keeps the record from being written; mend that. Look "
-      "what was done, at the last step and at the controllers or the application, before the "
-      "job is added anew under another log_id.",
+      whatToAwait(record) +
+          "Look what was done, at the last step and at the controllers or the application, before "
+          "the job is added anew under another log_id. \"kelvane-console check\" tells whether "
+          "anything keeps the record from being written; mend that.",
       "only where it was not done"};
 }
 
-Explanation putBack() {
+Explanation putBack(const Value& record, const LogStretch& log) {
+  const bool hasEnd = !log.isFound || log.hasEnded;
+  std::string meaning = "The record holds what a worker wrote of an earlier run";
+  meaning += hasEnd ? "" : ", which by the log did not come to its end";
   return {"waiting, put back into this state",
-          "The record holds what a worker wrote of an earlier run. Whether one took it again since "
-          "then, the record does not tell.",
-          "user", "Start the worker with this log_id, unless the log shows that it was done since.",
+          meaning + ". Whether one took it again since then, the record does not tell.", "user",
+          (hasEnd ? "" : whatToAwait(record)) +
+              "Start the worker with this log_id, unless the log shows that it was done since.",
           "yes"};
 }
 
@@ -67,6 +82,14 @@ Explanation notToBeStarted(const StartFault& fault) {
   return {"waiting", fault.meaning, "user", fault.advice, fault.tryAgain};
 }
 
+// Of a job that is not in the log, though something was said when its worker was started.
+Explanation notStarted(const std::string& said) {
+  return {"waiting", "No worker has taken it. One that was started said: \"" + said + "\".", "user",
+          "Mend what it complained of, such as a library that is missing or damaged: then install "
+          "the application anew. Then start the worker with this log_id.",
+          "once that is mended"};
+}
+
 Explanation waiting(const Value& record, const JobCircumstances& circumstances) {
   if (circumstances.workerRuns && !circumstances.isCopy) {
     return {"waiting", "A worker was started for it and is about to take it.", "nobody",
@@ -82,7 +105,7 @@ Explanation waiting(const Value& record, const JobCircumstances& circumstances) 
   if (const auto fault = startFaultOf(record, circumstances.sharedFolder, circumstances.isCopy)) {
     return notToBeStarted(*fault);
   }
-  if (record.has(job::kResult)) return putBack();
+  if (record.has(job::kResult)) return putBack(record, circumstances.log);
   if (circumstances.isCopy) return waitingInCopy(circumstances.log);
   if (circumstances.log.isFound) {
     return {"waiting", "A worker took it and gave up before it did anything; the log tells why.",
@@ -91,6 +114,7 @@ Explanation waiting(const Value& record, const JobCircumstances& circumstances) 
             "its records. Then start the worker with this log_id.",
             "yes"};
   }
+  if (!circumstances.standardError.empty()) return notStarted(circumstances.standardError.front());
   const char* meaning = circumstances.log.absence.empty()
                             ? "No worker has taken it: none was started, or none could be."
                             : "No worker is seen, and whether one has taken it cannot be told.";
@@ -195,7 +219,7 @@ Explanation byState(const Value& record, const JobStatus& status,
 // --- what the log tells of any job
 
 std::string noteOf(const LogStretch& log) {
-  if (!log.absence.empty()) return log.absence;
+  if (!log.absence.empty()) return log.absence + (log.absence.ends_with('.') ? "" : ".");
   if (!log.isFound) {
     std::string note = "The log has no lines of this job.";
     if (log.errorWithoutJob.empty()) return note;
@@ -303,6 +327,9 @@ Explanation explainJob(const Value& record, const JobCircumstances& circumstance
   takeLog(status.command, circumstances, explanation);
   takeControllers(record, status, circumstances, explanation);
   takePackages(record, circumstances, explanation);
+  if (!circumstances.standardError.empty() && !circumstances.log.isFound) {
+    explanation.details.emplace_back(kNotToldByTheLog);
+  }
   for (const std::string& line : circumstances.standardError) {
     explanation.details.push_back("standard error: " + line);
   }

@@ -1,5 +1,6 @@
 #include "console/explain/PackageNotes.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "contract/JobFile.h"
@@ -49,9 +50,14 @@ bool isFinished(const Value& record, const char* command) {
          record.get(job::kStateId) == Value(job::kFree);
 }
 
-}  // namespace
+struct Missing {
+  Value input;
+  Value description;
+  Presence presence;
+};
 
-std::vector<std::string> packageNotes(const Value& record, bool isCopy) {
+// What a finished download did not bring, or may not have brought.
+std::vector<Missing> missingPackages(const Value& record, bool isCopy) {
   const Value& result = record.get(job::kResult);
   const Value& inputs = record.get(job::kInputParameters);
   const Value& output = record.get(job::kOutput);
@@ -60,17 +66,48 @@ std::vector<std::string> packageNotes(const Value& record, bool isCopy) {
       inputs.count() != output.count()) {
     return {};
   }
-  std::vector<std::string> notes;
+  std::vector<Missing> missing;
   for (std::size_t i = 0; i < output.count(); ++i) {
     const Value& input = inputs.at(i);
     const Value& description = output.at(i);
     if (!input.isDictionary() || !description.isDictionary()) continue;
     const Presence presence = presenceOf(description, output, isCopy);
-    if (presence == Presence::yes) continue;
-    notes.push_back(
-        packageNoteOf(input, description, presence, textOf(inputs.at(0).get(job::kProductId))));
+    if (presence != Presence::yes) missing.push_back({input, description, presence});
+  }
+  return missing;
+}
+
+// The product that the engine was asked for.
+std::string askedFor(const Value& record) {
+  return textOf(record.get(job::kInputParameters).at(0).get(job::kProductId));
+}
+
+}  // namespace
+
+std::vector<std::string> packageNotes(const Value& record, bool isCopy) {
+  std::vector<std::string> notes;
+  for (const Missing& one : missingPackages(record, isCopy)) {
+    notes.push_back(packageNoteOf(one.input, one.description, one.presence, askedFor(record)));
   }
   return notes;
+}
+
+std::string packageAdvice(const Value& record, bool isCopy) {
+  const std::vector<Missing> missing = missingPackages(record, isCopy);
+  const auto isAny = [&](auto what) { return std::any_of(missing.begin(), missing.end(), what); };
+  if (isAny([](const Missing& one) { return !hadCatalogue(one.input, one.description); })) {
+    return {};
+  }
+  if (isAny([](const Missing& one) { return !one.description.has(job::kSize); })) {
+    return "Ask for products that the catalogue offers: \"kelvane-console query\" shows which.";
+  }
+  const bool isOther = isAny([&](const Missing& one) {
+    return one.presence == Presence::no &&
+           textOf(one.description.get(job::kProductId)) != askedFor(record);
+  });
+  return isOther ? "Download each product in a job of its own: the update engine is asked for the "
+                   "first one of a job alone."
+                 : "";
 }
 
 std::string engineNote(const Value& record, const LogStretch& log) {

@@ -33,13 +33,17 @@ std::string shortfallOfFirmware(const Value& record, const LogStretch& log) {
 }
 
 // A package that is not there now may have been there then.
-std::string shortfallOfInstallation(const Value& record, const InstallationTraces& traces) {
+std::string shortfallOfInstallation(const Value& record, const LogStretch& log,
+                                    const InstallationTraces& traces) {
   std::string fault = packageFaultOf(record, traces.isCopy);
   const bool isEmpty = memberOf(record.get(job::kInputParameters), job::kFilePath) == Value("");
   const bool isSure = isEmpty || (!traces.isCopy && hasPackage(record));
   if (isSure && !fault.empty()) return fault;
   const std::string complaint = toolsComplaint(traces.standardError);
-  if (!complaint.empty()) return "the system's tools complained: " + complaint;
+  if (!complaint.empty()) {
+    const std::string where = log.isFound ? ": " : " in this run or an earlier one: ";
+    return "the system's tools complained" + where + complaint;
+  }
   if (fault.empty() || traces.missingApplication.empty()) return {};
   return fault + ", and no application stands at " + traces.missingApplication;
 }
@@ -59,7 +63,7 @@ std::string shortfallOf(const Value& record, const LogStretch& log,
   if (status.command == job::kGetOnlineUpdateData) {
     return record.get(job::kOutput).isArray() ? "" : "the update engine left no catalogue";
   }
-  return status.command == job::kUpdateSW ? shortfallOfInstallation(record, traces) : "";
+  return status.command == job::kUpdateSW ? shortfallOfInstallation(record, log, traces) : "";
 }
 
 std::string shortfallAt(const Places& places, const Value& record, const LogStretch& log) {

@@ -25,10 +25,10 @@ std::string adviceForUnfinished(const Value& record, const LogStretch& log,
   // Submitted again it would stand in the file twice.
   const std::string retry = commandFor(record, "retry", sharedFolder);
   if (mayHaveBeenDone(record, log)) {
-    return "a worker took it and could not write what became of it: " +
-           whatMayHaveBeenDone(record, log) + ". The log last saw \"" + log.lastStep +
-           "\". \"kelvane-console check\" tells what keeps the record from being written; look "
-           "what was done before it is submitted again";
+    return "a worker took it, and its record does not tell what became of it: " +
+           whatMayHaveBeenDone(record, log) + "." + lastSeenText(log) +
+           " \"kelvane-console check\" tells whether anything keeps the record from being written; "
+           "look what was done before it is submitted again";
   }
   if (record.get(job::kStateId) == Value(job::kWait)) {
     const std::string begun = log.absence.empty()

@@ -192,7 +192,9 @@ const char* phaseOf(const ControllerStatus& controller) {
       break;
   }
   if (controller.total == kWhole) return "done";
-  if (controller.firmware > 0 || controller.cpld == kWhole) return "firmware";
+  // The second half of it is the firmware's, also of a controller whose CPLD is not flashed.
+  const bool isAtFirmware = controller.total >= kWhole / 2;
+  if (isAtFirmware || controller.firmware > 0 || controller.cpld == kWhole) return "firmware";
   return controller.cpld > 0 ? "CPLD" : "waiting";
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "console/job/ExitCode.h"
+#include "console/job/LoggedRecords.h"
 #include "console/job/RecordValues.h"
 #include "contract/JobFile.h"
 #include "platform/Text.h"
@@ -71,6 +72,7 @@ class StepReader {
   explicit StepReader(LogStretch& stretch) : stretch_(stretch) {}
 
   void take(const LogEntry& entry) {
+    stretch_.hasBegun = stretch_.hasBegun || entry.message.starts_with(kRecordsWritten);
     if (entry.level == "error") {
       if (++counts_[entry.function + ": " + entry.message] == 1) errors_.push_back(&entry);
       stretch_.gaveUp = stretch_.gaveUp || entry.function != kStartFunction;
@@ -134,9 +136,10 @@ std::span<const LogEntry> entriesOf(const std::vector<LogEntry>& entries, const 
 LogStretch stretchOf(const LoggedJobs& jobs, const Value& record) {
   LogStretch stretch;
   const std::optional<LoggedJob> found = jobs.find(record);
+  const LogEntry* begin = found ? found->entries.data() : nullptr;
+  stretch.startsOfOthers = jobs.startsOf(stringOf(memberOf(record, job::kLogId)), begin);
   if (!found) {
     stretch.errorWithoutJob = lastErrorIn(jobs.lastWithoutJob());
-    stretch.startsOfOthers = jobs.startsOf(stringOf(memberOf(record, job::kLogId)));
     return stretch;
   }
   const std::string command = stringOf(memberOf(record, job::kJobId));

@@ -24,6 +24,7 @@ struct LogStretch {
   std::vector<std::string> errors = {};
   std::string lastStep = {};             // the same form; empty where there was no step of its own
   bool gaveUp = false;                   // whether an error stands behind the last step
+  bool hasBegun = false;                 // whether the worker was to write of it, or did
   bool hasStarted = false;               // whether a program was started for it, and has ended
   bool hasEnded = false;                 // whether the job's last line is there
   std::string endedWith = {};            // the result that it shows
@@ -31,7 +32,7 @@ struct LogStretch {
   std::vector<FlashSteps> flashes = {};  // of a firmware job
   // Where it is not found: the error with which the log's last worker ended, if that took no job.
   std::string errorWithoutJob = {};
-  // Where it is not found: when workers began that took other jobs which had its log id.
+  // When other workers began that took jobs with its log id: where it is found, those before it.
   std::vector<std::string> startsOfOthers = {};
   std::string absence = {};  // why there is no log to look into
   // When it ran, and how it went on; other jobs' where the stretch is mixed.

@@ -220,12 +220,15 @@ std::optional<LoggedJob> LoggedJobs::find(const Value& record) const {
              : std::optional(last);
 }
 
-std::vector<std::string> LoggedJobs::startsOf(const std::string& logId) const {
+std::vector<std::string> LoggedJobs::startsOf(const std::string& logId,
+                                              const LogEntry* before) const {
   std::vector<std::string> starts;
   const auto takers = takers_.find(logId);
   if (takers == takers_.end()) return starts;
   for (const std::size_t worker : takers->second) {
-    starts.push_back(entries_[workers_[worker].begin].time);
+    const LogEntry& begin = entries_[workers_[worker].begin];
+    if (&begin == before) break;
+    starts.push_back(begin.time);
   }
   return starts;
 }

@@ -45,8 +45,9 @@ class LoggedJobs {
   // The last part in which a worker took whatever job had this log id.
   std::optional<LoggedJob> findLast(const std::string& logId) const;
 
-  // The times at which workers began that took jobs with this log id, as the log has them.
-  std::vector<std::string> startsOf(const std::string& logId) const;
+  // The times at which workers began that took jobs with this log id, as the log has them: those
+  // before this entry of it, or where there is none, all.
+  std::vector<std::string> startsOf(const std::string& logId, const LogEntry* before) const;
 
   // What the log's last worker wrote, if it took no job; else nothing.
   std::span<const LogEntry> lastWithoutJob() const { return lastWithoutJob_; }

@@ -57,8 +57,6 @@ constexpr std::size_t kTimeLength = 8;  // "14:03:07"
 constexpr seconds kWholeDay{24 * 60 * 60};
 // A worker writes into the log at once, where the computer is slow a little later.
 constexpr seconds kLatestLine{60};
-// The log's time may be rounded.
-constexpr seconds kEarliestLine{2};
 
 std::string headFor(const Value& record, seconds started) {
   const std::optional<std::string> text = platform::printJsonLine(record);
@@ -102,8 +100,7 @@ Kept keptAt(const std::string& path) {
 bool isOfRun(seconds started, const std::string& firstLine) {
   const std::optional<seconds> logged = timeOfDay(firstLine);
   if (!logged) return false;
-  const seconds later = (*logged - started + kEarliestLine + kWholeDay) % kWholeDay;
-  return later <= kLatestLine + kEarliestLine;
+  return (*logged - started + kWholeDay) % kWholeDay <= kLatestLine;
 }
 
 // Whether it is that of the worker of this job. A log id may have been another job's before, also
@@ -112,7 +109,8 @@ bool isOf(const Value& record, const LogStretch& log, const Kept& kept) {
   if (!kept.started || !kept.record.isDictionary() || !record.isDictionary()) return false;
   if (kept.record.get(job::kLogId) != record.get(job::kLogId)) return false;
   if (!isSameJob(record, kept.record)) return false;
-  if (log.isFound) return !log.history || isOfRun(*kept.started, log.history->start);
+  if (log.history && !isOfRun(*kept.started, log.history->start)) return false;
+  // The first worker behind its start is the one that was started.
   return std::none_of(
       log.startsOfOthers.begin(), log.startsOfOthers.end(),
       [&](const std::string& firstLine) { return isOfRun(*kept.started, firstLine); });

@@ -23,6 +23,11 @@ std::string standardErrorPath(const std::string& sharedFolder, const std::string
 std::string makeStandardError(const std::string& sharedFolder, const platform::Value& record,
                               std::chrono::seconds started);
 
+// Stands before the lines where the log does not tell of which run they are.
+inline constexpr char kNotToldByTheLog[] =
+    "the log has no lines of this job: what was kept of standard error may be of an earlier one "
+    "that had its log id and asked for the same";
+
 // The lines that the worker of this job said; none where it said nothing or nothing is kept, and
 // where what is kept is of another job that had the log id before.
 std::vector<std::string> standardErrorOf(const std::string& sharedFolder,

@@ -26,12 +26,17 @@ bool mayHaveBeenDone(const Value& record, const LogStretch& log) {
   if (!waits || !log.isFound) return false;
   if (log.isMixed) return true;
   if (commandOf(record) == job::kUpdateFW) return hasFlashed(log);
-  return log.hasStarted;
+  // A worker that was killed while its first program ran has no step in the log.
+  return log.hasStarted || (log.hasBegun && !log.gaveUp);
+}
+
+std::string lastSeenText(const LogStretch& log) {
+  return log.lastStep.empty() ? "" : " The log last saw \"" + log.lastStep + "\".";
 }
 
 std::string whatMayHaveBeenDone(const Value& record, const LogStretch& log) {
   const std::string command = commandOf(record);
-  if (command == job::kUpdateSW) return "the application may have been replaced";
+  if (command == job::kUpdateSW) return "the application may have been removed or replaced";
   if (command != job::kUpdateFW) return "it may have been done";
   const auto done = std::count_if(log.flashes.begin(), log.flashes.end(),
                                   [](const FlashSteps& flash) { return flash.isFlashed; });

@@ -8,6 +8,7 @@
 #include "console/display/JobText.h"
 #include "console/explain/JobExplanation.h"
 #include "console/job/JobStatus.h"
+#include "console/job/StandardError.h"
 #include "console/job/UnwrittenJob.h"
 #include "console/report/HistoryDrawing.h"
 #include "console/report/LogSection.h"
@@ -337,6 +338,7 @@ void showLogOf(Html& page, const ReportMatter& matter) {
 void showStandardError(Html& page, const ReportMatter& matter) {
   if (matter.standardError.empty()) return;
   openSection(page, "complaints", "What the worker and its tools said on standard error");
+  if (!matter.log.isFound) page.label("p", "Mind: " + std::string(kNotToldByTheLog) + ".");
   std::string text;
   for (const std::string& line : matter.standardError) text.append(line).append("\n");
   page.element("pre", text, {}, {.most = kMostBytesSaid});

@@ -111,8 +111,8 @@ TEST_F(Explain, AFlashWhoseRecordCouldNotBeWrittenIsNotSaidNotToBeBegun) {
   EXPECT_EQ(told("subject"), "job 17 (updateFW): waiting, though a worker took it");
   EXPECT_THAT(told("meaning"), HasSubstr("the flash may have been done, by the log of 1 cont"));
   EXPECT_THAT(findings(), ::testing::Contains("error: " + jobFile() +
-                                              ": job 17 is in state WAIT, and the log holds steps "
-                                              "of it"));
+                                              ": job 17 is in state WAIT, and the log tells that a "
+                                              "worker took it"));
 }
 
 TEST_F(Explain, AControllerThatIsNotThere) {

@@ -177,10 +177,10 @@ TEST(RecordChecks, WaitingJobWithStepsInTheLogIsAnError) {
   };
   const Findings all = look(false);
   ASSERT_EQ(all.size(), 1U);
-  EXPECT_EQ(all[0].what, "F: job 1 is in state WAIT, and the log holds steps of it");
+  EXPECT_EQ(all[0].what, "F: job 1 is in state WAIT, and the log tells that a worker took it");
   EXPECT_EQ(all[0].meaning,
-            "A worker took it and could not write what became of it: the application may have been "
-            "replaced. The log last saw \"14:03:07 updateSW: result = \".");
+            "A worker took it, and its record does not tell what became of it: the application may "
+            "have been removed or replaced. The log last saw \"14:03:07 updateSW: result = \".");
   EXPECT_THAT(look(true), IsEmpty());
 }
 

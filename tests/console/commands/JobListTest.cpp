@@ -169,7 +169,7 @@ TEST_F(JobListTest, AJobThatEndedWith0AndDidNotDoAllHasFailed) {
   EXPECT_EQ(shown.str(),
             "Log id  Command              State  Result  Text\n"
             "     1  updateSW             FREE        0  no error, but the system's tools "
-            "complained: cp: /x: Permission denied\n"
+            "complained in this run or an earlier one: cp: /x: Permission denied\n"
             "     2  getOnlineUpdateData  FREE        0  no error, but the update engine left no "
             "catalogue\n");
 }

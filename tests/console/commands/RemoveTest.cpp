@@ -80,10 +80,12 @@ TEST_F(Remove, AllRecordsOfALogIdGo) {
   EXPECT_EQ(shown.str(), "removed job 1 (2 records)\n");
 }
 
-TEST_F(Remove, AnEmptyLogIdThatIsNotThereIsNamed) {
-  EXPECT_EQ(run({""}), kNotFound);
-  EXPECT_EQ(messages.str(), "kelvane-console: no record without a log id in " +
-                                (folder / test::kJobFile) + "; nothing was removed\n");
+TEST_F(Remove, AnEmptyLogIdRemovesNothing) {
+  folder.write(test::kJobFile, R"([{"log_id": ""}, {"n": 1}, {"log_id": "2"}])");
+  const std::string before = folder.read(test::kJobFile);
+  EXPECT_EQ(run({"2", ""}), kBadUsage);
+  EXPECT_EQ(messages.str(), "kelvane-console: the log id is missing\n");
+  EXPECT_EQ(folder.read(test::kJobFile), before);
 }
 
 TEST_F(Remove, WhatWasKeptOfStandardErrorGoesToo) {

@@ -51,6 +51,14 @@ class UpdateSw : public ConsoleWorld {
   UpdateSwOptions options;
 };
 
+TEST_F(UpdateSw, WhatTheWorkerSaysIsShownOnRequestAndThenNothingOlderIsLeft) {
+  const std::string kept = folder.write("shared/utility/logs/standard-error-1.txt", "rm: no\n");
+  makeWorkerThatInstalls();
+  job.verbose = true;
+  EXPECT_EQ(run(), kSuccess) << messages.str();
+  EXPECT_FALSE(platform::exists(kept));
+}
+
 TEST_F(UpdateSw, TheWorkerFindsThePackage) {
   makeWorkerThatLooks();
   options.package = std::filesystem::relative(folder / "New.app").string();

@@ -40,6 +40,7 @@ Value installation(const std::string& package) {
 
 TEST(FinishedInstallation, HasFailedWhereTheToolsComplained) {
   JobCircumstances copied{.isCopy = true};
+  copied.log.isFound = true;
   copied.standardError = {"a line", "cp: cannot create '/x': Permission denied", "cp: more"};
   const Explanation found = explainJob(installation("/a"), copied);
   EXPECT_THAT(found.meaning, HasSubstr("\"cp: cannot create '/x': Permission denied\". It failed"));

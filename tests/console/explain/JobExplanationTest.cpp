@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "console/explain/JobExplanation.h"
+#include "console/job/StandardError.h"
 #include "platform/Json.h"
 #include "tests/console/explain/LogOfFlashes.h"
 #include "tests/support/TempFolder.h"
@@ -109,9 +110,10 @@ TEST(JobExplanation, WhatWasKeptOfStandardErrorIsTold) {
   JobCircumstances circumstances;
   circumstances.standardError = {"EngineRunner: no such service", "(kept in /x)"};
   const Explanation found = explained("downloadOnlineUpdateFile", failed, circumstances);
-  ASSERT_EQ(found.details.size(), 3U);
-  EXPECT_EQ(found.details[1], "standard error: EngineRunner: no such service");
-  EXPECT_EQ(found.details[2], "standard error: (kept in /x)");
+  ASSERT_EQ(found.details.size(), 4U);
+  EXPECT_EQ(found.details[1], kNotToldByTheLog);
+  EXPECT_EQ(found.details[2], "standard error: EngineRunner: no such service");
+  EXPECT_EQ(found.details[3], "standard error: (kept in /x)");
 }
 
 TEST(JobExplanation, RunningInACopyDoesNotTellOfWorkers) {
@@ -280,10 +282,62 @@ TEST(JobExplanation, WaitingThatAWorkerTookMayHaveBeenDone) {
       {false, test::stretchWith(record, test::controllerLines("/a") + test::flashedLines())});
   EXPECT_EQ(found.subject, "job 17 (updateFW): waiting, though a worker took it");
   EXPECT_EQ(found.meaning,
-            "A worker took it and could not write what became of it: the flash may have been done, "
+            "A worker took it, and its record does not tell what became of it: the flash may have "
+            "been done, "
             "by the log of 1 controller.");
   EXPECT_EQ(found.tryAgain, "only where it was not done");
   EXPECT_EQ(found.lastStep, "14:03:07 updateFW: Flash Completed.");
+}
+
+// Killed while rm ran: the log has what was written of the job, and no step.
+constexpr char kWrittenAsRunning[] = "writeJSONFile, newArray = (\n)";
+
+TEST(JobExplanation, WaitingWhoseWorkerWasKilledAtItsFirstProgramMayHaveBeenDone) {
+  const auto record = parseJson(R"({"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
+    "input_parameters": {"file_path": "/a"}})");
+  const std::string written = test::logLine("writeJSONFile", kWrittenAsRunning);
+  const Explanation killed = explainJob(record, {false, test::stretchWith(record, written)});
+  EXPECT_EQ(killed.subject, "job 17 (updateSW): waiting, though a worker took it");
+  EXPECT_EQ(killed.meaning,
+            "A worker took it, and its record does not tell what became of it: the application may "
+            "have been removed or replaced.");
+  EXPECT_EQ(killed.advice.rfind("Wait until no rm or cp of the worker's runs any more. ", 0), 0U);
+  EXPECT_EQ(killed.tryAgain, "only where it was not done");
+}
+
+TEST(JobExplanation, WaitingThatWasPutBackInTheMiddleOfAFlashIsNotToBeStartedAtOnce) {
+  const auto record = parseJson(R"({"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
+    "input_parameters": [{"wwn": "A1", "file_path": "/bin/sh"}], "result": 0})");
+  const LogStretch log = test::stretchWith(record, test::controllerLines("/bin/sh"));
+  const Explanation found = explainJob(record, {false, log});
+  EXPECT_EQ(found.subject, "job 17 (updateFW): waiting, put back into this state");
+  EXPECT_EQ(found.advice.rfind("Leave the enclosures powered for some minutes: ", 0), 0U);
+}
+
+TEST(JobExplanation, WaitingWhoseWorkerCouldNotBeStartedTellsWhatItSaid) {
+  JobCircumstances circumstances;
+  circumstances.standardError = {"Kelvane: error while loading shared libraries", "(kept in /x)"};
+  const Explanation found = explained("getOnlineUpdateData", kWaiting, circumstances);
+  EXPECT_EQ(found.meaning,
+            "No worker has taken it. One that was started said: \"Kelvane: error while loading "
+            "shared libraries\".");
+  EXPECT_EQ(found.tryAgain, "once that is mended");
+  ASSERT_EQ(found.details.size(), 3U);
+  EXPECT_EQ(found.details[0], kNotToldByTheLog);
+}
+
+TEST(JobExplanation, WhatToolsComplainedOfInARunThatTheLogDoesNotHaveIsNoFailure) {
+  JobCircumstances circumstances;
+  circumstances.isCopy = true;
+  circumstances.standardError = {"rm: cannot remove it"};
+  const std::string done =
+      R"("state_id": "FREE", "result": 0, "input_parameters": {"file_path": "/x"})";
+  const Explanation doubtful = explained("updateSW", done, circumstances);
+  EXPECT_NE(doubtful.meaning.find("complained in this run or in an earlier one"),
+            std::string::npos);
+  EXPECT_FALSE(doubtful.fellShort);
+  circumstances.log.isFound = true;
+  EXPECT_TRUE(explained("updateSW", done, circumstances).fellShort);
 }
 
 TEST(JobExplanation, WaitingThatWasPutBackSaysSo) {
@@ -308,7 +362,7 @@ TEST(JobExplanation, SaysWhereTheLogHasNothing) {
   EXPECT_EQ(explained("getOnlineUpdateData", kWaiting).note, "The log has no lines of this job.");
   JobCircumstances circumstances;
   circumstances.log.absence = "there is no log";
-  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).note, "there is no log");
+  EXPECT_EQ(explained("getOnlineUpdateData", kWaiting, circumstances).note, "there is no log.");
 }
 
 TEST(JobExplanation, FinishedWithANumberThatTheWorkerNeverWrites) {

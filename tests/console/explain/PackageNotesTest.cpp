@@ -59,6 +59,26 @@ TEST(PackageNotes, OfACopyItIsNotLookedWhatIsThere) {
             "fw3: the catalogue offers version 3.4, and its package was not brought");
 }
 
+TEST(PackageAdvice, IsToAskForWhatTheCatalogueOffersAndForOneProductAtATime) {
+  const std::string offered =
+      R"([{"productid": "fw3", "folder": "/area", "version": "3.4", "size": 12, "file_path": "/"},
+          {"productid": "fw2", "folder": "/area", "version": "2.4", "size": 12, "file_path": ""},
+          {"productid": "fw1", "folder": "/area", "version": "1.0", )";
+  EXPECT_THAT(packageAdvice(download(offered + R"("file_path": ""}])"), false),
+              ::testing::StartsWith("Ask for products that the catalogue offers: "));
+  EXPECT_THAT(packageAdvice(download(offered + R"("size": 1, "file_path": "/"}])"), false),
+              ::testing::StartsWith("Download each product in a job of its own: "));
+  EXPECT_EQ(packageAdvice(download("[]", 0), false), "");
+}
+
+TEST(PackageAdvice, IsLeftToTheResultWhereTheSameJobMayComeToAGoodEnd) {
+  EXPECT_EQ(packageAdvice(download(R"([{"productid": "fw3", "folder": "/area", "size": 12},
+                {"productid": "fw2", "folder": "/area", "size": 12, "file_path": "/"},
+                {"productid": "fw1", "folder": "/area", "size": 12, "file_path": "/"}])"),
+                          false),
+            "");
+}
+
 TEST(PackageNotes, OfADownloadThatIsDoneThereAreNone) {
   EXPECT_THAT(packageNotes(download("[{}, {}, {}]", 0)), IsEmpty());
   EXPECT_THAT(packageNotes(download("[5]")), IsEmpty());

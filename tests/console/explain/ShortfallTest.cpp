@@ -17,8 +17,11 @@ Value doneWith(const std::string& command, const std::string& more = "", int res
 }
 
 TEST(Shortfall, OfAnInstallationIsTheFirstComplaintOfTheTools) {
-  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {{"x", "rm: cannot remove '/a'", "cp: b"}}),
+  const InstallationTraces traces{{"x", "rm: cannot remove '/a'", "cp: b"}};
+  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {.isFound = true}, traces),
             "the system's tools complained: rm: cannot remove '/a'");
+  EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, traces),
+            "the system's tools complained in this run or an earlier one: rm: cannot remove '/a'");
   EXPECT_EQ(shortfallOf(doneWith("updateSW"), {}, {}), "");
   EXPECT_EQ(shortfallOf(doneWith("updateSW", R"(, "input_parameters": {"file_path": ""})"), {}, {}),
             "the path of its package is empty");

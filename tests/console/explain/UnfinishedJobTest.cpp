@@ -72,9 +72,11 @@ TEST(UnfinishedJob, AWaitingJobThatFlashedIsNotSaidNotToBeBegun) {
   const std::string advice =
       adviceForUnfinished(record, stretchWith(record, controllerLines("/a") + flashedLines()), "");
   EXPECT_EQ(advice,
-            "a worker took it and could not write what became of it: the flash may have been done, "
+            "a worker took it, and its record does not tell what became of it: the flash may have "
+            "been done, "
             "by the log of 1 controller. The log last saw \"14:03:07 updateFW: Flash Completed.\". "
-            "\"kelvane-console check\" tells what keeps the record from being written; look what "
+            "\"kelvane-console check\" tells whether anything keeps the record from being written; "
+            "look what "
             "was done before it is submitted again");
 }
 

@@ -55,6 +55,7 @@ TEST(JobStatus, PhaseFollowsThePercentages) {
   EXPECT_STREQ(phaseOf({"A", 99, 0, 49}), "CPLD");
   EXPECT_STREQ(phaseOf({"A", 100, 0, 50}), "firmware");
   EXPECT_STREQ(phaseOf({"A", 0, 1, 1}), "firmware");
+  EXPECT_STREQ(phaseOf({"A", 0, 0, 50}), "firmware");
   EXPECT_STREQ(phaseOf({"A", 100, 100, 99}), "firmware");
   EXPECT_STREQ(phaseOf({"A", 100, 100, 100}), "done");
   EXPECT_STREQ(phaseOf({"A", 0, 100, 100}), "done");

@@ -136,8 +136,10 @@ TEST_F(LogIdUsedAgain, AWaitingJobThatAsksForTheSameIsNotGivenTheRunOfOneThatIsO
   EXPECT_EQ(lastOf(kWaiting), "none");
   EXPECT_EQ(lastOf(kDone), "end");
   EXPECT_EQ(lastOf(R"({"log_id": "17", "job_id": "a", "state_id": "WAIT", "result": 0})"), "end");
-  EXPECT_EQ(LoggedJobs(entries).startsOf("17"), std::vector<std::string>{"14:03:07"});
-  EXPECT_TRUE(LoggedJobs(entries).startsOf("18").empty());
+  const LoggedJobs jobs(entries);
+  EXPECT_EQ(jobs.startsOf("17", nullptr), std::vector<std::string>{"14:03:07"});
+  EXPECT_TRUE(jobs.startsOf("17", entries.data()).empty());
+  EXPECT_TRUE(jobs.startsOf("18", nullptr).empty());
 }
 
 TEST_F(LogIdUsedAgain, AJobWhoseEndDidNotComeIntoTheJobFileIsStillThatOfItsRun) {

@@ -70,7 +70,7 @@ TEST_F(StandardError, IsThatOfTheJobThroughoutIt) {
   record.set("state_id", "FREE");
   record.set("result", Value::integer(0));
   EXPECT_EQ(told(), Lines{"rm: no"});
-  for (const char* start : {"11:59:59", "12:00:00", "12:00:40"}) {
+  for (const char* start : {"12:00:00", "12:00:40"}) {
     EXPECT_EQ(told(logFrom(start)), Lines{"rm: no"}) << start;
   }
 }
@@ -87,6 +87,15 @@ TEST_F(StandardError, OfAJobThatAskedForTheSameAtAnotherTimeIsNotTold) {
   for (const char* start : {"11:59:00", "12:02:00", "00:00:00"}) {
     EXPECT_EQ(told(logFrom(start)), Lines()) << start;
   }
+}
+
+TEST_F(StandardError, IsThatOfTheFirstWorkerBehindItsStart) {
+  say("rm: no\n");
+  LogStretch log = logFrom("12:00:08");
+  log.startsOfOthers = {"11:59:59"};
+  EXPECT_EQ(told(log), Lines{"rm: no"});
+  log.startsOfOthers.emplace_back("12:00:00");
+  EXPECT_EQ(told(log), Lines());
 }
 
 TEST_F(StandardError, OfAJobThatNoWorkerTookIsThatOfOneThatCouldNotBegin) {

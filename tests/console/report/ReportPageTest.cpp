@@ -240,8 +240,12 @@ TEST(ReportPage, AnInstallationThatTheToolsComplainedOfHasFailed) {
       "result": 0, "resultStr": "no error", "input_parameters": {"file_path": "/a"}})");
   matter.subject.places.isCopy = true;
   matter.standardError = {"cp: /x: Permission denied"};
+  EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Ended</strong>"),
+                                    HasSubstr("<p>Mind: the log has no lines of this job: ")));
+  matter.log.isFound = true;
   EXPECT_THAT(pageOf(matter), AllOf(HasSubstr("<strong>Failed</strong>"),
-                                    HasSubstr("cp: /x: Permission denied&quot;. It failed")));
+                                    HasSubstr("cp: /x: Permission denied&quot;. It failed"),
+                                    Not(HasSubstr("Mind: the log"))));
 }
 
 TEST(ReportPage, WhereTheJobFileCannotBeReadItTellsTheJobOfTheLog) {
