@@ -46,7 +46,8 @@ void requireThere(const LogIds& logIds, const Value& records, const std::string&
     const auto& all = records.elements();
     if (std::none_of(all.begin(), all.end(),
                      [&](const Value& record) { return logIdOf(record) == logId; })) {
-      throw Failure(kNotFound, "no job " + logId + " in " + path + "; nothing was removed");
+      std::string message = "no job " + logId;
+      throw Failure(kNotFound, message.append(" in ").append(path).append("; nothing was removed"));
     }
   }
 }

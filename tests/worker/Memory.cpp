@@ -25,12 +25,13 @@ void* __wrap_malloc(std::size_t size) {
   return __real_malloc(size);
 }
 
-extern "C" void* __real__Znwm(std::size_t size);
-extern "C" void* __wrap__Znwm(std::size_t size);
+// The operator's name for the linker ends with the type of sizes.
+extern "C" void* realNew(std::size_t size) __asm__("__real_" KELVANE_OPERATOR_NEW);
+extern "C" void* wrappedNew(std::size_t size) __asm__("__wrap_" KELVANE_OPERATOR_NEW);
 
-void* __wrap__Znwm(std::size_t size) {
+void* wrappedNew(std::size_t size) {
   if (memory::newCallsLeft == 0) throw std::bad_alloc();
   if (memory::newCallsLeft > 0) --memory::newCallsLeft;
   memory::newBytes += size;
-  return __real__Znwm(size);
+  return realNew(size);
 }
