@@ -21,7 +21,7 @@ std::string listed(const TreeDifferences& found) {
 std::string installationFault(const std::string& package, const std::string& installed) {
   if (!platform::exists(installed)) {
     return "no application stands at " + installed +
-           ": it was removed, and the new one was not copied";
+           ": the new one was not copied, or was removed since";
   }
   const TreeDifferences found = treeDifferences(package, installed);
   if (found.count == 0) return {};

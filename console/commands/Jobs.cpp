@@ -177,6 +177,17 @@ std::vector<Option> placesAndJson() {
   return options;
 }
 
+// Of a copy it is not known whether they had a worker: "running when it was copied, which may have
+// failed: 4, 5".
+std::string runningText(const JobList& jobs) {
+  std::string logIds;
+  for (const ListedJob& job : jobs) {
+    if (job.status.state != job::kRun) continue;
+    logIds.append(logIds.empty() ? "" : ", ").append(job.status.logId);
+  }
+  return logIds.empty() ? "" : "running when it was copied, which may have failed: " + logIds;
+}
+
 std::string noJobsText(const ListOptions& options, const Value& records, const Places& places) {
   const bool isNoneWanted = !options.last.empty() && countIn(options.last, kLastOption) == 0;
   if (isNoneWanted) return std::string(kLastOption) + " 0 shows no jobs";
@@ -192,6 +203,7 @@ int list(const ListOptions& options, const Screen& screen) {
   const Places places = placesOf(options.sharedFolder, options.copy, workersShared);
   const Value records = recordsAt(places);
   JobList jobs = listedJobs(records, places);
+  const std::string running = options.failed && places.isCopy ? runningText(jobs) : "";
   if (options.failed) jobs = failedOnes(std::move(jobs));
   if (!options.last.empty()) jobs = lastOnes(std::move(jobs), countIn(options.last, kLastOption));
   if (screen.json) {
@@ -206,6 +218,7 @@ int list(const ListOptions& options, const Screen& screen) {
     showTable(tableOf(jobs), screen);
     tellOfJobFile(jobs, places, screen);
   }
+  if (!running.empty()) showLines({running}, screen);
   tellWhatWasNotLookedAt(places, screen);
   return kSuccess;
 }

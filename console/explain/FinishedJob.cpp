@@ -93,7 +93,7 @@ std::string withoutPackage(const Value& record, const JobCircumstances& circumst
            ": it was removed, and none put in its place.";
   }
   if (memberOf(record.get(job::kInputParameters), job::kFilePath) == Value("")) {
-    return " The application was removed, and none put in its place.";
+    return " The application was to be removed, and none put in its place.";
   }
   if (!circumstances.isCopy && hasPackage(record)) {
     return " Unless another one stood there then, the application was removed, and this put in its "

@@ -38,7 +38,10 @@ Value loggedRecords(const Places& places) {
 }
 
 std::string wayTo(const Places& places) {
-  const char* replaced = places.sharedFolder.empty() ? " alone" : " in place of the folder";
+  const char* replaced = places.sharedFolder.empty()
+                             ? " alone"
+                             : " in place of the folder; report --shared tells it, too, with what "
+                               "was kept of standard error";
   return "give list, show, explain or report --log-file " + places.log + replaced;
 }
 

@@ -79,6 +79,17 @@ TEST_F(Jobs, ListAndShowOfAJobFileAlone) {
                 "hand\n");
 }
 
+TEST_F(Jobs, TheFailedOnesOfACopyAreToldWithThoseThatRan) {
+  const std::string file = folder.write("mail/jobs.json", folder.read(test::kJobFile));
+  const std::string told = "running when it was copied, which may have failed: 2\n";
+  EXPECT_EQ(runHere(list, {.sharedFolder = "", .failed = true, .copy = {.jobFile = file}}),
+            kSuccess);
+  EXPECT_NE(shown.str().find(told), std::string::npos) << shown.str();
+  shown.str("");
+  EXPECT_EQ(runHere(list, {.sharedFolder = folder / "shared", .failed = true}), kSuccess);
+  EXPECT_EQ(shown.str().find(told), std::string::npos) << shown.str();
+}
+
 // With the job file as a worker wrote it last.
 TEST_F(Jobs, ALogAloneShowsTheRecordsThatAreInIt) {
   const std::string written = platform::describe(platform::parseJson(folder.read(test::kJobFile)));
@@ -363,7 +374,9 @@ TEST_F(Jobs, WhereTheJobFileHoldsNothingTheLogIsNamed) {
   const std::string log = folder.write("shared/utility/logs/TarselVistrelUtility.txt",
                                        test::writtenLine("3", "A1", 50));
   const std::string way =
-      "give list, show, explain or report --log-file " + log + " in place of the folder";
+      "give list, show, explain or report --log-file " + log +
+      " in place of the folder; report --shared tells it, too, with what was kept of standard "
+      "error";
   folder.write(test::kJobFile, "[]");
   EXPECT_EQ(runList(), kSuccess);
   EXPECT_EQ(shown.str(),

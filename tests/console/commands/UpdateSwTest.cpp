@@ -101,7 +101,7 @@ TEST_F(UpdateSw, AnApplicationThatIsGoneIsNoSuccess) {
   EXPECT_EQ(run(), kJobFailed);
   EXPECT_EQ(messages.str(), "kelvane-console: no application stands at " +
                                 (folder / "Installed.app") +
-                                ": it was removed, and the new one was not copied\n");
+                                ": the new one was not copied, or was removed since\n");
 }
 
 TEST_F(UpdateSw, AnApplicationThatIsNotThePackageIsNoSuccess) {

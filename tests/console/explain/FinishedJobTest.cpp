@@ -64,7 +64,7 @@ TEST(FinishedInstallation, SaysThatThePackageIsNotThere) {
   EXPECT_EQ(missing.tryAgain, "not as it is");
   const Explanation empty = explainJob(installation(""), {.isCopy = true});
   EXPECT_THAT(empty.meaning, EndsWith("the path of its package is empty. The application was "
-                                      "removed, and none put in its place."));
+                                      "to be removed, and none put in its place."));
 }
 
 TEST(FinishedInstallation, OfWhatIsNoApplicationPutsThatInItsPlace) {
