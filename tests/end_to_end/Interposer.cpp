@@ -70,14 +70,14 @@ void keepVersion(const char* path) {
   if (failed) std::abort();
 }
 
-unsigned int slept = 0;  // seconds
+std::time_t slept = 0;  // seconds
 
 }  // namespace
 
 unsigned int sleep(unsigned int seconds) {
   static int count = 0;
   note("KELVANE_TEST_SLEEPS", std::to_string(seconds));
-  slept += seconds;
+  slept += static_cast<std::time_t>(seconds);
   const char* last = std::getenv("KELVANE_TEST_KILL");
   if (last != nullptr && ++count == std::atoi(last)) ::raise(SIGKILL);
   return 0;
