@@ -14,7 +14,7 @@ using platform::Value;
 namespace {
 
 Findings copiedJobFindings(const Places& places) {
-  Findings findings = concerning(places.jobFile, jobFileContentFindings(places.jobFile));
+  Findings findings = concerning(places.jobFile, jobFileContentFindings(places));
   const Value records = readJsonFile(places.jobFile).value;
   if (!records.isArray()) return findings;
   const JobsLog log(places);

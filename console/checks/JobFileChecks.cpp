@@ -40,20 +40,27 @@ void findMissing(const std::string& path, Findings& findings) {
        "makes what is missing when it adds a job."});
 }
 
-void findDamage(const std::string& path, Findings& findings) {
-  const JsonFile file = readJsonFile(path);
+std::string meanwhile(const Places& places) {
+  const std::string way = wayToLoggedJobs(places);
+  return way.empty() ? way : " Meanwhile " + way + ".";
+}
+
+void findDamage(const Places& places, Findings& findings) {
+  const JsonFile file = readJsonFile(places.jobFile);
   if (!file.fault.empty()) {
+    const char* advice = refusal(places.jobFile, Access::read).empty()
+                             ? "Mend the file, or move it away: the application starts a new one."
+                             : "Give the user that runs the worker the right to read it.";
     findings.push_back({Code::jobFileDamaged, Severity::error, file.fault,
                         "The worker finds no job in it and starts nothing. A job that runs "
                         "meanwhile stays in state RUN.",
-                        refusal(path, Access::read).empty()
-                            ? "Mend the file, or move it away: the application starts a new one."
-                            : "Give the user that runs the worker the right to read it."});
+                        advice + meanwhile(places)});
   } else if (!file.value.isArray()) {
-    findings.push_back({Code::jobFileNoList, Severity::error,
-                        path + " is an object, not an array of records",
-                        "The worker finds no job in it and starts nothing.",
-                        "Put the records into an array, or move the file away."});
+    findings.push_back(
+        {Code::jobFileNoList, Severity::error,
+         places.jobFile + " is an object, not an array of records",
+         "The worker finds no job in it and starts nothing.",
+         "Put the records into an array, or move the file away." + meanwhile(places)});
   }
 }
 
@@ -88,16 +95,17 @@ void findLink(const std::string& path, Findings& findings) {
 
 }  // namespace
 
-Findings jobFileContentFindings(const std::string& path) {
+Findings jobFileContentFindings(const Places& places) {
   Findings findings;
-  if (kindOf(path) == EntryKind::missing) return findings;
-  findDamage(path, findings);
-  findLarge(path, findings);
+  if (kindOf(places.jobFile) == EntryKind::missing) return findings;
+  findDamage(places, findings);
+  findLarge(places.jobFile, findings);
   return findings;
 }
 
-Findings jobFileFindings(const std::string& path) {
-  Findings findings = jobFileContentFindings(path);
+Findings jobFileFindings(const Places& places) {
+  const std::string& path = places.jobFile;
+  Findings findings = jobFileContentFindings(places);
   if (kindOf(path) == EntryKind::missing) {
     findMissing(path, findings);
   } else {

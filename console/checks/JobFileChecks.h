@@ -8,11 +8,12 @@
 
 namespace kelvane::console {
 
-// Of the file at this path: readable, JSON with an array at the top, replaceable.
-Findings jobFileFindings(const std::string& path);
+// Of the file at places.jobFile: readable, JSON with an array at the top, replaceable. Where it is
+// damaged, the log may still show its jobs.
+Findings jobFileFindings(const Places& places);
 
 // Of the same file, when it is there, what is in it alone.
-Findings jobFileContentFindings(const std::string& path);
+Findings jobFileContentFindings(const Places& places);
 
 // Where the file is not there: whether it was.
 Findings lostJobFileFindings(const Places& places);

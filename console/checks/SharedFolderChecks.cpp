@@ -62,13 +62,14 @@ bool hasRunningJob(const Value& records, const WorkerRuns& workerRuns) {
 
 Findings jobFileAndProcessFindings(const std::string& sharedFolder, const WorkerRuns& workerRuns) {
   const std::string path = sharedFolder + paths::kJobFile;
-  Findings findings = concerning(path, jobFileFindings(path));
-  append(findings, lostJobFileFindings(placesIn(sharedFolder)));
+  const Places places = placesIn(sharedFolder);
+  Findings findings = concerning(path, jobFileFindings(places));
+  append(findings, lostJobFileFindings(places));
   Value records = readJsonFile(path).value;
   if (!records.isArray()) records = Value::array();
   std::optional<JobsLog> log;  // read where a record asks for it
   const LogOf logOf = [&](const Value& record) {
-    if (!log) log.emplace(placesIn(sharedFolder));
+    if (!log) log.emplace(places);
     return log->stretchOf(record);
   };
   append(findings, recordFindings(path, records, workerRuns, logOf));

@@ -27,9 +27,9 @@ class JobFileChecks : public ::testing::Test {
     folder.write("jobs/file", "[]");
     ::chmod(folder.path().c_str(), 0755);
   }
-  std::vector<std::string> found() const { return inShort(jobFileFindings(path)); }
+  std::vector<std::string> found() const { return inShort(jobFileFindings({.jobFile = path})); }
   std::string foundByOrdinaryUser() const {
-    return test::asOrdinaryUser([this] { return asLines(jobFileFindings(path)); });
+    return test::asOrdinaryUser([this] { return asLines(jobFileFindings({.jobFile = path})); });
   }
 
   test::TempFolder folder;
@@ -57,9 +57,24 @@ TEST_F(JobFileChecks, AFileThatIsGoneThoughTheLogShowsJobsIsAWarning) {
   EXPECT_THAT(lost(), IsEmpty());
 }
 
+TEST_F(JobFileChecks, OfADamagedFileWhoseJobsTheLogShowsItIsToldHowTheyAreLookedAt) {
+  const Places places = {.jobFile = path, .log = folder / "log"};
+  const auto advice = [&places] { return jobFileFindings(places).at(0).advice; };
+  for (const char* damaged : {"[1,", "{}"}) {
+    SCOPED_TRACE(damaged);
+    folder.write("jobs/file", damaged);
+    fs::remove(folder / "log");
+    EXPECT_THAT(advice(), ::testing::Not(::testing::HasSubstr("Meanwhile")));
+    folder.write("log", test::writtenLine("17", "A1", 50));
+    EXPECT_THAT(advice(), ::testing::EndsWith(" Meanwhile the log shows jobs: give list, show, "
+                                              "explain or report --log-file " +
+                                              (folder / "log") + " alone."));
+  }
+}
+
 TEST_F(JobFileChecks, MissingFolderIsAWarningAsNoJobWasEverAdded) {
   fs::remove_all(folder / "jobs");
-  EXPECT_EQ(jobFileFindings(path),
+  EXPECT_EQ(jobFileFindings({.jobFile = path}),
             (Findings{{Code::jobFileFolderMissing, Severity::warning,
                        "the job file's folder " + (folder / "jobs") + " does not exist",
                        "No job was ever added here: a worker that is started finds nothing to do.",
