@@ -19,18 +19,23 @@ using ::testing::Not;
 struct Shell {
   const char* name;
   std::vector<std::string> options;
-  const char* setup;  // takes the completions over
+  const char* setup;  // takes the completions over, and makes the prompt "ready> "
 };
 
 void PrintTo(const Shell& shell, std::ostream* out) { *out << shell.name; }
 
 const std::vector<Shell>& shells() {
   static const std::vector<Shell> all = {
-      {"bash", {"--norc", "--noprofile", "-i"}, "source <(kelvane-console completion bash)"},
-      {"fish", {"--no-config", "-i"}, "kelvane-console completion fish | source"},
+      {"bash",
+       {"--norc", "--noprofile", "-i"},
+       "source <(kelvane-console completion bash); PS1='rea''dy> '"},
+      {"fish",
+       {"--no-config", "-i"},
+       "kelvane-console completion fish | source; function fish_prompt; echo -n 'rea''dy> '; end"},
       {"zsh",
        {"-f", "-i"},
-       "autoload -Uz compinit; compinit -D -u; source <(kelvane-console completion zsh)"}};
+       "autoload -Uz compinit; compinit -D -u; source <(kelvane-console completion zsh); "
+       "PS1='rea''dy> '"}};
   return all;
 }
 
@@ -57,8 +62,8 @@ class CompletionIn : public ::testing::TestWithParam<Shell> {
   // Whether the shell shows this text once the line was typed into it.
   bool shows(const std::string& text, const std::string& line) {
     test::PseudoTerminal terminal(argv, folder.path(), {160, 24, true}, environment);
-    terminal.type(std::string(GetParam().setup) + "; echo rea''dy\n");
-    if (!terminal.waitFor("ready")) return false;
+    terminal.type(std::string(GetParam().setup) + "\n");
+    if (!terminal.waitFor("ready> ")) return false;
     terminal.type(line);
     const bool found = terminal.waitFor(text);
     output = terminal.output();
