@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <ctime>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -14,6 +14,7 @@
 #include "platform/BinaryPropertyListLimits.h"
 #include "platform/Exception.h"
 #include "platform/FreeMemory.h"
+#include "platform/PropertyListDate.h"
 #include "platform/Text.h"
 #include "platform/Utf8.h"
 
@@ -93,12 +94,9 @@ Value dataOf(plist_t node) {
 // The library's numbers reach 68 years around 2001; its XML tells every date:
 // "2026-01-31T23:59:59Z".
 Value dateOf(plist_t node) {
-  const std::string text = contentOf(node, "date");
-  std::tm time = {};
-  if (::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time) == nullptr) {
-    raiseDamage();
-  }
-  return Date{::timegm(&time)};
+  const std::optional<Date> date = dateFromText(contentOf(node, "date"));
+  if (!date) raiseDamage();
+  return *date;
 }
 
 // By iterator: access by index would walk the list anew each time.

@@ -155,6 +155,13 @@ void appendContainer(std::string& out, const Value& container, std::size_t level
   container.rememberPart(Value::Form::shownInside, out, start);
 }
 
+// The placeholder for numbers of 64 bits, which a "long" of C may not hold.
+std::string forWholeNumber(std::string placeholder) {
+  const std::size_t size = placeholder.find('l');
+  if (size != std::string::npos) placeholder.insert(size, 1, 'l');
+  return placeholder;
+}
+
 // One placeholder of a format, from its "%" to its conversion letter, that is not "%@".
 std::string cText(const std::string& placeholder, const FormatArgument& argument) {
   if (const auto* text = std::get_if<const char*>(&argument)) {
@@ -162,10 +169,10 @@ std::string cText(const std::string& placeholder, const FormatArgument& argument
   }
   if (const auto* number = std::get_if<std::int64_t>(&argument)) {
     if (placeholder == "%d") return std::to_string(*number);  // most of them
-    return fmt::sprintf(placeholder, *number);
+    return fmt::sprintf(forWholeNumber(placeholder), *number);
   }
   if (const auto* number = std::get_if<std::uint64_t>(&argument)) {
-    return fmt::sprintf(placeholder, *number);
+    return fmt::sprintf(forWholeNumber(placeholder), *number);
   }
   throw Exception("a value stands at the placeholder \"" + placeholder + "\"");
 }

@@ -7,7 +7,6 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
-#include <ctime>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -20,6 +19,7 @@
 #include <expat.h>
 
 #include "platform/PropertyList.h"
+#include "platform/PropertyListDate.h"
 #include "platform/Text.h"
 #include "platform/ValueBuilder.h"
 
@@ -78,9 +78,8 @@ Value dateIn(std::string_view text) {
     const bool isDigit = kDigits.find(date[i]) != std::string_view::npos;
     if (kForm[i] == '0' ? !isDigit : date[i] != kForm[i]) return {};
   }
-  std::tm time = {};
-  if (::strptime(date.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time) == nullptr) return {};
-  return Date{::timegm(&time)};
+  const std::optional<Date> found = dateFromText(date);
+  return found ? Value(*found) : Value();
 }
 
 int sextetOf(char character) {

@@ -122,7 +122,7 @@ TEST_F(Growth, ALaterProductDoesNotParseTheCatalogueAgain) {
     const std::string there = catalogue(2'000, form);
     const std::size_t first = cost([&] { descriptions(1, there); });
     const std::size_t later = cost([&] { descriptions(1, there); });
-    EXPECT_LT(later, first / 5);
+    EXPECT_LT(later, first / 4);
   }
 }
 
