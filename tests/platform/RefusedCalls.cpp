@@ -46,31 +46,43 @@ UntoldKinds::~UntoldKinds() { kindsAreUntold = false; }
 
 }  // namespace kelvane::test
 
+// The names of functions that take or give places in a file: where an address has 32 bits, these
+// are for files of any size.
+#if __SIZEOF_POINTER__ == 4
+#define KELVANE_LARGE "64"
+#else
+#define KELVANE_LARGE
+#endif
+
 // A function whose calls can be refused: its type, its name, its parameters, what it is called
-// with.
-#define KELVANE_REFUSABLE(Type, name, parameters, arguments)  \
-  extern "C" Type __real_##name parameters;                   \
-  extern "C" Type __wrap_##name parameters;                   \
-  Type __wrap_##name parameters {                             \
-    long result = 0;                                          \
-    if (kelvane::test::RefusedCall::refuses(#name, result)) { \
-      return static_cast<Type>(result);                       \
-    }                                                         \
-    return __real_##name arguments;                           \
+// with; and what the linker calls it.
+#define KELVANE_REFUSABLE(Type, name, parameters, arguments) \
+  KELVANE_REFUSABLE_AS(Type, name, #name, parameters, arguments)
+#define KELVANE_REFUSABLE_LARGE(Type, name, parameters, arguments) \
+  KELVANE_REFUSABLE_AS(Type, name, #name KELVANE_LARGE, parameters, arguments)
+#define KELVANE_REFUSABLE_AS(Type, name, symbol, parameters, arguments) \
+  extern "C" Type __real_##name parameters __asm__("__real_" symbol);   \
+  extern "C" Type __wrap_##name parameters __asm__("__wrap_" symbol);   \
+  Type __wrap_##name parameters {                                       \
+    long result = 0;                                                    \
+    if (kelvane::test::RefusedCall::refuses(#name, result)) {           \
+      return static_cast<Type>(result);                                 \
+    }                                                                   \
+    return __real_##name arguments;                                     \
   }
 
-KELVANE_REFUSABLE(int, stat, (const char* path, struct stat* entry), (path, entry))
-KELVANE_REFUSABLE(int, fstat, (int file, struct stat* entry), (file, entry))
+KELVANE_REFUSABLE_LARGE(int, stat, (const char* path, struct stat* entry), (path, entry))
+KELVANE_REFUSABLE_LARGE(int, fstat, (int file, struct stat* entry), (file, entry))
 KELVANE_REFUSABLE(int, fchmod, (int file, mode_t mode), (file, mode))
 KELVANE_REFUSABLE(int, uname, (utsname * names), (names))
-KELVANE_REFUSABLE(off_t, lseek, (int file, off_t offset, int from), (file, offset, from))
+KELVANE_REFUSABLE_LARGE(off_t, lseek, (int file, off_t offset, int from), (file, offset, from))
 KELVANE_REFUSABLE(ssize_t, read, (int file, void* room, std::size_t size), (file, room, size))
 KELVANE_REFUSABLE(ssize_t, write, (int file, const void* bytes, std::size_t size),
                   (file, bytes, size))
 KELVANE_REFUSABLE(ssize_t, writev, (int file, const iovec* pieces, int count),
                   (file, pieces, count))
-KELVANE_REFUSABLE(ssize_t, sendfile, (int to, int from, off_t* offset, std::size_t size),
-                  (to, from, offset, size))
+KELVANE_REFUSABLE_LARGE(ssize_t, sendfile, (int to, int from, off_t* offset, std::size_t size),
+                        (to, from, offset, size))
 KELVANE_REFUSABLE(ssize_t, copy_file_range,
                   (int from, off_t* fromOffset, int to, off_t* toOffset, std::size_t size,
                    unsigned flags),
@@ -88,12 +100,14 @@ ssize_t __wrap___readlinkat_chk(int folder, const char* name, char* room, std::s
                                 std::size_t all);
 int __real_close(int file);
 int __wrap_close(int file);
-int __real_openat(int folder, const char* name, int flags, ...);
-int __wrap_openat(int folder, const char* name, int flags, ...);
+int __real_openat(int folder, const char* name, int flags,
+                  ...) __asm__("__real_openat" KELVANE_LARGE);
+int __wrap_openat(int folder, const char* name, int flags,
+                  ...) __asm__("__wrap_openat" KELVANE_LARGE);
 DIR* __real_fdopendir(int file);
 DIR* __wrap_fdopendir(int file);
-dirent* __real_readdir(DIR* folder);
-dirent* __wrap_readdir(DIR* folder);
+dirent* __real_readdir(DIR* folder) __asm__("__real_readdir" KELVANE_LARGE);
+dirent* __wrap_readdir(DIR* folder) __asm__("__wrap_readdir" KELVANE_LARGE);
 }
 
 ssize_t __wrap___read_chk(int file, void* room, std::size_t size, std::size_t /*all*/) {
