@@ -2,6 +2,7 @@
 // tests that every build runs.
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,10 @@ namespace kelvane::docs {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::Contains;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
 using ::testing::SizeIs;
-using ::testing::StartsWith;
 
 struct Promise {
   std::string script;   // "tools/prove-dialogues"
@@ -43,7 +46,10 @@ std::vector<Promise> promises() {
   return all;
 }
 
-// The sanitizers' build has no kills in it, and one without Python no tools.
+constexpr const char* kProvingPrograms[] = {"dialogues_tests", "fuzz_tests", "proofs_tests",
+                                            "tools_tests"};
+
+// The sanitizers' build has no kills in it; other systems have fewer of them.
 bool isBuilt(const std::string& program) {
   return std::string(" " KELVANE_PROVING " ").find(' ' + program + ' ') != std::string::npos;
 }
@@ -61,19 +67,46 @@ std::vector<std::string> casesOf(const std::string& program, const std::string& 
   return cases;
 }
 
-TEST(ReliabilityPage, EachPromiseHasACommandThatIsThere) {
-  for (const Promise& promise : promises()) {
-    EXPECT_THAT(promise.script, StartsWith("tools/"));
-    const fs::path script = KELVANE_SOURCES + promise.script;
-    ASSERT_TRUE(fs::is_regular_file(script)) << script;
-    EXPECT_NE(fs::status(script).permissions() & fs::perms::owner_exec, fs::perms::none) << script;
+// "tools/NAME" wherever the page has it between backticks, alone or before arguments; not the
+// lists, whose names have an ending.
+std::set<std::string> scriptsOf(const std::string& page) {
+  std::set<std::string> scripts;
+  const std::string start = "`tools/";
+  for (std::size_t at = page.find(start); at != std::string::npos; at = page.find(start, at + 1)) {
+    const std::string script = page.substr(at + 1, page.find_first_of(" `", at + 1) - at - 1);
+    if (script.find('.') == std::string::npos) scripts.insert(script);
   }
+  return scripts;
+}
+
+TEST(ReliabilityPage, HasEachScriptThatItNames) {
+  const std::set<std::string> scripts = scriptsOf(readSource("docs/reliability.md"));
+  EXPECT_THAT(scripts, IsSupersetOf({"tools/check-all", "tools/check-memory", "tools/coverage"}));
+  for (const std::string& script : scripts) {
+    const fs::path file = KELVANE_SOURCES + script;
+    ASSERT_TRUE(fs::is_regular_file(file)) << script;
+    EXPECT_NE(fs::status(file).permissions() & fs::perms::owner_exec, fs::perms::none) << script;
+  }
+}
+
+TEST(ReliabilityPage, HasAPromiseForEachProof) {
+  std::set<std::string> promised;
+  for (const Promise& promise : promises()) promised.insert(promise.script);
+  std::set<std::string> proofs = {"tools/coverage", "tools/fuzz", "tools/mutate"};
+  for (const auto& file : fs::directory_iterator(KELVANE_SOURCES "tools")) {
+    const std::string name = file.path().filename();
+    const bool isProof = name.starts_with("prove-") && name != "prove-faults";
+    if (isProof) proofs.insert("tools/" + name);
+  }
+  EXPECT_EQ(promised, proofs);
+  EXPECT_THAT(promises(), SizeIs(9));
 }
 
 TEST(ReliabilityPage, EachPromiseHasAShortFormAmongTheTests) {
   for (const Promise& promise : promises()) {
+    ASSERT_THAT(kProvingPrograms, Contains(promise.program));
     if (!isBuilt(promise.program)) continue;
-    EXPECT_THAT(casesOf(promise.program, promise.filter), ::testing::Not(SizeIs(0)))
+    EXPECT_THAT(casesOf(promise.program, promise.filter), Not(SizeIs(0)))
         << promise.program << ' ' << promise.filter;
   }
 }
