@@ -70,6 +70,12 @@ Value qvxf(World& world, const std::string& faults) {
 
 constexpr char kFailing[] = R"([{"flash": "firmware", "do": "fail", "at": 50}])";
 
+// Empty where workers are as they are.
+std::string& presentMistake() {
+  static std::string mistake;
+  return mistake;
+}
+
 std::vector<Scenario> makeScenarios() {
   return {
       {"query", "a query", "getOnlineUpdateData", "FREE", 0,
@@ -136,11 +142,15 @@ bool World::endedAsMeant() const {
 }
 
 Command World::command() const {
-  return {.argv = {worker, "17", shared()},
-          .folder = path(),
-          .variables = {{"TZ", "UTC"},
-                        {"ZORAPI_FLEET", folder / kFleetPath},
-                        {"ZORAPI_JOURNAL", folder / kJournalPath}}};
+  Command command = {.argv = {worker, "17", shared()},
+                     .folder = path(),
+                     .variables = {{"TZ", "UTC"},
+                                   {"ZORAPI_FLEET", folder / kFleetPath},
+                                   {"ZORAPI_JOURNAL", folder / kJournalPath}}};
+  if (presentMistake().empty()) return command;
+  command.variables["LD_PRELOAD"] = KELVANE_CARELESS_CALLS;
+  command.variables["KELVANE_MISTAKE"] = presentMistake();
+  return command;
 }
 
 void World::letWaitAgain() const {
@@ -152,10 +162,14 @@ void World::letWaitAgain() const {
 std::string World::logText() const {
   std::string text;
   for (const std::string& line : test::splitLines(log())) {
-    const bool hasTime = line.starts_with('[');
-    text += line.substr(hasTime ? line.find(']') : 0) + "\n";
+    const std::size_t time = line.starts_with('[') ? line.find(']') : 0;
+    text += line.substr(time == std::string::npos ? 0 : time) + "\n";
   }
   return text;
 }
+
+Carelessness::Carelessness(std::string mistake) { presentMistake() = std::move(mistake); }
+
+Carelessness::~Carelessness() { presentMistake().clear(); }
 
 }  // namespace kelvane::proofs

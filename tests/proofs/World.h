@@ -61,6 +61,15 @@ class World : public OnlineInstallation {
   Tree before_;
 };
 
+// While it lives, workers are loaded with this mistake of CarelessCalls.cpp.
+class Carelessness {
+ public:
+  explicit Carelessness(std::string mistake);
+  Carelessness(const Carelessness&) = delete;
+  Carelessness& operator=(const Carelessness&) = delete;
+  ~Carelessness();
+};
+
 // Where things stand below a world's folder.
 constexpr char kJobFolder[] = "shared/utility/command";
 constexpr char kJobFilePath[] = "shared/utility/command/BGPLog.json";

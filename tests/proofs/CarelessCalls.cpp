@@ -1,0 +1,243 @@
+// Loaded before the worker's libraries: the worker, and no other program, makes the mistake that
+// KELVANE_MISTAKE names. What a proof is for is told of such a worker, or the proof does not bite.
+//   writes-in-place            what was to take a file's place is written into that, in pieces
+//   removes-first              a file is removed, and some time later another takes its place
+//   moves-in-pieces            of a folder that gets its name, the entries are moved one by one
+//   drops-others               the first of several records is left out of what is written
+//   loses-the-log              what stood in a file is gone when something is to be added to it
+//   skips-files                no file is synchronised;
+//   skips-folders              no folder;
+//   skips-trees                no tree
+//   leaves-a-file              another one at each run, beside a file that is replaced
+//   leaves-a-child             a process that outlives the worker
+//   leaves-a-descriptor        an open file
+//   leaves-temporaries         what could not be put in place stays
+//   works-once                 whoever comes after another worker does nothing
+//   takes-short-for-whole      what was not written is forgotten
+//   gives-up-when-interrupted  a write that a signal interrupts is not made again
+//   fails-loudly               a write that fails ends it with the exit status 1;
+//   crashes                    by a signal
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include "tests/end_to_end/NextFunction.h"
+
+namespace {
+
+constexpr std::size_t kLongestPath = 4096;
+
+bool isWorker() {
+  char program[kLongestPath];
+  const ssize_t size = ::readlink("/proc/self/exe", program, sizeof program);
+  return size > 0 &&
+         std::string_view(program, static_cast<std::size_t>(size)).ends_with("/Kelvane");
+}
+
+bool makes(std::string_view mistake) {
+  static const char* const made = isWorker() ? std::getenv("KELVANE_MISTAKE") : nullptr;
+  return made != nullptr && made == mistake;
+}
+
+template <typename Function>
+Function* next(const char* name) {
+  return kelvane::test::nextFunction<Function>(name);
+}
+
+int renameReally(const char* from, const char* to) {
+  static const auto really = next<int(const char*, const char*)>("rename");
+  return really(from, to);
+}
+
+int unlinkReally(const char* path) {
+  static const auto really = next<int(const char*)>("unlink");
+  return really(path);
+}
+
+int openReally(const char* path, int flags, mode_t mode) {
+  static const auto really = next<int(const char*, int, ...)>("open");
+  return really(path, flags, mode);
+}
+
+bool isFile(const char* path) {
+  struct stat entry = {};
+  return ::stat(path, &entry) == 0 && S_ISREG(entry.st_mode);
+}
+
+bool isOf(int file, mode_t kind) {
+  struct stat entry = {};
+  return ::fstat(file, &entry) == 0 && (entry.st_mode & S_IFMT) == kind;
+}
+
+int writeInPlace(const char* from, const char* to) {
+  const int source = openReally(from, O_RDONLY | O_CLOEXEC, 0);
+  const int target = openReally(to, O_WRONLY | O_TRUNC | O_CLOEXEC, 0);
+  char piece[16];
+  for (ssize_t size = 0; (size = ::read(source, piece, sizeof piece)) > 0;) {
+    if (::write(target, piece, static_cast<std::size_t>(size)) != size) return -1;
+  }
+  ::close(source);
+  ::close(target);
+  return unlinkReally(from);
+}
+
+void removeFirst(const char* path) {
+  constexpr int kWhile = 500;
+  unlinkReally(path);
+  for (int i = 0; i < kWhile; ++i) ::sched_yield();
+}
+
+// With so many calls in between that every fiftieth is among them.
+int moveInPieces(const char* from, const char* to) {
+  constexpr int kWhile = 60;
+  if (::mkdir(to, 0755) != 0) return -1;
+  for (int i = 0; i < kWhile; ++i) isFile(to);
+  DIR* folder = ::opendir(from);
+  while (const dirent* entry = ::readdir(folder)) {
+    if (entry->d_name[0] == '.') continue;
+    char source[kLongestPath];
+    char target[kLongestPath];
+    std::snprintf(source, sizeof source, "%s/%s", from, entry->d_name);
+    std::snprintf(target, sizeof target, "%s/%s", to, entry->d_name);
+    renameReally(source, target);
+  }
+  ::closedir(folder);
+  return ::rmdir(from);
+}
+
+// Where the first of several records begins and the second; twice the same where there is none.
+std::pair<std::size_t, std::size_t> firstRecord(std::string_view text) {
+  const std::size_t begin = text.find('{');
+  int depth = 0;
+  for (std::size_t at = begin; at < text.size(); ++at) {
+    if (text[at] == '{') ++depth;
+    if (text[at] != '}' || --depth > 0) continue;
+    const std::size_t second = text.find('{', at);
+    return {begin, second == std::string_view::npos ? begin : second};
+  }
+  return {0, 0};
+}
+
+void dropFirstRecord(const char* path) {
+  static char text[10000];
+  const int file = openReally(path, O_RDWR | O_CLOEXEC, 0);
+  const ssize_t size = ::read(file, text, sizeof text);
+  if (size > 0) {
+    const std::string_view whole(text, static_cast<std::size_t>(size));
+    const auto [first, second] = firstRecord(whole);
+    const std::string_view rest = whole.substr(second);
+    const auto left = static_cast<off_t>(first + rest.size());
+    const auto written = ::pwrite(file, rest.data(), rest.size(), static_cast<off_t>(first));
+    if (written >= 0 && ::ftruncate(file, left) != 0) std::abort();
+  }
+  ::close(file);
+}
+
+void leaveFile(const char* beside) {
+  char path[kLongestPath];
+  std::snprintf(path, sizeof path, "%s.%d", beside, ::getpid());
+  ::close(openReally(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+}
+
+// It ends some time after the worker.
+void leaveChild() {
+  static bool isDone = false;
+  if (isDone) return;
+  isDone = true;
+  char script[200];
+  std::snprintf(script, sizeof script,
+                "while kill -0 %d; do :; done; i=0; while [ $i -lt 50000 ]; do i=$((i + 1)); done",
+                ::getpid());
+  if (::fork() != 0) return;
+  ::execl("/bin/sh", "sh", "-c", script, nullptr);
+  ::_exit(127);
+}
+
+// The third argument of open.
+mode_t modeOf(int flags, va_list arguments) {
+  return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+}
+
+ssize_t failed() {
+  if (makes("gives-up-when-interrupted") && errno == EINTR) errno = EIO;
+  if (makes("fails-loudly")) ::_exit(1);
+  if (makes("crashes")) std::abort();
+  return -1;
+}
+
+// Before all else, so that it is known from here on which mistake is made; what is left stands in
+// the folder that the worker is started in.
+__attribute__((constructor)) void workOnce() {
+  if (!makes("works-once")) return;
+  if (isFile("worked")) ::_exit(0);
+  ::close(openReally("worked", O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+}
+
+}  // namespace
+
+extern "C" int rename(const char* from, const char* to) noexcept;
+int rename(const char* from, const char* to) noexcept {
+  if (makes("leaves-a-file")) leaveFile(to);
+  if (makes("leaves-a-child")) leaveChild();
+  if (makes("leaves-a-descriptor")) openReally("/dev/null", O_RDONLY | O_CLOEXEC, 0);
+  if (!isFile(from))
+    return makes("moves-in-pieces") ? moveInPieces(from, to) : renameReally(from, to);
+  if (makes("drops-others")) dropFirstRecord(from);
+  if (makes("removes-first")) removeFirst(to);
+  return makes("writes-in-place") ? writeInPlace(from, to) : renameReally(from, to);
+}
+
+extern "C" int open(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = modeOf(flags, arguments);
+  va_end(arguments);
+  const bool isLog = (flags & O_APPEND) != 0 && makes("loses-the-log");
+  return openReally(path, isLog ? flags | O_TRUNC : flags, mode);
+}
+
+extern "C" int unlink(const char* path) noexcept;
+int unlink(const char* path) noexcept {
+  return makes("leaves-temporaries") ? 0 : unlinkReally(path);
+}
+
+extern "C" int fsync(int file) {
+  static const auto really = next<int(int)>("fsync");
+  const bool isSkipped = (makes("skips-files") && isOf(file, S_IFREG)) ||
+                         (makes("skips-folders") && isOf(file, S_IFDIR));
+  return isSkipped ? 0 : really(file);
+}
+
+extern "C" int syncfs(int file) noexcept;
+int syncfs(int file) noexcept {
+  static const auto really = next<int(int)>("syncfs");
+  return makes("skips-trees") ? 0 : really(file);
+}
+
+extern "C" ssize_t write(int file, const void* bytes, std::size_t size) {
+  static const auto really = next<ssize_t(int, const void*, std::size_t)>("write");
+  const ssize_t written = really(file, bytes, size);
+  if (written < 0) return failed();
+  return makes("takes-short-for-whole") ? static_cast<ssize_t>(size) : written;
+}
+
+extern "C" ssize_t writev(int file, const iovec* pieces, int count) {
+  static const auto really = next<ssize_t(int, const iovec*, int)>("writev");
+  const ssize_t written = really(file, pieces, count);
+  if (written < 0) return failed();
+  if (!makes("takes-short-for-whole")) return written;
+  ssize_t whole = 0;
+  for (int i = 0; i < count; ++i) whole += static_cast<ssize_t>(pieces[i].iov_len);
+  return whole;
+}
