@@ -103,6 +103,7 @@ TEST_P(SubmissionBesideAnotherProgram, TakesTheNextLogIdAndLosesNeitherJob) {
       folder.write("other", test::waitingJob("updateSW", Value::dictionary(), "1"));
   const std::map<std::string, std::string> variables = {
       {"LD_PRELOAD", KELVANE_WRITER_INTERPOSER},
+      // The interposer comes before a sanitizer's runtime, which minds by default.
       {"ASAN_OPTIONS", "verify_asan_link_order=0"},
       {"KELVANE_TEST_WRITE_AT", GetParam()},
       {"KELVANE_TEST_WRITTEN", other},
