@@ -203,6 +203,16 @@ TEST_F(CheckAllInFolder, RunsTheStepsAndPassesWhereAllPass) {
                             ContainsRegex("^mutants +[0-9]+ s  passed")}));
 }
 
+TEST_F(CheckAllInFolder, DrawsMutantsByTheDayAndTellsHow) {
+  const std::vector<std::string> said = splitLines(check({"mutants"}).out);
+  const auto ran = std::find_if(said.begin(), said.end(), [](const std::string& line) {
+    return line.starts_with("ran mutate ");
+  });
+  ASSERT_NE(ran, said.end());
+  EXPECT_THAT(*ran, MatchesRegex("ran mutate --count 20 --seed 20[0-9]{6}"));
+  EXPECT_THAT(said, Contains("tools/" + ran->substr(4)));
+}
+
 TEST_F(CheckAllInFolder, GoesOnAfterAStepThatFailsAndFails) {
   put("check-memory", "echo 'one leak'; exit 1\n");
   const Ended checked = check({"memory", "coverage"});
