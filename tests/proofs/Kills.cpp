@@ -153,7 +153,7 @@ class Kills {
     std::set<std::string> packages;
     for (const auto& [path, entry] : left) {
       const bool isKnown = world_.before().contains(path) || baseline_.after.contains(path) ||
-                           baseline_.made.contains(path) || isLeftover(path);
+                           isUnfinished(path) || isLeftover(path);
       if (!isKnown) return path + " is left over";
       const std::string area = areaOf(path);
       if (area.empty() || isHiddenInArea(path) || path == area) continue;
@@ -167,6 +167,13 @@ class Kills {
       }
     }
     return {};
+  }
+
+  // What the worker's children had come to: the engine in its folder, and the copy of an
+  // application.
+  bool isUnfinished(const std::string& path) const {
+    const bool isOfChild = isBelow(path, kEngineFolderPath) || isBelow(path, kInstalledPath);
+    return isOfChild && baseline_.made.contains(path);
   }
 
   // The job, waiting again, ends as it would have. Where all is left as after an earlier kill, it
