@@ -1,7 +1,9 @@
 // The laws bite: what breaks one ends the process, and says which.
 
 #include <string>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/fuzz/JobFileLaws.h"
@@ -105,6 +107,39 @@ TEST(WorkerInMemory, SeesWhatIsNotReaped) {
   world.disk.put(kJobFilePath, kJob);
   world.programs.started = 1;
   EXPECT_DEATH(world.run(), "reaped");
+}
+
+constexpr char kInstallation[] = R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
+    "input_parameters": {"file_path": "/dl/New.app"}}])";
+
+// What was started, and before it how many programs had been ended and reaped.
+std::vector<std::string> startedByAnInstallation(bool outliveTheirOutput) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kInstallation);
+  world.programs.outlivesItsOutput = outliveTheirOutput;
+  std::vector<std::string> started;
+  world.programs.run = [&](const std::vector<std::string>& argv) {
+    started.push_back(std::to_string(world.programs.reaped) + " " + argv[0]);
+    return "";
+  };
+  world.run();
+  EXPECT_EQ(world.jobFile.state(), "FREE");
+  EXPECT_EQ(world.programs.reaped, 2);
+  return started;
+}
+
+TEST(WorkerInMemory, EndsTheRemovalBeforeItStartsTheCopy) {
+  for (const bool outliveTheirOutput : {false, true}) {
+    EXPECT_THAT(startedByAnInstallation(outliveTheirOutput),
+                ::testing::ElementsAre("0 /bin/rm", "1 /bin/cp"));
+  }
+}
+
+TEST(WorkerInMemory, SeesAProgramThatIsStartedWhileAnotherRuns) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kInstallation);
+  world.programs.started = 1;
+  EXPECT_DEATH(world.run(), "ended before another is started\n/bin/rm");
 }
 
 }  // namespace
