@@ -95,11 +95,24 @@ TEST(WorkerInMemory, RunsAJobToItsEnd) {
   EXPECT_GT(world.framework.count("zr_getFlashProgress"), 0);
 }
 
-TEST(WorkerInMemory, SeesWhatIsNotClosed) {
+void runBehind(const std::string& call) {
   WorkerInMemory world;
   world.disk.put(kJobFilePath, kJob);
-  world.framework.calls.emplace_back("zr_initializeCPLDProcess(7/0, 0)");
-  EXPECT_DEATH(world.run(), "a CPLD process that is opened is closed");
+  world.framework.calls.push_back(call);
+  world.run();
+}
+
+TEST(WorkerInMemory, SeesWhatBreaksALawOfTheFramework) {
+  EXPECT_DEATH(runBehind("zr_initializeCPLDProcess(7/0, 0)"), "a CPLD process is not closed");
+  EXPECT_DEATH(runBehind("zr_flashImageEx(0/0, 0)"), "was not checked, transferred and verified");
+  EXPECT_DEATH(runBehind("zr_mac_flashNVRAM(0/0, 0)"), "NVRAM is written without its firmware");
+}
+
+TEST(WorkerInMemory, SeesASleepThatIsNone) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kJob);
+  world.host.sleep(2);
+  EXPECT_DEATH(world.run(), "progress is not read every two seconds\nsleep 2\n");
 }
 
 TEST(WorkerInMemory, SeesWhatIsNotReaped) {
