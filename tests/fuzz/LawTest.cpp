@@ -9,6 +9,7 @@
 #include "tests/fuzz/JobFileLaws.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/WorkerInMemory.h"
+#include "tests/support/PlainJson.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -26,6 +27,25 @@ TEST(Harmless, IsPlainTextAlone) {
 TEST(Same, IsEveryByte) {
   requireSame("a", "a", "same");
   EXPECT_DEATH(requireSame("a", "a ", "same"), "law broken: same\nexpected: a\nfound:    a ");
+}
+
+TEST(PlainJson, KeepsDigitsAndOrderAndDecodesTexts) {
+  const auto read =
+      test::readPlainJson(R"({"b": [1.50, -0], "a": "\u00e4\ud83d\ude00\n", "b": 2E+1})");
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->keys, (std::vector<std::string>{"b", "a"}));
+  EXPECT_EQ(read->elements[0].text, "2E+1");
+  EXPECT_EQ(read->elements[1].text, "\xC3\xA4\xF0\x9F\x98\x80\n");
+  EXPECT_EQ(test::printed(*test::readPlainJson(R"([1.50,{"k":"\u0001"},[]])")),
+            "[\n  1.50,\n  {\n    \"k\": \"\\u0001\"\n  },\n  []\n]");
+}
+
+TEST(PlainJson, IsNothingElse) {
+  for (const char* text : {"", "1", "[1,]", "[01]", "[1.]", "[-]", "[1e]", "[1e999]", "[tru]",
+                           "{1:2}", "{\"a\"}", "[\"\\ud83d\"]", "[\"\\udc00\"]", "[\"\\x\"]",
+                           "[\"\n\"]", "[\"\xFF\"]", "[1] 2", "[1", "{\"a\":1"}) {
+    EXPECT_FALSE(test::readPlainJson(text)) << text;
+  }
 }
 
 constexpr char kBefore[] = R"([{"log_id": "16", "n": 1.0}, {"log_id": "17", "k": 1}])";
