@@ -69,8 +69,8 @@ void ask(const std::string& text, std::size_t columns, Charset charset) {
   console::showQuestion(text, {out, charset, columns});
   const std::string question = out.str();
   requireHarmless(question, charset == Charset::ascii, "a question steers nothing");
+  if (question.starts_with(' ')) return;  // its indentation may leave it no room
   require(question.ends_with("[y/N] "), "a question ends with what may be answered", question);
-  if (question.starts_with(' ')) return;  // its indentation may be wider than the screen
   std::istringstream lines(question.substr(0, question.size() - 1));
   for (std::string line; std::getline(lines, line);) {
     require(console::columnsOf(line) <= columns, "a question fits", line);
