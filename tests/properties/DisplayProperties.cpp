@@ -140,7 +140,9 @@ RC_GTEST_PROP(RedactionProperties, LeavesNoWwnInAnyForm, ()) {
     parted += (i == 0 ? "" : ":") + digits.substr(i, 2);
   }
   console::Redaction redaction;
-  const std::string shown = redaction.applied(around(digits) + " " + around(parted));
+  const std::string text = around(digits) + " " + around(parted);
+  redaction.addWwn(digits);  // as the record has it: digits may be glued to it
+  const std::string shown = redaction.applied(text);
   RC_ASSERT(!hasWord(shown, digits));
   RC_ASSERT(!hasWord(shown, parted));
 }
