@@ -1,4 +1,4 @@
-// The power failing after each change that a program of ours makes to its files: every state that
+// The power failing after each change that a program of ours makes to its files: states that
 // the disk may then be in is made and looked at.
 #pragma once
 
