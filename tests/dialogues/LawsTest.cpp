@@ -64,6 +64,13 @@ TEST(Laws, WhatIsOpenedIsClosed) {
               HasSubstr("QVXF"));
 }
 
+TEST(Laws, WhatIsClosedIsWhatWasOpened) {
+  Events events = lawful();
+  std::replace(events.begin(), events.end(), std::string("zr_finalizeCPLDProcess(0/0, 0)"),
+               std::string("zr_finalizeCPLDProcess(0/1, 0)"));
+  EXPECT_THAT(brokenLaw(events), HasSubstr("CPLD process"));
+}
+
 TEST(Laws, TheJobFileIsReadBeforeItIsWrittenAndFreedAtTheEnd) {
   EXPECT_THAT(brokenWithout("read"), HasSubstr("job file"));
   EXPECT_THAT(brokenLaw({"read", "write \"log_id\" \"state_id\": \"RUN\""}), HasSubstr("job file"));
@@ -81,6 +88,8 @@ TEST(Laws, ProgressIsReadEveryTwoSeconds) {
 TEST(Laws, NothingIsWrittenThatWasNotExamined) {
   EXPECT_THAT(brokenWithout("zr_checkFlashImage"), HasSubstr("checked"));
   EXPECT_THAT(brokenWithout("zr_verifyFlashImage"), HasSubstr("checked"));
+  EXPECT_THAT(brokenWith("zr_transferQVXFFlashImage()", "zr_finalizeFlashProcess(0/0, 0)"),
+              HasSubstr("checked"));
   EXPECT_THAT(brokenWithout("zr_mac_flashUSBFWbin"), HasSubstr("NVRAM"));
 }
 

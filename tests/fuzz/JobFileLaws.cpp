@@ -3,27 +3,24 @@
 #include <algorithm>
 #include <cstddef>
 
-#include <nlohmann/json.hpp>
-
 #include "contract/JobFile.h"
-#include "platform/Json.h"
-#include "platform/Value.h"
 #include "tests/fuzz/Law.h"
+#include "tests/support/PlainJson.h"
 
 namespace kelvane::fuzz {
 namespace {
 
-using platform::Value;
+using test::PlainJson;
+using Kind = PlainJson::Kind;
 
-bool hasLogId(const Value& record, const std::string& logId) {
-  return record.isDictionary() && record.get(job::kLogId).isString() &&
-         record.get(job::kLogId).string() == logId;
+const std::string* textAt(const PlainJson& record, const char* key) {
+  const PlainJson* const value = record.find(key);
+  return value != nullptr && value->is(Kind::text) ? &value->text : nullptr;
 }
 
-// The same to the digit, and its keys in the same order.
-bool isUnchanged(const Value& before, const Value& after) {
-  return !before.isNothing() && before == after &&
-         platform::printJsonLine(before) == platform::printJsonLine(after);
+bool hasLogId(const PlainJson& record, const std::string& logId) {
+  const std::string* const own = textAt(record, job::kLogId);
+  return own != nullptr && *own == logId;
 }
 
 bool isOfTheWorker(const std::string& key) {
@@ -32,33 +29,30 @@ bool isOfTheWorker(const std::string& key) {
 }
 
 // The keys that were there stand first, in their order.
-bool keepsItsKeys(const Value& before, const Value& after) {
-  const auto& old = before.entries();
-  const auto& fresh = after.entries();
-  return old.size() <= fresh.size() &&
-         std::equal(old.begin(), old.end(), fresh.begin(),
-                    [](const auto& one, const auto& other) { return one.first == other.first; });
+bool keepsItsKeys(const PlainJson& before, const PlainJson& after) {
+  return before.keys.size() <= after.keys.size() &&
+         std::equal(before.keys.begin(), before.keys.end(), after.keys.begin());
 }
 
-bool changesOnlyWhatIsTheWorkers(const Value& before, const Value& after) {
-  const auto& entries = after.entries();
-  return std::all_of(entries.begin(), entries.end(), [&before](const auto& entry) {
-    return isOfTheWorker(entry.first) || isUnchanged(before.get(entry.first), entry.second);
+bool changesOnlyWhatIsTheWorkers(const PlainJson& before, const PlainJson& after) {
+  return std::all_of(after.keys.begin(), after.keys.end(), [&](const std::string& key) {
+    const PlainJson* const was = before.find(key);
+    return isOfTheWorker(key) || (was != nullptr && *was == *after.find(key));
   });
 }
 
 // Without the record of the job, the last one stands in for it: meant so.
-std::string updatedLogId(const Value& records, const std::string& logId) {
-  const auto& all = records.elements();
-  const auto isMeant = [&logId](const Value& record) { return hasLogId(record, logId); };
+std::string updatedLogId(const PlainJson& records, const std::string& logId) {
+  const auto& all = records.elements;
+  const auto isMeant = [&logId](const PlainJson& record) { return hasLogId(record, logId); };
   if (std::any_of(all.begin(), all.end(), isMeant)) return logId;
-  const Value& last = all.back();
-  const bool hasOne = last.isDictionary() && last.get(job::kLogId).isString();
-  return hasOne ? last.get(job::kLogId).string() : logId;
+  const std::string* const last = textAt(all.back(), job::kLogId);
+  return last != nullptr ? *last : logId;
 }
 
-void judgeFinished(const Value& record, std::string_view text) {
-  require(record.get(job::kResult).isNumber() && record.get(job::kResultStr).isString(),
+void judgeFinished(const PlainJson& record, std::string_view text) {
+  const PlainJson* const result = record.find(job::kResult);
+  require(result != nullptr && result->is(Kind::number) && textAt(record, job::kResultStr),
           "a record that is FREE has a result and its text", text);
 }
 
@@ -66,35 +60,39 @@ void judgeFinished(const Value& record, std::string_view text) {
 
 void JobFileLaws::judge(std::string_view before, std::string_view after) {
   ++versions_;
-  require(nlohmann::json::accept(after), "every version of the job file is whole JSON", after);
-  const Value old = platform::parseJson(before);
-  const Value fresh = platform::parseJson(after);
+  const auto fresh = test::readPlainJson(after);
+  require(fresh.has_value(), "every version of the job file is whole JSON", after);
   // A file that was damaged meanwhile becomes an empty one: meant so.
-  const std::size_t kept = old.isArray() ? old.count() : 0;
-  require(fresh.isArray() && fresh.count() == kept, "a job file is a list, and keeps its records",
-          after);
+  const PlainJson old = test::readPlainJson(before).value_or(PlainJson{});
+  const std::size_t kept = old.is(Kind::list) ? old.elements.size() : 0;
+  require(fresh->is(Kind::list) && fresh->elements.size() == kept,
+          "a job file is a list, and keeps its records", after);
   if (kept == 0) return;
   const std::string meant = updatedLogId(old, logId_);
-  const auto& all = old.elements();
-  const bool isAlone = 1 == std::count_if(all.begin(), all.end(), [&meant](const Value& record) {
+  const auto& all = old.elements;
+  const bool isAlone = 1 == std::count_if(all.begin(), all.end(), [&meant](const auto& record) {
                          return hasLogId(record, meant);
                        });
-  for (std::size_t i = 0; i < old.count(); ++i) {
-    const Value& was = old.at(i);
-    const Value& is = fresh.at(i);
-    if (!hasLogId(was, meant)) {
-      require(isUnchanged(was, is), "another job's record stays as it is", after);
-      continue;
+  for (std::size_t i = 0; i < kept; ++i) {
+    if (!hasLogId(all[i], meant)) {
+      require(all[i] == fresh->elements[i], "another job's record stays as it is", after);
+    } else {
+      judgeOwn(all[i], fresh->elements[i], isAlone, after);
     }
-    require(is.isDictionary() && keepsItsKeys(was, is), "a record keeps its keys", after);
-    if (!isAlone || isDisturbed_) continue;
-    require(changesOnlyWhatIsTheWorkers(was, is), "the worker changes its own keys alone", after);
-    require(state_ != job::kFree, "nothing is written behind FREE", after);
-    require(is.get(job::kStateId).isString(), "a record has a state", after);
-    state_ = is.get(job::kStateId).string();
-    require(state_ == job::kRun || state_ == job::kFree, "a job runs or is free", after);
-    if (state_ == job::kFree) judgeFinished(is, after);
   }
+}
+
+void JobFileLaws::judgeOwn(const PlainJson& was, const PlainJson& is, bool isAlone,
+                           std::string_view text) {
+  require(is.is(Kind::object) && keepsItsKeys(was, is), "a record keeps its keys", text);
+  if (!isAlone || isDisturbed_) return;
+  require(changesOnlyWhatIsTheWorkers(was, is), "the worker changes its own keys alone", text);
+  require(state_ != job::kFree, "nothing is written behind FREE", text);
+  const std::string* const state = textAt(is, job::kStateId);
+  require(state != nullptr, "a record has a state", text);
+  state_ = *state;
+  require(state_ == job::kRun || state_ == job::kFree, "a job runs or is free", text);
+  if (state_ == job::kFree) judgeFinished(is, text);
 }
 
 bool JobFileLaws::isLeftRunning() const { return !isDisturbed_ && state_ == job::kRun; }

@@ -1,10 +1,12 @@
 // What holds for every version of the job file that the worker puts in place, whatever the file
-// held before and whatever was answered to the worker.
+// held before and whatever was answered to the worker; read apart from the platform.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include "tests/support/PlainJson.h"
 
 namespace kelvane::fuzz {
 
@@ -27,6 +29,9 @@ class JobFileLaws {
   const std::string& state() const { return state_; }
 
  private:
+  void judgeOwn(const test::PlainJson& was, const test::PlainJson& is, bool isAlone,
+                std::string_view text);
+
   std::string logId_;
   std::string state_;
   int versions_ = 0;

@@ -1,12 +1,15 @@
 // The laws bite: what breaks one ends the process, and says which.
 
 #include <string>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/fuzz/JobFileLaws.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/WorkerInMemory.h"
+#include "tests/support/PlainJson.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -24,6 +27,25 @@ TEST(Harmless, IsPlainTextAlone) {
 TEST(Same, IsEveryByte) {
   requireSame("a", "a", "same");
   EXPECT_DEATH(requireSame("a", "a ", "same"), "law broken: same\nexpected: a\nfound:    a ");
+}
+
+TEST(PlainJson, KeepsDigitsAndOrderAndDecodesTexts) {
+  const auto read =
+      test::readPlainJson(R"({"b": [1.50, -0], "a": "\u00e4\ud83d\ude00\n", "b": 2E+1})");
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->keys, (std::vector<std::string>{"b", "a"}));
+  EXPECT_EQ(read->elements[0].text, "2E+1");
+  EXPECT_EQ(read->elements[1].text, "\xC3\xA4\xF0\x9F\x98\x80\n");
+  EXPECT_EQ(test::printed(*test::readPlainJson(R"([1.50,{"k":"\u0001"},[]])")),
+            "[\n  1.50,\n  {\n    \"k\": \"\\u0001\"\n  },\n  []\n]");
+}
+
+TEST(PlainJson, IsNothingElse) {
+  for (const char* text : {"", "1", "[1,]", "[01]", "[1.]", "[-]", "[1e]", "[1e999]", "[tru]",
+                           "{1:2}", "{\"a\"}", "[\"\\ud83d\"]", "[\"\\udc00\"]", "[\"\\x\"]",
+                           "[\"\n\"]", "[\"\xFF\"]", "[1] 2", "[1", "{\"a\":1"}) {
+    EXPECT_FALSE(test::readPlainJson(text)) << text;
+  }
 }
 
 constexpr char kBefore[] = R"([{"log_id": "16", "n": 1.0}, {"log_id": "17", "k": 1}])";
@@ -93,11 +115,24 @@ TEST(WorkerInMemory, RunsAJobToItsEnd) {
   EXPECT_GT(world.framework.count("zr_getFlashProgress"), 0);
 }
 
-TEST(WorkerInMemory, SeesWhatIsNotClosed) {
+void runBehind(const std::string& call) {
   WorkerInMemory world;
   world.disk.put(kJobFilePath, kJob);
-  world.framework.calls.emplace_back("zr_initializeCPLDProcess(7/0, 0)");
-  EXPECT_DEATH(world.run(), "a CPLD process that is opened is closed");
+  world.framework.calls.push_back(call);
+  world.run();
+}
+
+TEST(WorkerInMemory, SeesWhatBreaksALawOfTheFramework) {
+  EXPECT_DEATH(runBehind("zr_initializeCPLDProcess(7/0, 0)"), "a CPLD process is not closed");
+  EXPECT_DEATH(runBehind("zr_flashImageEx(0/0, 0)"), "was not checked, transferred and verified");
+  EXPECT_DEATH(runBehind("zr_mac_flashNVRAM(0/0, 0)"), "NVRAM is written without its firmware");
+}
+
+TEST(WorkerInMemory, SeesASleepThatIsNone) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kJob);
+  world.host.sleep(2);
+  EXPECT_DEATH(world.run(), "progress is not read every two seconds\nsleep 2\n");
 }
 
 TEST(WorkerInMemory, SeesWhatIsNotReaped) {
@@ -105,6 +140,39 @@ TEST(WorkerInMemory, SeesWhatIsNotReaped) {
   world.disk.put(kJobFilePath, kJob);
   world.programs.started = 1;
   EXPECT_DEATH(world.run(), "reaped");
+}
+
+constexpr char kInstallation[] = R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",
+    "input_parameters": {"file_path": "/dl/New.app"}}])";
+
+// What was started, and before it how many programs had been ended and reaped.
+std::vector<std::string> startedByAnInstallation(bool outliveTheirOutput) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kInstallation);
+  world.programs.outlivesItsOutput = outliveTheirOutput;
+  std::vector<std::string> started;
+  world.programs.run = [&](const std::vector<std::string>& argv) {
+    started.push_back(std::to_string(world.programs.reaped) + " " + argv[0]);
+    return "";
+  };
+  world.run();
+  EXPECT_EQ(world.jobFile.state(), "FREE");
+  EXPECT_EQ(world.programs.reaped, 2);
+  return started;
+}
+
+TEST(WorkerInMemory, EndsTheRemovalBeforeItStartsTheCopy) {
+  for (const bool outliveTheirOutput : {false, true}) {
+    EXPECT_THAT(startedByAnInstallation(outliveTheirOutput),
+                ::testing::ElementsAre("0 /bin/rm", "1 /bin/cp"));
+  }
+}
+
+TEST(WorkerInMemory, SeesAProgramThatIsStartedWhileAnotherRuns) {
+  WorkerInMemory world;
+  world.disk.put(kJobFilePath, kInstallation);
+  world.programs.started = 1;
+  EXPECT_DEATH(world.run(), "ended before another is started\n/bin/rm");
 }
 
 }  // namespace

@@ -32,6 +32,8 @@ constexpr pid_t kProcess = 0x7FFFFFFF;  // no system gives a process that number
 constexpr std::size_t kPipe = 65536;
 
 int start(const std::vector<std::string>& argv) {
+  require(standIn->reaped == standIn->started, "a program is ended before another is started",
+          argv[0]);
   const auto output = standIn->run ? standIn->run(argv) : std::nullopt;
   if (!output) return ENOENT;
   ++standIn->started;
@@ -56,7 +58,10 @@ int terminate(int signal) {
 
 }  // namespace
 
-Programs::Programs() { standIn = this; }
+Programs::Programs() {
+  standIn = this;
+  isRunning = false;
+}
 Programs::~Programs() { standIn = nullptr; }
 
 }  // namespace kelvane::fuzz

@@ -11,6 +11,7 @@
 #include "log/iLog.h"
 #include "platform/Utf8.h"
 #include "tests/fuzz/Law.h"
+#include "tests/support/FrameworkLaws.h"
 #include "tests/support/LogLine.h"
 
 namespace kelvane::fuzz {
@@ -23,30 +24,6 @@ const char kProductSettings[] =
 namespace {
 
 constexpr char kLog[] = "/Shared/utility/logs/TarselVistrelUtility.txt";
-
-bool begins(const std::string& call, const std::string& start) {
-  return call.compare(0, start.size(), start) == 0;
-}
-
-// "0/1" of "zr_initializeFlashProcess(0/1, 0)".
-std::string addressIn(const std::string& call) {
-  const std::size_t start = call.find('(') + 1;
-  return call.substr(start, call.find(',') - start);
-}
-
-// Whether each call that opens is followed by one that closes, of the same controller.
-bool closesWhatItOpens(const std::vector<std::string>& calls, const std::string& opening,
-                       const std::string& closing) {
-  std::string open;
-  for (const std::string& call : calls) {
-    if (begins(call, opening)) {
-      if (!open.empty()) return false;
-      open = addressIn(call);
-    }
-    if (begins(call, closing) && addressIn(call) == open) open.clear();
-  }
-  return open.empty();
-}
 
 std::string joined(const std::vector<std::string>& lines) {
   std::string text;
@@ -81,6 +58,7 @@ WorkerInMemory::WorkerInMemory() {
   disk.put(kEnginePath, "");
   disk.put("/Applications/Manager.app/Contents/Info.plist", "");
   host.folder = "/A/B.app/Contents/Resources";
+  host.onSleep = [this] { noteSleep(); };
   framework.devices = {{"A1", 0x4301}, {"B2", 0x4801}};
   framework.adapters = 1;
   disk.onReplace = [this](const std::string& path, std::string_view bytes) {
@@ -133,14 +111,23 @@ void WorkerInMemory::judgeLine(std::string_view text) {
   if (line->message.starts_with("writeJSONFile, newArray = ")) ++writes_;
 }
 
-void WorkerInMemory::judgeTheEnd() const {
+// Those that are not in the course yet.
+void WorkerInMemory::noteCalls() {
   const auto& calls = framework.calls;
-  require(closesWhatItOpens(calls, "zr_initializeFlashProcess(", "zr_finalizeFlashProcess("),
-          "a flash process that is opened is closed", joined(calls));
-  require(closesWhatItOpens(calls, "zr_initializeCPLDProcess(", "zr_finalizeCPLDProcess("),
-          "a CPLD process that is opened is closed", joined(calls));
-  require(closesWhatItOpens(calls, "zr_flashQVXFImage(", "zr_finializeQVXFImage("),
-          "a QVXF flash that is started is closed", joined(calls));
+  course_.insert(course_.end(), std::next(calls.begin(), noted_), calls.end());
+  noted_ = static_cast<std::ptrdiff_t>(calls.size());
+}
+
+void WorkerInMemory::noteSleep() {
+  noteCalls();
+  course_.push_back("sleep " + std::to_string(host.sleeps.back()));
+  if (onSleep) onSleep();
+}
+
+void WorkerInMemory::judgeTheEnd() {
+  noteCalls();
+  const std::string law = test::brokenFrameworkLaw(course_);
+  require(law.empty(), law.c_str(), joined(course_));
   require(programs.started == programs.reaped, "a program that was started is ended and reaped");
   // A folder that is given up may be the one that the log is in; a catalogue may hold what JSON has
   // no form for, of which nothing is written, and nobody told.

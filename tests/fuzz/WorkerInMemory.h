@@ -1,8 +1,9 @@
 // The worker without disk, time, child processes and controllers, and the laws that hold for every
-// run of it: of each version of the job file, of each line of the log, of what was opened and
-// started.
+// run of it: of each version of the job file, of each line of the log, of the calls to the
+// framework and the sleeps, of what was opened and started.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -42,6 +43,9 @@ class WorkerInMemory {
   // What the update engine does, and what it writes; `folder` is where it is to deliver.
   std::function<std::string(const std::string& folder)> engine;
 
+  // While the worker sleeps.
+  std::function<void()> onSleep;
+
   // A line of the log was at error level.
   bool hasToldAnError() const { return hasToldAnError_; }
 
@@ -54,8 +58,12 @@ class WorkerInMemory {
  private:
   std::optional<std::string> runProgram(const std::vector<std::string>& argv);
   void judgeLine(std::string_view text);
-  void judgeTheEnd() const;
+  void noteCalls();
+  void noteSleep();
+  void judgeTheEnd();
 
+  std::vector<std::string> course_;  // calls to the framework and sleeps
+  std::ptrdiff_t noted_ = 0;         // so many calls are in it
   bool hasToldAnError_ = false;
   int writes_ = 0;  // that the log tells of: of what JSON has no form for nothing is written
 };

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <climits>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 #include <fcntl.h>
@@ -37,6 +38,7 @@ std::vector<CallKind> makeKinds() {
       {SYS_writev, "writev", true, 2, {EIO, ENOSPC, EDQUOT, EINTR}},
       {SYS_copy_file_range, "copy_file_range", true, 4, {EIO, ENOSPC, EDQUOT, EXDEV, EINTR}},
       {SYS_sendfile, "sendfile", true, 3, {EIO, ENOMEM, EINTR}},
+      {SYS_ioctl, "ioctl", true, -1, {}},  // cp's, of a copy that shares the disk's blocks
       {SYS_ftruncate, "ftruncate", true, -1, {EIO, ENOSPC, EINTR}},
       {SYS_lseek, "lseek", false, -1, {EINVAL}},
       {SYS_fsync, "fsync", true, -1, {EIO, ENOSPC, EDQUOT, EINTR}},
@@ -116,6 +118,20 @@ std::vector<long> allCalls() {
   std::vector<long> numbers;
   for (const CallKind& kind : callKinds()) numbers.push_back(kind.number);
   return numbers;
+}
+
+bool isPassedOver(long number) {
+  static const std::set<long> all = {
+      // The loader's and the runtime's, at a program's start.
+      SYS_access, SYS_arch_prctl, SYS_futex, SYS_getrandom, SYS_mprotect, SYS_prlimit64, SYS_rseq,
+      SYS_set_robust_list, SYS_set_tid_address,
+      // What a process asks of itself. Memory that brk refuses is mmap's.
+      SYS_brk, SYS_geteuid, SYS_getpid, SYS_munmap, SYS_rt_sigprocmask, SYS_umask, SYS_uname,
+      // What a child does before it becomes another program.
+      SYS_close_range,
+      // How rm and cp look at a disk.
+      SYS_fadvise64, SYS_fstatfs, SYS_statfs};
+  return all.contains(number);
 }
 
 bool isSleep(const Call& call) { return call.number == SYS_clock_nanosleep; }

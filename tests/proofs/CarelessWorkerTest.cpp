@@ -70,6 +70,7 @@ constexpr Mistake kMistakes[] = {
     {"kills", "download", "moves-in-pieces", " is not whole", 50},
     {"kills", "query-unbegun", "works-once", "the next worker leaves another outcome", 50},
     {"calls", "query-unbegun", "writes-in-place", " is not the version put in place last", 13},
+    {"calls", "query-unbegun", "leaves-a-child", "sh is left running", 13},
     {"calls", "query-unbegun", "leaves-a-descriptor", "a file stays open", 13},
     {"calls", "query-unbegun", "leaves-temporaries", "a version is left over", 13},
     {"calls", "query-unbegun", "takes-short-for-whole", "a version of the job file has no job", 13},

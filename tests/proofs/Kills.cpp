@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string_view>
 #include <vector>
 
 #include "platform/Json.h"
@@ -76,6 +77,27 @@ Tree withoutLeftovers(Tree tree) {
   return tree;
 }
 
+// What the command starts, which goes on; "Kelvane" is a child that had not become another program
+// yet.
+std::set<std::string> programsOf(const std::string& command) {
+  if (command == "updateFW") return {};
+  if (command == "updateSW") return {"rm", "cp", "Kelvane"};
+  return {"EngineRunner", "Kelvane"};
+}
+
+// The one controller of the fleet.
+Value controllerIn(const Tree& tree) {
+  return platform::parseJson(bytesOf(tree, kFleetPath)).get("controllers").at(0);
+}
+
+void forgetNvram(Tree& tree) {
+  Value controller = controllerIn(tree);
+  controller.set("nvram", "");
+  Value fleet = platform::parseJson(bytesOf(tree, kFleetPath));
+  fleet.set("controllers", Value::array({controller}));
+  tree.at(kFleetPath).bytes = *platform::printJson(fleet);
+}
+
 // One scenario's kills.
 class Kills {
  public:
@@ -89,7 +111,7 @@ class Kills {
     const Traced traced = trace(world_.command(), allCalls(), killer);
     if (killer.place().empty()) return false;
     ++tally_.points;
-    std::string found = faultOf(traced);
+    std::string found = faultOfProcesses(traced);
     if (found.empty()) found = faultOfFiles(killer);
     if (found.empty()) found = faultOfLeftovers(world_.now());
     if (found.empty()) found = faultOfNextRun();
@@ -103,11 +125,10 @@ class Kills {
   const Tally& tally() const { return tally_; }
 
  private:
-  static std::string faultOf(const Traced& traced) {
-    // "Kelvane": a child that had not become another program yet.
-    static const std::set<std::string> documented = {"EngineRunner", "rm", "cp", "Kelvane"};
-    for (const std::string& name : traced.outlived) {
-      if (!documented.contains(name)) return name + " outlived the worker";
+  std::string faultOfProcesses(const Traced& traced) const {
+    const std::set<std::string> documented = programsOf(world_.scenario().command);
+    for (const LeftProcess& left : traced.outlived) {
+      if (!documented.contains(left.name)) return left.name + " outlived the worker";
     }
     return traced.isInTime ? "" : "what it had started does not end";
   }
@@ -132,7 +153,7 @@ class Kills {
     std::set<std::string> packages;
     for (const auto& [path, entry] : left) {
       const bool isKnown = world_.before().contains(path) || baseline_.after.contains(path) ||
-                           baseline_.made.contains(path) || isLeftover(path);
+                           isUnfinished(path) || isLeftover(path);
       if (!isKnown) return path + " is left over";
       const std::string area = areaOf(path);
       if (area.empty() || isHiddenInArea(path) || path == area) continue;
@@ -148,6 +169,13 @@ class Kills {
     return {};
   }
 
+  // What the worker's children had come to: the engine in its folder, and the copy of an
+  // application.
+  bool isUnfinished(const std::string& path) const {
+    const bool isOfChild = isBelow(path, kEngineFolderPath) || isBelow(path, kInstalledPath);
+    return isOfChild && baseline_.made.contains(path);
+  }
+
   // The job, waiting again, ends as it would have. Where all is left as after an earlier kill, it
   // was tried there.
   std::string faultOfNextRun() {
@@ -161,8 +189,8 @@ class Kills {
     Tree expected = outcomeOf(baseline_.after);
     Tree seen = withoutLeftovers(outcomeOf(world_.now()));
     if (isBridgeHalfDone(left)) {
-      expected.erase(kFleetPath);
-      seen.erase(kFleetPath);
+      forgetNvram(expected);
+      forgetNvram(seen);
     }
     const std::string other = difference(expected, seen);
     return other.empty() ? "" : "the next worker leaves another outcome: " + other;
@@ -170,14 +198,10 @@ class Kills {
 
   // Documented: a bridge whose worker was killed before it wrote the NVRAM never gets it.
   bool isBridgeHalfDone(const Tree& left) const {
-    const auto controllerIn = [](const Tree& tree) {
-      return platform::parseJson(bytesOf(tree, kFleetPath)).get("controllers");
-    };
+    if (std::string_view(world_.scenario().command) != "updateFW") return false;
     const Value now = controllerIn(left);
-    if (now.count() == 0) return false;
-    const Value end = controllerIn(baseline_.after).at(0);
-    return now.at(0).get("usb_bridge") == end.get("usb_bridge") &&
-           now.at(0).get("nvram") != end.get("nvram");
+    const Value end = controllerIn(baseline_.after);
+    return now.get("usb_bridge") == end.get("usb_bridge") && now.get("nvram") != end.get("nvram");
   }
 
   World& world_;

@@ -2,11 +2,16 @@
 // prove-sizes prove whole.
 
 #include <algorithm>
+#include <numeric>
+#include <set>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/proofs/Calls.h"
 #include "tests/proofs/Failures.h"
+#include "tests/proofs/JobWatcher.h"
 #include "tests/proofs/Kills.h"
 #include "tests/proofs/PowerLoss.h"
 #include "tests/proofs/Readers.h"
@@ -44,6 +49,27 @@ std::vector<std::string> jobNames() {
   std::vector<std::string> names;
   for (const Scenario& scenario : scenarios()) names.emplace_back(scenario.name);
   return names;
+}
+
+// All calls that the kills and failures know nothing of.
+class CallCollector : public JobWatcher {
+ public:
+  using JobWatcher::JobWatcher;
+  std::set<long> unknown;
+
+ protected:
+  Decision decide(const Call& call) override {
+    if (kindOf(call.number) == nullptr) unknown.insert(call.number);
+    return {};
+  }
+};
+
+TEST_P(EachJob, MakesOnlyCallsThatAreKnown) {
+  std::vector<long> every(1'000);
+  std::iota(every.begin(), every.end(), 0);
+  CallCollector collector(world);
+  trace(world.command(), every, collector);
+  for (const long number : collector.unknown) EXPECT_TRUE(isPassedOver(number)) << number;
 }
 
 INSTANTIATE_TEST_SUITE_P(Proofs, EachJob, ::testing::ValuesIn(jobNames()),

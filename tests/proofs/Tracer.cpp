@@ -148,7 +148,7 @@ class Tracing {
     if (WIFSIGNALED(status)) traced_.signal = WTERMSIG(status);
     for (const auto& [left, state] : processes_) {
       const std::string name = nameOf(left);
-      if (!name.empty()) traced_.outlived.push_back(name);
+      if (!name.empty()) traced_.outlived.push_back({left, name});
     }
   }
 

@@ -47,12 +47,16 @@ struct Command {
   std::function<void()> prepare = {};  // in the new process, last of all
 };
 
+struct LeftProcess {
+  pid_t process = 0;
+  std::string name;  // of its program
+};
+
 struct Traced {
   int exitStatus = -1;  // -1 where a signal ended it
   int signal = 0;
-  bool isInTime = true;  // it and all that it started ended by themselves
-  // The programs that still ran when it ended.
-  std::vector<std::string> outlived;
+  bool isInTime = true;               // it and all that it started ended by themselves
+  std::vector<LeftProcess> outlived;  // those that still ran when it ended
 };
 
 constexpr std::chrono::seconds kPatience{60};

@@ -15,6 +15,7 @@ namespace kelvane::proofs {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Field;
 using ::testing::IsEmpty;
 
 // Decides upon one system call alone.
@@ -99,7 +100,7 @@ TEST_F(TracerTest, AChildThatOutlivesTheProgramIsNamed) {
   OfOneCall watcher(SYS_mkdir, {.kind = Decision::Kind::kill});
   const Traced traced = run({"/bin/sh", "-c", "/bin/mkdir new; exit 3"}, watcher);
   EXPECT_EQ(traced.signal, SIGKILL);
-  EXPECT_THAT(traced.outlived, ElementsAre("mkdir"));
+  EXPECT_THAT(traced.outlived, ElementsAre(Field(&LeftProcess::name, "mkdir")));
   EXPECT_TRUE(traced.isInTime);
   EXPECT_TRUE(isMade());
 }

@@ -41,8 +41,8 @@ Gen<std::string> textsOf(const std::vector<std::string>& pieces) {
 
 Gen<std::string> digits() {
   constexpr int kMost = 25;  // more than any machine number has
-  return rc::gen::resize(
-      kMost, rc::gen::nonEmpty(rc::gen::container<std::string>(rc::gen::inRange('0', ':'))));
+  return rc::gen::resize(kMost,
+                         rc::gen::nonEmpty(rc::gen::container<std::string>(between('0', ':'))));
 }
 
 // Without zeros in front.
@@ -101,12 +101,12 @@ Gen<Value> jsonLeaves() {
 Gen<Value> dates() {
   constexpr std::int64_t kYear2001 = 978'307'200;
   constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return rc::gen::map(rc::gen::inRange<std::int64_t>(kYear2001 - kMost, kYear2001 + kMost),
+  return rc::gen::map(between<std::int64_t>(kYear2001 - kMost, kYear2001 + kMost),
                       [](std::int64_t seconds) { return Value(platform::Date{seconds}); });
 }
 
 Gen<Value> reals() {
-  return rc::gen::map(rc::gen::inRange<int>(-1'000'000, 1'000'000), [](int number) {
+  return rc::gen::map(between(-1'000'000, 1'000'000), [](int number) {
     return Value::number(platform::shortestText(number / 64.0 + 1.0 / 128));
   });
 }
@@ -169,7 +169,7 @@ Gen<std::string> words() {
 }
 
 Gen<std::string> numbers() {
-  const auto exponents = rc::gen::map(rc::gen::inRange(-99, 99), [](int exponent) {
+  const auto exponents = rc::gen::map(between(-99, 99), [](int exponent) {
     return (exponent % 2 == 0 ? "e" : "E") + std::to_string(exponent);
   });
   const auto none = rc::gen::just(std::string());

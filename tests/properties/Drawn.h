@@ -19,6 +19,13 @@ void showValue(const Value& value, std::ostream& out);
 
 namespace kelvane::properties {
 
+// From the first one on, the end excluded, each as likely: RapidCheck's own range is that of its
+// size's part, which for a small size is the first one alone.
+template <typename T>
+rc::Gen<T> between(T first, T end) {
+  return rc::gen::resize(rc::kNominalSize, rc::gen::inRange<T>(first, end));
+}
+
 // UTF-8, with what has to be escaped, steers or is wide.
 rc::Gen<std::string> texts();
 // Any bytes, mostly text.

@@ -43,7 +43,7 @@ RC_GTEST_PROP(JsonProperties, OneLineHoldsTheSame, ()) {
 
 RC_GTEST_PROP(JsonProperties, OfATextThatIsCutNothingIsRead, ()) {
   const std::string text = printed(*containers());
-  const auto length = *rc::gen::inRange<std::size_t>(0, text.size());
+  const auto length = *between<std::size_t>(0, text.size());
   RC_ASSERT(platform::parseJson(text.substr(0, length)).isNothing());
 }
 

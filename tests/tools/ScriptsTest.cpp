@@ -130,8 +130,10 @@ TEST(Fuzz, TellsWhatATargetTookAndReached) {
   const TempFolder build;
   const Ended fuzzed = fuzzJson(build, kFuzzed);
   EXPECT_EQ(fuzzed.exitStatus, 0) << fuzzed.err;
-  EXPECT_THAT(fuzzed.out,
-              MatchesRegex("json +12 runs +34 reached +5 new +0 min spent +no finding\n"));
+  EXPECT_THAT(
+      fuzzed.out,
+      MatchesRegex(
+          "json +12 runs +34 reached +5 new +0 min spent +0 of it by this program +no finding\n"));
 }
 
 TEST(Fuzz, FailsWhereSomethingIsFound) {

@@ -8,6 +8,7 @@
 #include "platform/Json.h"
 #include "tests/support/JobFiles.h"
 #include "tests/support/WorkerWorld.h"
+#include "tests/worker/Children.h"
 
 namespace kelvane {
 namespace {
@@ -72,6 +73,23 @@ TEST_F(SoftwareInstallation, LogsTheOutputOfBothToolsAndNothingElse) {
   writeJobs(job(package()));
   worker.updateSW(handedOver());
   EXPECT_THAT(logWithoutStore(), ElementsAre("updateSW: result = ", "updateSW: result = "));
+}
+
+TEST_F(SoftwareInstallation, TheRemovalIsEndedBeforeTheCopyIsStarted) {
+  writeJobs(job(package()));
+  test::Children children;
+  worker.run("17");
+  EXPECT_THAT(children.events,
+              ElementsAre("start /bin/rm", "reap /bin/rm", "start /bin/cp", "reap /bin/cp"));
+}
+
+TEST_F(SoftwareInstallation, ARemovalThatOutlivesItsOutputIsToldToEndBeforeTheCopyIsStarted) {
+  writeJobs(job(package()));
+  test::Children children;
+  children.outliveTheirOutput = true;
+  worker.run("17");
+  EXPECT_THAT(children.events, ElementsAre("start /bin/rm", "end /bin/rm", "reap /bin/rm",
+                                           "start /bin/cp", "reap /bin/cp"));
 }
 
 TEST_F(SoftwareInstallation, NoFileStaysOpen) {

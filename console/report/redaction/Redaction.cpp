@@ -114,6 +114,8 @@ void Redaction::addWwn(std::string_view wwn) {
   for (const std::string& letters : {inSmallLetters(wwn), plain}) {
     words_.add(letters, {Secret::wwn, plain, isWwn(plain)});
   }
+  if (!isWwn(plain)) return;
+  for (const char sign : {':', '-'}) words_.add(inPairs(plain, sign), {Secret::wwn, plain, true});
 }
 
 void Redaction::addPassword(std::string_view password) {

@@ -33,6 +33,8 @@ bool isNameOfSecret(std::string_view name, Secret& secret);
 std::string plainWwn(std::string_view wwn);
 // Whether such a text is 16 hexadecimal digits.
 bool isWwn(std::string_view plain);
+// Its digits in pairs, with the sign between each two: "50:00:...".
+std::string inPairs(std::string_view plain, char sign);
 
 // The users of the system itself are no secret.
 bool isSystemUser(std::string_view name);

@@ -49,6 +49,15 @@ bool isWwn(std::string_view plain) {
   return plain.size() == kDigits && std::all_of(plain.begin(), plain.end(), isHexadecimal);
 }
 
+std::string inPairs(std::string_view plain, char sign) {
+  std::string pairs;
+  for (std::size_t i = 0; i < plain.size(); i += 2) {
+    if (i > 0) pairs += sign;
+    pairs += plain.substr(i, 2);
+  }
+  return pairs;
+}
+
 void findWwns(const Letters& text, FoundSecrets& found) {
   for (std::size_t at = 0; at < text.size();) {
     std::size_t end = endOfDigits(text, at);

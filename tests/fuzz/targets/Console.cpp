@@ -1,11 +1,15 @@
 // A job file and a log, as somebody may have sent them, through all that the console shows of them.
-// No file steers the terminal, whatever it holds, and none makes an error that was not foreseen.
+// No file steers the terminal, whatever it holds, and none makes an error that was not foreseen. A
+// job is followed too, while its file becomes another one: what stands behind the log.
 
+#include <chrono>
 #include <clocale>
 #include <cstdlib>
 #include <functional>
+#include <regex>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include <expat.h>
 #include <sys/mman.h>
@@ -14,12 +18,21 @@
 #include "console/commands/Check.h"
 #include "console/commands/Explain.h"
 #include "console/commands/Guard.h"
+#include "console/commands/JobEnd.h"
 #include "console/commands/Jobs.h"
 #include "console/commands/ShowLog.h"
+#include "console/display/JsonView.h"
+#include "console/display/PlainView.h"
+#include "console/display/TerminalView.h"
 #include "console/display/Wrapping.h"
+#include "console/explain/Shortfall.h"
 #include "console/job/ExitCode.h"
+#include "console/job/Follower.h"
+#include "console/job/LogStretch.h"
+#include "console/job/Places.h"
 #include "console/report/ReportPage.h"
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "platform/WriteAll.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
@@ -57,6 +70,8 @@ class File {
 struct Sent {
   File jobFile{"jobs"};
   File log{"log"};
+  std::string jobs = {};
+  std::string laterJobs = {};  // empty: they stay
   CopyOptions options() const { return {.jobFile = jobFile.path(), .logFile = log.path()}; }
   console::Places places() const {
     return {.jobFile = jobFile.path(), .log = log.path(), .isCopy = true};
@@ -111,6 +126,9 @@ void showAll(const Sent& sent, Form form) {
     return console::list({.sharedFolder = "", .failed = true, .last = "2", .copy = copy}, screen);
   });
   show(form, [&](const Screen& screen) {
+    return console::check({.sharedFolder = "", .bundle = "", .copy = copy}, screen);
+  });
+  show(form, [&](const Screen& screen) {
     return console::explain({.sharedFolder = "", .subject = kLogId, .copy = copy}, screen);
   });
   form.isFitted = false;  // what stands in the files as it stands there
@@ -130,6 +148,102 @@ void showAll(const Sent& sent, Form form) {
                             screen);
   });
 }
+
+// --- a job that is followed
+
+// Between two looks a while passes; then the file is another one, and the job has no worker.
+class Passing : public console::Clock, public console::Worker {
+ public:
+  explicit Passing(const Sent& sent) : sent_(sent) {}
+
+  std::chrono::milliseconds now() override { return kWhile * looks_; }
+  bool wait(std::chrono::milliseconds /*time*/) override {
+    ++looks_;
+    if (looks_ == kLater && !sent_.laterJobs.empty()) sent_.jobFile.fill(sent_.laterJobs);
+    return true;
+  }
+  bool hasEnded() override { return looks_ >= kEnd; }
+  bool isSeen() override { return looks_ % 2 == 0; }
+  std::string ending() const override { return "exit status 0"; }
+
+ private:
+  static constexpr std::chrono::seconds kWhile{40};
+  static constexpr int kLater = 3;
+  static constexpr int kEnd = 6;
+
+  const Sent& sent_;
+  int looks_ = 0;
+};
+
+void followIn(console::View& view, const Sent& sent, const Screen& screen) {
+  const console::Places places = sent.places();
+  sent.jobFile.fill(sent.jobs);
+  Passing passing(sent);
+  const platform::Value record = console::recordAt(places, kLogId);
+  console::Past past = console::pastOf(record, console::stretchIn(places, record), passing);
+  past.log = [&](const platform::Value& seen) { return console::stretchIn(places, seen); };
+  past.shortfall = [&](const platform::Value& seen, const console::LogStretch& log) {
+    return console::shortfallAt(places, seen, log);
+  };
+  past.startFault = [](const platform::Value& seen) { return platform::describe(seen); };
+  const auto followed = console::follow(console::JobFile::at(places.jobFile), kLogId, passing,
+                                        passing, view, {}, past);
+  if (followed.outcome == console::Outcome::finished) {
+    console::endOfJob(followed.last, "", screen);
+  }
+}
+
+// The same without what the view itself draws with: the way up to the first line, the rest of each
+// line and all below the last erased.
+std::string withoutDrawing(const std::string& drawn, std::size_t columns) {
+  static constexpr std::string_view kEraseLineEnd = "\x1b[K";
+  static const std::regex start("^(\x1b\\[J)?(\r\x1b\\[[0-9]+A)?");
+  std::string text;
+  std::istringstream lines(drawn);
+  for (std::string line; std::getline(lines, line);) {
+    line = std::regex_replace(line, start, "", std::regex_constants::format_first_only);
+    if (line.ends_with(kEraseLineEnd)) {
+      line.erase(line.size() - kEraseLineEnd.size());
+      require(console::columnsOf(line) < columns, "no line that is drawn again is full", line);
+    }
+    text.append(line).append("\n");
+  }
+  return text;
+}
+
+void followOnTerminal(const Form& form, const Sent& sent) {
+  std::ostringstream drawn;
+  const auto size = [&form] { return console::TerminalSize{form.columns, 12}; };
+  std::ostringstream messages;
+  const int exitCode = console::guarded(messages, form.charset, [&] {
+    std::ostringstream rest;
+    console::TerminalView view(drawn, size, form.charset);
+    followIn(view, sent, {rest, form.charset, form.columns});
+    return console::kSuccess;
+  });
+  require(exitCode != console::kInternalError, "no job makes an error of another kind",
+          messages.str());
+  const std::string text = withoutDrawing(drawn.str(), form.columns);
+  requireHarmless(text, form.isAscii(), "no job that is followed steers the terminal");
+  requireFitting(text, form.columns);
+}
+
+void followAll(const Sent& sent, Form form) {
+  form.isFitted = false;
+  show(form, [&](const Screen& screen) {
+    console::PlainView view(screen.out, screen.charset);
+    followIn(view, sent, screen);
+    return console::kSuccess;
+  });
+  show({.json = true}, [&](const Screen& screen) {
+    console::JsonView view(screen.out);
+    followIn(view, sent, screen);
+    return console::kSuccess;
+  });
+  if (form.columns != 0) followOnTerminal(form, sent);
+}
+
+// --- a report
 
 void requireMarkup(const std::string& page) {
   const XML_Parser parser = ::XML_ParserCreate("UTF-8");
@@ -159,11 +273,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Bytes bytes(data, size);
   const std::size_t columns = bytes.flag() ? 20 + bytes.pick(181) : 0;
   const auto charset = bytes.flag() ? fuzz::Charset::ascii : fuzz::Charset::utf8;
-  const fuzz::Sent sent;
-  sent.jobFile.fill(bytes.part());
-  sent.log.fill(bytes.rest());
+  fuzz::Sent sent;
+  sent.jobs = bytes.part();
+  sent.jobFile.fill(sent.jobs);
+  sent.log.fill(bytes.part());
+  sent.laterJobs = bytes.rest();
   fuzz::showAll(sent, {.columns = columns, .charset = charset});
   fuzz::showAll(sent, {.json = true});
   fuzz::report(sent);
+  fuzz::followAll(sent, {.columns = columns, .charset = charset});
   return 0;
 }

@@ -1,10 +1,12 @@
 // Text for people: safe, fitted to the columns, and still the same text.
 
 #include <clocale>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "console/display/DisplayText.h"
+#include "console/display/Question.h"
 #include "console/display/ShellQuoting.h"
 #include "console/display/Table.h"
 #include "console/display/Wrapping.h"
@@ -61,6 +63,20 @@ void tabulate(const std::string& text, std::size_t columns, Charset charset) {
   }
 }
 
+// In a terminal; the answer is typed behind it.
+void ask(const std::string& text, std::size_t columns, Charset charset) {
+  std::ostringstream out;
+  console::showQuestion(text, {out, charset, columns});
+  const std::string question = out.str();
+  requireHarmless(question, charset == Charset::ascii, "a question steers nothing");
+  if (question.starts_with(' ')) return;  // its indentation may leave it no room
+  require(question.ends_with("[y/N] "), "a question ends with what may be answered", question);
+  std::istringstream lines(question.substr(0, question.size() - 1));
+  for (std::string line; std::getline(lines, line);) {
+    require(console::columnsOf(line) <= columns, "a question fits", line);
+  }
+}
+
 // What a shell makes of it: of the single quotes what is in them, of a backslash what follows.
 std::string unquoted(const std::string& quoted) {
   std::string text;
@@ -99,6 +115,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::fit(lines, columns);
   fuzz::shorten(text, columns, charset);
   fuzz::tabulate(text, columns, charset);
+  fuzz::ask(text, columns, charset);
   if (text.find('\0') == std::string::npos) {
     fuzz::requireSame(text, fuzz::unquoted(console::shellQuoted(text)),
                       "a shell reads what was quoted");

@@ -1,4 +1,5 @@
-// JSON text: what is read is written again, to the digit.
+// JSON text: what is read is what stands there, by a reader of the tests' own, and is written
+// again, to the digit.
 
 #include "platform/Json.h"
 
@@ -11,12 +12,14 @@
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
 #include "tests/support/FreshValue.h"
+#include "tests/support/PlainJson.h"
 
 namespace kelvane::fuzz {
 namespace {
 
 using platform::Value;
 using test::fresh;
+using test::PlainJson;
 
 int depthOf(const Value& value) {
   int most = 0;
@@ -36,10 +39,12 @@ std::string printed(const Value& value) {
   return *text;
 }
 
-void judgeJson(const Value& value) {
+void judgeJson(const Value& value, const PlainJson& plain) {
   require(value.isArray() || value.isDictionary(), "the top level is an array or an object");
   require(depthOf(value) <= platform::kJsonDepthLimit, "nothing is read beyond the depth");
+  require(plain == test::plainJson(value), "what is read is what stands there, to the digit");
   const std::string text = printed(value);
+  requireSame(test::printed(plain), text, "what stands there is what is written");
   requireSame(text, printed(value), "a remembered text is the text");
   requireSame(text, printed(fresh(value)), "a remembered text is what is made anew");
   require(nlohmann::json::accept(text), "what is written is JSON", text);
@@ -61,8 +66,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kelvane;
   const std::string text = fuzz::Bytes(data, size).rest();
   const platform::Value value = platform::parseJson(text);
-  if (value.isNothing()) return 0;
-  fuzz::require(platform::isUtf8(text), "JSON is UTF-8", text);
-  fuzz::judgeJson(value);
+  const auto plain = test::readPlainJson(text);
+  fuzz::require(plain.has_value() != value.isNothing(), "JSON is read, and nothing else", text);
+  if (plain) fuzz::judgeJson(value, *plain);
   return 0;
 }

@@ -44,7 +44,7 @@ class Session {
     framework.descriptions[0x8124] = "the version of CPLD is up to date";
     framework.descriptions[0x8055] = nullptr;
     framework.decide = [this](const std::string& function) { return answer(function); };
-    world_.host.onSleep = [this] { interfere(); };
+    world_.onSleep = [this] { interfere(); };
     world_.engine = [this](const std::string& folder) { return deliver(folder); };
     world_.programs.outlivesItsOutput = bytes_.flag();
     interferes_ = bytes_.flag();

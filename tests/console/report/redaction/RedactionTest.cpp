@@ -119,6 +119,8 @@ TEST(Redaction, AKnownWwnIsFoundAmongOtherDigits) {
   Redaction redaction;
   redaction.addWwn("50000000000000A1");
   EXPECT_EQ(redaction.applied("image50000000000000A1F"), "image[wwn-1]F");
+  EXPECT_EQ(redaction.applied("port aB:50:00:00:00:00:00:00:a1, 50-00-00-00-00-00-00-A1-02"),
+            "port aB:[wwn-1], [wwn-1]-02");
 }
 
 TEST(Redaction, AWwnInAFormOfItsOwnIsKnownFromTheRecord) {
