@@ -235,7 +235,8 @@ class Failures {
     std::error_code none;
     fs::remove(counts_ / "live", none);
     Command counted = world_.command();
-    counted.variables["LD_PRELOAD"] = KELVANE_MEMORY_INTERPOSER;
+    // Behind what makes a worker careless.
+    counted.variables["LD_PRELOAD"].append(" ").append(KELVANE_MEMORY_INTERPOSER);
     counted.variables["KELVANE_LIVE_MEMORY"] = counts_ / "live";
     return counted;
   }
