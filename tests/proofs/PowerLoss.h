@@ -1,5 +1,5 @@
 // The power failing after each change that a program of ours makes to its files: states that
-// the disk may then be in is made and looked at.
+// the disk may then be in are made and looked at.
 #pragma once
 
 #include <cstdint>
