@@ -158,7 +158,8 @@ void appendContainer(std::string& out, const Value& container, std::size_t level
 // The placeholder for numbers of 64 bits, which a "long" of C may not hold.
 std::string forWholeNumber(std::string placeholder) {
   const std::size_t size = placeholder.find('l');
-  if (size != std::string::npos) placeholder.insert(size, 1, 'l');
+  const bool isLong = size != std::string::npos && placeholder.find("ll") == std::string::npos;
+  if (isLong) placeholder.insert(size, 1, 'l');
   return placeholder;
 }
 

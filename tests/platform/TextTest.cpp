@@ -168,6 +168,7 @@ TEST(Format, FillsPlaceholdersInOrder) {
 TEST(Format, NumbersOfEverySizeAreWhole) {
   EXPECT_EQ(format("%ld", std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
   EXPECT_EQ(format("%lu", std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
+  EXPECT_EQ(format("%lld %llu", std::int64_t{-5}, std::uint64_t{7}), "-5 7");
   EXPECT_EQ(format("%x", std::uint32_t{0xFFFFFFFF}), "ffffffff");
   EXPECT_EQ(format("%d %d", std::uint8_t{255}, -1), "255 -1");
 }
