@@ -30,8 +30,7 @@ const std::vector<CallKind>& callKinds();
 // Null where the proofs do not know it.
 const CallKind* kindOf(long number);
 std::vector<long> allCalls();
-// Of a call that the proofs pass over: it changes nothing but the process itself, and does not
-// fail.
+// Of a call that the proofs pass over: it changes nothing but the process itself.
 bool isPassedOver(long number);
 
 bool isSleep(const Call& call);
