@@ -200,4 +200,44 @@ std::string targetOf(const Call& call) {
   return call.number == SYS_rename ? pathOf(call, -1, 1) : pathOf(call, 2, 3);
 }
 
+bool writes(const Call& call) {
+  switch (call.number) {
+    case SYS_write:
+    case SYS_pwrite64:
+    case SYS_writev:
+    case SYS_copy_file_range:
+    case SYS_sendfile:
+    case SYS_ftruncate:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::uint64_t writtenFile(const Call& call) {
+  return call.arguments[call.number == SYS_copy_file_range ? 2 : 0];
+}
+
+std::string changedPath(const Call& call) {
+  if (writes(call)) return pathOfFile(call.process, writtenFile(call));
+  if (isRename(call)) return targetOf(call);
+  switch (call.number) {
+    case SYS_openat:
+    case SYS_mkdirat:
+    case SYS_unlinkat:
+      return pathOf(call, 0, 1);
+    case SYS_symlinkat:
+      return pathOf(call, 1, 2);
+    case SYS_symlink:
+      return pathOf(call, -1, 1);
+    case SYS_open:
+    case SYS_mkdir:
+    case SYS_unlink:
+    case SYS_rmdir:
+      return pathOf(call, -1, 0);
+    default:
+      return {};
+  }
+}
+
 }  // namespace kelvane::proofs

@@ -50,5 +50,10 @@ std::string pathOfFile(pid_t process, std::uint64_t file);
 // Of a rename.
 std::string sourceOf(const Call& call);
 std::string targetOf(const Call& call);
+// Whether it changes the bytes of an open file, and which file of the process that is.
+bool writes(const Call& call);
+std::uint64_t writtenFile(const Call& call);
+// The path of what the call changes, but for what stands beside its bytes; empty where it is none.
+std::string changedPath(const Call& call);
 
 }  // namespace kelvane::proofs

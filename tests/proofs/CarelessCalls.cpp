@@ -1,6 +1,8 @@
 // Loaded before the worker's libraries: the worker, and no other program, makes the mistake that
 // KELVANE_MISTAKE names. What a proof is for is told of such a worker, or the proof does not bite.
 //   writes-in-place            what was to take a file's place is written into that, in pieces
+//   overwrites-controllers    the simulated controllers' alone
+//   goes-back                  what was in its place comes back for some time
 //   removes-first              a file is removed, and some time later another takes its place
 //   moves-in-pieces            of a folder that gets its name, the entries are moved one by one
 //   drops-others               the first of several records is left out of what is written
@@ -12,16 +14,22 @@
 //   leaves-a-child             a process that outlives the worker
 //   leaves-a-descriptor        an open file
 //   leaves-temporaries         what could not be put in place stays
-//   works-once                 whoever comes after another worker does nothing
+//   works-once                 whoever comes after another worker does nothing;
+//   fails-the-next             it ends with the exit status 1
 //   takes-short-for-whole      what was not written is forgotten
 //   gives-up-when-interrupted  a write that a signal interrupts is not made again
-//   fails-loudly               a write that fails ends it with the exit status 1;
+//   tells-failures             of a write that fails there is a word in the log
+//   keeps-memory               after one that fails, memory is not given back
+//   never-waits                a job that has begun is over
+//   fails-loudly               a write that fails, or memory that cannot be had, ends it with the
+//                              exit status 1;
 //   crashes                    by a signal
 
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -37,6 +45,7 @@
 namespace {
 
 constexpr std::size_t kLongestPath = 4096;
+constexpr std::size_t kLongestText = 10000;
 
 bool isWorker() {
   char program[kLongestPath];
@@ -70,6 +79,18 @@ int openReally(const char* path, int flags, mode_t mode) {
   return really(path, flags, mode);
 }
 
+// Made again where it is interrupted.
+int openOwn(const char* path, int flags) {
+  constexpr mode_t kMode = 0600;
+  int file = -1;
+  do {
+    file = openReally(path, flags, kMode);
+  } while (file < 0 && errno == EINTR);
+  return file;
+}
+
+bool endsWith(std::string_view text, std::string_view end) { return text.ends_with(end); }
+
 bool isFile(const char* path) {
   struct stat entry = {};
   return ::stat(path, &entry) == 0 && S_ISREG(entry.st_mode);
@@ -81,8 +102,8 @@ bool isOf(int file, mode_t kind) {
 }
 
 int writeInPlace(const char* from, const char* to) {
-  const int source = openReally(from, O_RDONLY | O_CLOEXEC, 0);
-  const int target = openReally(to, O_WRONLY | O_TRUNC | O_CLOEXEC, 0);
+  const int source = openOwn(from, O_RDONLY | O_CLOEXEC);
+  const int target = openOwn(to, O_WRONLY | O_TRUNC | O_CLOEXEC);
   char piece[16];
   for (ssize_t size = 0; (size = ::read(source, piece, sizeof piece)) > 0;) {
     if (::write(target, piece, static_cast<std::size_t>(size)) != size) return -1;
@@ -96,6 +117,50 @@ void removeFirst(const char* path) {
   constexpr int kWhile = 500;
   unlinkReally(path);
   for (int i = 0; i < kWhile; ++i) ::sched_yield();
+}
+
+std::size_t textOf(const char* path, char* text, std::size_t most) {
+  const int file = openOwn(path, O_RDONLY | O_CLOEXEC);
+  const ssize_t size = ::read(file, text, most);
+  ::close(file);
+  return size > 0 ? static_cast<std::size_t>(size) : 0;
+}
+
+void replaceText(const char* path, const char* text, std::size_t size) {
+  const int file = openOwn(path, O_WRONLY | O_CLOEXEC);
+  const bool isWritten = ::pwrite(file, text, size, 0) == static_cast<ssize_t>(size) &&
+                         ::ftruncate(file, static_cast<off_t>(size)) == 0;
+  ::close(file);
+  if (!isWritten) std::abort();
+}
+
+int goBack(const char* from, const char* to) {
+  constexpr int kWhile = 500;
+  static char older[kLongestText];
+  static char newer[kLongestText];
+  const std::size_t olderSize = textOf(to, older, sizeof older);
+  const std::size_t newerSize = textOf(from, newer, sizeof newer);
+  const int result = renameReally(from, to);
+  for (int i = 0; i < kWhile; ++i) ::sched_yield();
+  replaceText(to, older, olderSize);
+  for (int i = 0; i < kWhile; ++i) ::sched_yield();
+  replaceText(to, newer, newerSize);
+  return result;
+}
+
+// "RUN" is gone from it. Not again where the renaming was interrupted.
+void leaveNoneRunning(const char* path) {
+  static char last[kLongestPath];
+  if (std::strcmp(path, last) == 0) return;
+  std::snprintf(last, sizeof last, "%s", path);
+  static char text[kLongestText];
+  const std::string_view whole(text, textOf(path, text, sizeof text));
+  const std::size_t at = whole.find("\"RUN\"");
+  if (at == std::string_view::npos) return;
+  static char changed[kLongestText + 1];
+  const int size = std::snprintf(changed, sizeof changed, "%.*s\"FREE\"%.*s", static_cast<int>(at),
+                                 text, static_cast<int>(whole.size() - at - 5), text + at + 5);
+  replaceText(path, changed, static_cast<std::size_t>(size));
 }
 
 // With so many calls in between that every fiftieth is among them.
@@ -130,13 +195,13 @@ std::pair<std::size_t, std::size_t> firstRecord(std::string_view text) {
 }
 
 void dropFirstRecord(const char* path) {
-  static char text[10000];
-  const int file = openReally(path, O_RDWR | O_CLOEXEC, 0);
+  static char text[kLongestText];
+  const int file = openOwn(path, O_RDWR | O_CLOEXEC);
   const ssize_t size = ::read(file, text, sizeof text);
   if (size > 0) {
     const std::string_view whole(text, static_cast<std::size_t>(size));
     const auto [first, second] = firstRecord(whole);
-    const std::string_view rest = whole.substr(second);
+    const std::string_view rest(text + second, whole.size() - second);
     const auto left = static_cast<off_t>(first + rest.size());
     const auto written = ::pwrite(file, rest.data(), rest.size(), static_cast<off_t>(first));
     if (written >= 0 && ::ftruncate(file, left) != 0) std::abort();
@@ -147,7 +212,7 @@ void dropFirstRecord(const char* path) {
 void leaveFile(const char* beside) {
   char path[kLongestPath];
   std::snprintf(path, sizeof path, "%s.%d", beside, ::getpid());
-  ::close(openReally(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+  ::close(openOwn(path, O_WRONLY | O_CREAT | O_CLOEXEC));
 }
 
 // It ends some time after the worker.
@@ -169,7 +234,35 @@ mode_t modeOf(int flags, va_list arguments) {
   return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
 }
 
+// Once, as this request may fail in its turn.
+void keepMemory() {
+  static void* volatile kept = nullptr;  // so that the compiler leaves it
+  static bool isDone = false;
+  if (isDone) return;
+  isDone = true;
+  const int why = errno;
+  kept = std::malloc(1);
+  errno = kept == nullptr ? ENOMEM : why;
+}
+
+// Once; in the folder that the worker is started in.
+void tellInLog() {
+  static bool isDone = false;
+  if (isDone) return;
+  isDone = true;
+  const int why = errno;
+  const std::string_view line = "[00:00:00] [a.cpp][1][b][error] a write has failed\n";
+  const int log =
+      openOwn("shared/utility/logs/TarselVistrelUtility.txt", O_WRONLY | O_APPEND | O_CLOEXEC);
+  static const auto really = next<ssize_t(int, const void*, std::size_t)>("write");
+  const ssize_t written = really(log, line.data(), line.size());
+  ::close(log);
+  if (written != 0) errno = why;
+}
+
 ssize_t failed() {
+  if (makes("tells-failures")) tellInLog();
+  if (makes("keeps-memory")) keepMemory();
   if (makes("gives-up-when-interrupted") && errno == EINTR) errno = EIO;
   if (makes("fails-loudly")) ::_exit(1);
   if (makes("crashes")) std::abort();
@@ -179,9 +272,9 @@ ssize_t failed() {
 // Before all else, so that it is known from here on which mistake is made; what is left stands in
 // the folder that the worker is started in.
 __attribute__((constructor)) void workOnce() {
-  if (!makes("works-once")) return;
-  if (isFile("worked")) ::_exit(0);
-  ::close(openReally("worked", O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+  if (!makes("works-once") && !makes("fails-the-next")) return;
+  if (isFile("worked")) ::_exit(makes("works-once") ? 0 : 1);
+  ::close(openOwn("worked", O_WRONLY | O_CREAT | O_CLOEXEC));
 }
 
 }  // namespace
@@ -190,12 +283,16 @@ extern "C" int rename(const char* from, const char* to) noexcept;
 int rename(const char* from, const char* to) noexcept {
   if (makes("leaves-a-file")) leaveFile(to);
   if (makes("leaves-a-child")) leaveChild();
-  if (makes("leaves-a-descriptor")) openReally("/dev/null", O_RDONLY | O_CLOEXEC, 0);
+  if (makes("leaves-a-descriptor")) openOwn("/dev/null", O_RDONLY | O_CLOEXEC);
   if (!isFile(from))
     return makes("moves-in-pieces") ? moveInPieces(from, to) : renameReally(from, to);
   if (makes("drops-others")) dropFirstRecord(from);
   if (makes("removes-first")) removeFirst(to);
-  return makes("writes-in-place") ? writeInPlace(from, to) : renameReally(from, to);
+  if (makes("never-waits")) leaveNoneRunning(from);
+  if (makes("goes-back")) return goBack(from, to);
+  const bool isInPlace =
+      makes("writes-in-place") || (makes("overwrites-controllers") && endsWith(to, "/fleet.json"));
+  return isInPlace ? writeInPlace(from, to) : renameReally(from, to);
 }
 
 extern "C" int open(const char* path, int flags, ...) {
@@ -210,6 +307,13 @@ extern "C" int open(const char* path, int flags, ...) {
 extern "C" int unlink(const char* path) noexcept;
 int unlink(const char* path) noexcept {
   return makes("leaves-temporaries") ? 0 : unlinkReally(path);
+}
+
+extern "C" void* malloc(std::size_t size) {
+  static const auto really = next<void*(std::size_t)>("malloc");
+  void* memory = really(size);
+  if (memory == nullptr) failed();
+  return memory;
 }
 
 extern "C" int fsync(int file) {

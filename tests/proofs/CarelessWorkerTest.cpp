@@ -30,6 +30,7 @@ void proveInWorld(const Mistake& mistake, const Tell& tell) {
   const std::string proof = mistake.proof;
   if (proof == "kills") proveKills(world, mistake.stride, 1, tell);
   if (proof == "calls") proveCalls(world, mistake.stride, 1, tell);
+  if (proof == "memory") proveMemory(world, mistake.stride, 1, tell);
   if (proof == "readings") proveReadings(world, 500, tell);
   if (proof == "consoles") proveConsoles(world, 1, tell);
   if (proof == "size") proveSize(world, 1000, tell);
@@ -69,6 +70,9 @@ constexpr Mistake kMistakes[] = {
     {"kills", "query", "leaves-a-child", "sh outlived the worker", 50},
     {"kills", "download", "moves-in-pieces", " is not whole", 50},
     {"kills", "query-unbegun", "works-once", "the next worker leaves another outcome", 50},
+    {"kills", "query-unbegun", "fails-the-next", "the next worker fails", 50},
+    {"kills", "qvxf", "overwrites-controllers",
+     "fleet.json is none of its versions, or not the last", 7},
     {"calls", "query-unbegun", "writes-in-place", " is not the version put in place last", 13},
     {"calls", "query-unbegun", "leaves-a-child", "sh is left running", 13},
     {"calls", "query-unbegun", "leaves-a-descriptor", "a file stays open", 13},
@@ -77,6 +81,17 @@ constexpr Mistake kMistakes[] = {
     {"calls", "query-unbegun", "gives-up-when-interrupted", "the job file had other versions", 13},
     {"calls", "query-unbegun", "fails-loudly", "exit status 1", 13},
     {"calls", "query-unbegun", "crashes", "ended by Aborted", 13},
+    {"calls", "query-unbegun", "tells-failures", "a write that failed is told", 13},
+    {"calls", "query", "tells-failures", "the log is another", 11},
+    {"calls", "query-unbegun", "keeps-memory", "pieces of memory are not given back", 13},
+    {"calls", "query", "never-waits", "a job that could not start its program is FREE", 13},
+    {"memory", "query-unbegun", "writes-in-place", " is not the version put in place last", 13},
+    {"memory", "query-unbegun", "leaves-a-child", "sh is left running", 13},
+    {"memory", "query-unbegun", "leaves-a-descriptor", "a file stays open", 13},
+    {"memory", "query-unbegun", "keeps-memory", "pieces of memory are not given back", 13},
+    {"memory", "query-unbegun", "fails-loudly", "exit status 1", 13},
+    {"memory", "query-unbegun", "crashes", "ended by Aborted", 13},
+    {"power-loss", "qvxf", "overwrites-controllers", "fleet.json is neither old nor new"},
     {"power-loss", "query", "writes-in-place", " is neither old nor new"},
     {"power-loss", "query", "removes-first", " is gone"},
     {"power-loss", "query", "skips-files", " is neither old nor new"},
@@ -85,6 +100,7 @@ constexpr Mistake kMistakes[] = {
     {"power-loss", "download", "skips-trees", "the download is not there", 10},
     {"power-loss", "installation", "skips-trees", "the application is not there"},
     {"readings", "query", "writes-in-place", "a reader saw what is no version"},
+    {"readings", "query", "goes-back", "a reader saw an older version again"},
     {"readings", "query", "removes-first", "the job file was not there"},
     {"consoles", "download", "drops-others", "two consoles and a worker: "},
     {"size", "query", "drops-others", "records are lost"},

@@ -34,24 +34,6 @@ std::string bytesAt(const std::string& path, std::size_t offset, std::size_t siz
   return bytes;
 }
 
-std::uint64_t writtenFile(const Call& call) {
-  return call.arguments[call.number == SYS_copy_file_range ? 2 : 0];
-}
-
-bool writes(const Call& call) {
-  switch (call.number) {
-    case SYS_write:
-    case SYS_pwrite64:
-    case SYS_writev:
-    case SYS_copy_file_range:
-    case SYS_sendfile:
-    case SYS_ftruncate:
-      return true;
-    default:
-      return false;
-  }
-}
-
 }  // namespace
 
 std::string DiskRecorder::below(const std::string& path) const {
@@ -59,33 +41,11 @@ std::string DiskRecorder::below(const std::string& path) const {
                                                                 : "";
 }
 
-// The path of what the call changes; empty where that is nothing of the folder.
-std::string DiskRecorder::changedPath(const Call& call) const {
-  if (writes(call)) return below(pathOfFile(call.process, writtenFile(call)));
-  if (isRename(call)) return below(targetOf(call));
-  switch (call.number) {
-    case SYS_openat:
-    case SYS_mkdirat:
-    case SYS_unlinkat:
-      return below(pathOf(call, 0, 1));
-    case SYS_symlinkat:
-      return below(pathOf(call, 1, 2));
-    case SYS_symlink:
-      return below(pathOf(call, -1, 1));
-    case SYS_open:
-    case SYS_mkdir:
-    case SYS_unlink:
-    case SYS_rmdir:
-      return below(pathOf(call, -1, 0));
-    default:
-      return {};
-  }
-}
-
 Decision DiskRecorder::before(const Call& call) {
   if (isSleep(call)) return {.kind = Decision::Kind::answer};
   if (!isSynchronisation(call)) {
-    return {.kind = changedPath(call).empty() ? Decision::Kind::proceed : Decision::Kind::watch};
+    return {.kind =
+                below(changedPath(call)).empty() ? Decision::Kind::proceed : Decision::Kind::watch};
   }
   const std::string path = pathOfFile(call.process, call.arguments[0]);
   if (!isBelow(path, folder_)) return {};
@@ -99,7 +59,7 @@ Decision DiskRecorder::before(const Call& call) {
 }
 
 void DiskRecorder::after(const Call& call, long result) {
-  const std::string path = changedPath(call);
+  const std::string path = below(changedPath(call));
   if (result < 0 || path.empty()) return;
   if (writes(call) ? takeBytes(call, path, result) : takeName(call, path)) changed_(path, call);
 }

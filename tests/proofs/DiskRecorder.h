@@ -23,7 +23,6 @@ class DiskRecorder : public Watcher {
  private:
   // Without the folder; empty where it is elsewhere.
   std::string below(const std::string& path) const;
-  std::string changedPath(const Call& call) const;
   bool takeName(const Call& call, const std::string& path);
   bool takeBytes(const Call& call, const std::string& path, long result);
 

@@ -13,9 +13,8 @@
 
 #include <sys/syscall.h>
 
-#include "platform/Json.h"
 #include "tests/proofs/JobWatcher.h"
-#include "tests/support/JobFileSchema.h"
+#include "tests/proofs/OutcomeLaws.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane::proofs {
@@ -60,6 +59,30 @@ bool canFail(const Call& call, int error) {
   return error == kShort ? canBeShort(call) : canGive(call, error);
 }
 
+// What stands beside a file's bytes, too.
+std::string touchedPath(const Call& call) {
+  const bool isOfOpenFile =
+      isSynchronisation(call) || call.number == SYS_fchmod || call.number == SYS_fchown;
+  return isOfOpenFile ? pathOfFile(call.process, call.arguments[0]) : changedPath(call);
+}
+
+// Without it no other program is started.
+bool startsPrograms(const Call& call) {
+  switch (call.number) {
+    case SYS_pipe:
+    case SYS_pipe2:
+    case SYS_clone:
+    case SYS_clone3:
+    case SYS_vfork:
+    case SYS_execve:
+      return true;
+    case SYS_fcntl:  // an end of a pipe gets another number
+      return pathOfFile(call.process, call.arguments[0]).starts_with("pipe:");
+    default:
+      return false;
+  }
+}
+
 std::set<std::string> openFiles(pid_t process) {
   std::set<std::string> numbers;
   std::error_code gone;
@@ -73,10 +96,15 @@ std::set<std::string> openFiles(pid_t process) {
 // Plays the fault, and sees which files are open at the end.
 class Disturber : public JobWatcher {
  public:
-  Disturber(const World& world, const Fault& fault) : JobWatcher(world), fault_(fault) {}
+  Disturber(const World& world, const Fault& fault)
+      : JobWatcher(world), jobs_(world.folder / kJobFolder), fault_(fault) {}
 
   // Whether the call that was to fail was made.
   bool hasFailed() const { return hasFailed_; }
+  // Whether that is a call without which no program is started.
+  bool hasKeptFromStarting() const { return hasKeptFromStarting_; }
+  // Whether no other call failed than one by which the job file was to be replaced.
+  bool hasKeptFromWriting() const { return hasKeptFromWriting_; }
   // The ways in which each call can fail.
   const std::vector<std::pair<Place, std::vector<int>>>& ways() const { return ways_; }
   bool leavesFilesOpen() const { return openAtEnd_ != openAtStart_; }
@@ -98,11 +126,18 @@ class Disturber : public JobWatcher {
     // An interrupted call is made again.
     isInterruption_ = !isInterruption_;
     if (fault_.error == EINTR && !isInterruption_) return {};
+    if (!hasFailed_) noteFirst(call);
     hasFailed_ = true;
     return refusalOf(call);
   }
 
  private:
+  void noteFirst(const Call& call) {
+    hasKeptFromStarting_ = startsPrograms(call);
+    hasKeptFromWriting_ =
+        !fault_.isForGood && changesSomething(call) && isBelow(touchedPath(call), jobs_);
+  }
+
   static std::vector<int> waysOf(const Call& call) {
     std::vector<int> ways;
     const CallKind* kind = kindOf(call.number);
@@ -124,8 +159,11 @@ class Disturber : public JobWatcher {
     return {isDone ? Decision::Kind::answerInstead : Decision::Kind::answer, -fault_.error};
   }
 
+  std::string jobs_;
   Fault fault_;
   bool hasFailed_ = false;
+  bool hasKeptFromStarting_ = false;
+  bool hasKeptFromWriting_ = false;
   bool isInterruption_ = false;
   std::map<long, std::uint64_t> calls_;  // of each kind
   std::vector<std::pair<Place, std::vector<int>>> ways_;
@@ -133,34 +171,6 @@ class Disturber : public JobWatcher {
   std::set<std::string> openAtStart_;
   std::set<std::string> openAtEnd_;
 };
-
-// A finished job's record may lack what its first write, which failed, would have told: documented.
-// All else of it is valid.
-platform::Value completed(platform::Value record) {
-  using platform::Value;
-  if (record.get("state_id") != Value("FREE")) return record;
-  if (!record.has("result")) record.set("result", Value::integer(0));
-  if (!record.has("resultStr")) record.set("resultStr", "no error");
-  const bool isInstallation = record.get("job_id") == Value("updateSW");
-  if (isInstallation && !record.has("output")) record.set("output", record.get("input_parameters"));
-  return record;
-}
-
-// What is wrong with a version of the job file; empty where nothing is.
-std::string faultOfVersion(const std::string& text) {
-  static std::set<std::string> sound;
-  if (sound.contains(text)) return {};
-  const platform::Value records = platform::parseJson(text);
-  if (!records.isArray() || records.count() != 1) return "a version of the job file has no job";
-  for (const char* key : {"log_id", "job_id", "state_id", "input_parameters"}) {
-    if (!records.at(0).has(key)) return std::string("a version of the job file lacks ") + key;
-  }
-  const platform::Value whole = platform::Value::array({completed(records.at(0))});
-  const std::vector<std::string> violations = test::validateJobFile(*platform::printJson(whole));
-  if (!violations.empty()) return violations.back();
-  sound.insert(text);
-  return {};
-}
 
 // One scenario's failures.
 class Failures {
@@ -238,6 +248,7 @@ class Failures {
     // Behind what makes a worker careless.
     counted.variables["LD_PRELOAD"].append(" ").append(KELVANE_MEMORY_INTERPOSER);
     counted.variables["KELVANE_LIVE_MEMORY"] = counts_ / "live";
+    counted.err = counts_ / "said";
     return counted;
   }
 
@@ -256,6 +267,8 @@ class Failures {
     if (found.empty() && disturber.leavesFilesOpen()) found = "a file stays open";
     if (found.empty()) found = faultOfMemory();
     if (found.empty()) found = faultOfFiles(disturber);
+    if (found.empty()) found = faultOfSuccess(world_, baseline_, counts_.read("said"));
+    if (found.empty()) found = faultOfSilence(disturber);
     if (found.empty() && changesNothing) found = differenceOf(disturber);
     if (!found.empty()) deviate(place + ": " + found);
   }
@@ -299,6 +312,19 @@ class Failures {
     for (const std::string& version : disturber.versions(kJobFilePath)) {
       std::string fault = faultOfVersion(version);
       if (!fault.empty()) return fault;
+    }
+    return {};
+  }
+
+  // A job whose program cannot be started stays as it was begun; of a write that fails no word is
+  // said.
+  std::string faultOfSilence(const Disturber& disturber) const {
+    const std::string state = stateOf(world_);
+    if (disturber.hasKeptFromStarting() && state != "RUN") {
+      return "a job that could not start its program is " + state;
+    }
+    if (disturber.hasKeptFromWriting() && errorsIn(world_.logText()) != errorsIn(baseline_.log)) {
+      return "a write that failed is told";
     }
     return {};
   }

@@ -47,14 +47,18 @@ struct Reader {
   }
 };
 
-// Whether the texts are versions, in their order; some may have been missed.
-bool areInOrder(const std::vector<std::string>& seen, const std::vector<std::string>& versions) {
+// What is wrong with what was seen, of which some versions may be missing; empty where nothing is.
+std::string faultOfReader(const Reader& reader, const std::vector<std::string>& versions) {
+  if (reader.wasMissing) return "the job file was not there";
   auto next = versions.begin();
-  for (const std::string& text : seen) {
+  for (const std::string& text : reader.seen) {
+    if (std::find(versions.begin(), versions.end(), text) == versions.end()) {
+      return "a reader saw what is no version";
+    }
     next = std::find(next, versions.end(), text);
-    if (next == versions.end()) return false;
+    if (next == versions.end()) return "a reader saw an older version again";
   }
-  return true;
+  return {};
 }
 
 std::vector<Reader> readWhileRunning(World& world) {
@@ -203,12 +207,10 @@ Tally proveReadings(World& world, std::uint64_t readings, const Tell& tell) {
     for (const Reader& reader : readWhileRunning(world)) {
       isAnythingSeen = isAnythingSeen || reader.seen.size() > 1;
       tally.points += reader.readings;
-      const bool isSound = !reader.wasMissing && areInOrder(reader.seen, baseline.jobFiles);
-      if (isSound) continue;
+      const std::string fault = faultOfReader(reader, baseline.jobFiles);
+      if (fault.empty()) continue;
       ++tally.deviations;
-      tell(std::string(world.scenario().name) +
-           (reader.wasMissing ? ": the job file was not there"
-                              : ": a reader saw what is no version, or not in order"));
+      tell(std::string(world.scenario().name) + ": " + fault);
     }
   }
   if (!isAnythingSeen) {

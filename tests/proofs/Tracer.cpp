@@ -64,7 +64,8 @@ void openAs(int stream, const std::string& path, int flags) {
 // While there is one, no waiting lasts long, so that the time can be looked at.
 class Alarm {
  public:
-  Alarm() {
+  explicit Alarm(std::chrono::seconds patience)
+      : end_(std::chrono::steady_clock::now() + patience) {
     struct sigaction action = {};
     action.sa_handler = [](int) {};
     ::sigaction(SIGALRM, &action, &before_);
@@ -86,7 +87,7 @@ class Alarm {
   }
 
   struct sigaction before_ = {};
-  std::chrono::steady_clock::time_point end_ = std::chrono::steady_clock::now() + kPatience;
+  std::chrono::steady_clock::time_point end_;
 };
 
 class Tracing {
@@ -95,7 +96,7 @@ class Tracing {
 
   Traced run(const Command& command) {
     start(command);
-    const Alarm alarm;
+    const Alarm alarm(command.patience);
     while (!processes_.empty()) {
       int status = 0;
       const pid_t process = ::waitpid(-1, &status, __WALL);

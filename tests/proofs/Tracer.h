@@ -38,6 +38,8 @@ class Watcher {
   virtual void after(const Call& /*call*/, long /*result*/) {}
 };
 
+constexpr std::chrono::seconds kPatience{60};
+
 struct Command {
   std::vector<std::string> argv;
   std::string folder;
@@ -45,6 +47,7 @@ struct Command {
   std::string out = "/dev/null";  // files that get what is said
   std::string err = "/dev/null";
   std::function<void()> prepare = {};  // in the new process, last of all
+  std::chrono::seconds patience = kPatience;
 };
 
 struct LeftProcess {
@@ -59,9 +62,7 @@ struct Traced {
   std::vector<LeftProcess> outlived;  // those that still ran when it ended
 };
 
-constexpr std::chrono::seconds kPatience{60};
-
-// Until the last process has ended, or is killed after `kPatience`. The watcher sees the calls of
+// Until the last process has ended, or is killed after the patience. The watcher sees the calls of
 // these numbers alone.
 Traced trace(const Command& command, const std::vector<long>& calls, Watcher& watcher);
 

@@ -105,6 +105,18 @@ TEST_F(TracerTest, AChildThatOutlivesTheProgramIsNamed) {
   EXPECT_TRUE(isMade());
 }
 
+TEST_F(TracerTest, WhoDoesNotEndIsKilled) {
+  OfOneCall watcher(SYS_mkdir, {});
+  const Traced traced =
+      trace({.argv = {"/bin/sh", "-c", "/bin/mkdir new; while :; do /bin/mkdir new; done"},
+             .folder = folder.path(),
+             .variables = {},
+             .err = folder / "err",
+             .patience = std::chrono::seconds(0)},
+            allCalls(), watcher);
+  EXPECT_FALSE(traced.isInTime);
+}
+
 TEST_F(TracerTest, PathsAreTold) {
   class Paths : public Watcher {
    public:
