@@ -9,10 +9,10 @@
 #include "contract/Engine.h"
 #include "contract/Log.h"
 #include "log/iLog.h"
-#include "platform/Utf8.h"
 #include "tests/fuzz/Law.h"
 #include "tests/support/FrameworkLaws.h"
 #include "tests/support/LogLine.h"
+#include "tests/support/PlainUtf8.h"
 
 namespace kelvane::fuzz {
 
@@ -101,7 +101,7 @@ std::optional<std::string> WorkerInMemory::runProgram(const std::vector<std::str
 
 void WorkerInMemory::judgeLine(std::string_view text) {
   require(
-      text.ends_with('\n') && text.find('\0') == std::string_view::npos && platform::isUtf8(text),
+      text.ends_with('\n') && text.find('\0') == std::string_view::npos && test::isPlainUtf8(text),
       "an entry of the log is UTF-8 text, and ends its line", text);
   const auto line = test::parseLogLine(std::string(text));
   require(line && line->time == "14:03:07" && line->file.ends_with(".cpp") &&
