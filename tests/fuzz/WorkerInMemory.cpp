@@ -85,6 +85,14 @@ void WorkerInMemory::run() {
   require(freeDescriptor() == free, "no file is left open");
 }
 
+void WorkerInMemory::requireBegun() const {
+  require(!jobFile.state().empty() || hasToldAnError(), "a job begins, or an error is told");
+}
+
+void WorkerInMemory::requireFinished() const {
+  require(jobFile.state() == "FREE" && !hasToldAnError(), "a job is finished without an error");
+}
+
 // "rm -Rf", "cp -Rf", and the engine, which need not be there.
 std::optional<std::string> WorkerInMemory::runProgram(const std::vector<std::string>& argv) {
   if (argv[0] == "/bin/rm" && argv.size() > 2) {
