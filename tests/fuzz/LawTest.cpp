@@ -115,6 +115,15 @@ TEST(WorkerInMemory, RunsAJobToItsEnd) {
   EXPECT_GT(world.framework.count("zr_getFlashProgress"), 0);
 }
 
+TEST(WorkerInMemory, SeesAJobThatIsNotBegunOrNotFinished) {
+  WorkerInMemory world;
+  EXPECT_DEATH(world.requireBegun(), "a job begins, or an error is told");
+  EXPECT_DEATH(world.requireFinished(), "a job is finished without an error");
+  world.run();  // without a job file, which is told
+  world.requireBegun();
+  EXPECT_DEATH(world.requireFinished(), "a job is finished without an error");
+}
+
 void runBehind(const std::string& call) {
   WorkerInMemory world;
   world.disk.put(kJobFilePath, kJob);

@@ -9,10 +9,10 @@
 #include "contract/Engine.h"
 #include "contract/Log.h"
 #include "log/iLog.h"
-#include "platform/Utf8.h"
 #include "tests/fuzz/Law.h"
 #include "tests/support/FrameworkLaws.h"
 #include "tests/support/LogLine.h"
+#include "tests/support/PlainUtf8.h"
 
 namespace kelvane::fuzz {
 
@@ -85,6 +85,14 @@ void WorkerInMemory::run() {
   require(freeDescriptor() == free, "no file is left open");
 }
 
+void WorkerInMemory::requireBegun() const {
+  require(!jobFile.state().empty() || hasToldAnError(), "a job begins, or an error is told");
+}
+
+void WorkerInMemory::requireFinished() const {
+  require(jobFile.state() == "FREE" && !hasToldAnError(), "a job is finished without an error");
+}
+
 // "rm -Rf", "cp -Rf", and the engine, which need not be there.
 std::optional<std::string> WorkerInMemory::runProgram(const std::vector<std::string>& argv) {
   if (argv[0] == "/bin/rm" && argv.size() > 2) {
@@ -101,7 +109,7 @@ std::optional<std::string> WorkerInMemory::runProgram(const std::vector<std::str
 
 void WorkerInMemory::judgeLine(std::string_view text) {
   require(
-      text.ends_with('\n') && text.find('\0') == std::string_view::npos && platform::isUtf8(text),
+      text.ends_with('\n') && text.find('\0') == std::string_view::npos && test::isPlainUtf8(text),
       "an entry of the log is UTF-8 text, and ends its line", text);
   const auto line = test::parseLogLine(std::string(text));
   require(line && line->time == "14:03:07" && line->file.ends_with(".cpp") &&

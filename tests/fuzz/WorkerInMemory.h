@@ -40,6 +40,10 @@ class WorkerInMemory {
   // Runs the job with kLogId of the job file as it is by then, from the worker's start on.
   void run();
 
+  // That the run has begun its job, or told an error; that it has finished it, and told none.
+  void requireBegun() const;
+  void requireFinished() const;
+
   // What the update engine does, and what it writes; `folder` is where it is to deliver.
   std::function<std::string(const std::string& folder)> engine;
 

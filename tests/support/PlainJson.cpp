@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Json.h"
-#include "platform/Utf8.h"
+#include "tests/support/PlainUtf8.h"
 
 namespace kelvane::test {
 namespace {
@@ -204,7 +204,7 @@ bool PlainJson::operator==(const PlainJson& other) const {
 
 std::optional<PlainJson> readPlainJson(std::string_view text) {
   PlainJson value;
-  if (!platform::isUtf8(text) || !PlainReader(text).readAll(value)) return std::nullopt;
+  if (!isPlainUtf8(text) || !PlainReader(text).readAll(value)) return std::nullopt;
   return value;
 }
 

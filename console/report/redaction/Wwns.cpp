@@ -65,7 +65,8 @@ void findWwns(const Letters& text, FoundSecrets& found) {
     if (end - at == 2) {
       const Pairs pairs = pairsAt(text, at);
       isFound = pairs.count == kPairs;
-      end = pairs.end;
+      // The last one may be the first of others, with another sign.
+      end = isFound || pairs.count == 1 ? pairs.end : pairs.end - 2;
     }
     if (isFound) {
       found.push_back({withPrefix(text, at), end, Secret::wwn, plainWwn(text.part(at, end)), ""});

@@ -4,14 +4,10 @@
 
 #include <chrono>
 #include <clocale>
-#include <cstdlib>
 #include <functional>
-#include <regex>
 #include <sstream>
 #include <string>
-#include <string_view>
 
-#include <expat.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -24,18 +20,17 @@
 #include "console/display/JsonView.h"
 #include "console/display/PlainView.h"
 #include "console/display/TerminalView.h"
-#include "console/display/Wrapping.h"
 #include "console/explain/Shortfall.h"
 #include "console/job/ExitCode.h"
 #include "console/job/Follower.h"
 #include "console/job/LogStretch.h"
 #include "console/job/Places.h"
 #include "console/report/ReportPage.h"
-#include "platform/Json.h"
 #include "platform/Text.h"
 #include "platform/WriteAll.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
+#include "tests/fuzz/laws/ConsoleLaws.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -83,38 +78,30 @@ struct Form {
   std::size_t columns = 0;
   Charset charset = Charset::utf8;
   bool json = false;
+  bool colour = false;   // with colours as well
   bool isFitted = true;  // whether no line may be wider
 
   bool isAscii() const { return charset == Charset::ascii && !json; }
 };
 
-void requireFitting(const std::string& text, std::size_t columns) {
-  std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) {
-    require(console::columnsOf(line) <= columns, "no line is wider than the screen", line);
-  }
-}
-
-void requireJson(const std::string& text) {
-  if (!platform::parseJson(text).isNothing()) return;  // one object or list over several lines
-  std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) {
-    require(!platform::parseJson("[" + line + "]").isNothing(), "what machines get is JSON", line);
-  }
+std::string shownBy(const std::function<int(const Screen&)>& command, const Form& form,
+                    bool colour) {
+  std::ostringstream out;
+  std::ostringstream messages;
+  const Screen screen{out, form.charset, form.json ? 0 : form.columns, colour, form.json};
+  const int exitCode = console::guarded(
+      messages, form.charset, [&] { return command(screen); }, form.columns);
+  requireForeseen(exitCode, messages.str());
+  requireHarmless(messages.str(), form.charset == Charset::ascii, "no message steers the terminal");
+  return out.str();
 }
 
 void show(const Form& form, const std::function<int(const Screen&)>& command) {
-  std::ostringstream out;
-  std::ostringstream messages;
-  const Screen screen{out, form.charset, form.json ? 0 : form.columns, false, form.json};
-  const int exitCode = console::guarded(
-      messages, form.charset, [&] { return command(screen); }, form.columns);
-  require(exitCode != console::kInternalError, "no file makes an error of another kind",
-          messages.str());
-  requireHarmless(out.str(), form.isAscii(), "no file steers the terminal");
-  requireHarmless(messages.str(), form.charset == Charset::ascii, "no message steers the terminal");
-  if (form.json) requireJson(out.str());
-  if (form.isFitted && !form.json && form.columns != 0) requireFitting(out.str(), form.columns);
+  const std::string shown = shownBy(command, form, false);
+  requireHarmless(shown, form.isAscii(), "no file steers the terminal");
+  if (form.json) requireJson(shown);
+  if (form.isFitted && !form.json && form.columns != 0) requireFitting(shown, form.columns);
+  if (form.colour) requireSameInColour(shown, shownBy(command, form, true), form.json);
 }
 
 void showAll(const Sent& sent, Form form) {
@@ -164,10 +151,12 @@ class Passing : public console::Clock, public console::Worker {
   }
   bool hasEnded() override { return looks_ >= kEnd; }
   bool isSeen() override { return looks_ % 2 == 0; }
+  std::chrono::seconds timeOfDay() override { return kNoon; }
   std::string ending() const override { return "exit status 0"; }
 
  private:
   static constexpr std::chrono::seconds kWhile{40};
+  static constexpr std::chrono::seconds kNoon{std::chrono::hours(12)};
   static constexpr int kLater = 3;
   static constexpr int kEnd = 6;
 
@@ -193,39 +182,27 @@ void followIn(console::View& view, const Sent& sent, const Screen& screen) {
   }
 }
 
-// The same without what the view itself draws with: the way up to the first line, the rest of each
-// line and all below the last erased.
-std::string withoutDrawing(const std::string& drawn, std::size_t columns) {
-  static constexpr std::string_view kEraseLineEnd = "\x1b[K";
-  static const std::regex start("^(\x1b\\[J)?(\r\x1b\\[[0-9]+A)?");
-  std::string text;
-  std::istringstream lines(drawn);
-  for (std::string line; std::getline(lines, line);) {
-    line = std::regex_replace(line, start, "", std::regex_constants::format_first_only);
-    if (line.ends_with(kEraseLineEnd)) {
-      line.erase(line.size() - kEraseLineEnd.size());
-      require(console::columnsOf(line) < columns, "no line that is drawn again is full", line);
-    }
-    text.append(line).append("\n");
-  }
-  return text;
-}
-
-void followOnTerminal(const Form& form, const Sent& sent) {
+// What is drawn, without what it is drawn with, and behind it what is told of the job's end.
+std::string followedOnTerminal(const Form& form, const Sent& sent, bool colour) {
   std::ostringstream drawn;
+  std::ostringstream rest;
   const auto size = [&form] { return console::TerminalSize{form.columns, 12}; };
   std::ostringstream messages;
   const int exitCode = console::guarded(messages, form.charset, [&] {
-    std::ostringstream rest;
-    console::TerminalView view(drawn, size, form.charset);
-    followIn(view, sent, {rest, form.charset, form.columns});
+    console::TerminalView view(drawn, size, form.charset, colour);
+    followIn(view, sent, {rest, form.charset, form.columns, colour});
     return console::kSuccess;
   });
-  require(exitCode != console::kInternalError, "no job makes an error of another kind",
-          messages.str());
-  const std::string text = withoutDrawing(drawn.str(), form.columns);
+  requireForeseen(exitCode, messages.str());
+  requireHarmless(messages.str(), form.charset == Charset::ascii, "no message steers the terminal");
+  return withoutDrawing(drawn.str(), form.columns) + rest.str();
+}
+
+void followOnTerminal(const Form& form, const Sent& sent) {
+  const std::string text = followedOnTerminal(form, sent, false);
   requireHarmless(text, form.isAscii(), "no job that is followed steers the terminal");
   requireFitting(text, form.columns);
+  if (form.colour) requireSameInColour(text, followedOnTerminal(form, sent, true), false);
 }
 
 void followAll(const Sent& sent, Form form) {
@@ -235,7 +212,7 @@ void followAll(const Sent& sent, Form form) {
     followIn(view, sent, screen);
     return console::kSuccess;
   });
-  show({.json = true}, [&](const Screen& screen) {
+  show({.json = true, .colour = form.colour}, [&](const Screen& screen) {
     console::JsonView view(screen.out);
     followIn(view, sent, screen);
     return console::kSuccess;
@@ -245,21 +222,11 @@ void followAll(const Sent& sent, Form form) {
 
 // --- a report
 
-void requireMarkup(const std::string& page) {
-  const XML_Parser parser = ::XML_ParserCreate("UTF-8");
-  const auto status = ::XML_Parse(parser, page.data(), static_cast<int>(page.size()), XML_TRUE);
-  ::XML_ParserFree(parser);
-  require(status == XML_STATUS_OK, "a report is well-formed", page);
-}
-
 void report(const Sent& sent) {
   console::ReportMatter matter = console::gatherReport({.version = "1", .places = sent.places()});
   matter.findings = console::findingsOf(sent.places(), "");
   for (const bool isRedacted : {false, true}) {
-    const std::string page = console::reportPage(matter, isRedacted).text;
-    requireHarmless(page, false, "no file steers whoever looks at a report");
-    require(page.find("<script") == std::string::npos, "a report has no script", page);
-    requireMarkup(page);
+    requirePage(console::reportPage(matter, isRedacted).text);
   }
 }
 
@@ -272,15 +239,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::require(hasLocale, "widths of characters are known");
   fuzz::Bytes bytes(data, size);
   const std::size_t columns = bytes.flag() ? 20 + bytes.pick(181) : 0;
-  const auto charset = bytes.flag() ? fuzz::Charset::ascii : fuzz::Charset::utf8;
+  const unsigned kind = bytes.byte();
+  const auto charset = kind % 2 == 1 ? fuzz::Charset::ascii : fuzz::Charset::utf8;
+  const bool colour = kind / 2 % 2 == 1;
   fuzz::Sent sent;
   sent.jobs = bytes.part();
   sent.jobFile.fill(sent.jobs);
   sent.log.fill(bytes.part());
   sent.laterJobs = bytes.rest();
-  fuzz::showAll(sent, {.columns = columns, .charset = charset});
-  fuzz::showAll(sent, {.json = true});
+  fuzz::showAll(sent, {.columns = columns, .charset = charset, .colour = colour});
+  fuzz::showAll(sent, {.json = true, .colour = colour});
   fuzz::report(sent);
-  fuzz::followAll(sent, {.columns = columns, .charset = charset});
+  fuzz::followAll(sent, {.columns = columns, .charset = charset, .colour = colour});
   return 0;
 }

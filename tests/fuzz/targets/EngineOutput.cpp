@@ -3,10 +3,10 @@
 #include <string>
 
 #include "platform/ChildProcess.h"
-#include "platform/Utf8.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/WorkerInMemory.h"
+#include "tests/fuzz/laws/OutputLaws.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -30,15 +30,8 @@ std::string logAfter(const char* jobs, const std::string& output, bool outlivesI
     if (text.find("execute EngineRunner result = ") != std::string_view::npos) line = text;
   };
   world.run();
-  require(world.jobFile.state() == "FREE" && !world.hasToldAnError(),
-          "whatever the engine says, its job is finished");
+  world.requireFinished();  // whatever the engine says
   return line;
-}
-
-// The line takes its message as a C string.
-std::string expectedEnd(const std::string& output) {
-  const std::string shown = platform::isUtf8(output) ? output : "(null)";
-  return "] execute EngineRunner result = " + shown.substr(0, shown.find('\0')) + "\n";
 }
 
 // In pieces of this size.
@@ -48,9 +41,7 @@ void gather(const std::string& output, std::size_t piece) {
     gathered.append(std::string_view(output).substr(at, piece));
   }
   require(gathered.isWhole(), "there is room for what is written");
-  const auto text = gathered.text();
-  require(text.has_value() == platform::isUtf8(output), "what is UTF-8 is text", output);
-  if (text) requireSame(output, *text, "what is written is what is read");
+  requireGathered(output, gathered.text());
 }
 
 }  // namespace
@@ -63,10 +54,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const bool outlivesIt = bytes.flag();
   const std::string output = bytes.rest().substr(0, 60'000);  // a pipe has room for more
   fuzz::gather(output, piece);
-  const std::string line = fuzz::logAfter(fuzz::kQuery, output, outlivesIt);
-  fuzz::require(line.ends_with(fuzz::expectedEnd(output)), "the log shows what the engine wrote",
-                line);
-  fuzz::require(fuzz::logAfter(fuzz::kDownload, output, outlivesIt).empty(),
-                "of a download's engine nothing is shown");
+  fuzz::requireLogged(output, fuzz::logAfter(fuzz::kQuery, output, outlivesIt));
+  fuzz::requireNotLogged(fuzz::logAfter(fuzz::kDownload, output, outlivesIt));
   return 0;
 }

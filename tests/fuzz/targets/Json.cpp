@@ -3,14 +3,13 @@
 
 #include "platform/Json.h"
 
-#include <algorithm>
-
-#include <nlohmann/json.hpp>
+#include <string>
 
 #include "platform/Text.h"
-#include "platform/Utf8.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
+#include "tests/fuzz/laws/JsonLaws.h"
+#include "tests/fuzz/laws/TextLaws.h"
 #include "tests/support/FreshValue.h"
 #include "tests/support/PlainJson.h"
 
@@ -21,18 +20,6 @@ using platform::Value;
 using test::fresh;
 using test::PlainJson;
 
-int depthOf(const Value& value) {
-  int most = 0;
-  if (value.isArray()) {
-    for (const Value& element : value.elements()) most = std::max(most, depthOf(element));
-  } else if (value.isDictionary()) {
-    for (const auto& [key, inner] : value.entries()) most = std::max(most, depthOf(inner));
-  } else {
-    return 0;
-  }
-  return most + 1;
-}
-
 std::string printed(const Value& value) {
   const auto text = platform::printJson(value);
   require(text.has_value(), "what was read from JSON can be written");
@@ -40,23 +27,17 @@ std::string printed(const Value& value) {
 }
 
 void judgeJson(const Value& value, const PlainJson& plain) {
-  require(value.isArray() || value.isDictionary(), "the top level is an array or an object");
-  require(depthOf(value) <= platform::kJsonDepthLimit, "nothing is read beyond the depth");
-  require(plain == test::plainJson(value), "what is read is what stands there, to the digit");
+  requireRead(plain, value);
   const std::string text = printed(value);
-  requireSame(test::printed(plain), text, "what stands there is what is written");
+  requirePrinted(plain, text);
   requireSame(text, printed(value), "a remembered text is the text");
   requireSame(text, printed(fresh(value)), "a remembered text is what is made anew");
-  require(nlohmann::json::accept(text), "what is written is JSON", text);
   const Value again = platform::parseJson(text);
   require(value == again, "what is written is read again", text);
   requireSame(text, printed(again), "what is read again is written the same");
-  const std::string line = platform::printJsonLine(value).value_or("");
-  require(line.find('\n') == std::string::npos && value == platform::parseJson(line),
-          "one line holds the same", line);
-  requireSame(platform::describe(value), platform::describe(fresh(value)),
-              "a remembered description is what is made anew");
-  require(platform::isUtf8(platform::describe(value)), "a description is UTF-8");
+  requireLineOfJson(plain, platform::printJsonLine(value).value_or(""));
+  requireShown(value, platform::describe(value));
+  requireShown(value, platform::describe(fresh(value)));
 }
 
 }  // namespace

@@ -10,10 +10,10 @@
 #include "contract/JobFile.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
-#include "platform/Utf8.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/WorkerInMemory.h"
+#include "tests/support/PlainUtf8.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -48,7 +48,7 @@ bool isWritable(const Value& value) {
 void judgeList(const Value& list) {
   require(list.isDictionary(), "the root is a dictionary");
   const std::string shown = platform::describe(list);
-  require(platform::isUtf8(shown), "what is shown is UTF-8", shown);
+  require(test::isPlainUtf8(shown), "what is shown is UTF-8", shown);
   // As a catalogue's rules become the output of a record of the job file.
   const auto text = platform::printJson(list);
   require(text.has_value() == isWritable(list), "what JSON has a form for is written", shown);

@@ -1,54 +1,122 @@
-// What a report keeps to itself: of what is known as a secret no whole word is left.
+// What a report keeps to itself: of what is known as a secret, or is one by its form or by what it
+// is called, nothing is left, and all else stays.
 
 #include "console/report/redaction/Redaction.h"
 
-#include <algorithm>
-#include <cctype>
+#include <cstdio>
 #include <string>
 
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
+#include "tests/fuzz/laws/RedactionLaws.h"
 
 namespace kelvane::fuzz {
 namespace {
 
-bool isWordCharacter(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte >= 0x80 || std::isalnum(byte) != 0 || character == '_';
+using console::Redaction;
+
+// What holds of every text, whatever is known.
+std::string redacted(Redaction& redaction, const std::string& text) {
+  std::string shown = redaction.applied(text);
+  requireNoWwn(shown);
+  requireSame(shown, redaction.applied(text), "the same text gets the same stand-ins");
+  requireBeginning(redaction.applied(text, {}, text.size() / 2), shown);
+  return shown;
 }
 
-bool isWord(const std::string& text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), isWordCharacter);
-}
-
-// Other than a part of a stand-in, such as "[user-1]".
-bool hasWord(const std::string& text, const std::string& word) {
-  for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) {
-    const std::size_t end = at + word.size();
-    const bool begins = at == 0 || !isWordCharacter(text[at - 1]);
-    const bool ends = end == text.size() || !isWordCharacter(text[end]);
-    const bool isStandIn =
-        (at > 0 && text[at - 1] == '[') || (end < text.size() && text[end] == ']');
-    if (begins && ends && !isStandIn) return true;
-  }
-  return false;
-}
-
-// Names that the system has anyhow are no secret.
-bool isSecret(const std::string& name) {
-  console::Redaction redaction;
-  redaction.addUser(name);
-  return redaction.applied(name) != name;
-}
-
-void hide(const std::string& name, const std::string& text) {
-  console::Redaction redaction;
+void hideUser(const std::string& name, const std::string& text) {
+  Redaction redaction;
   redaction.addUser(name);
   redaction.addHome("/Users/" + name);
   redaction.learn(text);
-  const std::string shown = redaction.applied(text);
-  require(!hasWord(shown, name), "no secret word is left", shown);
-  requireSame(shown, redaction.applied(text), "the same text gets the same stand-ins");
+  requireHidden(name, redacted(redaction, text));
+}
+
+void keepUser(const std::string& name) {
+  const std::string text = "is " + name + " here";
+  Redaction redaction;
+  redaction.addUser(name);
+  requireSame(text, redaction.applied(text), "what is no secret stays");
+}
+
+// --- what is a secret by its form or by what it is called
+
+struct Place {
+  const char* before;
+  const char* after;
+  bool isPassword;  // also a secret wherever else it stands
+};
+
+constexpr Place kPlaces[] = {
+    {"?token=", "&x=1", true},
+    {"\"client_secret\": \"", "\", 1", true},
+    {"password = ", ";", true},
+    {"run --token=", " more", true},
+    {"run --token ", " more", true},
+    {"<key>Password</key> <string>", "</string>", true},
+    {"Authorization: Bearer ", " more", false},
+    {"/a?X-Amz-Signature=", "&x=1", false},
+    {"x-api-key: ", " more", false},
+    {"wwn = ", ";", false},
+};
+
+void hideValue(const std::string& value, const std::string& text) {
+  for (const Place& place : kPlaces) {
+    const std::string line = place.before + value + place.after;
+    requireReplaced(place.before, place.after, Redaction().applied(line));
+    if (!place.isPassword || value.size() < 4) continue;
+    Redaction redaction;
+    redaction.learn(line);
+    requireHidden(value, redaction.applied(text + " " + value));
+  }
+  requireReplaced("https://", "@host/", Redaction().applied("https://ann:" + value + "@host/"));
+}
+
+void hideHome(const std::string& user, const std::string& text) {
+  if (isAboveHomes(user)) return;
+  for (const char* above : {"/Users/", "/home/"}) {
+    const std::string folder = above + user + "/x";
+    Redaction redaction;
+    if (isSystemName(user)) {
+      requireSame(folder, redaction.applied(folder), "what is no secret stays");
+      continue;
+    }
+    requireReplaced("", "/x", redaction.applied(folder));
+    redaction.learn(folder);
+    if (isSecretName(user)) requireHidden(user, redaction.applied(text + " " + user));
+  }
+  Redaction redaction;
+  redaction.addHome("/data/" + user);
+  requireReplaced("in ", "/x", redaction.applied("in /data/" + user + "/x"));
+}
+
+// --- a WWN that is known
+
+std::string wwnOf(const std::string& text) {
+  std::uint64_t number = 14'695'981'039'346'656'037U;
+  for (const char byte : text)
+    number = (number ^ static_cast<unsigned char>(byte)) * 1'099'511'628'211U;
+  char digits[17] = {};
+  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(number));
+  return digits;
+}
+
+std::string inPairs(const std::string& digits, char sign) {
+  std::string pairs = digits;
+  for (std::size_t at = digits.size() - 2; at > 0; at -= 2) pairs.insert(at, 1, sign);
+  return pairs;
+}
+
+void hideWwn(const std::string& text) {
+  const std::string wwn = wwnOf(text);
+  Redaction redaction;
+  redaction.addWwn(wwn);
+  for (const std::string& written : {wwn, inPairs(wwn, ':'), inPairs(wwn, '-')}) {
+    requireSame("[wwn-1]", redaction.applied(written), "a WWN is the same however it is written");
+    std::string around = text;
+    around.append(written).append(text);
+    requireAbsent(written, redaction.applied(around));
+  }
 }
 
 }  // namespace
@@ -61,10 +129,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text = bytes.rest();
   console::Redaction redaction;
   redaction.learn(text);
-  redaction.applied(text);
-  if (fuzz::isWord(name) && fuzz::isSecret(name)) {
-    fuzz::hide(name, text);
-    fuzz::hide(name, "/Users/" + name + "/x?token=" + text + " " + name);
+  fuzz::redacted(redaction, text);
+  fuzz::hideWwn(text);
+  if (!fuzz::isWord(name)) return 0;
+  if (fuzz::isSecretName(name)) {
+    fuzz::hideUser(name, text);
+    fuzz::hideUser(name, "/Users/" + name + "/x?token=" + text + " " + name);
+  } else {
+    fuzz::keepUser(name);
   }
+  if (fuzz::isValue(name)) fuzz::hideValue(name, text);
+  fuzz::hideHome(name, text);
   return 0;
 }

@@ -6,7 +6,6 @@
 #include "platform/Json.h"
 #include "platform/Value.h"
 #include "tests/fuzz/Bytes.h"
-#include "tests/fuzz/Law.h"
 #include "tests/fuzz/WorkerInMemory.h"
 
 namespace kelvane::fuzz {
@@ -40,8 +39,7 @@ void runJob(const std::string& command, const std::string& product, const std::s
                                           {job::kInputParameters, parametersOf(command, product)}});
   world.disk.put(kJobFilePath, platform::printJson(Value::array({record})).value_or(""));
   world.run();
-  require(!world.jobFile.state().empty() || world.hasToldAnError(),
-          "a whole job begins, or an error is told");
+  world.requireBegun();
 }
 
 }  // namespace

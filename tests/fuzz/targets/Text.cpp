@@ -1,8 +1,8 @@
-// "%@" text, formats, and the log's lines made of them.
+// UTF-8, "%@" text, formats, and the log's lines made of them.
 
 #include "platform/Text.h"
 
-#include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +13,7 @@
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/MemoryDisk.h"
+#include "tests/fuzz/laws/TextLaws.h"
 #include "tests/support/FakeHost.h"
 
 namespace kelvane::fuzz {
@@ -46,14 +47,26 @@ struct Argument {
   }
 };
 
+// What is not JSON stands as text, data, a date, both within one another, or for nothing.
+Value otherValue(const Argument& argument, unsigned choice) {
+  const platform::Date date{static_cast<std::int32_t>(argument.number)};
+  if (choice % 2 == 1) return argument.text;
+  if (choice % 8 == 2) return Value::data(argument.text);
+  if (choice % 8 == 4) return date;
+  if (choice % 8 == 0) return {};
+  const Value both = Value::dictionary({{"at", date}, {argument.text, Value::data(argument.text)}});
+  return Value::array({argument.text, both});
+}
+
 Argument takeArgument(Bytes& bytes) {
   Argument argument;
   argument.kind = bytes.pick(6);
   argument.text = bytes.part();
   argument.value = platform::parseJson(argument.text);
-  if (argument.value.isNothing() && bytes.flag()) argument.value = argument.text;
+  const unsigned choice = argument.value.isNothing() ? bytes.byte() : 0;
   argument.number = std::uint64_t{bytes.word()} << 32U;
   argument.number |= bytes.word();
+  if (argument.value.isNothing()) argument.value = otherValue(argument, choice);
   return argument;
 }
 
@@ -67,35 +80,58 @@ bool asksForMuchRoom(const std::string& format) {
   return false;
 }
 
-std::string filled(const std::string& format, const std::vector<FormatArgument>& arguments) {
+// Nothing where it raises.
+std::optional<std::string> filled(const std::string& format,
+                                  const std::vector<FormatArgument>& arguments) {
   try {
     return platform::formatList(format, arguments);
-  } catch (const platform::Exception& caught) {
-    return caught.what();
+  } catch (const platform::Exception&) {
+    return std::nullopt;
   }
 }
 
-void writeLine(const std::string& format, const std::vector<FormatArgument>& arguments, int level) {
+std::string lineBy(const Caller& caller, const std::string& format,
+                   const std::vector<FormatArgument>& arguments) {
   const test::FakeHost host;
   MemoryDisk disk;
   disk.put("/log", "");
   iLog_host = &host;
   setLogPath("/log");
-  bool isRaised = false;
   try {
-    iLog_tellList(level, "/a/File.cpp", 7, "-[Kelvane run:]", format.c_str(), arguments);
+    iLog_tellList(caller.level, caller.file.c_str(), caller.line, caller.function.c_str(),
+                  format.c_str(), arguments);
   } catch (const platform::Exception&) {
-    isRaised = true;
+    require(disk.bytesOf("/log") == "", "what raises writes nothing");
   }
   setLogPath("");
   iLog_host = nullptr;
-  const std::string line = disk.bytesOf("/log").value_or("");
-  require(isRaised == line.empty(), "a line is written, or its reason is raised", line);
-  if (isRaised) return;
-  const std::string start = "[14:03:07] [File.cpp][7][run][";
-  require(line.starts_with(start + _base_level_name(level) + "] ") && line.ends_with('\n') &&
-              platform::isUtf8(line) && line.find('\0') == std::string::npos,
-          "a line of the log is UTF-8 text behind its fields", line);
+  return disk.bytesOf("/log").value_or("(gone)");
+}
+
+std::string asC(const std::string& text) { return text.c_str(); }
+
+// What the arguments hold serves for the caller as well.
+Caller callerOf(int level, const std::vector<Argument>& all) {
+  if (all.empty()) return {.level = level, .file = "", .line = 0, .function = ""};
+  return {.level = level,
+          .file = asC(all.front().text),
+          .line = static_cast<std::int32_t>(all.back().number),
+          .function = asC(all.back().text)};
+}
+
+void judgeUtf8(const std::string& bytes) {
+  requireUtf8(bytes, platform::isUtf8(bytes), platform::repairedUtf8(bytes));
+}
+
+void trySwitches(int level) {
+  std::uint8_t* const switches[] = {&iLog_enable_debug, &iLog_enable_info, &iLog_enable_warning,
+                                    &iLog_enable_error, &iLog_enable_critical};
+  for (int which = 0; which < 5; ++which) {
+    for (const int value : {0, 2, 255, 1}) {  // and stays 1
+      *switches[which] = static_cast<std::uint8_t>(value);
+      requireSwitched(level, which, value, _check_level(level));
+    }
+  }
 }
 
 }  // namespace
@@ -112,12 +148,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::vector<platform::FormatArgument> arguments;
   for (const fuzz::Argument& one : all) arguments.push_back(one.forFormat());
 
-  const std::string text = fuzz::filled(format, arguments);
-  fuzz::requireSame(text, fuzz::filled(format, arguments), "a format shows the same twice");
+  fuzz::judgeUtf8(std::string(reinterpret_cast<const char*>(data), size));
+  fuzz::requireFilled(format, arguments, fuzz::filled(format, arguments));
   for (const fuzz::Argument& one : all) {
-    fuzz::requireSame(platform::describe(one.value), platform::format("%@", one.value),
-                      "\"%@\" is the description");
+    fuzz::judgeUtf8(one.text);
+    fuzz::requireShown(one.value, platform::describe(one.value));
+    fuzz::requireShown(one.value, platform::format("%@", one.value));
   }
-  fuzz::writeLine(format, arguments, level);
+  const fuzz::Caller caller = fuzz::callerOf(level, all);
+  const std::string asC = format.c_str();
+  fuzz::requireLine(caller, fuzz::filled(asC, arguments), fuzz::lineBy(caller, asC, arguments));
+  fuzz::trySwitches(level);
   return 0;
 }

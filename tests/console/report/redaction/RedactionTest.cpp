@@ -108,11 +108,17 @@ TEST(Redaction, LongerAndShorterDigitsAreNoWwn) {
             "50000000000000A 50000000000000A1F");
   EXPECT_EQ(learntAndRedacted("14:03:07 50:00 1:2:3:4:5:6:7:8"), "14:03:07 50:00 1:2:3:4:5:6:7:8");
   EXPECT_EQ(learntAndRedacted("50:00:00:00:00:00:00:A1:02"), "50:00:00:00:00:00:00:A1:02");
+  EXPECT_EQ(learntAndRedacted("50-00-00-00:00-00-00-A1"), "50-00-00-00:00-00-00-A1");
 }
 
 TEST(Redaction, AWwnStandsInALongerWord) {
   EXPECT_EQ(learntAndRedacted("img_50000000000000A1, x50000000000000A1z"),
             "img_[wwn-1], x[wwn-1]z");
+}
+
+TEST(Redaction, AWwnInPairsStandsBehindPairsWithAnotherSign) {
+  EXPECT_EQ(learntAndRedacted("0a-50:00:00:00:00:00:00:A1, 11-23:50-00-00-00-00-00-00-A1:01"),
+            "0a-[wwn-1], 11-23:[wwn-1]:01");
 }
 
 TEST(Redaction, AKnownWwnIsFoundAmongOtherDigits) {
