@@ -2,7 +2,7 @@
 // answered. The oracle of tests/dialogues tells it of the answers as they were given.
 #pragma once
 
-#include <optional>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
