@@ -174,6 +174,17 @@ std::uint16_t productIdentifier(Decider& decider, const std::string& kinds, char
   return static_cast<std::uint16_t>((high << 8U) | oneOf(decider, Bytes{0x01, 0x00, 0x42, 0xFF}));
 }
 
+std::uint32_t interfaceByte(Decider& decider) {
+  static constexpr std::uint32_t kBytes[][3] = {{1, 1, 1}, {0, 0, 0}, {2, 128, 255}};
+  const unsigned pick = decider.fork(3);
+  return kBytes[pick][decider.turn(3)];
+}
+
+std::uint32_t updateFlag(Decider& decider) {
+  static constexpr std::uint32_t kFlags[] = {1, 2, 256, 0xFFFFFFFF};
+  return decider.fork(2) == 0 ? kFlags[decider.turn(4)] : 0;
+}
+
 Progress cpldProgress(Decider& decider, const Progress& before, bool isLast) {
   return progress(decider, cpldReports(), before, isLast);
 }

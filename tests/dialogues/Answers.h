@@ -38,6 +38,10 @@ std::uint32_t cpldStartStatus(Decider& decider);
 //   u standard, with a USB image    s standard, without one    q QVXF    x no path of its own
 std::uint16_t productIdentifier(Decider& decider, const std::string& kinds, char& kind);
 
+// The byte of the interface that a bridge shows by 1, and whether its firmware differs.
+std::uint32_t interfaceByte(Decider& decider);
+std::uint32_t updateFlag(Decider& decider);
+
 // A progress read, whole or failed. `before` is the record as it stands; in the last poll only what
 // ends the polling.
 using Progress = test::FakeFramework::Progress;

@@ -18,26 +18,28 @@ void setAll(Json& dictionary, const Json& changes);
 
 class JobFileModel {
  public:
-  explicit JobFileModel(Json jobs) : jobs_(std::move(jobs)) { changed(); }
+  explicit JobFileModel(Json jobs) : jobs_(std::move(jobs)) {}
 
   // The job that runs is the last of the file.
   const Json& job() const { return jobs_.back(); }
   void change(const Json& changes) {
     setAll(jobs_.back(), changes);
-    changed();
+    text_.clear();
+    shown_.clear();
   }
 
-  const std::string& text() const { return text_; }
-  const std::string& shownText() const { return shown_; }
+  const std::string& text() {
+    if (text_.empty()) text_ = jobs_.dump(2);
+    return text_;
+  }
+  const std::string& shownText() {
+    if (shown_.empty()) shown_ = shown(jobs_);
+    return shown_;
+  }
 
  private:
-  void changed() {
-    text_ = jobs_.dump(2);
-    shown_ = shown(jobs_);
-  }
-
   Json jobs_;
-  std::string text_;
+  std::string text_;  // made when it is asked for
   std::string shown_;
 };
 

@@ -1,5 +1,6 @@
 #include "tests/dialogues/Oracle.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -10,11 +11,33 @@ namespace {
 
 using Status = std::uint32_t;
 using StatusOf = Status (*)(Decider&);
+using ProgressOf = Progress (*)(Decider&, const Progress&, bool);
 
-std::string descriptionOf(Status status) {
-  const char* meaningful = textOf(status);
-  return meaningful != nullptr ? meaningful : fmt::format("text of {:#x}", status);
-}
+// Answers that a decider draws.
+class Drawn : public Answerer {
+ public:
+  explicit Drawn(Decider& decider) : decider_(decider) {}
+
+  void asked(const char*) override {}
+  Status status(StatusOf kind) override { return kind(decider_); }
+  bool tellsCount() override { return decider_.branch(2) != 0; }
+  std::uint16_t product(std::size_t, const std::string& kinds, char& kind) override {
+    return productIdentifier(decider_, kinds, kind);
+  }
+  Progress progress(ProgressOf kind, const Progress& before, bool isLast) override {
+    return kind(decider_, before, isLast);
+  }
+  std::uint32_t interfaceByte() override { return dialogues::interfaceByte(decider_); }
+  std::uint32_t updateFlag() override { return dialogues::updateFlag(decider_); }
+  std::string description(Status status) override {
+    const char* meaningful = textOf(status);
+    return meaningful != nullptr ? meaningful : fmt::format("text of {:#x}", status);
+  }
+  void cut(const std::string& state) override { decider_.cut(state); }
+
+ private:
+  Decider& decider_;
+};
 
 // One entry of the input parameters, with the records that are its own: each is zero at the entry's
 // start, and is handed on as the framework's calls leave it.
@@ -59,10 +82,12 @@ struct Row {
 
 class Oracle {
  public:
-  Oracle(const Form& form, Decider& decider) : form_(form), decider_(decider), file_(form.jobs) {}
+  Oracle(const Form& form, Answerer& answerer, Told told)
+      : form_(form), answerer_(answerer), tellsAll_(told == Told::all), file_(form.jobs) {}
 
   Dialogue tell() {
     run();
+    dialogue_.job = file_.job();
     return std::move(dialogue_);
   }
 
@@ -71,7 +96,7 @@ class Oracle {
 
   void event(std::string text) { dialogue_.events.push_back(std::move(text)); }
   void line(const char* function, const std::string& message) {
-    event(fmt::format("log {}: {}", function, message));
+    if (tellsAll_) event(fmt::format("log {}: {}", function, message));
   }
   void say(const std::string& message) { line("updateFW", message); }
   void sayOfCpld(const std::string& message) { line("flashCPLD", message); }
@@ -79,10 +104,12 @@ class Oracle {
   Answer& called(const char* function, const std::string& arguments) {
     event(fmt::format("{}({})", function, arguments));
     dialogue_.answers.push_back({function, {}});
+    answerer_.asked(function);
     return dialogue_.answers.back().answer;
   }
   Status call(const char* function, const std::string& arguments, StatusOf statusOf) {
-    return called(function, arguments).status = statusOf(decider_);
+    Answer& answer = called(function, arguments);
+    return answer.status = answerer_.status(statusOf);
   }
   // A call to the entry's controller.
   Status ask(const char* function, const std::string& shown, StatusOf statusOf) {
@@ -93,19 +120,21 @@ class Oracle {
   }
   std::string describe(Status status) {
     called("getErrorDescription", fmt::format("{:#x}", status));
-    return descriptionOf(status);
+    return answerer_.description(status);
   }
 
   // --- the job file: every update is a reading, a line with what was read and one with what is to
   // be, and a writing
 
   void readFile(const char* function) {
+    if (!tellsAll_) return;
     event("read");
     line(function, fmt::format("currentJobArray = {}", file_.shownText()));
   }
   void updateFile(const Json& changes) {
     readFile("updateJSONFile");
     file_.change(changes);
+    if (!tellsAll_) return;
     line("updateJSONFile", fmt::format("updateJSONFile, newJobArray = {}", file_.shownText()));
     line("writeJSONFile", fmt::format("writeJSONFile, newArray = {}", file_.shownText()));
     line("writeJSONFile",
@@ -197,8 +226,8 @@ class Oracle {
   // The status, and whether the number was told, which also a call that fails may do.
   std::pair<Status, bool> count(const char* function, StatusOf statusOf) {
     Answer& answer = called(function, "0");
-    answer.status = statusOf(decider_);
-    if (answer.status != 0) answer.value = decider_.branch(2);
+    answer.status = answerer_.status(statusOf);
+    if (answer.status != 0 && answerer_.tellsCount()) answer.value = 1;
     return {answer.status, answer.status == 0 || answer.value != 0};
   }
 
@@ -220,7 +249,7 @@ class Oracle {
     state_ = fmt::format("entry {} {} {} {} {} {} {}", ++entries_, status_ == 0, pageKind_,
                          address_.value_or("none"), fmt::join(listedIds(), ","), qvxfChecked_,
                          qvxfAnalysed_);
-    decider_.cut(state_);
+    answerer_.cut(state_);
     Entry entry;
     if (status_ == 0) find(entry, input);
     if (pageKind_ == kNoPage) return close();
@@ -246,6 +275,7 @@ class Oracle {
       entry.hasController = true;
       entry.id = std::to_string(id);
       entry.path = input.value("file_path", "").substr(0, 255);
+      entry.path.resize(std::min(entry.path.find('\0'), entry.path.size()));
       address_ = entry.id;
       say(idAndPath(entry));
       return readPages();
@@ -256,11 +286,13 @@ class Oracle {
   void readPages() {
     Answer& answer =
         called("zr_getControllerInfo", fmt::format("{}, 0, request, zeroed, 65535", *address_));
-    status_ = answer.status = judgedStatus(decider_);
+    status_ = answer.status = answerer_.status(judgedStatus);
     product_ = 0;
     char kind = kPlainKind;
     const std::string kinds = entries_ == 1 ? form_.firstKinds : "usqx";
-    if (status_ == 0) answer.value = product_ = productIdentifier(decider_, kinds, kind);
+    if (status_ == 0) {
+      answer.value = product_ = answerer_.product(std::stoul(*address_), kinds, kind);
+    }
     say(fmt::format("zr_getControllerInfo(), u32Ret = {:x}", status_));
     if (pageKind_ != kNoPage) pageKind_ = kind;
     if (status_ != 0) return;
@@ -328,8 +360,8 @@ class Oracle {
     if (status_ != 0 && !isTolerated(entry)) return noteAndClose();
     // What the rest can tell of the CPLD's flash. How many polls it took, and how far they came, is
     // left in the job file alone.
-    decider_.cut(fmt::format("{} flash {} {} {} {} {}", state_, pageKind_, status_, entry.cpldEnd,
-                             entry.image, entry.usbParm()));
+    answerer_.cut(fmt::format("{} flash {} {} {} {} {}", state_, pageKind_, status_, entry.cpldEnd,
+                              entry.image, entry.usbParm()));
     status_ = ask("zr_initializeFlashProcess", "", judgedStatus);
     if (status_ != 0) return noteAndClose();
     if (pageKind_ == kPlainKind) {
@@ -460,8 +492,8 @@ class Oracle {
   }
 
   // Reads into the record; whether that failed, in which case it may have been left as it was.
-  bool read(const char* function, Progress (*progressOf)(Decider&, const Progress&, bool),
-            unsigned poll, bool showsRetries, Progress& record) {
+  bool read(const char* function, ProgressOf progressOf, unsigned poll, bool showsRetries,
+            Progress& record) {
     std::string before = fmt::format("{} {} {}", record.status, record.stage, record.percent);
     bool isZero = before == "0 0 0";
     if (showsRetries) {
@@ -470,7 +502,7 @@ class Oracle {
     }
     Answer& answer = called(
         function, addressed(fmt::format("progress[{}]", isZero ? std::string("zeroed") : before)));
-    answer.progress = progressOf(decider_, record, poll == form_.polls);
+    answer.progress = answerer_.progress(progressOf, record, poll == form_.polls);
     record = answer.progress;
     return record.callStatus != 0;
   }
@@ -521,12 +553,10 @@ class Oracle {
 
   Status updateBridge(Entry& entry) {
     Answer& interface = called("zr_getCurrentDeviceInterface", addressed("zeroed"));
-    interface.status = usbStatus(decider_);
+    interface.status = answerer_.status(usbStatus);
     if (interface.status != 0) return interface.status;
-    static constexpr std::uint32_t kBytes[][3] = {{1, 1, 1}, {0, 0, 0}, {2, 128, 255}};
-    const unsigned pick = decider_.fork(3);
-    interface.value = kBytes[pick][decider_.turn(3)];
-    if (pick != 0) return 0;
+    interface.value = answerer_.interfaceByte();
+    if (interface.value != 1) return 0;
 
     const auto [status, flag] = checkVersion(entry);
     if (status == 0x4027) {
@@ -549,9 +579,8 @@ class Oracle {
   std::pair<Status, std::int32_t> checkVersion(Entry& entry) {
     Answer& answer =
         called("zr_mac_checkUSBFWVersion", addressed(fmt::format("{}, 0", entry.usbParm())));
-    static constexpr std::uint32_t kFlags[] = {1, 2, 256, 0xFFFFFFFF};
-    answer.status = usbStatus(decider_);
-    if (decider_.fork(2) == 0) answer.value = kFlags[decider_.turn(4)];
+    answer.status = answerer_.status(usbStatus);
+    answer.value = answerer_.updateFlag();
     const auto flag = static_cast<std::int32_t>(answer.value);
     if (answer.status != 0) return {answer.status, flag};
     const Status read = ask("zr_mac_getNVRAM", entry.usbNvram(), usbStatus);
@@ -577,7 +606,8 @@ class Oracle {
   static constexpr char kPlainKind = 'x';  // none of those that have a path of their own
 
   const Form& form_;
-  Decider& decider_;
+  Answerer& answerer_;
+  bool tellsAll_;
   JobFileModel file_;
   Dialogue dialogue_;
   Json offered_;
@@ -595,6 +625,13 @@ class Oracle {
 
 }  // namespace
 
-Dialogue tell(const Form& form, Decider& decider) { return Oracle(form, decider).tell(); }
+Dialogue tell(const Form& form, Answerer& answerer, Told told) {
+  return Oracle(form, answerer, told).tell();
+}
+
+Dialogue tell(const Form& form, Decider& decider) {
+  Drawn answerer(decider);
+  return tell(form, answerer, Told::all);
+}
 
 }  // namespace kelvane::dialogues

@@ -50,10 +50,31 @@ std::string updatedLogId(const PlainJson& records, const std::string& logId) {
   return last != nullptr ? *last : logId;
 }
 
+bool hasResult(const PlainJson& record, int result, const char* text) {
+  const PlainJson* const number = record.find(job::kResult);
+  const std::string* const told = textAt(record, job::kResultStr);
+  return number != nullptr && number->is(Kind::number) && number->text == std::to_string(result) &&
+         told != nullptr && *told == text;
+}
+
+bool hasCommand(const PlainJson& record, const char* command) {
+  const std::string* const own = textAt(record, job::kJobId);
+  return own != nullptr && *own == command;
+}
+
+// Of a firmware job the result is the framework's.
 void judgeFinished(const PlainJson& record, std::string_view text) {
   const PlainJson* const result = record.find(job::kResult);
   require(result != nullptr && result->is(Kind::number) && textAt(record, job::kResultStr),
           "a record that is FREE has a result and its text", text);
+  const bool isDownload = hasCommand(record, job::kDownloadOnlineUpdateFile);
+  if (!isDownload && !hasCommand(record, job::kGetOnlineUpdateData) &&
+      !hasCommand(record, job::kUpdateSW)) {
+    return;
+  }
+  require(hasResult(record, 0, job::kNoError) ||
+              (isDownload && hasResult(record, job::kFileNotFound, job::kFileNotFoundText)),
+          "a job on software has one of its results, and the text of that", text);
 }
 
 }  // namespace
@@ -92,7 +113,8 @@ void JobFileLaws::judgeOwn(const PlainJson& was, const PlainJson& is, bool isAlo
   require(state != nullptr, "a record has a state", text);
   state_ = *state;
   require(state_ == job::kRun || state_ == job::kFree, "a job runs or is free", text);
-  if (state_ == job::kFree) judgeFinished(is, text);
+  if (state_ == job::kFree) return judgeFinished(is, text);
+  require(hasResult(is, 0, job::kNoError), "a job that runs has had no error", text);
 }
 
 bool JobFileLaws::isLeftRunning() const { return !isDisturbed_ && state_ == job::kRun; }

@@ -17,6 +17,7 @@ class JobFileLaws {
   // Someone else has written the file while the job ran: what of the job's own record may change,
   // and whether it is there at all, is no longer known.
   void disturb() { isDisturbed_ = true; }
+  bool isDisturbed() const { return isDisturbed_; }
 
   // The file is about to be replaced.
   void judge(std::string_view before, std::string_view after);

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/fuzz/FirmwareLaws.h"
 #include "tests/fuzz/JobFileLaws.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/WorkerInMemory.h"
@@ -56,13 +57,14 @@ std::string with(const std::string& other, const std::string& own) {
 
 const std::string kOther = R"("log_id": "16", "n": 1.0)";
 const std::string kOwn = R"("log_id": "17", "k": 1)";
+const std::string kRun = R"(, "state_id": "RUN", "result": 0, "resultStr": "no error")";
 const std::string kFree = R"(, "state_id": "FREE", "result": 0, "resultStr": "")";
 
 void judge(const std::string& after) { JobFileLaws("17").judge(kBefore, after); }
 
 TEST(JobFileLaws, TheWorkersOwnKeysMayChange) {
   JobFileLaws laws("17");
-  laws.judge(kBefore, with(kOther, kOwn + R"(, "state_id": "RUN", "output": [])"));
+  laws.judge(kBefore, with(kOther, kOwn + kRun + R"(, "output": [])"));
   EXPECT_EQ(laws.state(), "RUN");
   laws.judge(kBefore, with(kOther, kOwn + kFree));
   EXPECT_EQ(laws.state(), "FREE");
@@ -94,13 +96,43 @@ TEST(JobFileLaws, AStateIsOneOfTheWorkersAndFreeTheLast) {
   EXPECT_DEATH(laws.judge(kBefore, with(kOther, kOwn + kFree)), "behind FREE");
 }
 
+// A record of the command, FREE with these.
+std::string finished(const std::string& command, const std::string& result) {
+  return R"([{"log_id": "17", "job_id": ")" + command + R"(", "state_id": "FREE", )" + result +
+         "}]";
+}
+
+TEST(JobFileLaws, AResultGoesWithItsTextAndCommand) {
+  const auto judgeResult = [](const std::string& command, const std::string& result) {
+    const std::string text = finished(command, result);
+    JobFileLaws("17").judge(text, text);
+  };
+  const std::string good = R"("result": 0, "resultStr": "no error")";
+  const std::string missing = R"("result": 259, "resultStr": "file is not found")";
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile", "updateSW"}) {
+    judgeResult(command, good);
+    EXPECT_DEATH(judgeResult(command, R"("result": 0, "resultStr": "file is not found")"),
+                 "one of its results");
+    EXPECT_DEATH(judgeResult(command, R"("result": 259, "resultStr": "no error")"),
+                 "one of its results");
+  }
+  judgeResult("downloadOnlineUpdateFile", missing);
+  EXPECT_DEATH(judgeResult("updateSW", missing), "one of its results");
+  judgeResult("updateFW", R"("result": 32852, "resultStr": "some text")");
+}
+
+TEST(JobFileLaws, AJobThatRunsHasHadNoError) {
+  EXPECT_DEATH(judge(with(kOther, kOwn + R"(, "state_id": "RUN", "result": 1)")),
+               "has had no error");
+}
+
 constexpr char kJob[] = R"([{"log_id": "17", "job_id": "updateFW", "state_id": "WAIT",
     "input_parameters": [{"wwn": "A1", "file_path": "/a.img"}]}])";
 
 TEST(JobFileLaws, AJobIsLeftRunningAsFarAsThatIsKnown) {
   JobFileLaws laws("17");
   EXPECT_FALSE(laws.isLeftRunning());
-  laws.judge(kBefore, with(kOther, kOwn + R"(, "state_id": "RUN")"));
+  laws.judge(kBefore, with(kOther, kOwn + kRun));
   EXPECT_TRUE(laws.isLeftRunning());
   laws.disturb();
   EXPECT_FALSE(laws.isLeftRunning());
@@ -149,6 +181,69 @@ TEST(WorkerInMemory, SeesWhatIsNotReaped) {
   world.disk.put(kJobFilePath, kJob);
   world.programs.started = 1;
   EXPECT_DEATH(world.run(), "reaped");
+}
+
+// A firmware job that has run to its end, in one course of calls.
+class FirmwareLawsOfAJob : public ::testing::Test {
+ protected:
+  FirmwareLawsOfAJob() {
+    world.disk.put(kJobFilePath, kJob);
+    world.run();
+    after = world.disk.bytesOf(kJobFilePath).value_or("");
+  }
+
+  void judge(bool isDisturbed = false) {
+    FirmwareLaws(kJob, "17").judge(world.framework.calls, world.framework, after, isDisturbed);
+  }
+  // In the first call with that name.
+  void changeCall(const std::string& name, const std::string& from, const std::string& to) {
+    for (std::string& call : world.framework.calls) {
+      if (call.starts_with(name + "(")) return change(call, from, to);
+    }
+    FAIL() << name;
+  }
+  static void change(std::string& text, const std::string& from, const std::string& to) {
+    ASSERT_NE(text.find(from), std::string::npos) << text;
+    text.replace(text.find(from), from.size(), to);
+  }
+
+  WorkerInMemory world;
+  std::string after;
+};
+
+TEST_F(FirmwareLawsOfAJob, AreKept) {
+  judge();
+  EXPECT_EQ(world.framework.count("zr_mac_flashNVRAM"), 1);
+}
+
+TEST_F(FirmwareLawsOfAJob, SeeADirtyRecord) {
+  changeCall("zr_getFDLImageInfo", "image[zeroed]", "image[1 0]");
+  EXPECT_DEATH(judge(), "calls with their records follow");
+}
+
+TEST_F(FirmwareLawsOfAJob, SeeARecordThatIsNotCarriedOver) {
+  changeCall("zr_mac_flashNVRAM", "nvram[a2]", "nvram[zeroed]");
+  EXPECT_DEATH(judge(), "calls with their records follow");
+}
+
+TEST_F(FirmwareLawsOfAJob, SeeACallThatIsLeftOut) {
+  world.framework.calls.erase(world.framework.calls.begin());
+  EXPECT_DEATH(judge(), "calls with their records follow");
+}
+
+TEST_F(FirmwareLawsOfAJob, SeeAnotherResultOrText) {
+  const std::string kept = after;
+  change(after, R"("result": 0)", R"("result": 1)");
+  EXPECT_DEATH(judge(), "result, text and percentages follow");
+  judge(true);  // of whose record nothing is known
+  after = kept;
+  change(after, "text of 0x0", "text of 0x1");
+  EXPECT_DEATH(judge(), "result, text and percentages follow");
+}
+
+TEST_F(FirmwareLawsOfAJob, SeeAnotherPercentage) {
+  change(after, R"("fw_percentage": 100)", R"("fw_percentage": 99)");
+  EXPECT_DEATH(judge(), "result, text and percentages follow");
 }
 
 constexpr char kInstallation[] = R"([{"log_id": "17", "job_id": "updateSW", "state_id": "WAIT",

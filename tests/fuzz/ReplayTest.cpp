@@ -1,6 +1,9 @@
 // Every fuzz target with its seeds: inputs that are worth looking at, and all that a fuzzer has
 // ever found fault with.
 
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -34,6 +37,23 @@ TEST_P(SeedsOf, KeepTheLaws) {
   EXPECT_EQ(ended.signal, 0) << ended.err;
   EXPECT_EQ(ended.exitStatus, 0) << ended.err;
   EXPECT_THAT(ended.out, HasSubstr(" seeds\n"));
+}
+
+// What a replay takes is bound by how much there is to put in, not by a clock: with these a second
+// or less.
+TEST_P(SeedsOf, AreFewAndSmall) {
+  constexpr std::size_t kMost = 64;
+  constexpr std::uintmax_t kMostBytes = 32768;
+  std::size_t count = 0;
+  std::uintmax_t size = 0;
+  for (const auto& seed :
+       std::filesystem::directory_iterator(KELVANE_FUZZ_SOURCES "seeds/" + GetParam())) {
+    ++count;
+    size += seed.file_size();
+  }
+  EXPECT_GT(count, 0U);
+  EXPECT_LE(count, kMost);
+  EXPECT_LE(size, kMostBytes);
 }
 
 INSTANTIATE_TEST_SUITE_P(Target, SeedsOf, ::testing::ValuesIn(allTargets()),

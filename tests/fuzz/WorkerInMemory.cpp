@@ -7,11 +7,14 @@
 #include <unistd.h>
 
 #include "contract/Engine.h"
+#include "contract/JobFile.h"
 #include "contract/Log.h"
 #include "log/iLog.h"
+#include "tests/fuzz/FirmwareLaws.h"
 #include "tests/fuzz/Law.h"
 #include "tests/support/FrameworkLaws.h"
 #include "tests/support/LogLine.h"
+#include "tests/support/PlainJson.h"
 #include "tests/support/PlainUtf8.h"
 
 namespace kelvane::fuzz {
@@ -44,9 +47,26 @@ int freeDescriptor() {
   return free;
 }
 
+bool hasField(const test::PlainJson& record, const char* key, std::string_view text) {
+  const test::PlainJson* const value = record.find(key);
+  return value != nullptr && value->isText(text);
+}
+
 bool isLevel(const std::string& level) {
   return std::find(std::begin(logging::kLevels), std::end(logging::kLevels), level) !=
          std::end(logging::kLevels);
+}
+
+// Of the only record with the log id; nothing where there is none, or more.
+std::optional<test::PlainJson> onlyRecord(std::string_view jobFile) {
+  const auto jobs = test::readPlainJson(jobFile);
+  std::optional<test::PlainJson> found;
+  for (const test::PlainJson& record : jobs ? jobs->elements : std::vector<test::PlainJson>()) {
+    if (!hasField(record, job::kLogId, kLogId)) continue;
+    if (found) return {};
+    found = record;
+  }
+  return found;
 }
 
 }  // namespace
@@ -76,12 +96,18 @@ WorkerInMemory::~WorkerInMemory() {
 
 void WorkerInMemory::run() {
   const int free = freeDescriptor();
+  const FirmwareLaws firmware(disk.bytesOf(kJobFilePath).value_or(""), kLogId);
   {
     Kelvane worker(host);
     worker.init(kSharedFolder);
     worker.run(kLogId);
   }
   judgeTheEnd();
+  if (!hasToldAnError_ && disk.bytesOf(kLog)) {
+    firmware.judge(course_, framework, disk.bytesOf(kJobFilePath).value_or(""),
+                   jobFile.isDisturbed());
+    judgePackages();
+  }
   require(freeDescriptor() == free, "no file is left open");
 }
 
@@ -143,6 +169,27 @@ void WorkerInMemory::judgeTheEnd() {
               writes_ > jobFile.versions(),
           "a job that is begun is finished, or an error is told",
           disk.bytesOf(kJobFilePath).value_or(""));
+}
+
+// A download is without an error where all that it describes is there, and only there.
+void WorkerInMemory::judgePackages() {
+  const std::string text = disk.bytesOf(kJobFilePath).value_or("");
+  const auto record = onlyRecord(text);
+  if (jobFile.isDisturbed() || jobFile.state() != job::kFree || !record ||
+      !hasField(*record, job::kJobId, job::kDownloadOnlineUpdateFile)) {
+    return;
+  }
+  const test::PlainJson* const output = record->find(job::kOutput);
+  require(output != nullptr && output->is(test::PlainJson::Kind::list),
+          "a download describes its packages", text);
+  const bool areThere = std::all_of(
+      output->elements.begin(), output->elements.end(), [this](const test::PlainJson& package) {
+        const test::PlainJson* const path = package.find(job::kFilePath);
+        return path != nullptr && !path->text.empty() &&
+               path->text.find('\0') == std::string::npos && disk.find(path->text) != nullptr;
+      });
+  require(hasField(*record, job::kResultStr, areThere ? job::kNoError : job::kFileNotFoundText),
+          "a download tells whether its packages are there", text);
 }
 
 }  // namespace kelvane::fuzz

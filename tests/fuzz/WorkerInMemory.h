@@ -65,6 +65,7 @@ class WorkerInMemory {
   void noteCalls();
   void noteSleep();
   void judgeTheEnd();
+  void judgePackages();
 
   std::vector<std::string> course_;  // calls to the framework and sleeps
   std::ptrdiff_t noted_ = 0;         // so many calls are in it

@@ -100,16 +100,21 @@ std::uint32_t flashProgress(const char* function, ControllerAddress addr, std::u
   const std::string before = zeroedOr(
       progress,
       fmt::format("{} {} {}", progress->fp_u8Status, progress->fp_u8Stage, progress->fp_u8Percent));
-  const std::uint32_t status =
+  std::uint32_t status =
       current->called(function, fmt::format("{}, {}, progress[{}]", text(addr), sel, before));
-  if (status != 0) return status;
-  const auto answer = next(current->flashProgress, {0, 5, 100});
-  if (!answer.leavesRecord) {
-    progress->fp_u8Status = answer.status;
-    progress->fp_u8Stage = answer.stage;
-    progress->fp_u8Percent = answer.percent;
+  if (status == 0) {
+    const auto answer = next(current->flashProgress, {0, 5, 100});
+    status = answer.callStatus;
+    if (!answer.leavesRecord) {
+      progress->fp_u8Status = answer.status;
+      progress->fp_u8Stage = answer.stage;
+      progress->fp_u8Percent = answer.percent;
+    }
   }
-  return answer.callStatus;
+  return current->note({.status = progress->fp_u8Status,
+                        .stage = progress->fp_u8Stage,
+                        .percent = progress->fp_u8Percent,
+                        .callStatus = status});
 }
 
 std::uint32_t addressed(const char* function, ControllerAddress addr, std::uint32_t sel) {
@@ -130,9 +135,22 @@ int FakeFramework::count(const std::string& function) const {
 std::uint32_t FakeFramework::called(const std::string& function, const std::string& arguments) {
   if (onCall) onCall();
   calls.push_back(function + "(" + arguments + ")");
+  const std::uint32_t status = statusOf(function);
+  given.resize(calls.size());
+  given.back() = {status, {}, interfaceByte, usbUpdateFlag, failuresTellCounts};
+  return status;
+}
+
+std::uint32_t FakeFramework::statusOf(const std::string& function) const {
   if (decide) return decide(function);
   const auto found = answers.find({function, count(function)});
   return found == answers.end() ? 0 : found->second;
+}
+
+std::uint32_t FakeFramework::note(const Progress& record) {
+  given.back().status = record.callStatus;
+  given.back().progress = record;
+  return record.callStatus;
 }
 
 const char* FakeFramework::describe(std::uint32_t status) {
@@ -356,17 +374,23 @@ std::uint32_t zr_getCPLDProgress(ControllerAddress addr, std::uint32_t sel,
   const std::string before =
       zeroedOr(progress, fmt::format("{} {} {} {}", progress->rdcp_u8Status, progress->rdcp_u8Stage,
                                      progress->rdcp_u8Percent, progress->rdcp_u8RetryCount));
-  const std::uint32_t status = current->called(
+  std::uint32_t status = current->called(
       "zr_getCPLDProgress", fmt::format("{}, {}, progress[{}]", text(addr), sel, before));
-  if (status != 0) return status;
-  const auto answer = next(current->cpldProgress, {0, 2, 100});
-  if (!answer.leavesRecord) {
-    progress->rdcp_u8Status = answer.status;
-    progress->rdcp_u8Stage = answer.stage;
-    progress->rdcp_u8Percent = answer.percent;
-    progress->rdcp_u8RetryCount = answer.retries;
+  if (status == 0) {
+    const auto answer = next(current->cpldProgress, {0, 2, 100});
+    status = answer.callStatus;
+    if (!answer.leavesRecord) {
+      progress->rdcp_u8Status = answer.status;
+      progress->rdcp_u8Stage = answer.stage;
+      progress->rdcp_u8Percent = answer.percent;
+      progress->rdcp_u8RetryCount = answer.retries;
+    }
   }
-  return answer.callStatus;
+  return current->note({.status = progress->rdcp_u8Status,
+                        .stage = progress->rdcp_u8Stage,
+                        .percent = progress->rdcp_u8Percent,
+                        .retries = progress->rdcp_u8RetryCount,
+                        .callStatus = status});
 }
 
 std::uint32_t zr_finalizeCPLDProcess(ControllerAddress addr, std::uint32_t sel) {

@@ -61,15 +61,30 @@ class FakeFramework {
   // show in brackets what the fake put into them, "zeroed" where all bytes are 0.
   std::vector<std::string> calls;
 
+  // What each of them got: its status and, of a read of progress, the record as it was then; and
+  // the fields above as they were.
+  struct Given {
+    std::uint32_t status = 0;
+    Progress progress = {};
+    std::uint8_t interfaceByte = 0;
+    std::uint32_t usbUpdateFlag = 0;
+    bool failuresTellCounts = false;
+  };
+  std::vector<Given> given;
+
   // --- for the framework's functions
 
   std::uint32_t called(const std::string& function, const std::string& arguments);
   const char* describe(std::uint32_t status);
+  // Of the last call, a read of progress.
+  std::uint32_t note(const Progress& record);
 
   const SubsystemInfo* lastSubsystem = nullptr;
   std::uint8_t* infoBuffer = nullptr;
 
  private:
+  std::uint32_t statusOf(const std::string& function) const;
+
   std::map<std::uint32_t, std::string> genericDescriptions_;
 };
 

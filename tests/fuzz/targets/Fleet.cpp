@@ -1,4 +1,5 @@
-// The simulated controllers' fleet file: read, played, and written to.
+// The simulated controllers' fleet file, as it is and as it is written of what the bytes make:
+// read, played, and written to.
 
 #include "simulators/controllers/Fleet.h"
 
@@ -10,6 +11,7 @@
 #include "simulators/controllers/Controller.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
+#include "tests/fuzz/MadeFleet.h"
 #include "tests/fuzz/MemoryDisk.h"
 
 namespace kelvane::fuzz {
@@ -57,6 +59,14 @@ void flash(MemoryDisk& disk, const Fleet& before) {
           "all else in the file stays", disk.bytesOf(kPath).value_or(""));
 }
 
+void playAll(MemoryDisk& disk, const Fleet& fleet) {
+  for (const simulator::ControllerRecord& controller : fleet.controllers) {
+    play(simulator::firmwareTimeline(controller));
+    play(simulator::cpldTimeline(controller));
+  }
+  if (!fleet.controllers.empty()) flash(disk, fleet);
+}
+
 }  // namespace
 }  // namespace kelvane::fuzz
 
@@ -64,12 +74,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kelvane;
   fuzz::MemoryDisk disk;
   disk.put(fuzz::kPath, fuzz::Bytes(data, size).rest());
+  if (const auto fleet = fuzz::read()) fuzz::playAll(disk, *fleet);
+
+  fuzz::Bytes bytes(data, size);
+  const fuzz::MadeFleet made = fuzz::madeFleet(bytes);
+  disk.put(fuzz::kPath, made.text);
   const auto fleet = fuzz::read();
-  if (!fleet) return 0;
-  for (const simulator::ControllerRecord& controller : fleet->controllers) {
-    fuzz::play(simulator::firmwareTimeline(controller));
-    fuzz::play(simulator::cpldTimeline(controller));
-  }
-  if (!fleet->controllers.empty()) fuzz::flash(disk, *fleet);
+  fuzz::require(fleet.has_value(), "a sound fleet is read", made.text);
+  fuzz::requireSame(fuzz::toldFleet(made.fleet), fuzz::toldFleet(*fleet),
+                    "a fleet is read as it was meant");
+  fuzz::playAll(disk, *fleet);
   return 0;
 }

@@ -1,8 +1,10 @@
-// Property lists, XML and binary; and the catalogue that one may be, with the packages chosen from
-// it.
+// Property lists, XML and binary, as they are and as they are written of what the bytes make; and
+// the catalogue that one may be, with the packages chosen from it.
 
 #include "platform/PropertyList.h"
 
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,9 @@
 #include "platform/Text.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
+#include "tests/fuzz/ListWriter.h"
+#include "tests/fuzz/MadeList.h"
+#include "tests/fuzz/Selection.h"
 #include "tests/fuzz/WorkerInMemory.h"
 #include "tests/support/PlainUtf8.h"
 
@@ -20,6 +25,7 @@ namespace {
 
 using platform::Value;
 
+constexpr char kFolder[] = "/dl";
 constexpr char kCatalogue[] = "/dl/catalogue.plist";
 
 // Whether JSON has a form for it.
@@ -56,33 +62,82 @@ void judgeList(const Value& list) {
 }
 
 // A rule of the catalogue, or none.
-bool isFrom(const Value& chosen, const Value& catalogue) {
-  if (chosen.entries().empty()) return true;
-  for (const Value& rule : catalogue.get(catalogue::kRules).elements()) {
-    if (rule == chosen) return true;
+bool isFrom(const Value& chosen, const Value& rules) {
+  const auto& all = rules.elements();
+  return chosen.entries().empty() || std::find(all.begin(), all.end(), chosen) != all.end();
+}
+
+void judgeChoice(const Value& chosen, const Value& rules, const std::string& product) {
+  const Choice choice = chosenRule(plainRules(rules), product, "sw", test::FakeHost().version);
+  const std::string told = product + "\n" + platform::describe(chosen);
+  if (choice.kind == Choice::Kind::untold) {
+    require(isFrom(chosen, rules), "a rule of the catalogue is chosen", told);
+  } else if (choice.kind == Choice::Kind::one) {
+    require(chosen == rules.at(choice.rule), "the rule that applies to the product is chosen",
+            told);
+  } else {
+    require(chosen == Value::dictionary(), "where no rule applies to a product none is chosen",
+            told);
   }
-  return false;
+}
+
+Value askedFor(const std::string& product) {
+  return Value::dictionary(
+      {{job::kProductId, product}, {job::kFolder, kFolder}, {job::kVersion, "asked"}});
+}
+
+// The parameters with what the rule tells of the package, and the path where it lies.
+Value descriptionOf(const std::string& product, const Value& rule,
+                    const std::optional<std::string>& path) {
+  Value description = askedFor(product);
+  if (rule.has(catalogue::kVersion)) description.set(job::kVersion, rule.get(catalogue::kVersion));
+  if (rule.has(catalogue::kSize)) description.set(job::kSize, rule.get(catalogue::kSize));
+  if (rule.has(catalogue::kHash)) description.set(job::kHash, rule.get(catalogue::kHash));
+  if (path) description.set(job::kFilePath, *path);
+  return description;
 }
 
 void choose(const std::string& bytes, const Value& catalogue) {
   WorkerInMemory world;
   world.disk.put(kCatalogue, bytes);
+  world.disk.put("/dl/FW_T3.img", "");
+  world.disk.put("/dl/p.bin", "");
   Kelvane worker(world.host);
   worker.init(kSharedFolder);
+  const std::vector<std::string> products = {"other", "sw", "t2", "", "t3", "other", "SW"};
   Value all = Value::array();
-  for (const char* product : {"sw", "t3", "other", ""}) {
-    const Value parameters = Value::dictionary({{job::kProductId, product}, {job::kFolder, "/dl"}});
-    const Value chosen = worker.getUpdateEngineDataInDownloadFolder(parameters);
-    require(chosen.isDictionary() && isFrom(chosen, catalogue), "a rule of the catalogue is chosen",
-            platform::describe(chosen));
-    all.append(parameters);
+  Value chosen = Value::array();
+  for (const std::string& product : products) {
+    all.append(askedFor(product));
+    chosen.append(worker.getUpdateEngineDataInDownloadFolder(askedFor(product)));
+    judgeChoice(chosen.at(chosen.count() - 1), catalogue.get(catalogue::kRules), product);
+  }
+  const auto paths =
+      describedPaths(products, plainRules(chosen), kFolder,
+                     [&](const std::string& path) { return world.disk.find(path) != nullptr; });
+  Value expected = Value::array();
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    expected.append(descriptionOf(products[i], chosen.at(i), paths[i]));
   }
   const Value described = worker.getDownloadFileData(all, {});
-  require(described.count() <= all.count(), "no product is described twice");
-  for (const Value& one : described.elements()) {
-    require(one.has(job::kProductId) && one.has(job::kFolder), "a description keeps its parameters",
-            platform::describe(one));
+  requireSame(platform::describe(expected), platform::describe(described),
+              "a description tells of the chosen package and where it lies");
+}
+
+void judgeWritten(const Value& made, const std::string& bytes) {
+  const Value read = platform::parsePropertyList(bytes);
+  if (depthOfList(made) > platform::kPropertyListDepthLimit) {
+    require(read.isNothing(), "what is too deep is not read");
+    return;
   }
+  require(read == made, "a list is read as it was meant",
+          platform::describe(made) + "\n" + platform::describe(read) + "\n" + bytes);
+}
+
+// What was made of the bytes, written in both forms.
+void judgeForms(const Value& made, Bytes& style) {
+  judgeWritten(made, binaryList(made, style));
+  if (hasXmlForm(made)) judgeWritten(made, xmlList(made, style));
 }
 
 }  // namespace
@@ -92,8 +147,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kelvane;
   const std::string bytes = fuzz::Bytes(data, size).rest();
   const platform::Value list = platform::parsePropertyList(bytes);
-  if (list.isNothing()) return 0;
-  fuzz::judgeList(list);
+  if (!list.isNothing()) fuzz::judgeList(list);
   if (list.has(catalogue::kRules)) fuzz::choose(bytes, list);
+
+  fuzz::Bytes listBytes(data, size);
+  fuzz::judgeForms(fuzz::madeList(listBytes), listBytes);
+  fuzz::Bytes ruleBytes(data, size);
+  const platform::Value rules = fuzz::madeCatalogue(ruleBytes);
+  fuzz::judgeForms(rules, ruleBytes);
+  fuzz::choose(fuzz::binaryList(rules, ruleBytes), rules);
   return 0;
 }
