@@ -233,6 +233,27 @@ TEST_F(File, MakesAFileThatIsNotThereWithDefaultPermissions) {
   EXPECT_EQ(permissions("file"), 0640U);
 }
 
+TEST_F(File, ANewFileIsWritableByTheGroupWhereNewFilesAre) {
+  const mode_t mask = ::umask(002);
+  EXPECT_TRUE(replaceFile(folder / "replaced", "new"));
+  EXPECT_TRUE(createEmptyFile(folder / "empty"));
+  ::umask(mask);
+  EXPECT_EQ(permissions("replaced"), 0664U);
+  EXPECT_EQ(permissions("empty"), 0664U);
+}
+
+TEST_F(File, TheProcesssDefaultPermissionsStayAsTheyWere) {
+  const mode_t mask = ::umask(027);
+  EXPECT_TRUE(replaceFile(folder / "file", "new"));
+  EXPECT_EQ(::umask(mask), 027U);
+}
+
+TEST_F(File, KeepsTheBitsOfTheOldFileBesideThoseOfReadingAndWriting) {
+  ASSERT_EQ(::chmod(folder.write("file", "old").c_str(), 07640), 0);
+  EXPECT_TRUE(replaceFile(folder / "file", "new"));
+  EXPECT_EQ(permissions("file"), 07640U);
+}
+
 TEST_F(File, KeepsThePermissionBitsOfTheOldFile) {
   ::chmod(folder.write("file", "old").c_str(), 0604);
   EXPECT_TRUE(replaceFile(folder / "file", "new"));
@@ -286,6 +307,17 @@ TEST_F(File, KeepsOwnerAndGroupOfTheOldFileWhereAllowed) {
   EXPECT_EQ(folder.read("inside/file"), "new");
   EXPECT_EQ(after.st_uid, before.st_uid);
   EXPECT_EQ(after.st_gid, before.st_gid);
+}
+
+TEST_F(File, KeepsAnotherOwnerOfTheSameGroup) {
+  const uid_t owner = ::geteuid() == 0 ? 12 : ::geteuid();
+  folder.write("file", "old");
+  ASSERT_EQ(::chown((folder / "file").c_str(), owner, ::getegid()), 0);
+  EXPECT_TRUE(replaceFile(folder / "file", "new"));
+  struct stat after = {};
+  ASSERT_EQ(::stat((folder / "file").c_str(), &after), 0);
+  EXPECT_EQ(after.st_uid, owner);
+  EXPECT_EQ(after.st_gid, ::getegid());
 }
 
 TEST_F(File, KeepsTheGroupInAFolderThatHandsDownItsOwn) {
@@ -449,6 +481,12 @@ TEST_F(File, KnowsFoldersAndSizes) {
   EXPECT_EQ(fileSize((folder / "inside/file") + std::string("\0x", 2)), 0U);
   EXPECT_EQ(fileSize(folder / "inside/file"), 5U);
   EXPECT_EQ(fileSize(folder / "missing"), 0U);
+}
+
+TEST_F(File, TheSizeIsThatOfWhatALinkLeadsTo) {
+  folder.write("file", std::string(1000, 'x'));
+  std::filesystem::create_symlink("file", folder / "link");
+  EXPECT_EQ(fileSize(folder / "link"), 1000U);
 }
 
 TEST_F(File, MovesAFile) {

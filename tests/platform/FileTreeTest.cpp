@@ -84,6 +84,18 @@ TEST_F(FileTree, MakesAllLevels) {
   EXPECT_FALSE(makeFolders(tooLong + "/deepest"));
 }
 
+TEST_F(FileTree, EveryLevelHasTheDefaultPermissions) {
+  for (const mode_t mask : {002U, 027U}) {
+    const std::string top = "made" + std::to_string(mask);
+    const mode_t before = ::umask(mask);
+    EXPECT_TRUE(makeFolders(folder / (top + "/below")));
+    ::umask(before);
+    for (const std::string& level : {top, top + "/below"}) {
+      EXPECT_EQ(static_cast<unsigned>(fs::status(folder / level).permissions()), 0777U & ~mask);
+    }
+  }
+}
+
 TEST_F(FileTree, MakesLevelsBelowLinksAndUpwards) {
   fs::create_directory(folder / "real");
   fs::create_directory_symlink("real", folder / "link");
@@ -177,6 +189,18 @@ TEST_F(FileTree, KeepsPermissionBitsAndModificationTimes) {
   }
   ::chmod((folder / "from").c_str(), 0755);
   ::chmod((folder / "to").c_str(), 0755);
+}
+
+TEST_F(FileTree, KeepsTheBitsBesideThoseOfReadingAndWriting) {
+  folder.write("from/file", "x");
+  ASSERT_EQ(::chmod((folder / "from/file").c_str(), 07750), 0);
+  ASSERT_EQ(::chmod((folder / "from").c_str(), 03755), 0);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  const auto bits = [this](const char* name) {
+    return static_cast<unsigned>(fs::status(folder / name).permissions());
+  };
+  EXPECT_EQ(bits("to/file"), 07750U);
+  EXPECT_EQ(bits("to"), 03755U);
 }
 
 TEST_F(FileTree, HolesStayHoles) {

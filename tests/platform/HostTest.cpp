@@ -3,6 +3,8 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -163,6 +165,39 @@ TEST(SystemHost, TellsTheLocalTime) {
   const std::time_t told = std::mktime(&local);
   EXPECT_LE(before, told);
   EXPECT_LE(told, std::time(nullptr));
+}
+
+// A zone of the system for the time of its life.
+class TimeZone {
+ public:
+  explicit TimeZone(const char* zone) {
+    if (const char* before = std::getenv("TZ")) before_ = before;
+    take(zone);
+  }
+  TimeZone(const TimeZone&) = delete;
+  TimeZone& operator=(const TimeZone&) = delete;
+  ~TimeZone() { take(before_ ? before_->c_str() : nullptr); }
+
+ private:
+  static void take(const char* zone) {
+    if (zone == nullptr) {
+      ::unsetenv("TZ");
+    } else {
+      ::setenv("TZ", zone, 1);
+    }
+    ::tzset();
+  }
+  std::optional<std::string> before_;
+};
+
+TEST(SystemHost, TellsTheTimeOfItsZone) {
+  constexpr std::time_t kAhead = 19'800;  // seconds: five hours and a half
+  const TimeZone zone("XYZ-5:30");
+  const std::time_t before = std::time(nullptr);
+  std::tm local = SystemHost().localTime();
+  const std::time_t told = ::timegm(&local);
+  EXPECT_LE(before + kAhead, told);
+  EXPECT_LE(told, std::time(nullptr) + kAhead);
 }
 
 }  // namespace

@@ -138,6 +138,17 @@ TEST_F(Refused, WhatCannotBeRemovedStays) {
   EXPECT_EQ(folder.names("tree"), Names{"file"});
 }
 
+// What an earlier attempt left stands in the way of the hidden name.
+TEST_F(Refused, WhatCannotBeHiddenIsRemovedWhereItStands) {
+  const std::string left = kLeavingPrefix + std::string("tree");
+  write(left + "/file");
+  write("tree/file");
+  const RefusedCall refused("unlinkat", 1, EBUSY);
+  EXPECT_TRUE(discardTree(folder / "tree"));
+  EXPECT_TRUE(refused.wasMade());
+  EXPECT_EQ(folder.names(), Names{left});
+}
+
 TEST_F(Refused, WhatSomeoneElseRemovesMeanwhileIsRemoved) {
   write("file");
   const RefusedCall gone("unlinkat", 1, ENOENT);

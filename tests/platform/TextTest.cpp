@@ -298,6 +298,18 @@ TEST(Utf8, KnowsWhatIsNotText) {
   }
 }
 
+TEST(Utf8, OneByteThatIsNotTextIsFoundWhereverItStands) {
+  for (const std::size_t size : {1U, 63U, 64U, 65U, 128U, 200U}) {
+    for (std::size_t at = 0; at < size; ++at) {
+      std::string text(size, 'a');
+      text[at] = '\x80';
+      EXPECT_FALSE(isUtf8(text)) << at << " of " << size;
+      EXPECT_EQ(repairedUtf8(text),
+                std::string(at, 'a') + "\xEF\xBF\xBD" + std::string(size - at - 1, 'a'));
+    }
+  }
+}
+
 TEST(Utf8, RepairsByteByByte) {
   EXPECT_EQ(repairedUtf8("plain \xC3\xA9"), "plain \xC3\xA9");
   EXPECT_EQ(repairedUtf8("a\xFF"

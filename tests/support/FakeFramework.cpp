@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include <fmt/format.h>
 
@@ -36,6 +37,7 @@ std::string text(const FlashParm* flash) {
   std::memset(rest.rpf_uTransfer.rpf_u8ImageFilePath, 0,
               std::strlen(flash->rpf_uTransfer.rpf_u8ImageFilePath));
   rest.productId = 0;
+  if (rest.at308[3] == rest.at264) rest.at308[3] = 0;
   rest.at264 = 0;
   return fmt::format("flash[{:04x} {} {:x}{}]", flash->productId,
                      flash->rpf_uTransfer.rpf_u8ImageFilePath, flash->at264,
@@ -200,8 +202,11 @@ std::uint32_t zr_getSubsystemInfo(ControllerAddress addr, std::uint32_t sel, Sub
   const std::uint32_t status = current->called(
       "zr_getSubsystemInfo", fmt::format("{}, {}, {}", text(addr), sel, zeroedOr(info, "dirty!")));
   current->lastSubsystem = info;
-  info->wwn[0] = static_cast<std::uint8_t>(addr.adapterNumber + addr.subsystemNumber);
+  const unsigned index = addr.adapterNumber + addr.subsystemNumber;
+  info->wwn[0] = static_cast<std::uint8_t>(index);
+  info->wwn[1] = static_cast<std::uint8_t>(index >> 8U);
   info->at0[0] = 0xEE;
+  info->at192[std::size(info->at192) - 1] = 0xEE;
   return status;
 }
 
@@ -210,7 +215,8 @@ void decod_getStringWWN(WwnString* wwn, const void* wwnField) {
   current->called("decod_getStringWWN",
                   fmt::format("{}, {}", zeroedOr(wwn, "dirty!"),
                               wwnField == current->lastSubsystem->wwn ? "wwn" : "another field!"));
-  const std::string& name = current->devices.at(*index).wwn;
+  const std::string& name = current->devices.at(index[0] + 256U * index[1]).wwn;
+  wwn->text[sizeof wwn->text - 1] = '!';  // behind the end, but for a name that reaches so far
   std::copy_n(name.begin(), std::min(name.size(), sizeof wwn->text), wwn->text);
 }
 
@@ -228,6 +234,7 @@ std::uint32_t zr_getControllerInfo(std::uint16_t adapterNumber, std::uint32_t se
   std::memcpy(
       current->infoBuffer + kelvane::test::kPage0At + offsetof(ControllerInfoPage, ci_ProductID),
       &productId, sizeof productId);
+  current->infoBuffer[size - 1] = 0xEE;
   return 0;
 }
 
@@ -237,7 +244,7 @@ std::uint32_t decod_locateBufferCtrlInfo(void* buffer, std::uint32_t size, std::
       current->called("decod_locateBufferCtrlInfo",
                       fmt::format("{}, {}, {}, {}", bufferText(buffer), size, zero, pageNumber));
   const std::size_t at = pageNumber == 0 ? kelvane::test::kPage0At : kelvane::test::kPage1At;
-  if (status == 0) *page = current->infoBuffer + at;
+  if (status == 0 || current->failuresTellPages) *page = current->infoBuffer + at;
   return status;
 }
 
@@ -258,7 +265,7 @@ const char* getErrorDescription(std::uint32_t status) {
 std::uint32_t zr_getFDLImageInfo(FlashParm* flash, FwImgInfo* image) {
   const std::uint32_t status =
       current->called("zr_getFDLImageInfo", fmt::format("{}, {}", text(flash), text(image)));
-  flash->at264 = 0xF1;
+  flash->at264 = flash->at308[3] = 0xF1;
   image->at0 = 0xFD;
   return status;
 }
@@ -270,6 +277,7 @@ std::uint32_t zr_getCPLDImageInfo(FlashParm* flash, CpldParm* cpld, FwImgInfo* i
                                          text(image), pageText(page0, kelvane::test::kPage0At),
                                          pageText(page1, kelvane::test::kPage1At)));
   cpld->at0 = 0xC1;
+  cpld->at4[5] = 0xC1;
   image->at4 = 0xCD;
   return status;
 }
@@ -325,7 +333,7 @@ std::uint32_t zr_checkQVXFFlashImage(ControllerAddress addr, std::uint32_t sel, 
   const std::uint32_t status = current->called(
       "zr_checkQVXFFlashImage",
       fmt::format("{}, {}, {}, {}", text(addr), sel, text(flash), zeroedOr(info, "used")));
-  info->bytes[0] = 0xE1;
+  info->bytes[0] = info->bytes[std::size(info->bytes) - 1] = 0xE1;
   return status;
 }
 
@@ -341,7 +349,7 @@ std::uint32_t zr_analyzeQVXFImage(ControllerAddress addr, std::uint32_t sel,
   const std::uint32_t status =
       current->called("zr_analyzeQVXFImage",
                       fmt::format("{}, {}, {}", text(addr), sel, zeroedOr(analysis, "used")));
-  analysis->bytes[0] = 0xE2;
+  analysis->bytes[0] = analysis->bytes[std::size(analysis->bytes) - 1] = 0xE2;
   return status;
 }
 
@@ -409,7 +417,7 @@ std::uint32_t zr_mac_checkUSBFWVersion(ControllerAddress addr, std::uint32_t sel
 std::uint32_t zr_mac_getNVRAM(ControllerAddress addr, std::uint32_t sel, UsbNvram* nvram) {
   const std::uint32_t status =
       current->called("zr_mac_getNVRAM", fmt::format("{}, {}, {}", text(addr), sel, text(nvram)));
-  if (status == 0) nvram->bytes[0] = 0xA1;
+  if (status == 0) nvram->bytes[0] = nvram->bytes[std::size(nvram->bytes) - 1] = 0xA1;
   return status;
 }
 

@@ -56,9 +56,11 @@ class FakeFramework {
   // the fields above; the call is the last of `calls`.
   std::function<std::uint32_t(const std::string& function)> decide;
   bool failuresTellCounts = false;  // a failing count is written all the same
+  bool failuresTellPages = false;   // and so is where a page is that was not found
 
   // What was called, such as "zr_flashQVXFImage(0/0, 0)". Addresses are adapter/subsystem; records
-  // show in brackets what the fake put into them, "zeroed" where all bytes are 0.
+  // show in brackets what the fake put into them, "zeroed" where all bytes are 0. What is to be
+  // zeroed before a call is left with a last byte that is not.
   std::vector<std::string> calls;
 
   // What each of them got: its status and, of a read of progress, the record as it was then; and

@@ -181,6 +181,18 @@ TEST_F(Catalogue, AnyCharacterPartsAMinimumAndTextMayStandAroundIt) {
   EXPECT_EQ(chosen("sw"), "other");
 }
 
+// Of five characters the first, the third and the fifth are the numbers; of six the first has two.
+TEST_F(Catalogue, ADigitPartsAMinimumToo) {
+  for (const char* satisfied : {"11000", "100.1", "99000", "140201"}) {
+    writeRules(rule("sw", "1", minimum(satisfied)) + rule("fw", "other"));
+    EXPECT_EQ(chosen("sw"), "1") << satisfied;
+  }
+  for (const char* tooNew : {"140202", "140300", "150000"}) {
+    writeRules(rule("sw", "1", minimum(tooNew)) + rule("fw", "other"));
+    EXPECT_EQ(chosen("sw"), "other") << tooNew;
+  }
+}
+
 TEST_F(Catalogue, ASystemThatIsTooOldIsNoCandidate) {
   for (const char* tooNew : {"14.2.2", "14.3.0", "15.0.0"}) {
     writeRules(rule("sw", "new", minimum(tooNew)) + rule("sw", "ok", minimum("10.0.0")));
@@ -207,6 +219,36 @@ TEST_F(Catalogue, AMinimumOfTwoPartsOrNoneIsNoCandidateButFound) {
 TEST_F(Catalogue, AMinimumOfLettersIsSatisfiedByEverySystem) {
   writeRules(rule("sw", "1", minimum("abc.def.ghi")) + rule("fw", "other"));
   EXPECT_EQ(chosen("sw"), "1");
+}
+
+TEST_F(Catalogue, AMinimumThatIsNoTextIsLoggedOnceAndNoRuleIsChosen) {
+  writeRules(rule("sw", "1", minimum("9.0.0")) +
+             rule("sw", "2", "<key>MinimumOSVersion</key><integer>9</integer>"));
+  EXPECT_EQ(chosen("sw"), "none");
+  EXPECT_THAT(log(), ElementsAre("getUpdateEngineDataInDownloadFolder error: asked a number for "
+                                 "its text"));
+}
+
+TEST_F(Catalogue, CandidatesWhoseVersionsDifferInKindAreLoggedOnceAndNoneIsChosen) {
+  std::string number = rule("sw", "2", minimum("9.0.0"));
+  const std::string text = "<string>2</string>";
+  number.replace(number.find(text), text.size(), "<integer>2</integer>");
+  writeRules(number);
+  EXPECT_EQ(worker.getUpdateEngineDataInDownloadFolder(parameters("sw")).get("Version"),
+            Value::integer(2));
+  writeRules(number + rule("sw", "1", minimum("9.0.0")));
+  EXPECT_EQ(chosen("sw"), "none");
+  EXPECT_THAT(log(),
+              ElementsAre(StartsWith("getUpdateEngineDataInDownloadFolder error: cannot order a")));
+}
+
+TEST_F(Catalogue, AProductSettingThatIsNoTextIsLoggedOnceAndNoRuleIsChosen) {
+  worker.setSettingDict(
+      platform::parseJson(R"({"online_update_plist_name":"Offers","product_id_sw":5})"));
+  writeRules(rule("fw", "1"));
+  EXPECT_EQ(chosen("fw"), "none");
+  EXPECT_THAT(log(), ElementsAre("getUpdateEngineDataInDownloadFolder error: compared a number as "
+                                 "a string"));
 }
 
 // --- a file that someone else writes between two looks
@@ -319,6 +361,24 @@ TEST_F(Catalogue, ADescriptionTakesVersionSizeAndHashFromTheRule) {
             Value::array({expected}));
 }
 
+// A rule that lacks a key describes a product only as the catalogue's last entry.
+TEST_F(Catalogue, OfTheRulesKeysEachIsTakenThatIsThere) {
+  for (const char* key : {"Version", "Size", "Hash256"}) {
+    std::string last = rule("other", "2.5");
+    last.replace(last.find(key), std::string(key).size(), "Else");
+    writeRules(rule("sw", "1", minimum("99.0.0")) + last);
+    Value expected = parameters("sw");
+    if (std::string(key) != "Version") expected.set("version", "2.5");
+    if (std::string(key) != "Size") expected.set("size", Value::integer(7));
+    if (std::string(key) != "Hash256") expected.set("Hash256", "h2.5");
+    expected.set("file_path", "");
+    EXPECT_EQ(worker.getDownloadFileData(Value::array({parameters("sw")}), Value()),
+              Value::array({expected}))
+        << key;
+  }
+  EXPECT_THAT(log(), IsEmpty());
+}
+
 TEST_F(Catalogue, WithoutARuleTheParametersStay) {
   Value expected = parameters("fw2");
   expected.set("file_path", "");
@@ -344,6 +404,28 @@ TEST_F(Catalogue, EachProductHasItsExpectedPlace) {
   EXPECT_THAT(paths({"fw2", "sw", "fw3", "tarselT3USBFW"}),
               ElementsAre(folder / "d/FW_QRX550.img", folder / "d/Manager.app",
                           folder / "d/FW_T3.img", folder / "d/FW_T3.img"));
+}
+
+TEST_F(Catalogue, OfEqualSettingsTheFirstGivesTheExpectedPlace) {
+  folder.write("d/FW_QRX550.img", "");
+  folder.write("d/(null).app", "");
+  folder.write("d/FW_T3.img", "");
+  worker.setSettingDict(platform::parseJson(
+      R"({"product_id_tarsel2fw":"x","product_id_sw":"x","product_id_tarsel3fw":"x"})"));
+  EXPECT_THAT(paths({"x"}), ElementsAre(folder / "d/FW_QRX550.img"));
+  worker.setSettingDict(platform::parseJson(R"({"product_id_sw":"x","product_id_tarsel3fw":"x"})"));
+  EXPECT_THAT(paths({"x"}), ElementsAre(folder / "d/(null).app"));
+  worker.setSettingDict(platform::parseJson(R"({"product_id_sw":"tarselT3USBFW"})"));
+  EXPECT_THAT(paths({"tarselT3USBFW"}), ElementsAre(folder / "d/(null).app"));
+  worker.setSettingDict(platform::parseJson(R"({"product_id_tarsel2fw":"tarselT3USBFW"})"));
+  EXPECT_THAT(paths({"tarselT3USBFW"}), ElementsAre(folder / "d/FW_QRX550.img"));
+}
+
+TEST_F(Catalogue, AProductSettingThatIsNoTextEndsTheDescriptionsAndIsLoggedOnce) {
+  worker.setSettingDict(platform::parseJson(R"({"product_id_tarsel3fw":5,"product_id_sw":"sw"})"));
+  folder.write("d/(null).app", "");
+  EXPECT_THAT(paths({"sw", "fw", "sw"}), ElementsAre(folder / "d/(null).app"));
+  EXPECT_THAT(log(), ElementsAre("getDownloadFileData error: compared a number as a string"));
 }
 
 TEST_F(Catalogue, AnUnknownProductIsTestedAgainstThePreviousPlace) {
@@ -382,6 +464,28 @@ TEST_F(Catalogue, DiskImagesArchivesAndNamesWithoutExtensionAreNotTried) {
   }
 }
 
+TEST_F(Catalogue, ANameWithAnyOtherExtensionIsTriedHoweverManyDotsItHas) {
+  for (const char* name : {"Image.2.bin", "Image.zip.bin", ".bin", "x.", "x.dmg.", "a..b"}) {
+    writeRules(rule("fw2", "1", codebase("https://host/" + std::string(name))));
+    folder.write("d/" + std::string(name), "");
+    EXPECT_THAT(paths({"fw2"}), ElementsAre(folder / "d/" + std::string(name))) << name;
+  }
+}
+
+TEST_F(Catalogue, ACodebaseWithoutASlashIsTheName) {
+  writeRules(rule("fw2", "1", codebase("Image.bin")));
+  folder.write("d/Image.bin", "");
+  EXPECT_THAT(paths({"fw2"}), ElementsAre(folder / "d/Image.bin"));
+}
+
+TEST_F(Catalogue, ACodebaseThatIsNoTextEndsTheDescriptionsAndIsLoggedOnce) {
+  writeRules(rule("a", "1", codebase("u/A.bin")) +
+             rule("b", "1", "<key>Codebase</key><integer>5</integer>"));
+  folder.write("d/A.bin", "");
+  EXPECT_THAT(paths({"a", "b", "a"}), ElementsAre(folder / "d/A.bin"));
+  EXPECT_THAT(log(), ElementsAre("getDownloadFileData error: asked a number for its text"));
+}
+
 TEST_F(Catalogue, ExtensionsAreComparedToTheLetter) {
   writeRules(rule("fw2", "1", codebase("u/Image.DMG")));
   folder.write("d/Image.DMG", "");
@@ -414,6 +518,13 @@ TEST_F(Catalogue, AnElementsOwnPathStaysWhereNoneIsSet) {
   own.set("file_path", "/own");
   const Value found = worker.getDownloadFileData(Value::array({parameters("a"), own}), Value());
   EXPECT_EQ(found.at(1).get("file_path"), Value("/own"));
+}
+
+TEST_F(Catalogue, AnElementsOwnPathGivesWayWhereNoPackageIsRemembered) {
+  Value own = parameters("b");
+  own.set("file_path", "/own");
+  const Value found = worker.getDownloadFileData(Value::array({own}), Value());
+  EXPECT_EQ(found.at(0).get("file_path"), Value(""));
 }
 
 TEST_F(Catalogue, ElementsWithoutAProductAreDescribedByNothing) {

@@ -27,6 +27,7 @@ bool isWatched(pid_t process) {
 
 void note(const char* event, pid_t process) {
   watching->events.push_back(std::string(event).append(" ").append(watching->running[process]));
+  if (watching->onEvent) watching->onEvent(watching->events.back());
 }
 
 // Not before it has ended, which is a moment behind its output's end.

@@ -2,6 +2,7 @@
 // for the whole program, and do what they do.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,6 +22,8 @@ struct Children {
   bool outliveTheirOutput = false;
   // "start /bin/rm", "end /bin/rm" where it is told to, "reap /bin/rm", in their order.
   std::vector<std::string> events;
+  // Told of each event when it is written down.
+  std::function<void(const std::string& event)> onEvent;
 
   std::map<pid_t, std::string> running;  // by their paths
 };

@@ -299,6 +299,12 @@ TEST_F(CpldFlash, TheAddressHoldsTheLow16BitsOfTheDeviceId) {
   EXPECT_THAT(lines(), Contains("devId = 74565, filePath = /img"));
 }
 
+TEST_F(CpldFlash, OfADeviceIdTheLow32BitsAreShownWithASign) {
+  run(0x180000005);
+  EXPECT_EQ(framework.calls.front(), "zr_initializeCPLDProcess(5/0, 0)");
+  EXPECT_THAT(lines(), Contains("devId = -2147483643, filePath = /img"));
+}
+
 TEST_F(CpldFlash, AnEntryWithoutAFilePathShowsNull) {
   worker.flashCPLD(Value::dictionary({{"wwn", "A"}}), &flash, &usb, &cpld, &image, 3, "17");
   EXPECT_THAT(lines(), Contains("devId = 3, filePath = (null)"));
@@ -327,6 +333,37 @@ TEST_F(CpldFlash, AnExceptionLeavesTheProcessOpenAndGivesTheStatusHeld) {
   };
   EXPECT_EQ(run(), 0x8050U);
   EXPECT_EQ(framework.count("zr_finalizeCPLDProcess"), 0);
+}
+
+TEST_F(CpldFlash, AnExceptionAfterAFailedProgressCallGivesItsStatus) {
+  framework.answer("zr_getCPLDProgress", 1, 0x77);
+  const test::FullFile full;
+  framework.onCall = [&] {
+    if (framework.count("zr_flashCPLDBin") == 1) setLogPath(full.path().c_str());
+  };
+  EXPECT_EQ(run(), 0x77U);
+  EXPECT_EQ(framework.calls.back(), "zr_getCPLDProgress(3/0, 0, progress[zeroed])");
+}
+
+TEST_F(CpldFlash, AnExceptionAfterStatus8058GivesZero) {
+  framework.answer("zr_flashCPLDBin", 1, 0x8058);
+  const test::FullFile full;
+  framework.onCall = [&] {
+    if (framework.count("zr_initializeCPLDProcess") == 1) setLogPath(full.path().c_str());
+  };
+  EXPECT_EQ(run(), 0U);
+  EXPECT_EQ(framework.calls.size(), 2U);
+}
+
+TEST_F(CpldFlash, AnExceptionAfterTheFinalisingCallGivesItsStatus) {
+  framework.answer("zr_finalizeCPLDProcess", 1, 0x99);
+  const test::FullFile full;
+  framework.onCall = [&] {
+    if (framework.count("zr_getCPLDProgress") == 1) setLogPath(full.path().c_str());
+  };
+  EXPECT_EQ(run(), 0x99U);
+  EXPECT_EQ(framework.calls.back(), "zr_finalizeCPLDProcess(3/0, 0)");
+  EXPECT_NE(lines().back(), "flashCPLD end");
 }
 
 TEST_F(CpldFlash, AnExceptionBeforeAnyCallGivesZero) {

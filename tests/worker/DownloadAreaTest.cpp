@@ -256,6 +256,24 @@ TEST_F(DownloadArea, WithoutACatalogueNothingIsCopiedOrRemoved) {
   EXPECT_FALSE(fs::exists(area("SW")));
 }
 
+TEST_F(DownloadArea, AFolderAtTheCataloguesPathIsACatalogue) {
+  folder.write("engine/Catalogue.plist/inside", "x");
+  EXPECT_EQ(worker.syncDownloadFiles(record("sw")), Value(area("SW")));
+  EXPECT_EQ(folder.names("shared/tmp/OnlineUpdate/SW/Catalogue.plist"), Names{"inside"});
+  EXPECT_FALSE(fs::exists(folder / "engine"));
+}
+
+TEST_F(DownloadArea, AProductSettingThatIsNoTextIsLoggedOnceAndTouchesNothing) {
+  makeDownload();
+  worker.setSettingDict(platform::parseJson(
+      R"({"online_update_plist_name":"Catalogue","product_id_sw":"sw","product_id_korfw":5})"));
+  EXPECT_TRUE(worker.syncDownloadFiles(record("zen")).isNothing());
+  EXPECT_THAT(log(), ElementsAre(StartsWith("syncDownloadFiles: syncDownloadFiles start"),
+                                 "syncDownloadFiles error: compared a number as a string"));
+  EXPECT_EQ(folder.names("engine"), (Names{"Catalogue.plist", "package.img"}));
+  EXPECT_FALSE(fs::exists(shared() + "tmp"));
+}
+
 TEST_F(DownloadArea, MissingKeysEndItBeforeAnythingIsTouched) {
   makeDownload();
   for (const char* json : {"{}", R"({"job_id":"x"})", R"({"input_parameters":{}})",

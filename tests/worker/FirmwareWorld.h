@@ -24,6 +24,9 @@ class FirmwareWorld : public test::WorkerWorld {
     }
     framework.adapters = static_cast<std::uint32_t>(framework.devices.size());
   }
+  void controllers(int count, std::uint16_t productId) {
+    for (int i = 0; i < count; ++i) controllers({productId});
+  }
 
   // Writes a waiting job with these input parameters, and runs it.
   void runJob(const std::string& inputs) {

@@ -131,6 +131,21 @@ TEST_F(JobFile, AnEmptyFileOrAQueryWithoutLogIdGivesAnEmptyDictionary) {
   EXPECT_EQ(worker.readJSONFileDict(Value()), Value::dictionary());
 }
 
+TEST_F(JobFile, AQueryWithoutALogIdReadsTheFileAllTheSame) {
+  writeJobs(kThree);
+  worker.readJSONFileDict(Value::dictionary());
+  worker.readJSONFileDict(Value());
+  EXPECT_THAT(log(), ElementsAre("readJSONFileDict: currentJobArray = (",
+                                 "readJSONFileDict: currentJobArray = ("));
+}
+
+TEST_F(JobFile, AQueryWithoutALogIdOnAMissingFileLogsTheReasonOnce) {
+  removeJobs();
+  EXPECT_EQ(worker.readJSONFileDict(Value::dictionary()), Value::dictionary());
+  EXPECT_THAT(log(), ElementsAre("readJSONFileDict error: open " + shared() +
+                                 "utility/command/BGPLog.json: No such file or directory"));
+}
+
 TEST_F(JobFile, AQueryOnAMissingFileLogsTheReasonOnceAndGivesAnEmptyDictionary) {
   removeJobs();
   EXPECT_EQ(worker.readJSONFileDict(query("1")), Value::dictionary());
@@ -149,6 +164,13 @@ TEST_F(JobFile, AQueryMeetingALogIdThatIsNoStringGivesThatRecordAndLogsTheReason
   EXPECT_EQ(worker.readJSONFileDict(query("3")).get("n").integerValue(), 2);
   EXPECT_THAT(log(), ElementsAre("readJSONFileDict: currentJobArray = (",
                                  StartsWith("readJSONFileDict error: ")));
+}
+
+TEST_F(JobFile, AQueryMeetingARecordThatIsNoneGivesItAndLogsTheReason) {
+  writeJobs(R"([{"log_id":"1"},"record",{"log_id":"3"}])");
+  EXPECT_EQ(worker.readJSONFileDict(query("3")), Value("record"));
+  EXPECT_THAT(log(), ElementsAre("readJSONFileDict: currentJobArray = (",
+                                 "readJSONFileDict error: asked a string for the key \"log_id\""));
 }
 
 TEST_F(JobFile, AQueryByALogIdThatIsNoStringOnlyMattersWhereARecordHasOne) {

@@ -405,6 +405,13 @@ TEST_F(JobRunner, ATopLevelObjectOrARecordThatIsNoneIsAnErrorAfterTheArrayLine) 
                                  "run: currentJobArray = (", StartsWith("run error: ")));
 }
 
+TEST_F(JobRunner, TheReasonOfARecordThatIsNoneIsLoggedToTheCharacter) {
+  writeJobs("[5]");
+  worker.run("17");
+  EXPECT_THAT(log(),
+              ElementsAre("run: currentJobArray = (", "run error: asked a number for its entries"));
+}
+
 TEST_F(JobRunner, ALogThatCannotBeWrittenEndsTheRunQuietly) {
   const std::string text = "[" + job("17", "WAIT") + "]";
   writeJobs(text);

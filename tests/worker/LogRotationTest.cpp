@@ -121,6 +121,33 @@ TEST_F(LogRotation, AMissingFileOrAFolderIsLeftAlone) {
   EXPECT_EQ(folder.read("log.txt/inside"), "x");
 }
 
+// The generation of a relative path stands where the rest of it leads from the root, which may be
+// another disk; where there is no second one, this is a move like any other.
+TEST_F(LogRotation, ARelativePathIsMovedToItsGenerationAlsoOnAnotherDisk) {
+  const bool hasSecond = std::filesystem::is_directory("/dev/shm");
+  const test::TempFolder other("", hasSecond ? "/dev/shm/" : "/tmp/");
+  const std::string path = "here" + other.path() + "/log.txt";
+  makeFile(path, kThreshold);
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  renameFile(Value(path));
+  std::filesystem::current_path(before);
+  EXPECT_EQ(other.names(), Names{"log(1).txt"});
+  EXPECT_EQ(std::filesystem::file_size(other / "log(1).txt"), kThreshold);
+  EXPECT_EQ(size(path), 0U);
+}
+
+TEST_F(LogRotation, ALinkToALargeFileIsRotated) {
+  makeFile("real.txt", kThreshold);
+  std::filesystem::create_symlink("real.txt", folder / "log.txt");
+  rotate();
+  EXPECT_EQ(folder.names(), (Names{"log(1).txt", "log.txt", "real.txt"}));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "log(1).txt"));
+  EXPECT_FALSE(std::filesystem::is_symlink(folder / "log.txt"));
+  EXPECT_EQ(size("log.txt"), 0U);
+  EXPECT_EQ(size("real.txt"), kThreshold);
+}
+
 TEST_F(LogRotation, AFailedMoveStillEmptiesTheFile) {
   const std::string name(255, 'n');  // no generation of it can have a name
   makeFile(name, kThreshold);
@@ -137,6 +164,15 @@ TEST_F(LogRotation, TheNewFileHasTheDefaultPermissions) {
   ::umask(before);
   EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(folder / "log.txt").permissions()),
             0640U);
+}
+
+TEST_F(LogRotation, AGroupThatMayWriteNewFilesMayWriteTheNewLog) {
+  makeFile("log.txt", kThreshold);
+  const mode_t before = ::umask(002);
+  rotate();
+  ::umask(before);
+  EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(folder / "log.txt").permissions()),
+            0664U);
 }
 
 TEST_F(LogRotation, TheLogGoesOnInTheNewFile) {

@@ -13,6 +13,7 @@
 #include "platform/Exception.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/FullFile.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TempFolder.h"
 
 namespace kelvane {
@@ -54,6 +55,15 @@ TEST_F(Log, ALineHasItsFieldsInOrder) {
   iLog_tell(0, "/a/b/JobRunner.cpp", 120, "-[Kelvane run:]", "count = %d, %@", 3,
             platform::Value("x"));
   EXPECT_EQ(written(), "[14:03:07] [JobRunner.cpp][120][run][debug] count = 3, x\n");
+}
+
+TEST_F(Log, AMethodsLineNamesThePlaceThatWroteIt) {
+  const std::string place = "[14:03:07] [LogTest.cpp][";
+  const int line = __LINE__ + 1;
+  KELVANE_LOG("run:", "text");
+  KELVANE_LOG_CAUGHT("run:", platform::Exception("reason"));
+  EXPECT_EQ(written(), place + std::to_string(line) + "][run][debug] text\n" + place +
+                           std::to_string(line + 1) + "][run][error] reason\n");
 }
 
 TEST_F(Log, LinesAreAppendedInCallOrder) {
@@ -218,6 +228,18 @@ TEST_F(Log, AMessageEndsAtItsFirstNulCharacter) {
     iLog_tell(0, "f", 1, "-[Kelvane run:]", "%@%@ and %s", text, std::string("a\0b", 3), "more");
     EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] " + text + "a\n") << size;
   }
+}
+
+TEST_F(Log, AFileThatMayOnlyBeWrittenToGetsItsLines) {
+  {
+    const test::PermissionBits way(folder.path(), 0755);
+    const test::PermissionBits writeOnly(folder / "log.txt", 0222);
+    test::asOrdinaryUser([this] {
+      tell(0);
+      return std::string();
+    });
+  }
+  EXPECT_EQ(written(), "[14:03:07] [f][1][run][debug] text\n");
 }
 
 TEST_F(Log, AFailingWriteRaises) {

@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 
 #include "platform/Json.h"
+#include "platform/Text.h"
 #include "tests/support/JobFiles.h"
 #include "tests/support/PropertyLists.h"
 #include "tests/support/WorkerWorld.h"
@@ -22,6 +23,7 @@ namespace {
 using platform::Value;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
@@ -64,6 +66,21 @@ class OnlineUpdate : public test::WorkerWorld {
   }
   void query(const Value& inputs) { runJob("getOnlineUpdateData", inputs); }
   void download(const Value& inputs) { runJob("downloadOnlineUpdateFile", inputs); }
+  static bool isQuery(const std::string& command) { return command == "getOnlineUpdateData"; }
+  // Writes a job with more in its record; the record as the job runner hands it over.
+  Value handedOver(const char* command, const std::string& more = "{}") const {
+    const Value inputs = isQuery(command) ? parameters() : Value::array({parameters()});
+    Value record = platform::parseJson(test::waitingJob(command, inputs)).at(0);
+    record.setAll(platform::parseJson(more));
+    writeJobs(*platform::printJson(Value::array({record})));
+    record.set("result", Value::integer(0));
+    record.set("resultStr", "no error");
+    return record;
+  }
+  Value perform(const char* command, const Value& record) {
+    return isQuery(command) ? worker.getOnlineUpdateData(record)
+                            : worker.downloadOnlineUpdateFile(record);
+  }
   Value job() const { return jobs().at(0); }
   Value during() const { return platform::parseJson(folder.read("during")).at(0); }
   // An engine that is sure to have ended when its output ends: a process of its own, which holds
@@ -132,6 +149,67 @@ TEST_F(OnlineUpdate, AQueryReturnsTheRecordMarkedRunningWithTheOutput) {
   const Value returned = worker.getOnlineUpdateData(record);
   EXPECT_EQ(returned.get("state_id"), Value("RUN"));
   EXPECT_EQ(returned.get("output").count(), 1U);
+}
+
+TEST_F(OnlineUpdate, TheLastLineOfAQueryShowsTheRecordThatIsReturned) {
+  engine();
+  const Value returned = worker.getOnlineUpdateData(handedOver("getOnlineUpdateData"));
+  EXPECT_EQ(returned.get("state_id"), Value("RUN"));
+  EXPECT_EQ(returned.get("output").count(), 1U);
+  EXPECT_THAT(
+      logText(),
+      HasSubstr("getOnlineUpdateData end, retDict = " + platform::describe(returned) + "\n"));
+}
+
+TEST_F(OnlineUpdate, TheSynchronisationIsGivenTheRecordAsItWasHandedOver) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
+    engine();
+    folder.write("shared/utility/logs/TarselVistrelUtility.txt", "");
+    const Value record = handedOver(command);
+    perform(command, record);
+    EXPECT_THAT(
+        logText(),
+        HasSubstr("syncDownloadFiles start, inputDict = " + platform::describe(record) + "\n"));
+  }
+}
+
+TEST_F(OnlineUpdate, AnEarlierOutputStaysWhereTheQueryFindsNoCatalogue) {
+  engine("true");
+  const Value earlier = Value::array({Value::dictionary({{"ProductID", "earlier"}})});
+  const Value record = handedOver("getOnlineUpdateData", R"({"output":[{"ProductID":"earlier"}]})");
+  EXPECT_EQ(worker.getOnlineUpdateData(record).get("output"), earlier);
+  EXPECT_EQ(job().get("output"), earlier);
+  EXPECT_EQ(job().get("state_id"), Value("FREE"));
+}
+
+TEST_F(OnlineUpdate, WhatSomeoneElseChangesInTheRecordWhileTheEngineRunsIsKept) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
+    engine(
+        "cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"\n"
+        "sed 's/\"before\"/\"after\"/' \"$SOURCE/during\" > '" +
+        shared() + "utility/command/BGPLog.json'");
+    perform(command, handedOver(command, R"({"note":"before"})"));
+    EXPECT_EQ(during().get("note"), Value("before")) << command;
+    EXPECT_EQ(job().get("note"), Value("after")) << command;
+    EXPECT_EQ(job().get("state_id"), Value("FREE")) << command;
+    EXPECT_EQ(job().get("output").count(), 1U) << command;
+  }
+}
+
+TEST_F(OnlineUpdate, AJobWhoseRecordIsGoneFinishesTheLastRecordOfTheFile) {
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
+    folder.write("others", R"([{"log_id":"a","state_id":"RUN"},{"log_id":"b"}])");
+    engine(
+        "cp \"$SOURCE/catalogue\" \"$9/Offers.plist\"; echo image > \"$9/FW_QRX550.img\"\n"
+        "cp \"$SOURCE/others\" '" +
+        shared() + "utility/command/BGPLog.json'");
+    const Value returned = perform(command, handedOver(command));
+    EXPECT_EQ(returned.get("output").count(), 1U) << command;
+    Value last = Value::dictionary({{"log_id", "b"}, {"state_id", "FREE"}});
+    last.set("output", returned.get("output"));
+    EXPECT_EQ(jobs(), Value::array({platform::parseJson(folder.read("others")).at(0), last}))
+        << command;
+  }
 }
 
 TEST_F(OnlineUpdate, AnEngineWithoutACatalogueEndsTheQueryWithoutOutput) {
@@ -234,8 +312,7 @@ TEST_F(OnlineUpdate, AnEngineThatLivesOnIsEndedByTheSignal) {
   engine("exec cat <\"$SOURCE/fifo\" >/dev/null");
   for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
     const int fifo = ::open((folder / "fifo").c_str(), O_RDWR);
-    const bool isQuery = std::string(command) == "getOnlineUpdateData";
-    runJob(command, isQuery ? parameters() : Value::array({parameters()}));
+    runJob(command, isQuery(command) ? parameters() : Value::array({parameters()}));
     ::close(fifo);
     int status = 0;
     if (::waitpid(-1, &status, 0) == -1) continue;  // it was quick to end and is reaped already
@@ -284,6 +361,20 @@ TEST_F(OnlineUpdate, AParameterThatIsNoTextIsOneErrorLineBeforeAnythingIsWritten
   query(wrong);
   EXPECT_EQ(job().get("state_id"), Value("WAIT"));
   EXPECT_THAT(errors(), ElementsAre(StartsWith("getOnlineUpdateData error: ")));
+}
+
+TEST_F(OnlineUpdate, TheFolderIsMadeBeforeTheArgumentsAre) {
+  Value wrong = parameters();
+  wrong.set("version", Value::integer(1));
+  for (const char* command : {"getOnlineUpdateData", "downloadOnlineUpdateFile"}) {
+    engine();
+    fs::remove_all(folder / "engine folder");
+    runJob(command, isQuery(command) ? wrong : Value::array({wrong}));
+    EXPECT_EQ(job().get("state_id"), Value("WAIT")) << command;
+    EXPECT_EQ(errors().back(), std::string(command) + " error: asked a number for its text");
+    EXPECT_TRUE(fs::is_directory(folder / "engine folder")) << command;
+  }
+  EXPECT_FALSE(fs::exists(folder / "arguments"));
 }
 
 TEST_F(OnlineUpdate, WithoutALogIdTheArgumentsEndThere) {
@@ -366,6 +457,14 @@ TEST_F(OnlineUpdate, TheEngineIsStartedOnceForAllProductsWithTheFirstOnesParamet
   EXPECT_EQ(described.at(1).get("productid"), Value("second"));
   EXPECT_EQ(described.at(2).get("productid"), Value("third"));
   EXPECT_EQ(job().get("result").integerValue(), 0);
+}
+
+TEST_F(OnlineUpdate, WhileTheEngineRunsTheOutputIsTheWholeListThatWasAskedFor) {
+  engine();
+  const Value asked = Value::array({parameters(), parameters("second")});
+  download(asked);
+  EXPECT_EQ(during().get("state_id"), Value("RUN"));
+  EXPECT_EQ(during().get("output"), asked);
 }
 
 TEST_F(OnlineUpdate, AnElementWithoutAProductIsNeitherDescribedNorLookedFor) {

@@ -7,6 +7,7 @@
 
 #include "platform/Json.h"
 #include "tests/support/JobFiles.h"
+#include "tests/support/Program.h"
 #include "tests/support/WorkerWorld.h"
 #include "tests/worker/Children.h"
 
@@ -15,6 +16,7 @@ namespace {
 
 using platform::Value;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
@@ -73,6 +75,50 @@ TEST_F(SoftwareInstallation, LogsTheOutputOfBothToolsAndNothingElse) {
   writeJobs(job(package()));
   worker.updateSW(handedOver());
   EXPECT_THAT(logWithoutStore(), ElementsAre("updateSW: result = ", "updateSW: result = "));
+}
+
+// Asked for their version, the tools have something to say.
+TEST_F(SoftwareInstallation, WhatTheToolsSayIsLoggedWhole) {
+  worker.setSettingDict(Value::dictionary({{"AppPath", "--version"}}));
+  writeJobs(job(package()));
+  worker.updateSW(handedOver());
+  for (const char* tool : {"/bin/rm", "/bin/cp"}) {
+    const std::string said = test::runProgram({tool, "--version"}, folder.path()).out;
+    ASSERT_NE(said, "") << tool;
+    EXPECT_THAT(logText(), HasSubstr("[updateSW][debug] result = " + said + "\n")) << tool;
+  }
+  EXPECT_EQ(state(), "FREE");
+}
+
+TEST_F(SoftwareInstallation, TheJobIsFreeBeforeTheCopyIsToldToEnd) {
+  writeJobs(job(package()));
+  test::Children children;
+  std::string stateAtTheEnd;
+  children.onEvent = [&](const std::string& event) {
+    if (event == "start /bin/cp") children.outliveTheirOutput = true;
+    if (event == "end /bin/cp") stateAtTheEnd = state();
+  };
+  worker.run("17");
+  EXPECT_THAT(children.events, ElementsAre("start /bin/rm", "reap /bin/rm", "start /bin/cp",
+                                           "end /bin/cp", "reap /bin/cp"));
+  EXPECT_EQ(stateAtTheEnd, "FREE");
+}
+
+TEST_F(SoftwareInstallation, WhatSomeoneElseChangesInTheRecordMeanwhileIsKept) {
+  writeJobs(job(package()));
+  Value record = handedOver();
+  record.set("note", "before");
+  writeJobs(*platform::printJson(Value::array({record})));
+  test::Children children;
+  children.onEvent = [&](const std::string& event) {
+    if (event != "start /bin/cp") return;
+    Value changed = jobs().at(0);
+    changed.set("note", "after");
+    writeJobs(*platform::printJson(Value::array({changed})));
+  };
+  worker.updateSW(record);
+  EXPECT_EQ(jobs().at(0).get("note"), Value("after"));
+  EXPECT_EQ(state(), "FREE");
 }
 
 TEST_F(SoftwareInstallation, TheRemovalIsEndedBeforeTheCopyIsStarted) {

@@ -176,6 +176,14 @@ TEST_F(StatusReporting, AMatchInARecordWithoutALogIdCountsForTheJobAfterIt) {
   EXPECT_EQ(log().size(), 5U);  // written back all the same
 }
 
+TEST_F(StatusReporting, AJobWithoutOutputStaysWithoutOneAlsoBehindAMatch) {
+  const std::string text = R"([{"output":[{"wwn":"A"}]},{"log_id":"17","x":1}])";
+  writeJobs(text);
+  update(R"({"wwn":"A","n":1})");
+  EXPECT_EQ(jobs(), platform::parseJson(text));
+  EXPECT_EQ(log().size(), 5U);  // written back all the same
+}
+
 TEST_F(StatusReporting, AJobWithoutOutputIsLeftUntouched) {
   const std::string text = R"([{"log_id":"17"}])";
   writeJobs(text);

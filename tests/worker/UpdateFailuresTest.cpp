@@ -10,7 +10,7 @@
 namespace kelvane {
 namespace {
 
-constexpr std::uint32_t kFailure = 0x6001;
+constexpr std::uint32_t kFailure = 0x6ABC;
 
 struct Case {
   const char* function;
@@ -72,7 +72,7 @@ const Lines kQvxfLines = {"updateFW start, inputDict = {",
                           "  ... 100 percent completed...",
                           "Flash Completed.",
                           "ignore upgrade usb fw"};
-const char* const kNotZero = "u32Ret is not 0, u32Ret = 0x6001";
+const char* const kNotZero = "u32Ret is not 0, u32Ret = 0x6abc";
 constexpr std::ptrdiff_t kAll = 100;
 
 Lines expectedLines(const Case& param, const Lines& undisturbed) {
@@ -178,7 +178,7 @@ INSTANTIATE_TEST_SUITE_P(
              {kClose, kText},
              kFailure,
              2,
-             {"zr_getControllerInfo(), u32Ret = 6001"}},
+             {"zr_getControllerInfo(), u32Ret = 6abc"}},
         Case{"decod_locateBufferCtrlInfo", 1, 0x4301, {kClose, kText}, kFailure, 3},
         Case{"decod_locateBufferCtrlInfo", 2, 0x4301, {kText, kClose, kText}, kFailure, 4},
         Case{"zr_getFDLImageInfo", 1, 0x4301, {kText, kClose, kText}, kFailure, 4},
@@ -286,7 +286,7 @@ INSTANTIATE_TEST_SUITE_P(
              {kClose, kText},
              kFailure,
              2,
-             {"zr_getControllerInfo(), u32Ret = 6001"}},
+             {"zr_getControllerInfo(), u32Ret = 6abc"}},
         Case{"decod_locateBufferCtrlInfo", 1, 0x4801, {kClose, kText}, kFailure, 3},
         Case{"decod_locateBufferCtrlInfo", 2, 0x4801, kQvxfFailed, kFailure, 5, {kNotZero}},
         Case{"zr_initializeFlashProcess",
@@ -295,21 +295,21 @@ INSTANTIATE_TEST_SUITE_P(
              kQvxfFailed,
              kFailure,
              5,
-             {"[WRONG] zr_initializeFlashProcess = 0x6001", kNotZero}},
+             {"[WRONG] zr_initializeFlashProcess = 0x6abc", kNotZero}},
         Case{"zr_checkQVXFFlashImage",
              1,
              0x4801,
              kQvxfFailed,
              kFailure,
              6,
-             {"[WRONG] zr_checkQVXFFlashImage = 0x6001", kNotZero}},
+             {"[WRONG] zr_checkQVXFFlashImage = 0x6abc", kNotZero}},
         Case{"zr_transferQVXFFlashImage",
              1,
              0x4801,
              Lines{kClose} + kQvxfFailed,
              kFailure,
              7,
-             {"[WRONG] zr_transferQVXFFlashImage = 0x6001", kNotZero}},
+             {"[WRONG] zr_transferQVXFFlashImage = 0x6abc", kNotZero}},
         Case{"zr_finalizeFlashProcess", 1, 0x4801, from(kQvxfFlash, kClose), 0, kAll},
         Case{"zr_analyzeQVXFImage",
              1,
@@ -317,14 +317,14 @@ INSTANTIATE_TEST_SUITE_P(
              kQvxfFailed,
              kFailure,
              8,
-             {"[WRONG] zr_analyzeQVXFImage = 0x6001", kNotZero}},
+             {"[WRONG] zr_analyzeQVXFImage = 0x6abc", kNotZero}},
         Case{"zr_flashQVXFImage",
              1,
              0x4801,
              kQvxfFailed,
              kFailure,
              9,
-             {"[WRONG] zr_flashQVXFImage = 0x6001", kNotZero}},
+             {"[WRONG] zr_flashQVXFImage = 0x6abc", kNotZero}},
         Case{"zr_getFlashQVXFImageStatus",
              1,
              0x4801,

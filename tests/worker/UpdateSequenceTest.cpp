@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "log/iLog.h"
+#include "platform/Exception.h"
 #include "platform/Json.h"
 #include "platform/Text.h"
 #include "tests/support/FullFile.h"
@@ -250,6 +251,9 @@ TEST_F(UpdateSequence, TheResultIsAnUnsignedNumber) {
   framework.answer("zr_flashQVXFImage", 1, 0xFFFFFFFF);
   updateAll({"W0"});
   EXPECT_EQ(result(), 4294967295);
+  EXPECT_THAT(jobText(), HasSubstr("\"result\": 4294967295,"));
+  EXPECT_THAT(updateLines(), Contains("[WRONG] zr_flashQVXFImage = 0xffffffff"));
+  EXPECT_THAT(updateLines(), Contains("u32Ret is not 0, u32Ret = 0xffffffff"));
 }
 
 TEST_F(UpdateSequence, AResultTextThatIsNoTextIsRepairedAndAMissingOneIsNull) {
@@ -274,6 +278,44 @@ TEST_F(UpdateSequence, ARecordWithoutAStateIsLeftAsItIs) {
   EXPECT_EQ(returned, jobs().at(0));
   EXPECT_EQ(framework.count("getErrorDescription"), 0);
   EXPECT_EQ(updateLines().back(), "updateAllFW end, retDict = {");
+}
+
+TEST_F(UpdateSequence, AStateOfAnyKindIsAState) {
+  for (const char* state : {"null", "5", "[]", "\"\""}) {
+    writeJobs(R"([{"log_id":"17","input_parameters":[],"state_id":)" + std::string(state) + "}]");
+    const Value returned = worker.updateFW(jobs().at(0));
+    EXPECT_EQ(returned, jobs().at(0)) << state;
+    EXPECT_EQ(this->state(), "FREE") << state;
+    EXPECT_EQ(result(), 0) << state;
+  }
+}
+
+TEST_F(UpdateSequence, AJobWithoutALogIdIsFlashedAndItsRecordLeftAsItIs) {
+  controllers({0x4801});
+  framework.flashProgress = {{0, 1, 50}};
+  const std::string text = R"([{"state_id":"WAIT","output":[{"wwn":"W0"}],
+                                "input_parameters":[{"wwn":"W0","file_path":"/i"}]}])";
+  writeJobs(text);
+  EXPECT_EQ(worker.updateFW(jobs().at(0)), Value::dictionary());
+  EXPECT_EQ(framework.calls.back(), "zr_finializeQVXFImage(0/0, 0)");
+  EXPECT_EQ(jobText(), text);
+  EXPECT_THAT(log(), Not(Contains(HasSubstr(" error: "))));
+  EXPECT_THAT(logText(), HasSubstr("updateAllFW end, retDict = {\n}\n"));
+}
+
+TEST_F(UpdateSequence, AJobFileThatVanishesBeforeTheLastWriteEndsTheJobWithOneErrorLine) {
+  controllers({0x4801});
+  writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[]}])");
+  framework.decide = [this](const std::string& function) {
+    if (function == "getErrorDescription") std::filesystem::remove(folder / test::kJobFile);
+    return 0U;
+  };
+  EXPECT_TRUE(worker.updateFW(jobs().at(0)).isNothing());
+  EXPECT_FALSE(std::filesystem::exists(folder / test::kJobFile));
+  EXPECT_THAT(updateLines(),
+              ElementsAre("updateFW start, inputDict = {",
+                          "open " + folder / test::kJobFile + ": No such file or directory"));
+  EXPECT_THAT(log().back(), StartsWith("updateFW error: open "));
 }
 
 TEST_F(UpdateSequence, AVanishedJobFileLeavesNothingToFinish) {
@@ -404,6 +446,49 @@ TEST_F(UpdateSequence, AWwnOf32BytesWithoutATerminatorIsReadToItsEnd) {
   EXPECT_EQ(result(), 0);
 }
 
+TEST_F(UpdateSequence, AWwnThatIsNoTextIsFoundByWhatIsLeftOfIt) {
+  framework.devices = {{"W\xFF", 0x4801}};
+  framework.adapters = 1;
+  runJob("[{\"wwn\":\"W\xEF\xBF\xBD\",\"file_path\":\"/i\"}]");
+  EXPECT_EQ(framework.count("zr_flashQVXFImage"), 1);
+  EXPECT_EQ(result(), 0);
+}
+
+TEST_F(UpdateSequence, OfManyAdaptersEachIsAskedAndFlashedByItsNumber) {
+  controllers(300, 0x4301);
+  updateAll({"W299"});
+  EXPECT_EQ(result(), 0);
+  EXPECT_EQ(framework.count("zr_getSubsystemInfo"), 300);
+  EXPECT_THAT(framework.calls, Contains("zr_getSubsystemInfo(299/0, 0, zeroed)"));
+  EXPECT_THAT(framework.calls, Contains("zr_getControllerInfo(299, 0, request, zeroed, 65535)"));
+  EXPECT_THAT(framework.calls, Contains("zr_initializeCPLDProcess(299/0, 0)"));
+  EXPECT_THAT(framework.calls, Contains("zr_flashImageEx(299/0, 0, 4, flash[4301 /W299.img f1])"));
+  EXPECT_THAT(updateLines(), Contains("devId = 299, filePath = /W299.img").Times(2));
+}
+
+TEST_F(UpdateSequence, OfManySubsystemsEachIsAskedByItsRunningIndex) {
+  controllers(300, 0x4801);
+  framework.adapters = 1;
+  updateAll({"W299"});
+  EXPECT_EQ(result(), 0);
+  EXPECT_THAT(framework.calls, Contains("zr_getSubsystemInfo(0/299, 0, zeroed)"));
+  EXPECT_THAT(framework.calls, Contains("zr_flashQVXFImage(299/0, 0)"));
+}
+
+// Counts whose sum is 2 where it has no more than 32 bits.
+TEST_F(UpdateSequence, CountsOfAnySizeAreAddedUp) {
+  framework.devices.resize(2);
+  framework.adapters = 0xFFFFFFFF;
+  framework.decide = [this](const std::string&) -> std::uint32_t {
+    if (framework.count("zr_getSubsystemInfo") == 3) throw platform::Exception("that is enough");
+    return 0;
+  };
+  writeJobs(R"([{"log_id":"17","state_id":"WAIT","input_parameters":[]}])");
+  EXPECT_TRUE(worker.updateFW(jobs().at(0)).isNothing());
+  EXPECT_EQ(framework.calls.back(), "zr_getSubsystemInfo(2/0, 0, zeroed)");
+  EXPECT_EQ(log().back(), "updateFW error: that is enough");
+}
+
 // --- finding the controller
 
 TEST_F(UpdateSequence, AnUnknownFirstWwnEndsTheJobWithDeviceNotFound) {
@@ -446,6 +531,24 @@ TEST_F(UpdateSequence, GetDevIdByWwnGivesTheFirstMatch) {
   EXPECT_EQ(worker.getDevIdByWWN(devices, Value()), -1);
   EXPECT_EQ(worker.getDevIdByWWN(Value::array(), "A"), -1);
   EXPECT_EQ(worker.getDevIdByWWN(Value(), "A"), -1);
+}
+
+TEST_F(UpdateSequence, AListedDeviceOfAWrongKindIsLoggedOnceAndNoneIsFound) {
+  const Value numbered =
+      platform::parseJson(R"([{"wwn":5,"device_id":1},{"wwn":"A","device_id":2}])");
+  EXPECT_EQ(worker.getDevIdByWWN(numbered, "A"), -1);
+  const Value text =
+      platform::parseJson(R"([{"wwn":"A","device_id":"x"},{"wwn":"A","device_id":2}])");
+  EXPECT_EQ(worker.getDevIdByWWN(text, "A"), -1);
+  EXPECT_THAT(log(), ElementsAre("getDevIdByWWN error: compared a number as a string",
+                                 StartsWith("getDevIdByWWN error: asked a string for its ")));
+}
+
+TEST_F(UpdateSequence, AnotherDevicesIdMayBeOfAnyKind) {
+  const Value devices = platform::parseJson(
+      R"([{"wwn":"B","device_id":null},{"wwn":"B","device_id":"x"},{"wwn":"A","device_id":2}])");
+  EXPECT_EQ(worker.getDevIdByWWN(devices, "A"), 2);
+  EXPECT_THAT(log(), IsEmpty());
 }
 
 TEST_F(UpdateSequence, AnAbsentFilePathShowsAsNullAndLeavesThePathEmpty) {
@@ -516,6 +619,13 @@ TEST_F(UpdateSequence, AnUnsupportedProductGetsTheCpldFlashAndAFlashProcessAndEn
     EXPECT_EQ(framework.count("zr_getUSBImageInfo"), 0);
     EXPECT_EQ(result(), 0x8055);
   }
+}
+
+TEST_F(UpdateSequence, AProductIdentifierIsShownInSmallHexadecimalDigits) {
+  controllers({0x48FE, 0xABCD});
+  updateAll({"W0", "W1"});
+  EXPECT_THAT(updateLines(), Contains("pPage0->ci_ProductID = 48fe"));
+  EXPECT_THAT(updateLines(), Contains("pPage0->ci_ProductID = abcd"));
 }
 
 TEST_F(UpdateSequence, AQvxfControllerNeverGetsAUsbBridgeUpdate) {
@@ -790,6 +900,18 @@ TEST_F(UpdateSequence, AFirstControllerWithoutAPageEndsWithTheOneFinaliseCall) {
     EXPECT_THAT(updateLines(), Not(Contains(StartsWith("pPage0"))));
     EXPECT_EQ(result(), 0x66);
   }
+}
+
+TEST_F(UpdateSequence, WhereAPageWasSaidToBeThatWasNotFoundNothingIsRead) {
+  controllers({0x4801, 0x4801});
+  framework.failuresTellPages = true;
+  framework.answer("decod_locateBufferCtrlInfo", 1, 0x66);
+  updateAll({"W0", "W1"});
+  EXPECT_THAT(callsAfter("decod_locateBufferCtrlInfo"),
+              ElementsAre("decod_locateBufferCtrlInfo(buffer, 65535, 0, 0)",
+                          "zr_finalizeFlashProcess(0/0, 0)", "zr_finalizeFlashProcess(0/0, 0)",
+                          "getErrorDescription(0x66)"));
+  EXPECT_THAT(updateLines(), Not(Contains(StartsWith("pPage0"))));
 }
 
 TEST_F(UpdateSequence, ALaterControllerWithoutInformationShowsTheZeroedBuffer) {

@@ -43,6 +43,13 @@ TEST_F(UsbBridge, ADifferentVersionIsFlashedThenTheNvram) {
                           "updateFW: qvxflash -u usb start zr_mac_flashNVRAM"));
 }
 
+TEST_F(UsbBridge, TheFlagIsShownWithASign) {
+  framework.usbUpdateFlag = 0xFFFFFFFF;
+  EXPECT_EQ(run(), 0U);
+  EXPECT_EQ(log().front(),
+            "updateFW: usbfwupdatecheck = -1, different usb fw version, update usb fw");
+}
+
 TEST_F(UsbBridge, TheTwoStartLinesEndInALineFeedOfTheirOwn) {
   run();
   EXPECT_THAT(logText(), ::testing::HasSubstr("qvxflash start zr_mac_flashUSBFWbin\n\n["));
