@@ -119,7 +119,7 @@ void removeFirst(const char* path) {
   for (int i = 0; i < kWhile; ++i) ::sched_yield();
 }
 
-std::size_t textOf(const char* path, char* text, std::size_t most) {
+std::size_t contentOf(const char* path, char* text, std::size_t most) {
   const int file = openOwn(path, O_RDONLY | O_CLOEXEC);
   const ssize_t size = ::read(file, text, most);
   ::close(file);
@@ -138,8 +138,8 @@ int goBack(const char* from, const char* to) {
   constexpr int kWhile = 500;
   static char older[kLongestText];
   static char newer[kLongestText];
-  const std::size_t olderSize = textOf(to, older, sizeof older);
-  const std::size_t newerSize = textOf(from, newer, sizeof newer);
+  const std::size_t olderSize = contentOf(to, older, sizeof older);
+  const std::size_t newerSize = contentOf(from, newer, sizeof newer);
   const int result = renameReally(from, to);
   for (int i = 0; i < kWhile; ++i) ::sched_yield();
   replaceText(to, older, olderSize);
@@ -154,7 +154,7 @@ void leaveNoneRunning(const char* path) {
   if (std::strcmp(path, last) == 0) return;
   std::snprintf(last, sizeof last, "%s", path);
   static char text[kLongestText];
-  const std::string_view whole(text, textOf(path, text, sizeof text));
+  const std::string_view whole(text, contentOf(path, text, sizeof text));
   const std::size_t at = whole.find("\"RUN\"");
   if (at == std::string_view::npos) return;
   static char changed[kLongestText + 1];
