@@ -98,6 +98,7 @@ TEST_F(FileTree, NoLevelIsMadeWhosePathIsLongerThanPathsCanBe) {
   const std::string tooLong = path + "/" + std::string(PATH_MAX - 1 - path.size(), 'f');
   ASSERT_EQ(tooLong.size(), static_cast<std::size_t>(PATH_MAX));
   EXPECT_TRUE(makeFolders(longest));
+  EXPECT_TRUE(makeFolders(longest + "/"));
   EXPECT_FALSE(makeFolders(tooLong));
   EXPECT_EQ(listFolder(path), Names{longest.substr(path.size() + 1)});
 }
