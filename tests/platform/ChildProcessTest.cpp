@@ -18,6 +18,7 @@
 
 #include "platform/ChildProcess.h"
 #include "platform/Exception.h"
+#include "tests/platform/HeldMemory.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -112,6 +113,13 @@ TEST_F(ChildProcessTest, GivesALargeOutput) {
             std::string(3'000'000, 'x'));
 }
 
+TEST_F(ChildProcessTest, OutputOfASingleByteIsNotItsEnd) {
+  // The reader is seen asleep once it has read the first byte.
+  EXPECT_EQ(outputOf(script("printf a; until grep -q '^State:.S' /proc/$PPID/status; do :; done\n"
+                            "printf b")),
+            Value("ab"));
+}
+
 TEST_F(ChildProcessTest, OutputThatIsNotUtf8IsNothing) {
   EXPECT_TRUE(outputOf(script("printf 'a\\377b'")).isNothing());
 }
@@ -196,6 +204,19 @@ TEST_F(ChildProcessTest, SignalsThatSomeoneElseIgnoresStayIgnored) {
   const unsigned long long ignored = ignoredByAChild();
   ::signal(SIGUSR2, SIG_DFL);
   EXPECT_NE(ignored & bit(SIGUSR2), 0U);
+}
+
+TEST_F(ChildProcessTest, EverySignalThatSomeoneElseIgnoresStaysIgnored) {
+  const int status = exitStatusOf([this] {
+    unsigned long long ignored = 0;
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+      // The shell waits by one of them, and two are the worker's own.
+      if (signal == SIGCHLD || signal == SIGPIPE || signal == SIGXFSZ) continue;
+      if (::signal(signal, SIG_IGN) != SIG_ERR) ignored |= bit(signal);
+    }
+    return (ignoredByAChild() & ignored) == ignored ? 0 : 1;
+  });
+  EXPECT_EQ(status, 0);
 }
 
 TEST_F(ChildProcessTest, AChildThatLivesOnIsToldToEnd) {
@@ -417,6 +438,18 @@ TEST(ChildOutput, WithoutMemoryThereIsNone) {
   output.append("after");
   EXPECT_FALSE(output.isWhole());
   EXPECT_EQ(output.text(), std::nullopt);
+}
+
+TEST(ChildOutput, WhatThereIsNoRoomForLeavesItsRoomToOthers) {
+  constexpr std::size_t kSize = std::size_t{8} << 20U;
+  const std::size_t before = kelvane::test::heldMemory();
+  ChildOutput output;
+  output.append(std::string(kSize, 'x'));
+  refuseRealloc = true;
+  output.append("more");
+  refuseRealloc = false;
+  EXPECT_FALSE(output.isWhole());
+  EXPECT_LT(kelvane::test::heldMemory(), before + kSize / 2);
 }
 
 TEST_F(ChildProcessTest, AListOfArgumentsEndsAtItsFirstAbsentValue) {

@@ -206,6 +206,12 @@ TEST_F(File, WhatIsThereCanBeMadeToLast) {
   EXPECT_FALSE(synchroniseFolder(folder / "folder/inside"));
 }
 
+// Nobody waits for the other end of a pipe.
+TEST_F(File, APipeIsMadeToLastAtOnce) {
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  EXPECT_TRUE(synchroniseTree(folder / "fifo"));
+}
+
 TEST_F(File, ReplacesAndLeavesNothingBeside) {
   folder.write("file", "old");
   EXPECT_TRUE(replaceFile(folder / "file", "new"));
@@ -223,6 +229,31 @@ TEST_F(File, ARefusedReplacementLeavesTheOldFileAndNothingBeside) {
   EXPECT_EQ(seen, "old");
   EXPECT_EQ(folder.read("file"), "old");
   EXPECT_EQ(folder.names(), Names{"file"});
+}
+
+TEST_F(File, TheNewFileStandsBesideTheOldUnderAHiddenName) {
+  folder.write("file", "old");
+  Names seen;
+  EXPECT_TRUE(replaceFile(folder / "file", "new", [&] {
+    seen = folder.names();
+    return true;
+  }));
+  ASSERT_EQ(seen.size(), 2U);
+  EXPECT_EQ(seen[0].substr(0, seen[0].size() - 6), kReplacementPrefix);
+  EXPECT_EQ(seen[1], "file");
+}
+
+TEST_F(File, NobodyIsAskedOfAFileThatCannotBeReplaced) {
+  std::filesystem::create_symlink("b", folder / "a");
+  std::filesystem::create_symlink("a", folder / "b");
+  for (const std::string& path : {folder / "a", (folder / "file") + std::string("\0y", 2)}) {
+    bool isAsked = false;
+    EXPECT_FALSE(replaceFile(path, "new", [&] {
+      isAsked = true;
+      return true;
+    }));
+    EXPECT_FALSE(isAsked) << path;
+  }
 }
 
 TEST_F(File, MakesAFileThatIsNotThereWithDefaultPermissions) {
@@ -470,6 +501,8 @@ TEST_F(File, AFailingAppendTellsPathAndCause) {
   const kelvane::test::FullFile full;
   EXPECT_EQ(reasonOf([&] { appendToFile(full.path(), {"x"}); }),
             "write " + full.path() + ": File too large");
+  EXPECT_EQ(reasonOf([&] { FileEnd(full.path()).append("x"); }),
+            "write " + full.path() + ": File too large");
 }
 
 TEST_F(File, KnowsFoldersAndSizes) {
@@ -548,6 +581,7 @@ TEST(WithoutLastComponent, CutsOneComponent) {
   EXPECT_EQ(withoutLastComponent("/A"), "/");
   EXPECT_EQ(withoutLastComponent("/"), "/");
   EXPECT_EQ(withoutLastComponent("A"), "");
+  EXPECT_EQ(withoutLastComponent("A/"), "");
   EXPECT_EQ(withoutLastComponent(""), "");
 }
 

@@ -71,6 +71,12 @@ TEST_F(FileTree, WhatCannotBeListedHasNoNames) {
   EXPECT_TRUE(listFolder(folder.write("file", "")).empty());
 }
 
+// Nobody waits for the other end of a pipe.
+TEST_F(FileTree, APipeIsListedAtOnceAndHasNoNames) {
+  ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+  EXPECT_TRUE(listFolder(folder / "fifo").empty());
+}
+
 TEST_F(FileTree, MakesAllLevels) {
   EXPECT_TRUE(makeFolders(folder / "a/b/c"));
   EXPECT_TRUE(makeFolders(folder / "a/b/c"));
@@ -94,6 +100,19 @@ TEST_F(FileTree, EveryLevelHasTheDefaultPermissions) {
       EXPECT_EQ(static_cast<unsigned>(fs::status(folder / level).permissions()), 0777U & ~mask);
     }
   }
+}
+
+// What ends a path counts to its length.
+TEST_F(FileTree, NoLevelIsMadeWhosePathIsLongerThanPathsCanBe) {
+  std::string path = folder.path();
+  while (path.size() < PATH_MAX - 200) path += "/" + std::string(99, 'd');
+  const std::string longest = path + "/" + std::string(PATH_MAX - 2 - path.size(), 'e');
+  const std::string tooLong = path + "/" + std::string(PATH_MAX - 1 - path.size(), 'f');
+  ASSERT_EQ(tooLong.size(), static_cast<std::size_t>(PATH_MAX));
+  EXPECT_TRUE(makeFolders(longest));
+  EXPECT_TRUE(makeFolders(longest + "/"));
+  EXPECT_FALSE(makeFolders(tooLong));
+  EXPECT_EQ(listFolder(path), Names{longest.substr(path.size() + 1)});
 }
 
 TEST_F(FileTree, MakesLevelsBelowLinksAndUpwards) {
@@ -278,6 +297,12 @@ TEST_F(FileTree, AFileThatIsNothingButAHoleIsCopied) {
   EXPECT_LT(bytesOnDisk(folder / "to"), kHole);
 }
 
+TEST_F(FileTree, ASingleByteBehindAHoleIsCopied) {
+  makeWithHoles(folder / "from", kHole + 1, {{kHole, "x"}});
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  EXPECT_EQ(folder.read("to"), std::string(kHole, '\0') + "x");
+}
+
 TEST_F(FileTree, FilesOfEverySizeAreCopiedWhole) {
   const std::vector<std::size_t> sizes = {0,    1,     511,   4095,  4096,
                                           4097, 65535, 65536, 65537, 1'000'003};
@@ -378,7 +403,7 @@ TEST_F(FileTree, AStagedCopyStandsBesideItsPlaceUnderAHiddenName) {
   EXPECT_EQ(stageCopy(folder / "from", folder / "to"), folder / ".incoming-to");
 }
 
-TEST_F(FileTree, TheHiddenNameOfALongOneIsThatOneUpToACharactersEnd) {
+TEST_F(FileTree, TheHiddenNameOfALongOneIsThatOneUpToACharactersEndAndANumber) {
   folder.write("from", "x");
   std::string accents = "a";
   while (accents.size() < 201) accents += "\xC3\xA9";
@@ -388,6 +413,7 @@ TEST_F(FileTree, TheHiddenNameOfALongOneIsThatOneUpToACharactersEnd) {
     const std::string start = (folder / ".incoming-") + name.substr(0, kept) + "-";
     const std::string staged = stageCopy(folder / "from", folder / name).value_or("none");
     EXPECT_EQ(staged.substr(0, start.size()), start);
+    EXPECT_EQ(staged.find_first_not_of("0123456789", start.size()), std::string::npos) << staged;
   }
   const std::string whole(200, 'a');
   EXPECT_EQ(stageCopy(folder / "from", folder / whole), folder / (".incoming-" + whole));

@@ -93,6 +93,11 @@ TEST_F(PropertyList, AByteOrderMarkIsPassedOver) {
   EXPECT_EQ(read("\xEF\xBB\xBF" + xmlPropertyList(kEveryKind)), everyKind());
 }
 
+TEST_F(PropertyList, WhatFollowsAByteOrderMarkIsReadAsIfItStoodAlone) {
+  EXPECT_EQ(read("\xEF\xBB\xBF" + binaryPropertyList(kEveryKind)), everyKind());
+  EXPECT_EQ(read("\xEF\xBB\xBF\n" + xmlPropertyList(kEveryKind)), everyKind());
+}
+
 // Arrays inside one another below the root's key.
 std::string nestedList(int arrays) {
   std::string content = "<dict><key>a</key>";
@@ -166,18 +171,39 @@ TEST_P(Damaged, ValueDamagesTheWhole) {
 
 INSTANTIATE_TEST_SUITE_P(
     InXml, Damaged,
-    ::testing::Values("<integer>12abc</integer>", "<integer></integer>", "<integer>-</integer>",
-                      "<integer/>", "<integer>1 2</integer>", "<integer>0x</integer>",
-                      "<integer>0xG</integer>", "<integer>1.5</integer>",
-                      "<integer>18446744073709551616</integer>",
-                      "<integer>-9223372036854775809</integer>", "<integer>--1</integer>",
-                      "<real>abc</real>", "<real></real>", "<real>1.5x</real>", "<real>0x10</real>",
-                      "<date>yesterday</date>", "<date></date>",
-                      "<date>2026-13-01T00:00:00Z</date>", "<date>2026-01-01</date>",
-                      "<date>2026-01-01T00:00:00</date>", "<date>2026-01-01T00:00:00ZZ</date>",
-                      "<data>AKt</data>", "<data>A=t/</data>", "<data>AK*/</data>",
-                      "<data>====</data>", "<data>A===</data>", "<wrong/>", "<string><b/></string>",
-                      "<string>x</integer>", "text", "<plist/>", "<key>c</key><string/>", ""));
+    ::testing::Values(
+        "<integer>12abc</integer>", "<integer></integer>", "<integer>-</integer>", "<integer/>",
+        "<integer>1 2</integer>", "<integer>0x</integer>", "<integer>0xG</integer>",
+        "<integer>1.5</integer>", "<integer>18446744073709551616</integer>",
+        "<integer>-9223372036854775809</integer>", "<integer>--1</integer>", "<real>abc</real>",
+        "<real></real>", "<real>1.5x</real>", "<real>0x10</real>", "<date>yesterday</date>",
+        "<date></date>", "<date>2026-13-01T00:00:00Z</date>", "<date>2026-01-01</date>",
+        "<date>2026-01-01T00:00:00</date>", "<date>2026-01-01T00:00:00ZZ</date>",
+        "<date>2026- 1-31T23:59:59Z</date>", "<date>2026-1-31T23:59:59ZZ</date>",
+        "<data>AKt</data>", "<data>A=t/</data>", "<data>AK*/</data>", "<data>====</data>",
+        "<data>A===</data>", "<wrong/>", "<string><b/></string>", "<string>x</integer>", "text",
+        "<plist/>", "<string>x<plist/></string>", "<key>c</key><string/>", ""));
+
+TEST_F(PropertyList, NoPrintableCharacterIsABlank) {
+  for (char character = '!'; character <= '~'; ++character) {
+    const std::string one(1, character);
+    const bool isDigit = character >= '0' && character <= '9';
+    EXPECT_TRUE(parsePropertyList(entry(one + "<true/>")).isNothing()) << one;
+    EXPECT_EQ(parsePropertyList(entry("<integer>1" + one + "</integer>")).isNothing(), !isDigit)
+        << one;
+    EXPECT_TRUE(parsePropertyList(entry("<data>AKt/" + one + "</data>")).isNothing()) << one;
+  }
+}
+
+TEST_F(PropertyList, DataIsMadeOfTheDigitsOfBase64Alone) {
+  for (char character = '!'; character <= '~'; ++character) {
+    const bool isDigit =
+        (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
+        (character >= '0' && character <= '9') || character == '+' || character == '/';
+    const std::string one(1, character);
+    EXPECT_EQ(parsePropertyList(entry("<data>AK" + one + "/</data>")).isNothing(), !isDigit) << one;
+  }
+}
 
 TEST_F(PropertyList, AValueWithoutAKeyIsDamage) {
   EXPECT_TRUE(read("<plist><dict><string>x</string></dict></plist>").isNothing());
@@ -338,6 +364,7 @@ TEST_F(PropertyList, ATextThatIsNotUtf8IsDamageInABinaryListToo) {
 
 TEST_F(PropertyList, AListInsideAListOrAKeyOfNoDictionaryIsDamage) {
   EXPECT_TRUE(read("<plist><plist><dict/></plist></plist>").isNothing());
+  EXPECT_TRUE(read("<plist><dict/><plist/></plist>").isNothing());
   EXPECT_TRUE(read("<plist><key>a</key><dict/></plist>").isNothing());
 }
 

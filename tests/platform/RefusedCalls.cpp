@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -18,7 +19,7 @@ namespace kelvane::test {
 namespace {
 
 std::vector<RefusedCall*> refused;
-bool kindsAreUntold = false;
+std::optional<unsigned char> toldKind;
 
 }  // namespace
 
@@ -41,8 +42,8 @@ bool RefusedCall::refuses(const char* function, long& result) {
   return false;
 }
 
-UntoldKinds::UntoldKinds() { kindsAreUntold = true; }
-UntoldKinds::~UntoldKinds() { kindsAreUntold = false; }
+ToldKinds::ToldKinds(unsigned char kind) { toldKind = kind; }
+ToldKinds::~ToldKinds() { toldKind.reset(); }
 
 }  // namespace kelvane::test
 
@@ -145,6 +146,6 @@ dirent* __wrap_readdir(DIR* folder) {
   long result = 0;
   if (kelvane::test::RefusedCall::refuses("readdir", result)) return nullptr;
   dirent* entry = __real_readdir(folder);
-  if (entry != nullptr && kelvane::test::kindsAreUntold) entry->d_type = DT_UNKNOWN;
+  if (entry != nullptr && kelvane::test::toldKind) entry->d_type = *kelvane::test::toldKind;
   return entry;
 }

@@ -28,13 +28,14 @@ class RefusedCall {
   long result_;
 };
 
-// While it lives, no folder tells what its entries are.
-class UntoldKinds {
+// While it lives, every folder tells this kind (DT_DIR or the like) of each of its entries, as if
+// another had taken the entry's place since. DT_UNKNOWN: no folder tells what its entries are.
+class ToldKinds {
  public:
-  UntoldKinds();
-  UntoldKinds(const UntoldKinds&) = delete;
-  UntoldKinds& operator=(const UntoldKinds&) = delete;
-  ~UntoldKinds();
+  explicit ToldKinds(unsigned char kind);
+  ToldKinds(const ToldKinds&) = delete;
+  ToldKinds& operator=(const ToldKinds&) = delete;
+  ~ToldKinds();
 };
 
 }  // namespace kelvane::test

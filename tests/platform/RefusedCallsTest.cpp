@@ -7,8 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/Descriptor.h"
@@ -24,6 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using kelvane::test::RefusedCall;
+using kelvane::test::ToldKinds;
 using Names = std::vector<std::string>;
 
 class Refused : public ::testing::Test {
@@ -129,6 +132,20 @@ TEST(Descriptor, IsItselfAfterAnAssignmentToItself) {
   EXPECT_TRUE(file.close());
 }
 
+TEST(Descriptor, ClosesAFileOfTheNumberZero) {
+  EXPECT_EXIT(
+      {
+        ::close(STDIN_FILENO);
+        int number = -1;
+        {
+          const Descriptor file(::open("/dev/null", O_RDONLY));
+          number = file.number();
+        }
+        ::_exit(number == 0 && ::fcntl(0, F_GETFD) == -1 ? 7 : 1);
+      },
+      ::testing::ExitedWithCode(7), "");
+}
+
 // --- removing
 
 TEST_F(Refused, WhatCannotBeRemovedStays) {
@@ -173,6 +190,24 @@ TEST_F(Refused, ANameOfOneCharacterIsRemoved) {
   EXPECT_EQ(folder.names(), Names{});
 }
 
+TEST_F(Refused, ASlashBehindANameOfOneCharacterDoesNotLeadThroughALink) {
+  write("kept/inside");
+  fs::create_directory_symlink("kept", folder / "a");
+  inFolder([] { EXPECT_TRUE(removeTree("a/")); });
+  EXPECT_EQ(folder.names(), Names{"kept"});
+  EXPECT_EQ(folder.names("kept"), Names{"inside"});
+}
+
+// A link has taken the folder's place since the folder above told of it.
+TEST_F(Refused, WhatALinkInAFoldersPlaceLeadsToStays) {
+  fs::create_directories(folder / "kept/inside");
+  fs::create_directory(folder / "tree");
+  fs::create_directory_symlink("../kept", folder / "tree/link");
+  const ToldKinds told(DT_DIR);
+  removeTree(folder / "tree");
+  EXPECT_EQ(folder.names("kept"), Names{"inside"});
+}
+
 // --- copying
 
 TEST_F(Refused, ATreeThatCannotBeCopiedWholeIsNotThere) {
@@ -187,6 +222,14 @@ TEST_F(Refused, ATreeThatCannotBeCopiedWholeIsNotThere) {
     EXPECT_FALSE(copyTree(folder / "from", folder / "to")) << function << n;
     EXPECT_EQ(folder.names(), Names{"from"}) << function << n;
   }
+}
+
+TEST_F(Refused, AnEmptyFileWhoseCopyCannotBeMadeIsNotCopied) {
+  write("from/file", "");
+  const RefusedCall refused("openat", 4, EIO);
+  EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(refused.wasMade());
+  EXPECT_EQ(folder.names(), Names{"from"});
 }
 
 TEST_F(Refused, AFileWhoseCopyCannotBeClosedIsNotThere) {
@@ -211,10 +254,50 @@ TEST_F(Refused, AnInterruptedListingGoesOn) {
 TEST_F(Refused, WhereAFolderDoesNotTellWhatItsEntriesAreTheyAreAsked) {
   write("from/folder/file");
   fs::create_symlink("folder", folder / "from/link");
-  const kelvane::test::UntoldKinds untold;
+  const ToldKinds untold(DT_UNKNOWN);
   EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
   EXPECT_EQ(folder.read("to/folder/file"), "x");
   EXPECT_TRUE(fs::is_symlink(folder / "to/link"));
+}
+
+TEST_F(Refused, WhatALinkInAnEntrysPlaceLeadsToIsNotCopied) {
+  write("kept/inside");
+  const std::pair<unsigned char, const char*> cases[] = {{DT_REG, "kept/inside"}, {DT_DIR, "kept"}};
+  for (const auto& [kind, target] : cases) {
+    const std::string from = folder / ("from" + std::to_string(kind));
+    fs::create_directory(from);
+    fs::create_symlink(folder / target, from + "/link");
+    const ToldKinds told(kind);
+    EXPECT_FALSE(copyTree(from, folder / "to")) << target;
+    EXPECT_FALSE(exists(folder / "to")) << target;
+  }
+}
+
+TEST_F(Refused, WhereTheDiskTakesNoPermissionsACopyIsItsOwnersAlone) {
+  write("from");
+  const RefusedCall refused("fchmod", 1, EPERM);
+  const mode_t mask = ::umask(0);
+  EXPECT_TRUE(copyTree(folder / "from", folder / "to"));
+  ::umask(mask);
+  EXPECT_TRUE(refused.wasMade());
+  EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "to").permissions()), 0600U);
+}
+
+TEST_F(Refused, WhatAnEarlierAttemptLeftAndCannotBeRemovedIsNoPartOfACopy) {
+  write("from/file");
+  write(".incoming-to/part");
+  const RefusedCall refused("unlinkat", 1, EBUSY);
+  EXPECT_FALSE(copyTree(folder / "from", folder / "to"));
+  EXPECT_TRUE(refused.wasMade());
+  EXPECT_FALSE(exists(folder / "to"));
+}
+
+// Where it did not stop, it would open folder after folder.
+TEST_F(Refused, AFolderThatIsCopiedIntoItselfIsSeenWhereItMeetsItself) {
+  write("from/inside/file");
+  const RefusedCall later("openat", 40, EIO);
+  EXPECT_FALSE(copyTree(folder / "from", folder / "from/inside/to"));
+  EXPECT_FALSE(later.wasMade());
 }
 
 TEST_F(Refused, ALinkThatLeadsFurtherThanPathsCanIsNotCopied) {

@@ -124,6 +124,16 @@ TEST(RememberedText, AllTogetherHaveALimit) {
   EXPECT_EQ(describe(fresh(list)), shown);
 }
 
+TEST(RememberedText, IsKeptUpToTheLimitAndNotAByteMore) {
+  const Value list = Value::array();
+  std::string text((std::size_t{64} << 20U) + 1, 'a');
+  EXPECT_EQ(list.rememberText(Value::Form::shownAlone, text), nullptr);
+  text.pop_back();
+  EXPECT_NE(list.rememberText(Value::Form::shownAlone, text), nullptr);
+  std::string more = "a";
+  EXPECT_EQ(list.rememberText(Value::Form::shownInside, more), nullptr);
+}
+
 TEST(RememberedText, LeavesItsRoomToOthersWhenItsContainerGoes) {
   const std::string megabytes(std::size_t{33} << 20U, 'a');
   for (int time = 0; time < 2; ++time) {

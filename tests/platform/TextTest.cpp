@@ -2,6 +2,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -189,6 +190,15 @@ TEST(Format, TextAroundPlaceholdersStays) {
 
 TEST(Format, ATextOfTheLanguageStandsForAValue) {
   EXPECT_EQ(format("%@ %@", "text", static_cast<const char*>(nullptr)), "text (null)");
+}
+
+TEST(Format, EveryPieceStaysWhereItIsMade) {
+  const auto numbers = argumentList(1, 2, 3, 4, 5, 6, 7, 8, 9);
+  const FilledFormat filled("%d%d%d%d%d%d%d%d%d", numbers);
+  // They take what memory was given back meanwhile.
+  std::vector<std::string> others;
+  for (std::size_t size = 16; size <= 1024; size += 16) others.emplace_back(size, 'x');
+  EXPECT_EQ(joined(filled.pieces()), "123456789");
 }
 
 TEST(Format, ArgumentsThatNoPlaceholderAsksForAreLeftOut) {

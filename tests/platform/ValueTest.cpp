@@ -396,6 +396,7 @@ TEST(Compare, DatesAreOrderedByTimeBeforeTheEpochToo) {
   EXPECT_EQ(compare(Date{-2}, Date{-1}), -1);
   EXPECT_EQ(compare(Date{-1}, Date{-2}), 1);
   EXPECT_EQ(compare(Date{5}, Date{5}), 0);
+  EXPECT_FALSE(Date{5} < Date{5});
 }
 
 TEST(Compare, AReasonNamesBothKinds) {
