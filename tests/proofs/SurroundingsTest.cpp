@@ -4,12 +4,15 @@
 
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -24,14 +27,34 @@ namespace fs = std::filesystem;
 
 constexpr int kNotStarted = 127;  // by the system's loader
 
+// Sees whom the worker tells to end.
+class EndWatcher : public JobWatcher {
+ public:
+  using JobWatcher::JobWatcher;
+  std::set<pid_t> toldToEnd;
+
+ protected:
+  Decision decide(const Call& call) override {
+    if (call.isOfProgram && call.number == SYS_kill) {
+      toldToEnd.insert(static_cast<pid_t>(call.arguments[0]));
+    }
+    return {};
+  }
+};
+
 class Surroundings : public ::testing::TestWithParam<std::string> {
  protected:
   Traced run(const std::function<void()>& prepare = {}) {
     Command command = world.command();
     command.prepare = prepare;
-    JobWatcher watcher(world);
-    Traced traced = trace(command, fewCalls(), watcher);
+    EndWatcher watcher(world);
+    std::vector<long> calls = fewCalls();
+    calls.push_back(SYS_kill);
+    Traced traced = trace(command, calls, watcher);
     EXPECT_TRUE(traced.isInTime);
+    for (const LeftProcess& left : traced.outlived) {
+      EXPECT_TRUE(watcher.toldToEnd.contains(left.process)) << left.name << " is left running";
+    }
     last = watcher.last(kJobFilePath);
     return traced;
   }
@@ -67,7 +90,8 @@ class Surroundings : public ::testing::TestWithParam<std::string> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Of, Surroundings,
-                         ::testing::Values("query", "download", "installation", "qvxf"));
+                         ::testing::Values("query", "download", "installation", "standard",
+                                           "qvxf"));
 
 void limit(decltype(RLIMIT_AS) what, rlim_t size) {
   const rlimit both = {size, size};
@@ -106,6 +130,15 @@ const std::vector<Other>& others() {
       {"link to nothing", [](const std::string& path) { fs::create_symlink("nothing", path); }},
       {"link in a circle", [](const std::string& path) { fs::create_symlink(path, path); }}};
   return all;
+}
+
+// Its kind, where it leads, and what it holds, without opening it.
+std::string shapeOf(const std::string& path) {
+  std::string shape = std::to_string(static_cast<int>(fs::symlink_status(path).type()));
+  if (fs::is_symlink(path)) shape += fs::read_symlink(path).string();
+  std::error_code noFolder;
+  for (const auto& entry : fs::directory_iterator(path, noFolder)) shape += entry.path().string();
+  return shape;
 }
 
 // --- standard streams
@@ -161,7 +194,7 @@ TEST_P(Surroundings, InAFolderThatMayNotBeChangedTheJobKeepsWaiting) {
   expectAWaitingJob(test::becomeOrdinaryUser);
 }
 
-TEST_P(Surroundings, OnAFullDiskTheJobKeepsWaiting) {
+TEST_P(Surroundings, WhereNoFileHasRoomTheJobKeepsWaiting) {
   expectAWaitingJob([] { limit(RLIMIT_FSIZE, 16); });
 }
 
@@ -182,8 +215,10 @@ TEST_P(Surroundings, ALogThatIsNoFileIsLeftAlone) {
     world.reset();
     fs::remove(path(kLogPath));
     other.make(path(kLogPath));
+    const std::string before = shapeOf(path(kLogPath));
     EXPECT_EQ(run().exitStatus, 0);
     EXPECT_EQ(jobFile(), baseline.jobFiles.back());
+    EXPECT_EQ(shapeOf(path(kLogPath)), before);
     fs::remove(path(kLogPath));
   }
 }
