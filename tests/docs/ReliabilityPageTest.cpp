@@ -35,14 +35,29 @@ std::string codeOf(const std::string& cell) {
   return cell.substr(first, cell.find('`', first) - first);
 }
 
+Promise promiseOf(const std::string& proof, const std::string& test) {
+  const std::size_t quote = test.find('\'') + 1;
+  return {proof.substr(0, proof.find(' ')), test.substr(0, test.find(' ')),
+          test.substr(quote, test.rfind('\'') - quote)};
+}
+
+std::vector<Row> rowsOf(const std::string& heading) {
+  return tableRows(section(readSource("docs/reliability.md"), heading));
+}
+
 std::vector<Promise> promises() {
   std::vector<Promise> all;
-  for (const Row& row : tableRows(section(readSource("docs/reliability.md"), "## The promises"))) {
-    const std::string proof = codeOf(row.at(1));
-    const std::string test = codeOf(row.at(2));
-    const std::size_t quote = test.find('\'') + 1;
-    all.push_back({proof.substr(0, proof.find(' ')), test.substr(0, test.find(' ')),
-                   test.substr(quote, test.rfind('\'') - quote)});
+  for (const Row& row : rowsOf("## The promises")) {
+    all.push_back(promiseOf(codeOf(row.at(1)), codeOf(row.at(2))));
+  }
+  return all;
+}
+
+// Those whose tests are all there is to them.
+std::vector<Promise> wholePromises() {
+  std::vector<Promise> all;
+  for (const Row& row : rowsOf("## Whole among the tests")) {
+    all.push_back(promiseOf("", codeOf(row.at(1))));
   }
   return all;
 }
@@ -110,7 +125,11 @@ TEST(ReliabilityPage, HasAPromiseForEachProof) {
 }
 
 TEST(ReliabilityPage, EachPromiseHasAShortFormAmongTheTests) {
-  for (const Promise& promise : promises()) {
+  std::vector<Promise> all = promises();
+  const std::vector<Promise> whole = wholePromises();
+  EXPECT_THAT(whole, SizeIs(1));
+  all.insert(all.end(), whole.begin(), whole.end());
+  for (const Promise& promise : all) {
     ASSERT_THAT(kProvingPrograms, Contains(promise.program));
     if (!isBuilt(promise.program)) continue;
     for (const std::string& filter : partsOf(promise.filter)) {
@@ -122,9 +141,7 @@ TEST(ReliabilityPage, EachPromiseHasAShortFormAmongTheTests) {
 
 TEST(ReliabilityPage, EachPromiseOfAnotherBuildIsAStepOfAll) {
   std::set<std::string> promised;
-  const std::vector<Row> rows =
-      tableRows(section(readSource("docs/reliability.md"), "## In other builds"));
-  for (const Row& row : rows) promised.insert(codeOf(row.at(1)));
+  for (const Row& row : rowsOf("## In other builds")) promised.insert(codeOf(row.at(1)));
   EXPECT_THAT(promised, SizeIs(5));
   const std::string all = "tools/check-all";
   const test::Ended steps = test::runProgram({KELVANE_SOURCES + all, "steps"}, KELVANE_SOURCES);
