@@ -151,12 +151,19 @@ Value valueOf(plist_t node) {
   }
 }
 
-List parse(std::string_view bytes) {
+List parseAsItIs(std::string_view bytes) {
   if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return nullptr;
   if (!isWithinLimits(bytes)) return nullptr;
   plist_t list = nullptr;
   ::plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &list);
   return List(list);
+}
+
+List parse(std::string_view bytes) {
+  List list = parseAsItIs(bytes);
+  if (list != nullptr) return list;
+  const std::optional<std::string> changed = withEmptyTextsAsAscii(bytes);
+  return changed ? parseAsItIs(*changed) : nullptr;
 }
 
 // Whether some text of the list holds a NUL character. The library ends the process when it is

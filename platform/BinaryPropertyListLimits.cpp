@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/PropertyList.h"
@@ -17,6 +19,9 @@ constexpr std::uint64_t kIndentation = 4;
 // A list whose objects are shared by many takes this much more than one without.
 constexpr std::uint64_t kMostShared = std::uint64_t{1} << 20U;
 
+constexpr unsigned kUtf16Text = 0x6;
+constexpr char kEmptyAsciiText = '\x50';
+
 // The objects of a binary list, as far as they refer to one another.
 class BinaryList {
  public:
@@ -26,6 +31,20 @@ class BinaryList {
     if (!readTrailer()) return false;
     objects_.resize(static_cast<std::size_t>(count_));
     return walk();
+  }
+
+  // Of a list that is within the limits. One byte, an empty text, comes before the table, and the
+  // table leads to it: objects may share their bytes, so that none is written over.
+  std::optional<std::string> withEmptyTextsAsAscii() const {
+    const bool hasRoom = offsetSize_ == 8 || table_ >> (8 * offsetSize_) == 0;
+    if (emptyTexts_.empty() || !hasRoom) return std::nullopt;
+    std::string changed(bytes_);
+    for (const std::uint64_t object : emptyTexts_) {
+      setNumber(changed, table_ + object * offsetSize_, offsetSize_, table_);
+    }
+    setNumber(changed, bytes_.size() - 8, 8, table_ + 1);
+    changed.insert(static_cast<std::size_t>(table_), 1, kEmptyAsciiText);
+    return changed;
   }
 
  private:
@@ -49,6 +68,13 @@ class BinaryList {
           value << 8U | static_cast<unsigned char>(bytes_[static_cast<std::size_t>(position + i)]);
     }
     return value;
+  }
+
+  static void setNumber(std::string& bytes, std::uint64_t position, std::uint64_t size,
+                        std::uint64_t value) {
+    for (std::uint64_t i = size; i > 0; --i, value >>= 8U) {
+      bytes[static_cast<std::size_t>(position + i - 1)] = static_cast<char>(value & 0xFFU);
+    }
   }
 
   bool readTrailer() {
@@ -80,6 +106,7 @@ class BinaryList {
     if (!isPlainInteger(marker, start)) return false;
     const std::uint64_t size = count * elementSize(marker);
     if (size > table_ - start) return false;
+    if (marker >> 4U == kUtf16Text && count == 0) emptyTexts_.push_back(object);
     const bool refers = isContainer(marker);
     path_.push_back({object, start, refers ? start + size : start});
     at(object).height = refers ? 1 : 0;
@@ -96,7 +123,7 @@ class BinaryList {
   // Containers, data and texts.
   static bool isCounted(unsigned marker) {
     const unsigned kind = marker >> 4U;
-    return isContainer(marker) || kind == 0x4 || kind == 0x5 || kind == 0x6;
+    return isContainer(marker) || kind == 0x4 || kind == 0x5 || kind == kUtf16Text;
   }
   std::uint64_t elementSize(unsigned marker) const {
     switch (marker >> 4U) {
@@ -105,8 +132,8 @@ class BinaryList {
         return referenceSize_;
       case 0xD:
         return 2 * referenceSize_;
-      case 0x6:
-        return 2;  // UTF-16
+      case kUtf16Text:
+        return 2;
       default:
         return 1;
     }
@@ -182,11 +209,17 @@ class BinaryList {
   std::uint64_t table_ = 0;
   std::uint64_t seen_ = 0;
   std::vector<Object> objects_;
+  std::vector<std::uint64_t> emptyTexts_;  // of those that are marked as UTF-16
   std::vector<Visit> path_;
 };
 
 }  // namespace
 
 bool isWithinLimits(std::string_view bytes) { return BinaryList(bytes).isWithinLimits(); }
+
+std::optional<std::string> withEmptyTextsAsAscii(std::string_view bytes) {
+  BinaryList list(bytes);
+  return list.isWithinLimits() ? list.withEmptyTextsAsAscii() : std::nullopt;
+}
 
 }  // namespace kelvane::platform

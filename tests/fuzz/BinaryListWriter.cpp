@@ -130,10 +130,8 @@ class BinaryWriter {
     return marker(kind, 0xF) + marker(0x1, room) + bigEndian(count, 1U << room);
   }
 
-  // An empty one is always of bytes.
   std::string text(const std::string& text) {
-    if (text.empty() || (isAscii(text) && style_.pick(4) != 1))
-      return counted(0x5, text.size()) + text;
+    if (isAscii(text) && style_.pick(4) != 1) return counted(0x5, text.size()) + text;
     const std::string units = utf16Of(text);
     return counted(0x6, units.size() / 2) + units;
   }

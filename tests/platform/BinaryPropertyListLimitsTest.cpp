@@ -161,6 +161,29 @@ TEST(BinaryPropertyListLimits, ReferencesAreToObjectsThatThereAre) {
   EXPECT_FALSE(isWithin({.objects = {"\xA1\xFF", kTrue}}));
 }
 
+TEST(BinaryPropertyListLimits, EmptyTextsOfUtf16AreLedToOneOfAscii) {
+  const List list = {.objects = {{'\xD1', 1, 2}, "\x60", {'\x6F', '\x10', '\0'}}, .offsetSize = 2};
+  const std::uint64_t table = 8 + 3 + 1 + 3;
+  List changed = list;
+  changed.objects[2] += "\x50";
+  changed.positions = {8, table, table};
+  EXPECT_EQ(withEmptyTextsAsAscii(list.bytes()), changed.bytes());
+}
+
+TEST(BinaryPropertyListLimits, WithoutEmptyTextsOfUtf16NothingIsToBeChanged) {
+  for (const char* text : {"\x50", "\x61xy", "\x40"}) {
+    EXPECT_EQ(withEmptyTextsAsAscii(List{.objects = {text}}.bytes()), std::nullopt);
+  }
+  EXPECT_EQ(withEmptyTextsAsAscii(List{.objects = {{'\xA1', 2}, "\x60"}}.bytes()), std::nullopt);
+}
+
+TEST(BinaryPropertyListLimits, AnEmptyTextHasToBeWithinReachOfTheTable) {
+  List list = {.objects = {"\x60"}, .offsetSize = 1, .filling = 255 - 9};
+  EXPECT_NE(withEmptyTextsAsAscii(list.bytes()), std::nullopt);
+  ++list.filling;
+  EXPECT_EQ(withEmptyTextsAsAscii(list.bytes()), std::nullopt);
+}
+
 TEST(BinaryPropertyListLimits, SetsReferAsArraysDo) {
   EXPECT_FALSE(isWithin({.objects = {{'\xC1', 0}}}));
   EXPECT_FALSE(isWithin({.objects = {{'\xC1', 1}}}));

@@ -381,6 +381,27 @@ TEST_F(PropertyList, ReferencesAndCountsOutsideTheListAreDamage) {
   EXPECT_TRUE(read(binaryOf({kOneEntry, "Qa", "\xAF"})).isNothing());
 }
 
+TEST_F(PropertyList, ATextWithoutCharactersIsReadHoweverItIsMarked) {
+  const std::string wideWithACountOfItsOwn = {'\x6F', '\x10', '\0'};
+  for (const std::string& empty : {std::string("P"), std::string("`"), wideWithACountOfItsOwn}) {
+    EXPECT_EQ(read(binaryOf({kOneEntry, "Qa", empty})), Value::dictionary({{"a", ""}}));
+    EXPECT_EQ(read(binaryOf({kOneEntry, empty, "Qa"})), Value::dictionary({{"", "a"}}));
+  }
+}
+
+// It stands in the dictionary's own reference to it.
+TEST_F(PropertyList, ATextWithoutCharactersInsideAnotherObjectLeavesThatAsItIs) {
+  constexpr std::size_t kNumber = 0x60;
+  std::vector<std::string> objects(kNumber + 1, "\x09");
+  objects[0] = {'\xD1', 1, kNumber};
+  objects[1] = "Qa";
+  std::string bytes = binaryOf(objects);
+  const std::size_t table = bytes.size() - 32 - 8 * objects.size();
+  const std::string start = "bplist00";
+  bytes.replace(table + 8 * kNumber, 8, eight(start.size() + 2));
+  EXPECT_EQ(read(bytes), Value::dictionary({{"a", ""}}));
+}
+
 TEST_F(PropertyList, ACountOfItsOwnIsRead) {
   const Value found = read(binaryOf({kOneEntry, "Qa", "\xAF\x10\x10" + std::string(16, '\x01')}));
   EXPECT_EQ(found.get("a").count(), 16U);
