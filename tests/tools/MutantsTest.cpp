@@ -1,4 +1,4 @@
-// The mistakes that tools/mutate can make in the sources as they are.
+// The mistakes that tools/mutate can make in the sources as they are, and what it says of them.
 
 #include <gtest/gtest.h>
 
@@ -16,6 +16,13 @@ TEST(Mutate, NumbersAllMistakesAndFindsThoseThatHaveAReason) {
   ASSERT_GT(mistakes.size(), 3000U);
   EXPECT_TRUE(mistakes.back().starts_with("#" + std::to_string(mistakes.size()) + " platform/"))
       << mistakes.back();
+}
+
+TEST(Mutate, TellsWhatBecameOfThem) {
+  const test::TempFolder folder;
+  const test::Ended ended =
+      test::runProgram({KELVANE_PYTHON, KELVANE_TOOLS_TESTS "/mutate_test.py"}, folder.path());
+  EXPECT_EQ(ended.exitStatus, 0) << ended.err;
 }
 
 }  // namespace

@@ -4,4 +4,6 @@ import sys
 from pathlib import Path
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
+PROJECT = Path(__file__).resolve().parents[2]
+TOOLS = PROJECT / "tools"
+sys.path.insert(0, str(TOOLS))
