@@ -94,7 +94,8 @@ bool hasWwnAt(const std::string& text, std::size_t begin) {
                                isDigitOf(16, text[begin - 3]) &&
                                (begin == 3 || !isDigitOf(16, text[begin - 4]));
     if (hasPairBefore || (isSigned && isStandIn(text, begin - 2))) continue;
-    const std::size_t behind = begin + 3 * std::size_t{8} - 1;
+    constexpr std::size_t kEightPairs = 8 * 2 + 7;  // with the signs between them
+    const std::size_t behind = begin + kEightPairs;
     if (pairsAt(text, begin, sign) != 8 || isStandIn(text, behind)) continue;
     if (!(behind < text.size() && text[behind] == sign && isStandIn(text, behind + 1))) return true;
   }

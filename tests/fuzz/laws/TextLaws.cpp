@@ -28,7 +28,8 @@ Placeholder takePlaceholder(std::string_view& format) {
   Placeholder taken;
   format.remove_prefix(1);
   const auto next = [&format] { return format.empty() ? '\0' : format.front(); };
-  const bool isBare = next() < '1' || next() > '9';
+  const char first = next();
+  const bool isBare = first < '1' || first > '9';
   while (next() >= (taken.width == 0 ? '1' : '0') && next() <= '9') {
     taken.width = 10 * taken.width + static_cast<std::size_t>(next() - '0');
     format.remove_prefix(1);

@@ -85,9 +85,13 @@ void hideHome(const std::string& user, const std::string& text) {
     redaction.learn(folder);
     if (isSecretName(user)) requireHidden(user, redaction.applied(text + " " + user));
   }
+  // A longer path is no secret as a whole.
+  constexpr std::size_t kLongestHome = 255;
+  const std::string home = "/data/" + user;
+  if (home.size() > kLongestHome) return;
   Redaction redaction;
-  redaction.addHome("/data/" + user);
-  requireReplaced("in ", "/x", redaction.applied("in /data/" + user + "/x"));
+  redaction.addHome(home);
+  requireReplaced("in ", "/x", redaction.applied("in " + home + "/x"));
 }
 
 // --- a WWN that is known

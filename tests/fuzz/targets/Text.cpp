@@ -108,7 +108,7 @@ std::string lineBy(const Caller& caller, const std::string& format,
   return disk.bytesOf("/log").value_or("(gone)");
 }
 
-std::string asC(const std::string& text) { return text.c_str(); }
+std::string asC(const std::string& text) { return text.substr(0, text.find('\0')); }
 
 // What the arguments hold serves for the caller as well.
 Caller callerOf(int level, const std::vector<Argument>& all) {
@@ -156,8 +156,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::requireShown(one.value, platform::format("%@", one.value));
   }
   const fuzz::Caller caller = fuzz::callerOf(level, all);
-  const std::string asC = format.c_str();
-  fuzz::requireLine(caller, fuzz::filled(asC, arguments), fuzz::lineBy(caller, asC, arguments));
+  const std::string cText = fuzz::asC(format);
+  fuzz::requireLine(caller, fuzz::filled(cText, arguments), fuzz::lineBy(caller, cText, arguments));
   fuzz::trySwitches(level);
   return 0;
 }
