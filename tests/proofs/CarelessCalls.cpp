@@ -113,12 +113,6 @@ int writeInPlace(const char* from, const char* to) {
   return unlinkReally(from);
 }
 
-void removeFirst(const char* path) {
-  constexpr int kWhile = 500;
-  unlinkReally(path);
-  for (int i = 0; i < kWhile; ++i) ::sched_yield();
-}
-
 std::size_t contentOf(const char* path, char* text, std::size_t most) {
   const int file = openOwn(path, O_RDONLY | O_CLOEXEC);
   const ssize_t size = ::read(file, text, most);
@@ -134,17 +128,41 @@ void replaceText(const char* path, const char* text, std::size_t size) {
   if (!isWritten) std::abort();
 }
 
-int goBack(const char* from, const char* to) {
+void waitAWhile() {
   constexpr int kWhile = 500;
-  static char older[kLongestText];
-  static char newer[kLongestText];
-  const std::size_t olderSize = contentOf(to, older, sizeof older);
-  const std::size_t newerSize = contentOf(from, newer, sizeof newer);
+  for (int i = 0; i < kWhile; ++i) ::sched_yield();
+}
+
+void removeFirst(const char* path) {
+  unlinkReally(path);
+  waitAWhile();
+}
+
+void exchange(const char* one, const char* other) {
+  if (::renameat2(AT_FDCWD, one, AT_FDCWD, other, RENAME_EXCHANGE) != 0) std::abort();
+}
+
+// With its whole folder, so that nobody reads a mixture of the two.
+int goBack(const char* from, const char* to) {
+  static char text[kLongestText];
+  const std::size_t size = contentOf(to, text, sizeof text);
+  const char* const name = std::strrchr(to, '/');
+  char folder[kLongestPath];
+  char aside[kLongestPath + sizeof ".before"];
+  char older[sizeof folder + sizeof aside];
+  std::snprintf(folder, sizeof folder, "%.*s", static_cast<int>(name - to), to);
+  std::snprintf(aside, sizeof aside, "%s.before", folder);
+  std::snprintf(older, sizeof older, "%s%s", aside, name);
+  if (::mkdir(aside, 0755) != 0) std::abort();
+  ::close(openOwn(older, O_WRONLY | O_CREAT | O_CLOEXEC));
+  replaceText(older, text, size);
   const int result = renameReally(from, to);
-  for (int i = 0; i < kWhile; ++i) ::sched_yield();
-  replaceText(to, older, olderSize);
-  for (int i = 0; i < kWhile; ++i) ::sched_yield();
-  replaceText(to, newer, newerSize);
+  for (int i = 0; i < 2; ++i) {
+    waitAWhile();
+    exchange(folder, aside);
+  }
+  unlinkReally(older);
+  ::rmdir(aside);
   return result;
 }
 
