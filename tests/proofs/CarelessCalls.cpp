@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string_view>
 #include <utility>
 
@@ -128,9 +129,20 @@ void replaceText(const char* path, const char* text, std::size_t size) {
   if (!isWritten) std::abort();
 }
 
+// Of the clock that only goes forward.
+long long nanosecondsNow() {
+  timespec now = {};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
+}
+
+// Whoever reads has a turn: on an idle machine many, on a busy one before all others have had many.
 void waitAWhile() {
-  constexpr int kWhile = 500;
-  for (int i = 0; i < kWhile; ++i) ::sched_yield();
+  constexpr long long kWhile = 1'000'000;
+  const long long begin = nanosecondsNow();
+  do {
+    ::sched_yield();
+  } while (nanosecondsNow() - begin < kWhile);
 }
 
 void removeFirst(const char* path) {
