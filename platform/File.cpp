@@ -178,7 +178,7 @@ bool renamePath(const std::string& from, const std::string& to) {
 }
 
 bool movePath(const std::string& from, const std::string& to) {
-  errno = 0;
+  // A path that cannot be renamed as it is none cannot be copied either, whatever errno was.
   return renamePath(from, to) || (errno == EXDEV && copyTree(from, to) && removeTree(from));
 }
 

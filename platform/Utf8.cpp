@@ -45,7 +45,7 @@ std::size_t sequenceLength(std::string_view bytes, std::size_t start) {
 // Where the first character stands that is not ASCII; most text is nothing else, so that blocks are
 // looked at first.
 std::size_t skipAscii(std::string_view bytes, std::size_t start) {
-  std::array<std::uint64_t, 8> block;
+  std::array<std::uint64_t, 8> block = {};
   for (; bytes.size() - start >= sizeof block; start += sizeof block) {
     std::memcpy(block.data(), bytes.data() + start, sizeof block);
     std::uint64_t all = 0;

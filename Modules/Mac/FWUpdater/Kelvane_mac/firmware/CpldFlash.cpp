@@ -46,7 +46,8 @@ class CpldFlash {
     CPLD_LOG("devId = %d, filePath = %@", static_cast<std::int32_t>(devId_),
              progress_.get(job::kFilePath));
     status_ = zr_initializeCPLDProcess(address_, 0);
-    if (status_ == 0 && startFlash(records)) poll();
+    if (status_ == 0) startFlash(records);
+    poll();
     // The closing call's status is the method's result, not the flash's: meant so.
     status_ = zr_finalizeCPLDProcess(address_, 0);
     CPLD_LOG("flashCPLD end");
@@ -55,30 +56,30 @@ class CpldFlash {
   std::uint32_t status() const { return status_; }
 
  private:
-  // Whether there is a running flash to poll.
-  bool startFlash(const Records& records) {
+  // The status is that of success where there is a running flash to poll.
+  void startFlash(const Records& records) {
     status_ =
         zr_flashCPLDBin(address_, 0, records.flash, 0, records.usb, records.cpld, records.image);
     if (status_ == kZorCpldFlashAccepted) status_ = kZorSuccess;
     if (status_ == kZorSuccess) {
       CPLD_LOG("Start transferring CPLD image, please wait ...");
       CPLD_LOG("Start flashing CPLD, please wait ...");
-      return true;
+      return;
     }
     if (status_ == kZorFlashProcessRunning) {
       CPLD_LOG("There is another flash process running.");
-      return false;
+      return;
     }
     const char* description = getErrorDescription(status_);
     if (description != nullptr && std::strcmp(description, ZOR_TEXT_CPLD_UP_TO_DATE) == 0) {
       CPLD_LOG("the version of CPLD is up to date");
       publish(100, 50);
     }
-    return false;
   }
 
-  // Polls without a limit, until the CPLD is done, an error status byte, or a progress call that
-  // failed one poll earlier: what that one left in the record is still looked at.
+  // Polls what was started, without a limit, until the CPLD is done, an error status byte, or a
+  // progress call that failed one poll earlier: what that one left in the record is still looked
+  // at.
   void poll() {
     while (status_ == 0) {
       status_ = zr_getCPLDProgress(address_, 0, &record_);

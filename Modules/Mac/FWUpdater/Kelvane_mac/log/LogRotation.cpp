@@ -50,8 +50,8 @@ Value fileRename(const Value& path, unsigned long n) {
 void renameFile(const Value& path) {
   if (!path.isString()) return;
   const std::string& file = path.string();
-  if (!platform::exists(file) || platform::isFolder(file)) return;
-  if (platform::fileSize(file) < logging::kRotatedFrom) return;
+  // Of what is not there the size is 0.
+  if (platform::isFolder(file) || platform::fileSize(file) < logging::kRotatedFrom) return;
   for (unsigned long n = 1; n <= logging::kGenerations; ++n) {
     const std::string generation = fileRename(path, n).string();
     // Where no name could be built there is none to move to, and emptying the file would lose it.

@@ -45,23 +45,17 @@ struct Copy {
   std::string path;
 };
 
-// The copies that could be made. What stood in their places is gone, also where the copy failed.
-std::vector<Copy> stageEntries(const Value& source, const Value& target) {
-  std::vector<Copy> copies;
-  try {
-    int index = 0;
-    for (const std::string& name : platform::listFolder(source.string())) {
-      KELVANE_LOG("syncFiles:withTarget:", "dirs %d = %@", index++, name);
-      if (name.rfind('.', 0) == 0) continue;
-      const std::string to = target.string() + "/" + name;
-      if (platform::exists(to)) platform::discardTree(to);
-      const auto staged = platform::stageCopy(source.string() + "/" + name, to);
-      if (staged) copies.push_back({*staged, to});
-    }
-  } catch (const std::exception& caught) {
-    KELVANE_LOG_CAUGHT("syncFiles:withTarget:", caught);
+// Adds the copies that could be made. What stood in their places is gone, also where one failed.
+void stageEntries(const Value& source, const Value& target, std::vector<Copy>& copies) {
+  int index = 0;
+  for (const std::string& name : platform::listFolder(source.string())) {
+    KELVANE_LOG("syncFiles:withTarget:", "dirs %d = %@", index++, name);
+    if (name.starts_with('.')) continue;
+    const std::string to = target.string() + "/" + name;
+    if (platform::exists(to)) platform::discardTree(to);
+    const auto staged = platform::stageCopy(source.string() + "/" + name, to);
+    if (staged) copies.push_back({*staged, to});
   }
-  return copies;
 }
 
 // Everything lasts before any of it is seen, and is seen to last before the source may go.
@@ -88,11 +82,16 @@ void Kelvane::createTmpFolder(const Value& path) {
 }
 
 void Kelvane::syncFiles(const Value& source, const Value& target) {
-  try {
-    publish(stageEntries(source, target), target);
-  } catch (const std::exception& caught) {
-    KELVANE_LOG_CAUGHT("syncFiles:withTarget:", caught);
-  }
+  const auto attempt = [](const auto& act) {
+    try {
+      act();
+    } catch (const std::exception& caught) {
+      KELVANE_LOG_CAUGHT("syncFiles:withTarget:", caught);
+    }
+  };
+  std::vector<Copy> copies;
+  attempt([&] { stageEntries(source, target, copies); });
+  attempt([&] { publish(copies, target); });  // what could be copied before one raised, too
 }
 
 Value Kelvane::syncDownloadFiles(const Value& record) {

@@ -35,14 +35,13 @@ Value Kelvane::updateSW(const Value& record) {
     ChildProcess remover(kRemover, removal);
     KELVANE_LOG("updateSW:", "result = %@", remover.readOutput().text());
     remover.terminate();
-    ChildProcess copier(kCopier, copy);
+    ChildProcess copier(kCopier, copy);  // told to end, and its pipe closed, behind "FREE"
     KELVANE_LOG("updateSW:", "result = %@", copier.readOutput().text());
     // Before "FREE": after that nobody would copy it again.
     if (installed.isString()) platform::synchroniseTree(installed.string());
 
     Value stored = readJSONFileDict(record).asDictionary();
     finishJob(stored, {});
-    copier.terminate();
   } catch (const std::exception& caught) {
     KELVANE_LOG_CAUGHT("updateSW:", caught);
   }
