@@ -27,6 +27,13 @@ TEST_F(Start, WithoutAnArgumentItSaysSoAndExitsWithZero) {
   EXPECT_EQ(log(), "");
 }
 
+// Where the arguments end the variables begin, and none of them is looked at.
+TEST_F(Start, WithoutAnArgumentNothingElseIsTakenForOne) {
+  folder.write("0=shared-utility/logs/TarselVistrelUtility.txt", "");
+  test::runProgram({"/usr/bin/env", "-i", "0=shared-", worker}, folder.path());
+  EXPECT_EQ(folder.read("0=shared-utility/logs/TarselVistrelUtility.txt"), "");
+}
+
 TEST_F(Start, WithoutASharedFolderItsFilesAreRelativeToTheCurrentFolder) {
   folder.write("utility/command/BGPLog.json", kUnknownCommand);
   folder.write("utility/logs/TarselVistrelUtility.txt", "");

@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/File.h"
 #include "tests/support/FullFile.h"
@@ -88,6 +90,21 @@ TEST_F(FileTree, MakesAllLevels) {
   std::string tooLong = folder / "deep";
   while (tooLong.size() < PATH_MAX) tooLong += "/deeper";
   EXPECT_FALSE(makeFolders(tooLong + "/deepest"));
+}
+
+TEST_F(FileTree, MakesTheLevelsRightBelowTheRoot) {
+  if (::geteuid() != 0) {  // only the super user may take another root folder, or change this one
+    EXPECT_FALSE(makeFolders("/made by nobody/below"));
+    return;
+  }
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::_exit(::chroot(folder.path().c_str()) == 0 && makeFolders("/a/b") ? 0 : 1);
+  }
+  int status = -1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(isFolder(folder / "a/b"));
 }
 
 TEST_F(FileTree, EveryLevelHasTheDefaultPermissions) {

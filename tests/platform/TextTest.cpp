@@ -234,6 +234,17 @@ TEST(Format, AReasonNamesThePlaceholder) {
   EXPECT_EQ(reasonOf([] { format("%ld", "x"); }).rfind("\"%ld\": ", 0), 0U);
 }
 
+TEST(Format, APlaceholderEndsWithTheFirstCharacterThatIsNoneOfItsFlagsAndSizes) {
+  const std::string flagsAndSizes = "0123456789.-+ #lhjzt";
+  for (char character = ' '; character <= '~'; ++character) {
+    if (character == '%') continue;
+    const std::string begin = std::string("%") + character;
+    const bool goesOn = flagsAndSizes.find(character) != std::string::npos;
+    EXPECT_EQ(reasonOf([&] { format(begin + "d"); }),
+              "no argument for \"" + begin + (goesOn ? "d" : "") + "\"");
+  }
+}
+
 TEST(Split, KeepsEmptyPieces) {
   EXPECT_EQ(split("/a//b/", '/'), Value::array({"", "a", "", "b", ""}));
   EXPECT_EQ(split("a", '/'), Value::array({"a"}));

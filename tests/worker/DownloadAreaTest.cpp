@@ -110,15 +110,17 @@ TEST_F(DownloadArea, SameNamedEntriesAreReplacedWholeAndOthersStay) {
 TEST_F(DownloadArea, EveryEntryHasItsLineAndHiddenOnesAreNotCopied) {
   folder.write("from/a", "");
   folder.write("from/.hidden", "");
+  folder.write("from/..twice", "");
   fs::create_directory(folder / "to");
   worker.syncFiles(folder / "from", folder / "to");
   EXPECT_EQ(folder.names("to"), Names{"a"});
   const auto lines = log();
-  ASSERT_EQ(lines.size(), 2U);
+  ASSERT_EQ(lines.size(), 3U);
   EXPECT_THAT(lines[0], StartsWith("syncFiles: dirs 0 = "));
   EXPECT_THAT(lines[1], StartsWith("syncFiles: dirs 1 = "));
-  EXPECT_THAT((Names{lines[0].substr(20), lines[1].substr(20)}),
-              UnorderedElementsAre("a", ".hidden"));
+  EXPECT_THAT(lines[2], StartsWith("syncFiles: dirs 2 = "));
+  EXPECT_THAT((Names{lines[0].substr(20), lines[1].substr(20), lines[2].substr(20)}),
+              UnorderedElementsAre("a", ".hidden", "..twice"));
 }
 
 TEST_F(DownloadArea, ASourceThatIsEmptyOrMissingChangesNothing) {

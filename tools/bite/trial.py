@@ -22,9 +22,10 @@ from bite.rooms import STAGES, targets  # noqa: E402
 _BUILDING = 900  # seconds
 _MEMORY = 4 << 30
 _OUTPUT = 64 << 10
-# What the tests that become another user, look at other processes or end them need.
+# What the tests that become another user, take another root folder, look at other processes or end
+# them need.
 _RIGHTS = ("CAP_SETUID", "CAP_SETGID", "CAP_DAC_OVERRIDE", "CAP_DAC_READ_SEARCH", "CAP_FOWNER",
-           "CAP_FSETID", "CAP_CHOWN", "CAP_KILL", "CAP_SYS_PTRACE")
+           "CAP_FSETID", "CAP_CHOWN", "CAP_KILL", "CAP_SYS_CHROOT", "CAP_SYS_PTRACE")
 
 
 def lay_over(tree, scratch):
