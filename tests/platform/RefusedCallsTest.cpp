@@ -132,16 +132,16 @@ TEST(Descriptor, IsItselfAfterAnAssignmentToItself) {
   EXPECT_TRUE(file.close());
 }
 
-TEST(Descriptor, ClosesAFileOfTheNumberZero) {
+TEST(Descriptor, KnowsAndClosesAFileOfTheNumberZero) {
   EXPECT_EXIT(
       {
         ::close(STDIN_FILENO);
-        int number = -1;
+        bool isZeroOpen = false;
         {
           const Descriptor file(::open("/dev/null", O_RDONLY));
-          number = file.number();
+          isZeroOpen = file.isOpen() && file.number() == 0;
         }
-        ::_exit(number == 0 && ::fcntl(0, F_GETFD) == -1 ? 7 : 1);
+        ::_exit(isZeroOpen && ::fcntl(0, F_GETFD) == -1 ? 7 : 1);
       },
       ::testing::ExitedWithCode(7), "");
 }
