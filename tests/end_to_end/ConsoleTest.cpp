@@ -82,7 +82,7 @@ TEST_F(ConsoleScreen, BarsIn40Columns) {
              "  cpld     -----------------------   0%", "  firmware -----------------------   0%",
              "  total    -----------------------   0%"}));
   EXPECT_THAT(joined(ascii, 9), HasSubstr("no worker is seen any more"));
-  EXPECT_EQ(watched({40, 24, true})[3], "  firmware ████████░░░░░░░░░░░░░░░  37%");
+  EXPECT_EQ(watched({40, 24, true}).at(3), "  firmware ████████░░░░░░░░░░░░░░░  37%");
 }
 
 TEST_F(ConsoleScreen, BarsIn80Columns) {
@@ -93,17 +93,17 @@ TEST_F(ConsoleScreen, BarsIn80Columns) {
       (Lines{"job 17: running, no worker",
              "5000A1B2C3D4E5F6  stopped      cpld ##### 100%  fw #----  37%  total ###--  68%",
              "5000A1B2C3D4E5F7  not started  cpld -----   0%  fw -----   0%  total -----   0%"}));
-  EXPECT_EQ(watched({80, 24, true})[1],
+  EXPECT_EQ(watched({80, 24, true}).at(1),
             "5000A1B2C3D4E5F6  stopped      cpld █████ 100%  fw █░░░░  37%  total ███░░  68%");
 }
 
 TEST_F(ConsoleScreen, BarsIn200Columns) {
   const Lines ascii = watched({200, 24, false});
   ASSERT_GE(ascii.size(), 3U);
-  EXPECT_EQ(ascii[2],
+  EXPECT_EQ(ascii.at(2),
             "5000A1B2C3D4E5F7  not started  cpld ------------------------------   0%  fw "
             "------------------------------   0%  total ------------------------------   0%");
-  EXPECT_THAT(watched({200, 24, true})[1], HasSubstr("fw ███████████░░░░░░░░░░░░░░░░░░░  37%"));
+  EXPECT_THAT(watched({200, 24, true}).at(1), HasSubstr("fw ███████████░░░░░░░░░░░░░░░░░░░  37%"));
 }
 
 TEST_F(ConsoleScreen, WorkerThatIsGoneHasAnExitStatusOfItsOwn) {
@@ -129,9 +129,9 @@ TEST_F(ConsoleScreen, ListIn40And80Columns) {
                    "    17  updateFW             RUN, no worker          5000A1B2C3D4E5F6 stopped",
                    "                                                     at 68%, 1 not started",
                    "    18  getOnlineUpdateData  FREE                 0  no error"}));
-  EXPECT_EQ(shown({"list", "--shared", "shared"}, {40, 24, true})[1], "Command  updateFW");
+  EXPECT_EQ(shown({"list", "--shared", "shared"}, {40, 24, true}).at(1), "Command  updateFW");
   EXPECT_EQ(
-      shown({"list", "--shared", "shared"}, {120, 24, true})[1],
+      shown({"list", "--shared", "shared"}, {120, 24, true}).at(1),
       "    17  updateFW             RUN, no worker          5000A1B2C3D4E5F6 stopped at 68%, 1 not "
       "started");
 }
@@ -162,7 +162,7 @@ TEST_F(ConsoleScreen, ColourOnlyWhereItIsWanted) {
 
 TEST_F(ConsoleScreen, DumbTerminalGetsPlainLines) {
   environment = {{"TERM", "dumb"}};
-  EXPECT_EQ(queried({80, 24, true})[0], "result 0: no error");
+  EXPECT_EQ(queried({80, 24, true}).at(0), "result 0: no error");
   EXPECT_THAT(output, ::testing::Not(HasSubstr("\x1b")));
 }
 

@@ -7,6 +7,7 @@
 
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "tests/support/Program.h"
@@ -97,6 +98,15 @@ class Screen {
   std::vector<Line> lines_;
 };
 
+// Else the terminal would throw away what is written at the moment of an interrupt, also what the
+// program says of it.
+void keepOutputThroughInterrupts() {
+  termios modes = {};
+  ::tcgetattr(STDIN_FILENO, &modes);
+  modes.c_lflag |= NOFLSH;
+  ::tcsetattr(STDIN_FILENO, TCSANOW, &modes);
+}
+
 }  // namespace
 
 PseudoTerminal::PseudoTerminal(const std::vector<std::string>& argv, const std::string& folder,
@@ -109,6 +119,7 @@ PseudoTerminal::PseudoTerminal(const std::vector<std::string>& argv, const std::
   program_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
   if (program_ < 0) throw std::runtime_error("no terminal for the program");
   if (program_ != 0) return;
+  keepOutputThroughInterrupts();
   std::signal(SIGINT, SIG_DFL);  // what runs the tests may ignore it
   ::setenv("TERM", "xterm", 1);
   ::setenv("LC_ALL", form.utf8 ? "C.UTF-8" : "C", 1);
