@@ -23,6 +23,18 @@ TEST(SystemClock, InterruptBeforeTheWaitEndsItAtOnce) {
       ::testing::ExitedWithCode(0), "");
 }
 
+// Else what is written to a terminal at that moment fails, and with it the console.
+TEST(SystemClock, AnInterruptDoesNotEndTheCallsThatAreUnderWay) {
+  EXPECT_EXIT(
+      {
+        const SystemClock clock;
+        struct sigaction action = {};
+        ::sigaction(SIGINT, nullptr, &action);
+        ::_exit((static_cast<unsigned>(action.sa_flags) & SA_RESTART) != 0 ? 7 : 1);
+      },
+      ::testing::ExitedWithCode(7), "");
+}
+
 TEST(SystemClock, WaitsWhereNobodyInterrupts) {
   SystemClock clock;
   EXPECT_TRUE(clock.wait(std::chrono::milliseconds(0)));
