@@ -6,6 +6,9 @@
 //   removes-first              a file is removed, and some time later another takes its place
 //   moves-in-pieces            of a folder that gets its name, the entries are moved one by one
 //   drops-others               the first of several records is left out of what is written
+//   changes-others             in another record a letter is another
+//   adds-blanks                behind the records stand blanks, as many as nobody can know
+//   stays-running              a job that is over is still running in what is written
 //   loses-the-log              what stood in a file is gone when something is to be added to it
 //   skips-files                no file is synchronised;
 //   skips-folders              no folder;
@@ -178,19 +181,30 @@ int goBack(const char* from, const char* to) {
   return result;
 }
 
-// "RUN" is gone from it. Not again where the renaming was interrupted.
-void leaveNoneRunning(const char* path) {
+// The first of these words becomes the other. Not again where the renaming was interrupted.
+void replaceWord(const char* path, std::string_view word, std::string_view other) {
   static char last[kLongestPath];
   if (std::strcmp(path, last) == 0) return;
   std::snprintf(last, sizeof last, "%s", path);
   static char text[kLongestText];
   const std::string_view whole(text, contentOf(path, text, sizeof text));
-  const std::size_t at = whole.find("\"RUN\"");
+  const std::size_t at = whole.find(word);
   if (at == std::string_view::npos) return;
-  static char changed[kLongestText + 1];
-  const int size = std::snprintf(changed, sizeof changed, "%.*s\"FREE\"%.*s", static_cast<int>(at),
-                                 text, static_cast<int>(whole.size() - at - 5), text + at + 5);
+  const std::string_view rest = whole.substr(at + word.size());
+  static char changed[kLongestText + 100];
+  const int size = std::snprintf(changed, sizeof changed, "%.*s%.*s%.*s", static_cast<int>(at),
+                                 text, static_cast<int>(other.size()), other.data(),
+                                 static_cast<int>(rest.size()), rest.data());
   replaceText(path, changed, static_cast<std::size_t>(size));
+}
+
+void addBlanks(const char* path) {
+  constexpr int kMost = 97;
+  const int file = openOwn(path, O_WRONLY | O_APPEND | O_CLOEXEC);
+  for (int i = ::getpid() % kMost; i >= 0; --i) {
+    if (::write(file, " ", 1) != 1) std::abort();
+  }
+  ::close(file);
 }
 
 // With so many calls in between that every fiftieth is among them.
@@ -318,7 +332,10 @@ int rename(const char* from, const char* to) noexcept {
     return makes("moves-in-pieces") ? moveInPieces(from, to) : renameReally(from, to);
   if (makes("drops-others")) dropFirstRecord(from);
   if (makes("removes-first")) removeFirst(to);
-  if (makes("never-waits")) leaveNoneRunning(from);
+  if (makes("changes-others")) replaceWord(from, "xx", "yx");
+  if (makes("adds-blanks")) addBlanks(from);
+  if (makes("never-waits")) replaceWord(from, "\"RUN\"", "\"FREE\"");
+  if (makes("stays-running")) replaceWord(from, "\"FREE\"", "\"RUN\"");
   if (makes("goes-back")) return goBack(from, to);
   const bool isInPlace =
       makes("writes-in-place") || (makes("overwrites-controllers") && endsWith(to, "/fleet.json"));

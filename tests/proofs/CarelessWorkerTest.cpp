@@ -70,6 +70,7 @@ constexpr Mistake kMistakes[] = {
     {"kills", "query", "leaves-a-file", " is left over", 50},
     {"kills", "query", "leaves-a-child", "sh outlived the worker", 50},
     {"kills", "download", "moves-in-pieces", " is not whole", 50},
+    {"kills", "query", "adds-blanks", "BGPLog.json had another version", 50},
     {"kills", "query-unbegun", "works-once", "the next worker leaves another outcome", 50},
     {"kills", "query-unbegun", "fails-the-next", "the next worker fails", 50},
     {"kills", "qvxf", "overwrites-controllers",
@@ -84,6 +85,7 @@ constexpr Mistake kMistakes[] = {
     {"calls", "query-unbegun", "crashes", "ended by Aborted", 13},
     {"calls", "query-unbegun", "tells-failures", "a write that failed is told", 13},
     {"calls", "query", "tells-failures", "the log is another", 11},
+    {"calls", "query-unbegun", "leaves-a-file", " is missing", 13},
     {"calls", "query-unbegun", "keeps-memory", "pieces of memory are not given back", 13},
     {"calls", "query", "never-waits", "a job that could not start its program is FREE", 13},
     {"memory", "query-unbegun", "writes-in-place", " is not the version put in place last", 13},
@@ -98,6 +100,7 @@ constexpr Mistake kMistakes[] = {
     {"power-loss", "query", "skips-files", " is neither old nor new"},
     {"power-loss", "query", "skips-folders", "has not replaced"},
     {"power-loss", "query", "loses-the-log", "the log has lost what it held"},
+    {"power-loss", "download", "moves-in-pieces", " is not whole", 10},
     {"power-loss", "download", "skips-trees", "the download is not there", 10},
     {"power-loss", "installation", "skips-trees", "the application is not there"},
     {"readings", "query", "writes-in-place", "a reader saw what is no version"},
@@ -105,6 +108,8 @@ constexpr Mistake kMistakes[] = {
     {"readings", "query", "removes-first", "the job file was not there"},
     {"consoles", "download", "drops-others", "two consoles and a worker: "},
     {"size", "query", "drops-others", "records are lost"},
+    {"size", "query", "changes-others", "the other record has changed"},
+    {"size", "query", "stays-running", "the job has not ended"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Proofs, CarelessWorker, ::testing::ValuesIn(kMistakes),

@@ -60,6 +60,9 @@ std::string faultOfVersion(const std::string& text) {
   for (const char* key : {"log_id", "job_id", "state_id", "input_parameters"}) {
     if (!records.at(0).has(key)) return std::string("a version of the job file lacks ") + key;
   }
+  // The schema takes a record in any other state for one that is not the worker's.
+  const Value& state = records.at(0).get("state_id");
+  if (state != Value("RUN") && state != Value("FREE")) return "a version has a state of its own";
   const Value whole = Value::array({completed(records.at(0))});
   const std::vector<std::string> violations = test::validateJobFile(*platform::printJson(whole));
   if (!violations.empty()) return violations.back();

@@ -7,15 +7,18 @@
 namespace kelvane::proofs {
 namespace {
 
+using platform::Value;
+
 std::string faultOf(const World& world, const std::string& padding) {
   const Command command = world.command();
   const test::Ended ended = test::runProgram(command.argv, command.folder, command.variables);
   if (ended.exitStatus != 0) return "exit status " + std::to_string(ended.exitStatus);
-  const platform::Value records = world.jobs();
+  const Value records = world.jobs();
   if (records.count() != 2) return "records are lost";
-  if (records.at(0).get("padding") != platform::Value(padding))
+  if (records.at(0) != Value::dictionary({{"log_id", "3"}, {"padding", padding}})) {
     return "the other record has changed";
-  const bool isFree = records.at(1).get("state_id") == platform::Value("FREE");
+  }
+  const bool isFree = records.at(1).get("state_id") == Value("FREE");
   return isFree ? "" : "the job has not ended";
 }
 
