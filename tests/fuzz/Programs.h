@@ -1,5 +1,5 @@
 // Child processes that are none: posix_spawn() and what goes with it are replaced for the whole
-// program (kWrappedCalls in CMakeLists.txt). Pipes are real, and so is all that the platform does
+// program (-Wl,--wrap in CMakeLists.txt). Pipes are real, and so is all that the platform does
 // with them.
 #pragma once
 

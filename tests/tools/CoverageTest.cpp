@@ -63,13 +63,14 @@ TEST_F(Coverage, FailsWhereASideOfABranchIsNotReached) {
   EXPECT_THAT(told.out, HasSubstr("not reached, without a reason: 1\n"));
 }
 
-TEST_F(Coverage, PassesALineThatHasItsReason) {
+TEST_F(Coverage, PassesALineThatHasItsReasonAndTellsBoth) {
   project.write("tools/bite/unreached.toml",
                 "[[unreached]]\nfile = 'platform/a.cpp'\nline = 'act();'\nwhat = 'line'\n"
                 "reason = 'It is the end.'\n");
   const Ended told = tell("0", "1");
   EXPECT_EQ(told.exitStatus, 0) << told.out << told.err;
   EXPECT_THAT(told.out, HasSubstr("1 not, with a reason"));
+  EXPECT_THAT(told.out, HasSubstr("  2: line   [act();]   It is the end.\n"));
 }
 
 }  // namespace
