@@ -5,14 +5,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/Exception.h"
-#include "platform/Json.h"
 #include "simulators/controllers/Controller.h"
 #include "tests/fuzz/Bytes.h"
 #include "tests/fuzz/Law.h"
 #include "tests/fuzz/MadeFleet.h"
 #include "tests/fuzz/MemoryDisk.h"
+#include "tests/fuzz/laws/FleetLaws.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -32,31 +33,21 @@ std::optional<Fleet> read() {
 
 // At moments that lie further and further apart.
 void play(const simulator::Timeline& timeline) {
-  bool isDone = false;
+  std::vector<simulator::Reading> readings;
   for (double second = 0; second < 1e12; second = second * 2 + 1) {
-    const simulator::Reading reading = timeline.at(second);
-    require(reading.percent <= 100, "no flash comes beyond its end");
-    require(!isDone || reading.done, "a flash that is done stays so");
-    isDone = reading.done;
+    readings.push_back(timeline.at(second));
   }
+  requireCourse(readings);
 }
 
 void flash(MemoryDisk& disk, const Fleet& before) {
-  const Value document = platform::parseJson(disk.bytesOf(kPath).value_or(""));
-  const std::string& wwn = before.controllers.front().wwn;
-  simulator::storeInFleet(kPath, wwn, simulator::kFirmwareKey, "9.9");
-  const auto after = read();
-  require(after && after->controllers.size() == before.controllers.size(),
-          "a fleet that was written is one", disk.bytesOf(kPath).value_or(""));
-  require(after->controllers.front().firmware == "9.9", "what was flashed is kept");
-  for (std::size_t i = 1; i < before.controllers.size(); ++i) {
-    require(after->controllers[i].firmware == before.controllers[i].firmware &&
-                after->controllers[i].wwn == before.controllers[i].wwn,
-            "the others stay as they are");
-  }
-  simulator::storeInFleet(kPath, wwn, simulator::kFirmwareKey, before.controllers.front().firmware);
-  require(platform::parseJson(disk.bytesOf(kPath).value_or("")) == document,
-          "all else in the file stays", disk.bytesOf(kPath).value_or(""));
+  const auto text = [&] { return disk.bytesOf(kPath).value_or(""); };
+  const std::string document = text();
+  const simulator::ControllerRecord& first = before.controllers.front();
+  simulator::storeInFleet(kPath, first.wwn, simulator::kFirmwareKey, "9.9");
+  requireFlashed(before, "9.9", read(), text());
+  simulator::storeInFleet(kPath, first.wwn, simulator::kFirmwareKey, first.firmware);
+  requireKept(document, text());
 }
 
 void playAll(MemoryDisk& disk, const Fleet& fleet) {

@@ -9,40 +9,20 @@
 #include <fmt/format.h>
 
 #include "tests/fuzz/Bytes.h"
-#include "tests/fuzz/Law.h"
+#include "tests/fuzz/laws/ImageLaws.h"
 
 namespace kelvane::fuzz {
 namespace {
 
 using simulator::Image;
 
-bool isSame(const std::optional<simulator::ImagePart>& one,
-            const std::optional<simulator::ImagePart>& other) {
-  if (!one || !other) return !one && !other;
-  return one->version == other->version && one->bytes == other->bytes;
-}
-
-bool isSame(const Image& one, const Image& other) {
-  return one.kind == other.kind && one.products == other.products &&
-         isSame(one.firmware, other.firmware) && isSame(one.cpld, other.cpld) &&
-         isSame(one.usb, other.usb);
-}
-
 void judge(const Image& image) {
-  require(simulator::isVersion(image.firmware.version), "a part has a version",
-          image.firmware.version);
-  require(!image.products.empty(), "an image fits something");
-  for (const std::string& product : image.products) {
-    require(simulator::isProduct(product), "an image fits products or families", product);
-    const auto number = static_cast<std::uint16_t>(std::stoul(product, nullptr, 16));
-    require(image.fits(product.size() == 4 ? static_cast<std::uint16_t>(number << 8U) : number),
-            "an image fits what it names", product);
-  }
+  requireSound(image);
+  requireFitting(image.products, [&](std::uint16_t product) { return image.fits(product); });
   std::string bytes = simulator::encodeImage(image);
-  const auto again = simulator::decodeImage(bytes);
-  require(again && isSame(image, *again), "an image that is written is read again");
+  requireReadAgain(image, simulator::decodeImage(bytes), bytes);
   bytes.back() = static_cast<char>(bytes.back() ^ 1);
-  require(!simulator::decodeImage(bytes), "a damaged image is none");
+  requireDamaged(simulator::decodeImage(bytes));
 }
 
 std::string word(std::size_t number) {
@@ -120,9 +100,8 @@ std::string imageFile(const Image& image) {
 
 void judgeMade(const Image& made) {
   const std::string file = imageFile(made);
-  const auto image = simulator::decodeImage(file);
-  require(image && isSame(made, *image), "a sound image is read as it was meant", file);
-  judge(*image);
+  requireReadAgain(made, simulator::decodeImage(file), file);
+  judge(made);
 }
 
 }  // namespace

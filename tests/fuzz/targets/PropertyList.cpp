@@ -3,7 +3,6 @@
 
 #include "platform/PropertyList.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,7 +17,7 @@
 #include "tests/fuzz/MadeList.h"
 #include "tests/fuzz/Selection.h"
 #include "tests/fuzz/WorkerInMemory.h"
-#include "tests/support/PlainUtf8.h"
+#include "tests/fuzz/laws/ListLaws.h"
 
 namespace kelvane::fuzz {
 namespace {
@@ -27,59 +26,6 @@ using platform::Value;
 
 constexpr char kFolder[] = "/dl";
 constexpr char kCatalogue[] = "/dl/catalogue.plist";
-
-// Whether JSON has a form for it.
-bool isWritable(const Value& value) {
-  switch (value.kind()) {
-    case Value::Kind::data:
-    case Value::Kind::date:
-      return false;
-    case Value::Kind::number:
-      return value.digits().find_first_of("in") == std::string::npos;  // "inf", "nan"
-    case Value::Kind::array:
-      for (const Value& element : value.elements()) {
-        if (!isWritable(element)) return false;
-      }
-      return true;
-    case Value::Kind::dictionary:
-      for (const auto& [key, inner] : value.entries()) {
-        if (!isWritable(inner)) return false;
-      }
-      return true;
-    default:
-      return true;
-  }
-}
-
-void judgeList(const Value& list) {
-  require(list.isDictionary(), "the root is a dictionary");
-  const std::string shown = platform::describe(list);
-  require(test::isPlainUtf8(shown), "what is shown is UTF-8", shown);
-  // As a catalogue's rules become the output of a record of the job file.
-  const auto text = platform::printJson(list);
-  require(text.has_value() == isWritable(list), "what JSON has a form for is written", shown);
-  if (text) require(platform::parseJson(*text) == list, "what is written is read again", *text);
-}
-
-// A rule of the catalogue, or none.
-bool isFrom(const Value& chosen, const Value& rules) {
-  const auto& all = rules.elements();
-  return chosen.entries().empty() || std::find(all.begin(), all.end(), chosen) != all.end();
-}
-
-void judgeChoice(const Value& chosen, const Value& rules, const std::string& product) {
-  const Choice choice = chosenRule(plainRules(rules), product, "sw", test::FakeHost().version);
-  const std::string told = product + "\n" + platform::describe(chosen);
-  if (choice.kind == Choice::Kind::untold) {
-    require(isFrom(chosen, rules), "a rule of the catalogue is chosen", told);
-  } else if (choice.kind == Choice::Kind::one) {
-    require(chosen == rules.at(choice.rule), "the rule that applies to the product is chosen",
-            told);
-  } else {
-    require(chosen == Value::dictionary(), "where no rule applies to a product none is chosen",
-            told);
-  }
-}
 
 Value askedFor(const std::string& product) {
   return Value::dictionary(
@@ -110,7 +56,9 @@ void choose(const std::string& bytes, const Value& catalogue) {
   for (const std::string& product : products) {
     all.append(askedFor(product));
     chosen.append(worker.getUpdateEngineDataInDownloadFolder(askedFor(product)));
-    judgeChoice(chosen.at(chosen.count() - 1), catalogue.get(catalogue::kRules), product);
+    const Value& rules = catalogue.get(catalogue::kRules);
+    requireChosen(chosenRule(plainRules(rules), product, "sw", test::FakeHost().version), rules,
+                  product, chosen.at(chosen.count() - 1));
   }
   const auto paths =
       describedPaths(products, plainRules(chosen), kFolder,
@@ -125,13 +73,8 @@ void choose(const std::string& bytes, const Value& catalogue) {
 }
 
 void judgeWritten(const Value& made, const std::string& bytes) {
-  const Value read = platform::parsePropertyList(bytes);
-  if (depthOfList(made) > platform::kPropertyListDepthLimit) {
-    require(read.isNothing(), "what is too deep is not read");
-    return;
-  }
-  require(read == made, "a list is read as it was meant",
-          platform::describe(made) + "\n" + platform::describe(read) + "\n" + bytes);
+  requireReadList(made, depthOfList(made) > platform::kPropertyListDepthLimit,
+                  platform::parsePropertyList(bytes), bytes);
 }
 
 // What was made of the bytes, written in both forms.
@@ -147,7 +90,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kelvane;
   const std::string bytes = fuzz::Bytes(data, size).rest();
   const platform::Value list = platform::parsePropertyList(bytes);
-  if (!list.isNothing()) fuzz::judgeList(list);
+  if (!list.isNothing()) {
+    fuzz::requireList(list, platform::describe(list), platform::printJson(list));
+  }
   if (list.has(catalogue::kRules)) fuzz::choose(bytes, list);
 
   fuzz::Bytes listBytes(data, size);
