@@ -24,7 +24,7 @@ bool isSame(const Image& one, const Image& other) {
 void requireSound(const Image& image) {
   for (const std::optional<ImagePart>& part :
        {std::optional(image.firmware), image.cpld, image.usb}) {
-    require(!part || simulator::isVersion(part->version), "a part has a version");
+    if (part) require(simulator::isVersion(part->version), "a part has a version", part->version);
   }
   require(!image.products.empty(), "an image fits something");
   for (const std::string& product : image.products) {

@@ -14,8 +14,8 @@ namespace kelvane::fuzz {
 void requireList(const platform::Value& list, const std::string& shown,
                  const std::optional<std::string>& text);
 
-// A list that was written to `bytes`, and what was read of them; nothing has to be read of one that
-// is too deep.
+// A list that was written to `bytes`, and what was read of them, which is nothing where the list is
+// too deep.
 void requireReadList(const platform::Value& made, bool isTooDeep, const platform::Value& read,
                      const std::string& bytes);
 
